@@ -1,0 +1,50 @@
+# How everything here is compiled.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+
+# The inner loops over pixels rely on the vectoriser, which GCC 12 runs in full at -O3 only.
+set(CMAKE_CXX_FLAGS_RELEASE "-O3 -DNDEBUG")
+
+find_program(CCACHE ccache)
+if(CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    set(CMAKE_C_COMPILER_LAUNCHER "${CCACHE}")
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE}")
+endif()
+
+add_library(vellumine_options INTERFACE)
+target_compile_options(vellumine_options INTERFACE
+    -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
+    -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wformat=2 -Wimplicit-fallthrough)
+target_include_directories(vellumine_options INTERFACE "${CMAKE_SOURCE_DIR}/src")
+
+if(VELLUMINE_SANITIZE)
+    add_compile_options(-fsanitize=${VELLUMINE_SANITIZE} -fno-omit-frame-pointer
+        -fno-sanitize-recover=all -O1)
+    add_link_options(-fsanitize=${VELLUMINE_SANITIZE})
+endif()
+if(VELLUMINE_FUZZ)
+    add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
+# vellumine_library(NAME [DEPENDS target...] [PRIVATE target...] [SUBFOLDERS])
+# A static library of every .cpp file below the folder that calls it.
+function(vellumine_library name)
+    cmake_parse_arguments(ARG "" "" "DEPENDS;PRIVATE" ${ARGN})
+    file(GLOB_RECURSE sources CONFIGURE_DEPENDS *.cpp *.h)
+    add_library(vellumine_${name} STATIC ${sources})
+    add_library(vellumine::${name} ALIAS vellumine_${name})
+    target_link_libraries(vellumine_${name}
+        PUBLIC ${ARG_DEPENDS}
+        PRIVATE vellumine_options ${ARG_PRIVATE})
+    target_include_directories(vellumine_${name} PUBLIC "${CMAKE_SOURCE_DIR}/src")
+    if(ARG_DEPENDS MATCHES "Qt6|core|pipeline|batch" OR ARG_PRIVATE MATCHES "Qt6")
+        target_compile_definitions(vellumine_${name}
+            PRIVATE QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING)
+    endif()
+endfunction()

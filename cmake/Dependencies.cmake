@@ -1,0 +1,16 @@
+# What is installed and linked, found in one place.
+
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+
+pkg_check_modules(jpeg REQUIRED IMPORTED_TARGET libjpeg)
+pkg_check_modules(png REQUIRED IMPORTED_TARGET libpng)
+pkg_check_modules(tiff REQUIRED IMPORTED_TARGET libtiff-4)
+pkg_check_modules(heif REQUIRED IMPORTED_TARGET libheif)
+pkg_check_modules(webp REQUIRED IMPORTED_TARGET libwebp)
+pkg_check_modules(webpdemux REQUIRED IMPORTED_TARGET libwebpdemux)
+pkg_check_modules(imagequant REQUIRED IMPORTED_TARGET imagequant)
+pkg_check_modules(zimg REQUIRED IMPORTED_TARGET zimg)
+pkg_check_modules(lcms2 REQUIRED IMPORTED_TARGET lcms2)
+pkg_check_modules(exiv2 REQUIRED IMPORTED_TARGET exiv2)
+find_package(GIF REQUIRED)

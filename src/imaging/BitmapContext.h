@@ -1,0 +1,40 @@
+#pragma once
+
+#include "imaging/Image.h"
+
+#include <memory>
+#include <optional>
+
+namespace vellumine::imaging {
+
+enum class InterpolationQuality { None, Low, Medium, High };
+
+/// A bitmap to draw a picture into: scaled to the bitmap's size, in the bitmap's colours.
+class BitmapContext {
+public:
+    /// A transparent bitmap. RGB with 8 bits and alpha last, premultiplied, is what it can be;
+    /// anything else, and a colour space that is not RGB, fails with Unsupported.
+    static Result<BitmapContext> create(Size size, int bitsPerComponent,
+        const ColorSpace& colorSpace, AlphaInfo alpha = AlphaInfo::PremultipliedLast);
+
+    void setInterpolationQuality(InterpolationQuality quality) { m_quality = quality; }
+
+    /// Draws the picture over the whole bitmap: one pass, resampled in premultiplied form (Lanczos
+    /// with three lobes at High), converted to the bitmap's colour space. Where neither the size
+    /// nor the colours change, only the layout does. Fails with OutOfMemory or Unsupported; the
+    /// bitmap then is as it was.
+    Result<void> draw(const Image& image);
+
+    /// The bitmap as a picture. Nothing is copied; the context is spent.
+    [[nodiscard]] Image makeImage() &&;
+
+private:
+    BitmapContext(Size size, ColorSpace colorSpace);
+
+    Size m_size;
+    ColorSpace m_colorSpace;
+    InterpolationQuality m_quality = InterpolationQuality::High;
+    std::optional<Image> m_drawn;
+};
+
+} // namespace vellumine::imaging

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "imaging/Error.h"
+#include "imaging/Image.h"
+#include "imaging/ImageProperties.h"
+#include "imaging/UniformType.h"
+#include "imaging/codecs/Codec.h"
+
+#include <filesystem>
+#include <optional>
+#include <vector>
+
+namespace vellumine::imaging {
+
+/// A picture file that is being written. The file exists and is empty from create() on; after a
+/// successful finalize() it is complete and synced to disk. A destination that is dropped without
+/// one leaves what it has; removing the file is the caller's.
+class ImageDestination {
+public:
+    /// The types that can be written: all but WebP.
+    [[nodiscard]] static std::vector<UniformType> encodableTypes();
+
+    /// Creates the file; one that exists is never written over. Fails with Unsupported for a type
+    /// that is not encodable and with Io, the system's text as detail.
+    static Result<ImageDestination> create(const std::filesystem::path& path, UniformType type);
+
+    ImageDestination(ImageDestination&&) noexcept;
+    ImageDestination& operator=(ImageDestination&&) noexcept;
+    ~ImageDestination();
+
+    void setProfilePolicy(ProfilePolicy policy) { m_profile = policy; }
+    void setEffort(Effort effort) { m_effort = effort; }
+    /// The properties that the picture is to have: the metadata dictionaries whose keys are
+    /// present, and the LossyCompressionQuality. An orientation is never written.
+    void addImage(Image image, ImageProperties properties);
+    /// Encodes and writes. Fails with EncodingFailed when no picture was added or the encoder
+    /// fails, and with Io when the disk does.
+    Result<void> finalize();
+
+private:
+    ImageDestination(int descriptor, UniformType type);
+
+    int m_descriptor = -1;
+    UniformType m_type;
+    ProfilePolicy m_profile = ProfilePolicy::Embed;
+    Effort m_effort = Effort::Smallest;
+    std::optional<Image> m_image;
+    ImageProperties m_properties;
+};
+
+} // namespace vellumine::imaging

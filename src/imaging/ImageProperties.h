@@ -1,0 +1,64 @@
+#pragma once
+
+#include "imaging/metadata/MetadataBlocks.h"
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <variant>
+
+namespace vellumine::imaging {
+
+/// The top-level entries of a picture's properties. The first eight stand for whole dictionaries.
+enum class PropertyKey : std::uint8_t {
+    Exif,
+    Gps,
+    Tiff,
+    Iptc,
+    Png,
+    Jfif,
+    Gif,
+    Xmp,
+    Orientation, ///< integer, 1 to 8
+    ColorModel, ///< text: "Gray", "RGB" or "CMYK"
+    ProfileName, ///< text, the ICC profile's description
+    LossyCompressionQuality, ///< number, 0 to 1
+    PixelWidth, ///< integer, as stored, before orientation
+    PixelHeight,
+};
+
+/// Says that the picture has the dictionary; its content travels in the blocks.
+struct DictionaryPresent {
+    friend bool operator==(DictionaryPresent, DictionaryPresent) = default;
+};
+
+using PropertyValue = std::variant<DictionaryPresent, std::int64_t, double, std::string>;
+
+/// What is known about a picture besides its pixels. The dictionaries' content is kept as the
+/// serialised blocks that it came in, shared between copies; taking a dictionary's key away keeps
+/// its content out of what is written.
+class ImageProperties {
+public:
+    [[nodiscard]] bool contains(PropertyKey key) const;
+    [[nodiscard]] std::optional<std::int64_t> integer(PropertyKey key) const;
+    [[nodiscard]] std::optional<double> number(PropertyKey key) const;
+    [[nodiscard]] std::optional<std::string> text(PropertyKey key) const;
+    [[nodiscard]] bool empty() const { return m_values.empty(); }
+
+    void set(PropertyKey key, PropertyValue value);
+    void remove(PropertyKey key);
+
+    /// Never null; empty blocks when there is no metadata.
+    [[nodiscard]] const MetadataBlocks& blocks() const;
+    /// Keeps the blocks and sets the keys of the dictionaries that they hold.
+    void setBlocks(MetadataBlocks blocks);
+
+private:
+    std::map<PropertyKey, PropertyValue> m_values;
+    std::shared_ptr<const MetadataBlocks> m_blocks;
+};
+
+} // namespace vellumine::imaging

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "imaging/Bytes.h"
+#include "imaging/Error.h"
+#include "imaging/Image.h"
+#include "imaging/ImageProperties.h"
+#include "imaging/Limits.h"
+#include "imaging/Orientation.h"
+#include "imaging/UniformType.h"
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+namespace vellumine::imaging {
+
+/// A picture file that is open for reading. Opening reads the header only; the picture is decoded
+/// once, when it is first asked for, and given back from then on. Not for several threads at once.
+class ImageSource {
+public:
+    /// Opens a regular file. Fails with Io when it cannot be read (a pipe or a device is never
+    /// waited for), with UnknownType when the content is of no known type, with LimitExceeded when
+    /// the header asks for too much, and with what the codec says about the header.
+    static Result<ImageSource> create(const std::filesystem::path& path, const Limits& limits);
+    /// The same over bytes in memory.
+    static Result<ImageSource> create(ByteBuffer file, const Limits& limits);
+
+    ImageSource(ImageSource&&) noexcept;
+    ImageSource& operator=(ImageSource&&) noexcept;
+    ~ImageSource();
+
+    /// The type, from the content alone.
+    [[nodiscard]] UniformType type() const;
+    /// The size of the first picture as it is stored, from the header.
+    [[nodiscard]] Size storedSize() const;
+    /// Memory that the decoded picture takes, from the header, in bytes.
+    [[nodiscard]] std::uint64_t decodedBytes() const;
+
+    /// The first picture as it is stored.
+    Result<Image> image();
+    /// Its properties; decodes the picture when that has not happened yet.
+    Result<ImageProperties> properties();
+    /// The first picture turned upright, scaled down to fit `maximumPixelSize` on its longer side
+    /// where it is larger. With an orientation of 1 and enough room, the very picture of image().
+    Result<Image> thumbnailWithTransform(int maximumPixelSize);
+    /// Gives the memory of the decoded picture back; pictures that were handed out stay.
+    void releaseImage();
+
+    /// The given part of the stored picture, decoded alone where the codec can.
+    Result<Image> imageRegion(Rect region);
+
+private:
+    struct State;
+    explicit ImageSource(std::unique_ptr<State> state);
+    std::unique_ptr<State> m_state;
+};
+
+} // namespace vellumine::imaging

@@ -1,0 +1,36 @@
+#include "imaging/Limits.h"
+
+#include <unistd.h>
+
+namespace vellumine::imaging {
+
+Limits Limits::forThisMachine()
+{
+    Limits limits;
+    const long pages = ::sysconf(_SC_PHYS_PAGES);
+    const long pageSize = ::sysconf(_SC_PAGESIZE);
+    if (pages > 0 && pageSize > 0) {
+        limits.maximumBytes
+            = static_cast<std::uint64_t>(pages) * static_cast<std::uint64_t>(pageSize) / 4;
+    }
+    return limits;
+}
+
+Result<void> Limits::check(std::int64_t width, std::int64_t height, int bytesPerPixel) const
+{
+    if (width < 1 || height < 1) {
+        return failure(Error::Kind::Malformed, "the picture has no pixels");
+    }
+    const std::int64_t side = maximumSide;
+    if (width > side || height > side) {
+        return failure(Error::Kind::LimitExceeded, "a side is too long");
+    }
+    const auto pixels = static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height);
+    if (pixels > maximumPixels
+        || pixels > maximumBytes / static_cast<std::uint64_t>(bytesPerPixel)) {
+        return failure(Error::Kind::LimitExceeded, "the picture has too many pixels");
+    }
+    return {};
+}
+
+} // namespace vellumine::imaging

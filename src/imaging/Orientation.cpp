@@ -1,0 +1,129 @@
+#include "imaging/Orientation.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace vellumine::imaging {
+
+namespace {
+
+// Turned pictures are written in square tiles, so that the columns that are read and the rows that
+// are written both stay in the cache.
+constexpr int tileSide = 32;
+
+template <std::size_t bytesPerPixel>
+void remap(const Image& stored, Orientation orientation, PixelBuffer& target)
+{
+    const int lastColumn = target.width() - 1;
+    const int lastRow = target.height() - 1;
+    const std::ptrdiff_t sourceStride = static_cast<std::ptrdiff_t>(stored.rowBytes());
+    const std::byte* const source = stored.row(0).data();
+    constexpr auto pixel = static_cast<std::ptrdiff_t>(bytesPerPixel);
+
+    // Where the upright pixel (x, y) stands in the stored picture: origin + x * stepX + y * stepY.
+    std::ptrdiff_t origin = 0;
+    std::ptrdiff_t stepX = pixel;
+    std::ptrdiff_t stepY = sourceStride;
+    switch (orientation) {
+    case Orientation::TopLeft:
+        break;
+    case Orientation::TopRight:
+        origin = lastColumn * pixel;
+        stepX = -pixel;
+        break;
+    case Orientation::BottomRight:
+        origin = lastColumn * pixel + lastRow * sourceStride;
+        stepX = -pixel;
+        stepY = -sourceStride;
+        break;
+    case Orientation::BottomLeft:
+        origin = lastRow * sourceStride;
+        stepY = -sourceStride;
+        break;
+    case Orientation::LeftTop:
+        stepX = sourceStride;
+        stepY = pixel;
+        break;
+    case Orientation::RightTop:
+        origin = lastColumn * sourceStride;
+        stepX = -sourceStride;
+        stepY = pixel;
+        break;
+    case Orientation::RightBottom:
+        origin = lastColumn * sourceStride + lastRow * pixel;
+        stepX = -sourceStride;
+        stepY = -pixel;
+        break;
+    case Orientation::LeftBottom:
+        origin = lastRow * pixel;
+        stepX = sourceStride;
+        stepY = -pixel;
+        break;
+    }
+
+    for (int top = 0; top <= lastRow; top += tileSide) {
+        const int bottom = std::min(top + tileSide, lastRow + 1);
+        for (int left = 0; left <= lastColumn; left += tileSide) {
+            const int right = std::min(left + tileSide, lastColumn + 1);
+            for (int y = top; y < bottom; ++y) {
+                std::byte* to = target.row(y).data() + left * pixel;
+                const std::byte* from = source + origin + left * stepX + y * stepY;
+                for (int x = left; x < right; ++x) {
+                    std::memcpy(to, from, bytesPerPixel);
+                    to += pixel;
+                    from += stepX;
+                }
+            }
+        }
+    }
+}
+
+} // namespace
+
+std::optional<Orientation> orientationFromTag(std::int64_t value)
+{
+    if (value < 1 || value > 8) {
+        return std::nullopt;
+    }
+    return static_cast<Orientation>(value);
+}
+
+Result<Image> upright(const Image& stored, Orientation orientation)
+{
+    if (orientation == Orientation::TopLeft) {
+        return stored;
+    }
+    auto target = PixelBuffer::create(uprightSize(stored.size(), orientation), stored.layout());
+    if (!target) {
+        return tl::unexpected(target.error());
+    }
+    switch (stored.layout().bytesPerPixel()) {
+    case 1:
+        remap<1>(stored, orientation, *target);
+        break;
+    case 2:
+        remap<2>(stored, orientation, *target);
+        break;
+    case 3:
+        remap<3>(stored, orientation, *target);
+        break;
+    case 4:
+        remap<4>(stored, orientation, *target);
+        break;
+    case 6:
+        remap<6>(stored, orientation, *target);
+        break;
+    case 8:
+        remap<8>(stored, orientation, *target);
+        break;
+    case 5:
+        remap<5>(stored, orientation, *target);
+        break;
+    default:
+        remap<10>(stored, orientation, *target);
+        break;
+    }
+    return Image(std::move(*target), stored.colorSpace());
+}
+
+} // namespace vellumine::imaging

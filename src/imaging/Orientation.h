@@ -1,0 +1,41 @@
+#pragma once
+
+#include "imaging/Image.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace vellumine::imaging {
+
+/// The eight orientations of EXIF tag 0x0112: where the stored picture's first row and first
+/// column are, as seen by the viewer.
+enum class Orientation : std::uint8_t {
+    TopLeft = 1,
+    TopRight = 2,
+    BottomRight = 3,
+    BottomLeft = 4,
+    LeftTop = 5,
+    RightTop = 6,
+    RightBottom = 7,
+    LeftBottom = 8,
+};
+
+/// The orientation for a tag value; none outside 1 to 8.
+[[nodiscard]] std::optional<Orientation> orientationFromTag(std::int64_t value);
+
+/// Whether the upright picture has the stored one's sides exchanged (5 to 8).
+[[nodiscard]] constexpr bool swapsSides(Orientation orientation)
+{
+    return orientation >= Orientation::LeftTop;
+}
+
+[[nodiscard]] constexpr Size uprightSize(Size stored, Orientation orientation)
+{
+    return swapsSides(orientation) ? Size { stored.height, stored.width } : stored;
+}
+
+/// The picture turned upright, pixel for pixel. TopLeft gives the very same picture back. Fails
+/// with OutOfMemory only.
+[[nodiscard]] Result<Image> upright(const Image& stored, Orientation orientation);
+
+} // namespace vellumine::imaging

@@ -1,0 +1,50 @@
+#include "imaging/UniformType.h"
+
+namespace vellumine::imaging {
+
+namespace {
+
+struct Entry {
+    UniformType type;
+    std::string_view identifier;
+    std::string_view preferredExtension;
+};
+
+constexpr std::array<Entry, allUniformTypes.size()> registry { {
+    { UniformType::Jpeg, "public.jpeg", "jpeg" },
+    { UniformType::Png, "public.png", "png" },
+    { UniformType::Heic, "public.heic", "heic" },
+    { UniformType::Heif, "public.heif", "heif" },
+    { UniformType::Tiff, "public.tiff", "tiff" },
+    { UniformType::Gif, "com.compuserve.gif", "gif" },
+    { UniformType::Bmp, "com.microsoft.bmp", "bmp" },
+    { UniformType::WebP, "org.webmproject.webp", "webp" },
+} };
+
+constexpr const Entry& entry(UniformType type)
+{
+    return registry.at(static_cast<std::size_t>(type));
+}
+
+static_assert([] {
+    for (const UniformType type : allUniformTypes) {
+        if (entry(type).type != type) {
+            return false;
+        }
+    }
+    return true;
+}());
+
+} // namespace
+
+std::string_view identifier(UniformType type)
+{
+    return entry(type).identifier;
+}
+
+std::string_view preferredExtension(UniformType type)
+{
+    return entry(type).preferredExtension;
+}
+
+} // namespace vellumine::imaging

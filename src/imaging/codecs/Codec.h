@@ -1,0 +1,70 @@
+#pragma once
+
+#include "imaging/Bytes.h"
+#include "imaging/Error.h"
+#include "imaging/Image.h"
+#include "imaging/Limits.h"
+#include "imaging/Orientation.h"
+#include "imaging/UniformType.h"
+#include "imaging/metadata/MetadataBlocks.h"
+
+#include <optional>
+
+namespace vellumine::imaging {
+
+/// What a file's header says, read without decoding.
+struct ImageHeader {
+    Size size; ///< as stored, before the orientation tag; for HEIC after its own rotation and crop
+    PixelLayout layout; ///< of the picture that decode() gives
+};
+
+struct DecodeOptions {
+    Limits limits;
+    /// The only part of the stored picture that is needed. A codec that can decode a part for less
+    /// than the whole does; any other decodes the whole.
+    std::optional<Rect> region;
+};
+
+struct DecodedImage {
+    Image image;
+    /// The size of the whole stored picture, whatever part `image` is.
+    Size storedSize;
+    /// True when `image` is `DecodeOptions::region` and not the whole picture.
+    bool isRegion = false;
+    MetadataBlocks metadata;
+    /// What the format itself says (TIFF's tag). Without a value, EXIF's orientation counts.
+    std::optional<Orientation> orientation;
+};
+
+/// Whether the picture's profile is written into the file. Device spaces never have one.
+enum class ProfilePolicy { Embed, Omit };
+
+/// What to spend on making a lossless file small.
+enum class Effort { Smallest, Fastest };
+
+struct EncodeOptions {
+    double quality = 1.0; ///< lossy formats, 0.01 to 1
+    ProfilePolicy profile = ProfilePolicy::Embed;
+    Effort effort = Effort::Smallest;
+    /// Blocks that may travel as they are: already without orientation. What the format cannot
+    /// carry is left out.
+    MetadataBlocks metadata;
+};
+
+/// One format. The functions are stateless and safe to call from several threads at once; a
+/// library's exceptions and long jumps never leave them.
+struct Codec {
+    UniformType type;
+    /// Whether the content is of the type, by its first bytes alone.
+    bool (*sniff)(ByteSpan file);
+    /// Fails with Malformed or Truncated when there is no usable header.
+    Result<ImageHeader> (*readHeader)(ByteSpan file);
+    /// The first picture of the file. Fails with LimitExceeded before any pixel is allocated, with
+    /// Truncated when picture data is missing (a missing end marker alone is no failure), and with
+    /// Malformed or Unsupported.
+    Result<DecodedImage> (*decode)(ByteSpan file, const DecodeOptions& options);
+    /// The whole encoded file. Takes any layout; null for a format that is only read.
+    Result<ByteBuffer> (*encode)(const Image& image, const EncodeOptions& options);
+};
+
+} // namespace vellumine::imaging

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "imaging/codecs/Codec.h"
+
+namespace vellumine::imaging::png {
+
+[[nodiscard]] bool sniff(ByteSpan file);
+Result<ImageHeader> readHeader(ByteSpan file);
+Result<DecodedImage> decode(ByteSpan file, const DecodeOptions& options);
+Result<ByteBuffer> encode(const Image& image, const EncodeOptions& options);
+
+} // namespace vellumine::imaging::png
