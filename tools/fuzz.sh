@@ -25,13 +25,24 @@ main() {
         return 1
     fi
 
-    "$work/bin/make_seeds" "$work/seeds"
+    make_seeds
     local failed=0
     local target
     for target in "${targets[@]}"; do
         fuzz "$target" "$seconds" || failed=1
     done
     return "$failed"
+}
+
+make_seeds() {
+    "$work/bin/make_seeds" "$work/seeds"
+    mkdir -p "$work/seeds/webp"
+    local picture
+    for picture in "$work"/seeds/png/*.png; do
+        cwebp -quiet -q 50 "$picture" -o "$work/seeds/webp/$(basename "$picture" .png).webp"
+        cwebp -quiet -lossless "$picture" \
+            -o "$work/seeds/webp/$(basename "$picture" .png)-lossless.webp"
+    done
 }
 
 fuzz() { # TARGET SECONDS
