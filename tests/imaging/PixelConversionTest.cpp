@@ -1,0 +1,132 @@
+#include "imaging/PixelConversion.h"
+
+#include "support/NamedRows.h"
+#include "support/TestImages.h"
+
+#include <gtest/gtest.h>
+
+namespace vellumine::imaging {
+namespace {
+
+using test::flat;
+using test::gradient;
+using test::oddSize;
+
+constexpr PixelLayout rgb8 { ColorModel::Rgb, 8, AlphaInfo::None };
+
+TEST(PixelConversion, unpremultipliesWithRounding)
+{
+    EXPECT_EQ(unpremultiplied(64, 128), 128);
+    EXPECT_EQ(unpremultiplied(32, 128), 64);
+    EXPECT_EQ(unpremultiplied(0, 128), 0);
+    EXPECT_EQ(unpremultiplied(1, 3), 85);
+    EXPECT_EQ(unpremultiplied(200, 100), 255);
+    EXPECT_EQ(unpremultiplied(255, 255), 255);
+}
+
+TEST(PixelConversion, theSameLayoutGivesTheVerySamePicture)
+{
+    const Image image = gradient(oddSize, rgb8);
+    EXPECT_TRUE(relayout(image, rgb8)->isSameAs(image));
+}
+
+struct RoundTrip {
+    const char* name;
+    PixelLayout from;
+    PixelLayout through;
+};
+
+class PixelConversionRoundTrip : public testing::TestWithParam<RoundTrip> { };
+
+TEST_P(PixelConversionRoundTrip, isLossless)
+{
+    const Image image = gradient(oddSize, GetParam().from);
+    const Image there = relayout(image, GetParam().through).value();
+    EXPECT_EQ(there.layout(), GetParam().through);
+    const Image back = relayout(there, GetParam().from).value();
+    EXPECT_EQ(test::maximumDifference(image, back), 0.0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Layouts, PixelConversionRoundTrip,
+    testing::Values(RoundTrip { "rgb8ThroughRgba8", rgb8, rgba8Premultiplied },
+        RoundTrip { "rgb8ThroughRgb16", rgb8, { ColorModel::Rgb, 16, AlphaInfo::None } },
+        RoundTrip { "rgb8ThroughArgb16", rgb8, { ColorModel::Rgb, 16, AlphaInfo::First } },
+        RoundTrip { "rgba8ThroughArgb8", { ColorModel::Rgb, 8, AlphaInfo::Last },
+            { ColorModel::Rgb, 8, AlphaInfo::First } },
+        RoundTrip { "rgb8ThroughXrgb8", rgb8, { ColorModel::Rgb, 8, AlphaInfo::NoneSkipFirst } },
+        RoundTrip { "cmyk8ThroughCmyk16", { ColorModel::Cmyk, 8, AlphaInfo::None },
+            { ColorModel::Cmyk, 16, AlphaInfo::None } },
+        RoundTrip { "grey8ThroughGreyAlpha16", { ColorModel::Grey, 8, AlphaInfo::None },
+            { ColorModel::Grey, 16, AlphaInfo::Last } },
+        RoundTrip { "premultipliedFirstThroughLast",
+            { ColorModel::Rgb, 16, AlphaInfo::PremultipliedFirst },
+            { ColorModel::Rgb, 16, AlphaInfo::PremultipliedLast } }),
+    test::RowName {});
+
+TEST(PixelConversion, premultiplyingAndBackKeepsOpaqueAndClearsTransparentPixels)
+{
+    const Image image = gradient(oddSize, { ColorModel::Rgb, 8, AlphaInfo::Last });
+    const Image there = relayout(image, rgba8Premultiplied).value();
+    EXPECT_EQ(test::sampleAt(there, 0, 5, 0), 0.0) << "alpha is 0 in the first column";
+    const int last = oddSize.width - 1;
+    EXPECT_EQ(test::sampleAt(there, last, 5, 1), test::sampleAt(image, last, 5, 1));
+    for (int x = 0; x < oddSize.width; ++x) {
+        for (int c = 0; c < 3; ++c) {
+            EXPECT_LE(test::sampleAt(there, x, 7, c), test::sampleAt(there, x, 7, 3));
+        }
+    }
+}
+
+TEST(PixelConversion, takingAlphaAwayComposesOnWhite)
+{
+    const Image straight
+        = flat({ 2, 2 }, { ColorModel::Rgb, 8, AlphaInfo::Last }, { 0, 0.2, 1, 0.6 });
+    const Image opaque = relayout(straight, rgb8).value();
+    EXPECT_NEAR(test::sampleAt(opaque, 1, 1, 0), 0.4, 0.003);
+    EXPECT_NEAR(test::sampleAt(opaque, 1, 1, 1), 0.52, 0.003);
+    EXPECT_NEAR(test::sampleAt(opaque, 1, 1, 2), 1.0, 0.003);
+
+    const Image premultiplied = relayout(straight, rgba8Premultiplied).value();
+    EXPECT_LE(test::maximumDifference(opaque, relayout(premultiplied, rgb8).value()), 1.0 / 255);
+}
+
+TEST(PixelConversion, sixteenBitsAreRoundedToEight)
+{
+    const Image deep = test::makeImage({ 256, 3 }, { ColorModel::Grey, 16, AlphaInfo::None },
+        [](int x, int y, int /*channel*/) { return (x * 257 + (y - 1) * 128) / 65535.0; });
+    const Image shallow = relayout(deep, { ColorModel::Grey, 8, AlphaInfo::None }).value();
+    for (int x = 1; x < 255; ++x) {
+        EXPECT_EQ(shallow.row8(0)[x], x);
+        EXPECT_EQ(shallow.row8(1)[x], x);
+        EXPECT_EQ(shallow.row8(2)[x], x);
+    }
+}
+
+TEST(PixelConversion, greySpreadsOverRgb)
+{
+    const Image grey = gradient(oddSize, { ColorModel::Grey, 8, AlphaInfo::None });
+    const Image rgb = relayout(grey, rgb8).value();
+    EXPECT_TRUE(isGrey(rgb));
+    EXPECT_EQ(test::sampleAt(rgb, 20, 9, 2), test::sampleAt(grey, 20, 9, 0));
+}
+
+TEST(PixelConversion, opacityIsSeenInEveryLayout)
+{
+    EXPECT_TRUE(isOpaque(gradient(oddSize, rgb8)));
+    EXPECT_FALSE(isOpaque(gradient(oddSize, rgba8Premultiplied)));
+    EXPECT_FALSE(isOpaque(gradient(oddSize, { ColorModel::Grey, 16, AlphaInfo::Last })));
+    EXPECT_TRUE(isOpaque(flat(oddSize, { ColorModel::Rgb, 8, AlphaInfo::First }, { 1, 0, 0, 0 })));
+    EXPECT_FALSE(isGrey(gradient(oddSize, rgb8)));
+}
+
+TEST(PixelConversion, cropsAreConvertedFromTheirOwnRows)
+{
+    const Image image = gradient(oddSize, rgb8);
+    const Image crop = image.cropped({ 11, 7, 20, 13 });
+    const Image converted = relayout(crop, rgba8Premultiplied).value();
+    EXPECT_EQ(test::sampleAt(converted, 3, 2, 1), test::sampleAt(image, 14, 9, 1));
+    EXPECT_EQ(test::sampleAt(converted, 19, 12, 2), test::sampleAt(image, 30, 19, 2));
+}
+
+} // namespace
+} // namespace vellumine::imaging
