@@ -63,14 +63,15 @@ void Errors::judgeMessage(j_common_ptr library, int level)
     }
     Errors& errors = errorsOf(library);
     ++errors.num_warnings;
+    const Error::Kind damaged = errors.m_overridingKind.value_or(Error::Kind::Malformed);
     switch (errors.msg_code) {
     case JWRN_HIT_MARKER: // the scan's data ended before its last block
         errors.fail(Error::Kind::Truncated, "picture data is missing");
     case JWRN_HUFF_BAD_CODE:
     case JWRN_ARITH_BAD_CODE:
-        errors.fail(Error::Kind::Malformed, "picture data is damaged");
+        errors.fail(damaged, "picture data is damaged");
     case JWRN_MUST_RESYNC: // a restart interval was lost or made up
-        errors.fail(Error::Kind::Malformed, "a part of the picture data is lost");
+        errors.fail(damaged, "a part of the picture data is lost");
     default:
         break;
     }
