@@ -1,0 +1,63 @@
+#pragma once
+
+#include "imaging/codecs/Codec.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <span>
+
+namespace vellumine::fuzz {
+
+/// Limits under which one input takes milliseconds.
+inline constexpr imaging::Limits fuzzLimits {
+    .maximumPixels = 1U << 20U, .maximumSide = 4096, .maximumBytes = std::uint64_t { 8 } << 20U
+};
+
+/// Aborts, so that the fuzzer keeps the input, when a promise of the codec contract is broken.
+inline void require(bool promise)
+{
+    if (!promise) {
+        std::abort();
+    }
+}
+
+/// Reads every sample, so that a sanitizer sees pixels that are not there.
+inline void touchPixels(const imaging::Image& image)
+{
+    unsigned sum = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (const std::byte sample : image.row(y)) {
+            sum += static_cast<unsigned>(sample);
+        }
+    }
+    [[maybe_unused]] volatile unsigned sink = sum;
+}
+
+/// The body of every decoder's fuzz target: the header, the whole picture and the middle of it.
+/// Gives what LLVMFuzzerTestOneInput is to return.
+inline int fuzzDecoder(const imaging::Codec& codec, const std::uint8_t* data, std::size_t size)
+{
+    const auto file = std::as_bytes(std::span(data, size));
+    const auto header = codec.readHeader(file);
+    const auto decoded = codec.decode(file, { .limits = fuzzLimits, .region = std::nullopt });
+    if (!decoded) {
+        return 0;
+    }
+    require(header.has_value());
+    require(decoded->storedSize == header->size && decoded->image.size() == header->size);
+    require(!decoded->isRegion);
+    touchPixels(decoded->image);
+
+    const imaging::Size stored = decoded->storedSize;
+    const imaging::Rect middle
+        = imaging::centredRect(stored, { (stored.width + 1) / 2, (stored.height + 1) / 2 });
+    const auto part = codec.decode(file, { .limits = fuzzLimits, .region = middle });
+    // The rest of the file need not be looked at for a part, the other way round it must be.
+    require(part.has_value() && part->storedSize == stored);
+    require(part->image.size() == (part->isRegion ? middle.size() : stored));
+    touchPixels(part->image);
+    return 0;
+}
+
+} // namespace vellumine::fuzz
