@@ -25,8 +25,9 @@ public:
     /// bitmap then is as it was.
     Result<void> draw(const Image& image);
 
-    /// The bitmap as a picture. Nothing is copied; the context is spent.
-    [[nodiscard]] Image makeImage() &&;
+    /// The bitmap as a picture. Nothing is copied; the context is spent. Fails with OutOfMemory
+    /// when nothing was drawn and there is no memory for the empty bitmap.
+    [[nodiscard]] Result<Image> makeImage() &&;
 
 private:
     BitmapContext(Size size, ColorSpace colorSpace);

@@ -1,62 +1,171 @@
 #include "imaging/colour/ColorSpace.h"
 
+#include "imaging/colour/ColorSpaceData.h"
+#include "imaging/colour/Profile.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
 namespace vellumine::imaging {
 
-struct ColorSpace::Data {
-    ColorModel model = ColorModel::Rgb;
-    int kind = 0;
-    ByteBuffer icc;
-};
+namespace {
+
+using Kind = ColorSpace::Data::Kind;
+
+std::string description(cmsHPROFILE profile)
+{
+    const cmsUInt32Number size
+        = cmsGetProfileInfoASCII(profile, cmsInfoDescription, "en", "US", nullptr, 0);
+    if (size == 0) {
+        return {};
+    }
+    std::string text(size, '\0');
+    cmsGetProfileInfoASCII(profile, cmsInfoDescription, "en", "US", text.data(), size);
+    text.resize(std::char_traits<char>::length(text.c_str()));
+    return text;
+}
+
+/// Whether the profile takes a grid of colours to within half an 8-bit step of where sRGB has
+/// them. Fails with Unsupported when the profile cannot be a source of colours at all.
+Result<bool> matchesSRgb(cmsContext context, cmsHPROFILE profile, ColorModel model)
+{
+    const colour::Profile srgb = colour::makeSRgbProfile(context);
+    const cmsUInt32Number format = model == ColorModel::Grey ? TYPE_GRAY_FLT
+        : model == ColorModel::Rgb                           ? TYPE_RGB_FLT
+                                                             : TYPE_CMYK_FLT;
+    const colour::Transform transform(cmsCreateTransformTHR(context, profile, format, srgb.get(),
+        TYPE_RGB_FLT, colour::renderingIntent(profile), cmsFLAGS_NOOPTIMIZE | cmsFLAGS_NOCACHE));
+    if (!transform) {
+        return failure(Error::Kind::Unsupported, "the profile cannot be a source of colours");
+    }
+    if (model != ColorModel::Rgb) {
+        return false;
+    }
+    constexpr int steps = 9;
+    std::vector<float> grid;
+    grid.reserve(std::size_t { steps * steps * steps * 3 });
+    for (int r = 0; r < steps; ++r) {
+        for (int g = 0; g < steps; ++g) {
+            for (int b = 0; b < steps; ++b) {
+                for (const int value : { r, g, b }) {
+                    grid.push_back(static_cast<float>(value) / (steps - 1));
+                }
+            }
+        }
+    }
+    std::vector<float> converted(grid.size());
+    cmsDoTransform(transform.get(), grid.data(), converted.data(),
+        static_cast<cmsUInt32Number>(grid.size() / 3));
+    return std::equal(grid.begin(), grid.end(), converted.begin(),
+        [](float a, float b) { return std::abs(a - b) <= 0.5F / 255.0F; });
+}
+
+} // namespace
 
 ColorSpace::ColorSpace(std::shared_ptr<const Data> data)
     : m_data(std::move(data))
 {
 }
+
 ColorSpace ColorSpace::sRgb()
 {
-    return ColorSpace(std::make_shared<Data>(Data { ColorModel::Rgb, 0, {} }));
+    static const auto data = [] {
+        const colour::Context context = colour::makeContext();
+        const colour::Profile profile = colour::makeSRgbProfile(context.get());
+        return std::make_shared<const Data>(Data { Kind::SRgb, ColorModel::Rgb,
+            colour::serialised(profile.get()), description(profile.get()), true });
+    }();
+    return ColorSpace(data);
 }
+
 ColorSpace ColorSpace::deviceRgb()
 {
-    return ColorSpace(std::make_shared<Data>(Data { ColorModel::Rgb, 1, {} }));
+    static const auto data
+        = std::make_shared<const Data>(Data { Kind::DeviceRgb, ColorModel::Rgb, {}, {}, true });
+    return ColorSpace(data);
 }
+
 ColorSpace ColorSpace::grey()
 {
-    return ColorSpace(std::make_shared<Data>(Data { ColorModel::Grey, 2, {} }));
+    static const auto data
+        = std::make_shared<const Data>(Data { Kind::Grey, ColorModel::Grey, {}, {}, false });
+    return ColorSpace(data);
 }
+
 ColorSpace ColorSpace::deviceCmyk()
 {
-    return ColorSpace(std::make_shared<Data>(Data { ColorModel::Cmyk, 3, {} }));
+    static const auto data
+        = std::make_shared<const Data>(Data { Kind::DeviceCmyk, ColorModel::Cmyk, {}, {}, false });
+    return ColorSpace(data);
 }
+
 Result<ColorSpace> ColorSpace::fromIcc(ByteSpan profile, ColorModel model)
 {
-    return ColorSpace(
-        std::make_shared<Data>(Data { model, 4, ByteBuffer(profile.begin(), profile.end()) }));
+    const colour::Context context = colour::makeContext();
+    const colour::Profile opened = colour::openProfile(context.get(), profile);
+    if (!opened) {
+        return failure(Error::Kind::Malformed, "the bytes are no ICC profile");
+    }
+    if (colour::modelOf(opened.get()) != model) {
+        return failure(Error::Kind::Unsupported, "the profile is for another kind of picture");
+    }
+    const cmsProfileClassSignature deviceClass = cmsGetDeviceClass(opened.get());
+    if (deviceClass == cmsSigLinkClass || deviceClass == cmsSigNamedColorClass
+        || deviceClass == cmsSigAbstractClass) {
+        return failure(Error::Kind::Unsupported, "the profile describes no device");
+    }
+    const Result<bool> likeSRgb = matchesSRgb(context.get(), opened.get(), model);
+    if (!likeSRgb) {
+        return tl::unexpected(likeSRgb.error());
+    }
+    return ColorSpace(std::make_shared<const Data>(Data { Kind::Icc, model,
+        ByteBuffer(profile.begin(), profile.end()), description(opened.get()), *likeSRgb }));
 }
+
 Result<ColorSpace> ColorSpace::fromPrimaries(
-    const Primaries& /*p*/, TransferCurve /*c*/, ColorModel model)
+    const Primaries& primaries, TransferCurve curve, ColorModel model)
 {
-    return ColorSpace(std::make_shared<Data>(Data { model, 5, {} }));
+    const colour::Context context = colour::makeContext();
+    const colour::Profile profile = colour::makeProfile(context.get(), primaries, curve, model);
+    if (!profile) {
+        return failure(Error::Kind::Malformed, "the numbers describe no colours");
+    }
+    if (model == ColorModel::Grey && curve.kind == TransferCurve::Kind::SRgb) {
+        return grey();
+    }
+    auto space = fromIcc(colour::serialised(profile.get()), model);
+    if (space && space->isSRgbEquivalent()) {
+        return sRgb();
+    }
+    return space;
 }
+
 ColorModel ColorSpace::model() const
 {
     return m_data->model;
 }
+
 ByteSpan ColorSpace::iccProfile() const
 {
     return m_data->icc;
 }
+
 std::string ColorSpace::profileName() const
 {
-    return {};
+    return m_data->name;
 }
+
 bool ColorSpace::isSRgbEquivalent() const
 {
-    return true;
+    return m_data->isSRgbEquivalent;
 }
+
 bool operator==(const ColorSpace& a, const ColorSpace& b)
 {
-    return a.m_data->kind == b.m_data->kind && a.m_data->icc == b.m_data->icc;
+    return a.m_data == b.m_data
+        || (a.m_data->kind == b.m_data->kind && a.m_data->model == b.m_data->model
+            && a.m_data->icc == b.m_data->icc);
 }
 
 } // namespace vellumine::imaging

@@ -1,0 +1,162 @@
+#include "imaging/colour/ColorTransform.h"
+
+#include "imaging/colour/ColorSpaceData.h"
+#include "imaging/colour/InstalledCmyk.h"
+#include "imaging/colour/Profile.h"
+
+#include <cassert>
+
+namespace vellumine::imaging {
+
+namespace {
+
+using Kind = ColorSpace::Data::Kind;
+
+colour::Profile profileOf(cmsContext context, const ColorSpace& space)
+{
+    switch (space.data().kind) {
+    case Kind::SRgb:
+    case Kind::DeviceRgb:
+        return colour::makeSRgbProfile(context);
+    case Kind::Grey:
+        return colour::makeGreyProfile(context);
+    case Kind::DeviceCmyk:
+        return colour::openProfile(context, colour::installedCmykProfile());
+    case Kind::Icc:
+        return colour::openProfile(context, space.iccProfile());
+    }
+    return nullptr;
+}
+
+cmsUInt32Number sampleFormat(ColorModel model, int bits)
+{
+    switch (model) {
+    case ColorModel::Grey:
+        return bits == 16 ? TYPE_GRAY_16 : TYPE_GRAY_8;
+    case ColorModel::Rgb:
+        return bits == 16 ? TYPE_RGB_16 : TYPE_RGB_8;
+    case ColorModel::Cmyk:
+        return bits == 16 ? TYPE_CMYK_16 : TYPE_CMYK_8;
+    }
+    return 0;
+}
+
+constexpr std::uint8_t to8(std::uint8_t sample)
+{
+    return sample;
+}
+
+constexpr std::uint8_t to8(std::uint16_t sample)
+{
+    return static_cast<std::uint8_t>((sample + 128U) / 257U);
+}
+
+template <typename Sample>
+void rearrange(const Sample* from, std::uint8_t* to, int count, int channels)
+{
+    const int green = channels == 3 ? 1 : 0;
+    const int blue = channels == 3 ? 2 : 0;
+    for (int i = 0; i < count; ++i, from += channels, to += 4) {
+        to[0] = to8(from[0]);
+        to[1] = to8(from[green]);
+        to[2] = to8(from[blue]);
+    }
+}
+
+/// Ink taken off white, without any profile: R = (1 - C)(1 - K).
+template <typename Sample> void plainCmyk(const Sample* from, std::uint8_t* to, int count)
+{
+    for (int i = 0; i < count; ++i, from += 4, to += 4) {
+        const unsigned paper = 255U - to8(from[3]);
+        for (int c = 0; c < 3; ++c) {
+            to[c] = static_cast<std::uint8_t>(((255U - to8(from[c])) * paper + 127U) / 255U);
+        }
+    }
+}
+
+enum class Method { Rearrange, PlainCmyk, Profiles };
+
+} // namespace
+
+struct ColorTransform::State {
+    Method method = Method::Rearrange;
+    ColorModel model = ColorModel::Rgb;
+    int bits = 8;
+    colour::Context context;
+    colour::Transform transform;
+};
+
+ColorTransform::ColorTransform(std::unique_ptr<State> state)
+    : m_state(std::move(state))
+{
+}
+
+ColorTransform::ColorTransform(ColorTransform&&) noexcept = default;
+ColorTransform& ColorTransform::operator=(ColorTransform&&) noexcept = default;
+ColorTransform::~ColorTransform() = default;
+
+bool sameNumbers(const ColorSpace& a, const ColorSpace& b)
+{
+    return a == b || (a.isSRgbEquivalent() && b.isSRgbEquivalent());
+}
+
+Result<ColorTransform> ColorTransform::create(
+    const ColorSpace& from, int bitsPerComponent, const ColorSpace& to)
+{
+    assert(to.model() == ColorModel::Rgb);
+    auto state = std::make_unique<State>();
+    state->model = from.model();
+    state->bits = bitsPerComponent;
+
+    // Grey without a profile has the sRGB curve: in an sRGB space its numbers are the colour's.
+    if (sameNumbers(from, to) || (from.data().kind == Kind::Grey && to.isSRgbEquivalent())) {
+        return ColorTransform(std::move(state));
+    }
+    if (from.data().kind == Kind::DeviceCmyk && colour::installedCmykProfile().empty()
+        && to.isSRgbEquivalent()) {
+        state->method = Method::PlainCmyk;
+        return ColorTransform(std::move(state));
+    }
+
+    state->method = Method::Profiles;
+    state->context = colour::makeContext();
+    const colour::Profile source = profileOf(state->context.get(), from);
+    const colour::Profile target = profileOf(state->context.get(), to);
+    if (!source || !target) {
+        return failure(Error::Kind::Unsupported, "there is no profile to convert with");
+    }
+    state->transform.reset(cmsCreateTransformTHR(state->context.get(), source.get(),
+        sampleFormat(from.model(), bitsPerComponent), target.get(), TYPE_RGBA_8,
+        colour::renderingIntent(source.get()), cmsFLAGS_HIGHRESPRECALC));
+    if (!state->transform) {
+        return failure(Error::Kind::Unsupported, "the two profiles cannot be joined");
+    }
+    return ColorTransform(std::move(state));
+}
+
+bool ColorTransform::isIdentity() const
+{
+    return m_state->method == Method::Rearrange && m_state->model == ColorModel::Rgb;
+}
+
+void ColorTransform::apply(const void* samples, std::uint8_t* rgba, int count) const
+{
+    const auto* const shallow = static_cast<const std::uint8_t*>(samples);
+    const auto* const deep = static_cast<const std::uint16_t*>(samples);
+    switch (m_state->method) {
+    case Method::Profiles:
+        cmsDoTransform(
+            m_state->transform.get(), samples, rgba, static_cast<cmsUInt32Number>(count));
+        return;
+    case Method::PlainCmyk:
+        m_state->bits == 16 ? plainCmyk(deep, rgba, count) : plainCmyk(shallow, rgba, count);
+        return;
+    case Method::Rearrange:
+        const int channels = m_state->model == ColorModel::Grey ? 1 : 3;
+        m_state->bits == 16 ? rearrange(deep, rgba, count, channels)
+                            : rearrange(shallow, rgba, count, channels);
+        return;
+    }
+}
+
+} // namespace vellumine::imaging

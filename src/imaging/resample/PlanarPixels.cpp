@@ -1,0 +1,166 @@
+#include "imaging/resample/PlanarPixels.h"
+
+#include <algorithm>
+#include <cassert>
+
+namespace vellumine::imaging {
+
+namespace {
+
+constexpr std::uint32_t maximum = 65535;
+
+constexpr std::uint16_t to16(std::uint8_t sample)
+{
+    return static_cast<std::uint16_t>(sample * 257U);
+}
+
+constexpr std::uint16_t to16(std::uint16_t sample)
+{
+    return sample;
+}
+
+template <typename Sample> constexpr Sample narrowed(std::uint32_t sample)
+{
+    return static_cast<Sample>(sizeof(Sample) == 1 ? (sample + 128U) / 257U : sample);
+}
+
+constexpr std::uint32_t multiplied(std::uint32_t sample, std::uint32_t alpha)
+{
+    return (sample * alpha + maximum / 2) / maximum;
+}
+
+/// Colour above alpha is what a filter's overshoot leaves; there is none such.
+constexpr std::uint32_t divided(std::uint32_t sample, std::uint32_t alpha)
+{
+    return alpha == 0 ? 0U : std::min(maximum, (sample * maximum + alpha / 2) / alpha);
+}
+
+/// The path of every photograph, plain enough for the vectoriser.
+template <typename Sample>
+void splitRgb(const Sample* __restrict from, std::uint16_t* __restrict red,
+    std::uint16_t* __restrict green, std::uint16_t* __restrict blue, int count)
+{
+    for (int x = 0; x < count; ++x) {
+        red[x] = to16(from[3 * x]);
+        green[x] = to16(from[3 * x + 1]);
+        blue[x] = to16(from[3 * x + 2]);
+    }
+}
+
+} // namespace
+
+PlanarReader::PlanarReader(const Image& image)
+    : m_image(image)
+    , m_stride(image.layout().channels())
+    , m_colors(image.layout().colorChannels())
+    , m_color(0)
+{
+    const AlphaInfo alpha = image.layout().alpha;
+    const bool first = alpha == AlphaInfo::First || alpha == AlphaInfo::PremultipliedFirst
+        || alpha == AlphaInfo::NoneSkipFirst;
+    m_color = first ? 1 : 0;
+    if (imaging::hasAlpha(alpha) && image.layout().model != ColorModel::Cmyk) {
+        m_alpha = first ? 0 : m_colors;
+    }
+}
+
+template <typename Sample> void PlanarReader::readSamples(const PlanarRow& row) const
+{
+    const int count = row.right - row.left;
+    const auto* from = reinterpret_cast<const Sample*>(m_image.row(row.y).data())
+        + static_cast<std::ptrdiff_t>(row.left) * m_stride;
+    std::array<std::uint16_t*, 4> to {};
+    for (int c = 0; c < planes(); ++c) {
+        to.at(static_cast<std::size_t>(c)) = row.planes.at(static_cast<std::size_t>(c)) + row.left;
+    }
+    if (m_alpha < 0 && m_stride == 3) {
+        splitRgb(from, to[0], to[1], to[2], count);
+        return;
+    }
+    const bool premultiply = m_alpha >= 0 && !isPremultiplied(m_image.layout().alpha);
+    for (int x = 0; x < count; ++x, from += m_stride) {
+        const std::uint32_t alpha = m_alpha >= 0 ? to16(from[m_alpha]) : maximum;
+        for (int c = 0; c < m_colors; ++c) {
+            const std::uint32_t value = to16(from[m_color + c]);
+            to.at(static_cast<std::size_t>(c))[x]
+                = static_cast<std::uint16_t>(premultiply ? multiplied(value, alpha) : value);
+        }
+        if (m_alpha >= 0) {
+            to.at(static_cast<std::size_t>(m_colors))[x] = static_cast<std::uint16_t>(alpha);
+        }
+    }
+}
+
+void PlanarReader::read(const PlanarRow& row) const
+{
+    if (m_image.layout().bitsPerComponent == 16) {
+        readSamples<std::uint16_t>(row);
+    } else {
+        readSamples<std::uint8_t>(row);
+    }
+}
+
+RgbaWriter::RgbaWriter(PixelBuffer& target, const ColorTransform& transform, int colors,
+    int bitsPerComponent, bool hasAlpha)
+    : m_target(target)
+    , m_transform(transform)
+    , m_colors(colors)
+    , m_bits(bitsPerComponent)
+    , m_hasAlpha(hasAlpha)
+    , m_samples(static_cast<std::size_t>(target.width()) * static_cast<std::size_t>(colors))
+{
+    assert(target.layout() == rgba8Premultiplied);
+}
+
+template <typename Sample> void RgbaWriter::interleave(const PlanarRow& row, Sample* samples) const
+{
+    const std::uint16_t* const alpha
+        = row.planes.at(static_cast<std::size_t>(m_hasAlpha ? m_colors : 0));
+    for (int c = 0; c < m_colors; ++c) {
+        const std::uint16_t* const from = row.planes.at(static_cast<std::size_t>(c));
+        Sample* to = samples + c;
+        for (int x = row.left; x < row.right; ++x, to += m_colors) {
+            *to = narrowed<Sample>(m_hasAlpha ? divided(from[x], alpha[x]) : from[x]);
+        }
+    }
+}
+
+void RgbaWriter::writePremultiplied(const PlanarRow& row)
+{
+    std::uint8_t* to = m_target.row8(row.y) + static_cast<std::ptrdiff_t>(row.left) * 4;
+    for (int x = row.left; x < row.right; ++x, to += 4) {
+        const std::uint32_t alpha = m_hasAlpha ? row.planes[3][x] : maximum;
+        to[0] = narrowed<std::uint8_t>(std::min<std::uint32_t>(row.planes[0][x], alpha));
+        to[1] = narrowed<std::uint8_t>(std::min<std::uint32_t>(row.planes[1][x], alpha));
+        to[2] = narrowed<std::uint8_t>(std::min<std::uint32_t>(row.planes[2][x], alpha));
+        to[3] = narrowed<std::uint8_t>(alpha);
+    }
+}
+
+void RgbaWriter::write(const PlanarRow& row)
+{
+    if (m_transform.isIdentity()) {
+        writePremultiplied(row);
+        return;
+    }
+    if (m_bits == 16) {
+        interleave(row, m_samples.data());
+    } else {
+        interleave(row, reinterpret_cast<std::uint8_t*>(m_samples.data()));
+    }
+    std::uint8_t* to = m_target.row8(row.y) + static_cast<std::ptrdiff_t>(row.left) * 4;
+    m_transform.apply(m_samples.data(), to, row.right - row.left);
+    for (int x = row.left; x < row.right; ++x, to += 4) {
+        const unsigned alpha = m_hasAlpha
+            ? narrowed<std::uint8_t>(row.planes.at(static_cast<std::size_t>(m_colors))[x])
+            : 255U;
+        to[3] = static_cast<std::uint8_t>(alpha);
+        if (alpha != 255U) {
+            for (int c = 0; c < 3; ++c) {
+                to[c] = static_cast<std::uint8_t>((to[c] * alpha + 127U) / 255U);
+            }
+        }
+    }
+}
+
+} // namespace vellumine::imaging

@@ -1,0 +1,71 @@
+# Checks that includes below SOURCE_FOLDER point one way:
+#     cmake -D SOURCE_FOLDER=src -P CheckIncludes.cmake
+# Prints every include that does not, with its file, and fails.
+cmake_minimum_required(VERSION 3.25)
+
+# A folder sees itself and what stands here; a folder that is not listed may not exist.
+set(sees_platform)
+set(sees_imaging)
+set(sees_core platform imaging)
+set(sees_pipeline core ${sees_core})
+set(sees_stats core)
+set(sees_update core)
+set(sees_batch pipeline stats ${sees_pipeline})
+set(sees_ui batch update ${sees_batch})
+set(sees_app ui ${sees_ui})
+set(sees_cli batch ${sees_batch})
+set(folders platform imaging core pipeline stats update batch ui app cli)
+
+# Sets `verdict` to what is wrong with an include in a file of the given folder, or to nothing.
+# `name` is the text between the quotes or the angle brackets.
+function(judge_include folder quote name)
+    set(verdict "" PARENT_SCOPE)
+    string(REGEX MATCH "^[^/]*" first "${name}")
+    if(name MATCHES "(^|/)\\.\\.?(/|$)" OR name MATCHES "^/")
+        set(verdict "is not relative to the source folder" PARENT_SCOPE)
+    elseif(first IN_LIST folders AND NOT name STREQUAL first)
+        if(NOT first STREQUAL folder AND NOT first IN_LIST sees_${folder})
+            set(verdict "${folder} may not see ${first}" PARENT_SCOPE)
+        elseif(NOT quote STREQUAL "\"")
+            set(verdict "our own headers stand in quotes" PARENT_SCOPE)
+        endif()
+    elseif(quote STREQUAL "\"" AND NOT name MATCHES "^[A-Za-z]+\\.moc$")
+        set(verdict "is no path from the source folder" PARENT_SCOPE)
+    elseif(folder STREQUAL "imaging" AND name MATCHES "^Q[A-Z]|^Qt|^q[a-z]+\\.h$")
+        set(verdict "imaging knows no Qt" PARENT_SCOPE)
+    endif()
+endfunction()
+
+# Reads the include lines alone: a list of lines with a lone bracket in them would fall apart.
+function(check_file file folder)
+    file(STRINGS "${file}" lines REGEX "^[ \t]*#[ \t]*include[ \t]*[<\"]")
+    foreach(line IN LISTS lines)
+        string(REGEX MATCH "([<\"])([^>\"]+)" name "${line}")
+        judge_include("${folder}" "${CMAKE_MATCH_1}" "${CMAKE_MATCH_2}")
+        if(verdict)
+            message(NOTICE "${file}: ${line}: ${verdict}")
+            set_property(GLOBAL PROPERTY violated ON)
+        endif()
+    endforeach()
+endfunction()
+
+get_filename_component(SOURCE_FOLDER "${SOURCE_FOLDER}" ABSOLUTE BASE_DIR "${CMAKE_BINARY_DIR}")
+file(GLOB_RECURSE sources RELATIVE "${SOURCE_FOLDER}"
+    "${SOURCE_FOLDER}/*.h" "${SOURCE_FOLDER}/*.cpp" "${SOURCE_FOLDER}/*.h.in")
+if(NOT sources)
+    message(FATAL_ERROR "There is no source file below \"${SOURCE_FOLDER}\".")
+endif()
+foreach(source IN LISTS sources)
+    string(REGEX MATCH "^[^/]*" folder "${source}")
+    if(NOT folder IN_LIST folders)
+        message(NOTICE "${SOURCE_FOLDER}/${source}: the folder \"${folder}\" has no rule")
+        set_property(GLOBAL PROPERTY violated ON)
+    else()
+        check_file("${SOURCE_FOLDER}/${source}" "${folder}")
+    endif()
+endforeach()
+
+get_property(violated GLOBAL PROPERTY violated)
+if(violated)
+    message(FATAL_ERROR "Includes point the wrong way.")
+endif()

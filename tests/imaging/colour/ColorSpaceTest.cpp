@@ -1,0 +1,121 @@
+#include "imaging/colour/ColorSpace.h"
+
+#include "imaging/colour/Profile.h"
+#include "support/NamedRows.h"
+
+#include <gtest/gtest.h>
+
+#include <span>
+
+namespace vellumine::imaging {
+namespace {
+
+constexpr Primaries srgbPrimaries { { 0.3127, 0.3290 }, { 0.64, 0.33 }, { 0.30, 0.60 },
+    { 0.15, 0.06 } };
+constexpr Primaries p3Primaries { { 0.3127, 0.3290 }, { 0.680, 0.320 }, { 0.265, 0.690 },
+    { 0.150, 0.060 } };
+
+ByteBuffer copied(ByteSpan bytes)
+{
+    return { bytes.begin(), bytes.end() };
+}
+
+TEST(ColorSpace, sRgbHasAProfileToWriteAndDeviceRgbHasNone)
+{
+    EXPECT_GT(ColorSpace::sRgb().iccProfile().size(), 200U);
+    EXPECT_EQ(ColorSpace::sRgb().profileName(), "sRGB");
+    EXPECT_TRUE(ColorSpace::deviceRgb().iccProfile().empty());
+    EXPECT_TRUE(ColorSpace::grey().iccProfile().empty());
+    EXPECT_TRUE(ColorSpace::deviceCmyk().iccProfile().empty());
+    EXPECT_NE(ColorSpace::sRgb(), ColorSpace::deviceRgb());
+    EXPECT_TRUE(ColorSpace::deviceRgb().isSRgbEquivalent());
+}
+
+TEST(ColorSpace, theWrittenSRgbProfileIsReadBackAsSRgb)
+{
+    const auto space = ColorSpace::fromIcc(ColorSpace::sRgb().iccProfile(), ColorModel::Rgb);
+    ASSERT_TRUE(space);
+    EXPECT_TRUE(space->isSRgbEquivalent());
+    EXPECT_EQ(space->profileName(), "sRGB");
+}
+
+TEST(ColorSpace, profilesAreTheSameBytesEveryTime)
+{
+    const auto first = ColorSpace::fromPrimaries(p3Primaries, {});
+    const auto second = ColorSpace::fromPrimaries(p3Primaries, {});
+    ASSERT_TRUE(first && second);
+    EXPECT_EQ(copied(first->iccProfile()), copied(second->iccProfile()));
+    EXPECT_EQ(*first, *second);
+}
+
+TEST(ColorSpace, numbersThatDescribeSRgbGiveSRgb)
+{
+    EXPECT_EQ(ColorSpace::fromPrimaries(srgbPrimaries, {}).value(), ColorSpace::sRgb());
+}
+
+TEST(ColorSpace, displayP3IsNotSRgb)
+{
+    const auto space = ColorSpace::fromPrimaries(p3Primaries, {});
+    ASSERT_TRUE(space);
+    EXPECT_FALSE(space->isSRgbEquivalent());
+    EXPECT_FALSE(space->iccProfile().empty());
+}
+
+TEST(ColorSpace, aPlainGammaIsNotTheSRgbCurve)
+{
+    const auto space
+        = ColorSpace::fromPrimaries(srgbPrimaries, { TransferCurve::Kind::Gamma, 1.8 });
+    ASSERT_TRUE(space);
+    EXPECT_FALSE(space->isSRgbEquivalent());
+}
+
+TEST(ColorSpace, greyFromNumbersIsGrey)
+{
+    const auto space = ColorSpace::fromPrimaries(
+        srgbPrimaries, { TransferCurve::Kind::Gamma, 1.0 }, ColorModel::Grey);
+    ASSERT_TRUE(space);
+    EXPECT_EQ(space->model(), ColorModel::Grey);
+}
+
+TEST(ColorSpace, aProfileOfAnotherModelIsUnsupported)
+{
+    const auto space = ColorSpace::fromIcc(ColorSpace::sRgb().iccProfile(), ColorModel::Cmyk);
+    ASSERT_FALSE(space);
+    EXPECT_EQ(space.error().kind, Error::Kind::Unsupported);
+}
+
+TEST(ColorSpace, everyCutOfAProfileIsRefusedOrStillAProfile)
+{
+    const ByteBuffer whole = copied(ColorSpace::sRgb().iccProfile());
+    for (std::size_t length = 0; length < whole.size(); ++length) {
+        const auto space = ColorSpace::fromIcc(std::span(whole).first(length), ColorModel::Rgb);
+        if (length < 300) {
+            EXPECT_FALSE(space) << length;
+        }
+    }
+}
+
+struct Degenerate {
+    const char* name;
+    Primaries primaries;
+    TransferCurve curve;
+};
+
+class DegenerateNumbers : public testing::TestWithParam<Degenerate> { };
+
+TEST_P(DegenerateNumbers, areMalformed)
+{
+    const auto space = ColorSpace::fromPrimaries(GetParam().primaries, GetParam().curve);
+    ASSERT_FALSE(space);
+    EXPECT_EQ(space.error().kind, Error::Kind::Malformed);
+}
+
+INSTANTIATE_TEST_SUITE_P(Numbers, DegenerateNumbers,
+    testing::Values(Degenerate { "allZero", {}, {} },
+        Degenerate { "oneLine", { { 0.3, 0.3 }, { 0.1, 0.1 }, { 0.2, 0.2 }, { 0.3, 0.3 } }, {} },
+        Degenerate { "gammaZero", srgbPrimaries, { TransferCurve::Kind::Gamma, 0.0 } },
+        Degenerate { "gammaHuge", srgbPrimaries, { TransferCurve::Kind::Gamma, 1e9 } }),
+    test::RowName {});
+
+} // namespace
+} // namespace vellumine::imaging
