@@ -26,11 +26,10 @@ constexpr std::array<std::string_view, 7> phrasesOfMissingData { "remature E", "
     "Read error", "read error", "ot enough data", "Invalid strip byte count",
     "Invalid tile byte count" };
 
-std::string formatted(const char* format, va_list arguments)
+/// The format strings are the library's own.
+[[gnu::format(printf, 1, 0)]] std::string formatted(const char* format, va_list arguments)
 {
     std::array<char, 512> text {};
-    // The library's own format strings.
-    // NOLINTNEXTLINE(clang-diagnostic-format-nonliteral)
     (void)std::vsnprintf(text.data(), text.size(), format, arguments);
     return text.data();
 }
