@@ -62,13 +62,16 @@ bool write(const std::filesystem::path& path, ByteSpan bytes)
     return file.good();
 }
 
-/// Whether every file could be made.
+/// Whether every file of the format could be made.
 bool writeSeeds(const Codec& codec, const std::filesystem::path& folder)
 {
     const std::string format(preferredExtension(codec.type));
     for (const auto& [name, layout] : kinds) {
         const auto file = codec.encode(pattern(layout), {});
         const std::filesystem::path path = folder / format / (std::string(name) + "." + format);
+        if (!file && file.error().kind == Error::Kind::Unsupported) {
+            continue; // a kind that the format cannot hold
+        }
         if (!file || !write(path, *file)) {
             std::cerr << path << " could not be made\n";
             return false;

@@ -40,7 +40,7 @@ void noteMissingData(TiffMessages& messages, std::string_view text)
         [text](std::string_view phrase) { return text.find(phrase) != std::string_view::npos; });
 }
 
-int onError(
+[[gnu::format(printf, 4, 0)]] int onError(
     TIFF* /*tiff*/, void* messages, const char* module, const char* format, va_list arguments)
 {
     auto& log = *static_cast<TiffMessages*>(messages);
@@ -50,7 +50,7 @@ int onError(
     return 1; // handled: not passed on to the process-wide handler, which prints
 }
 
-int onWarning(
+[[gnu::format(printf, 4, 0)]] int onWarning(
     TIFF* /*tiff*/, void* messages, const char* /*module*/, const char* format, va_list arguments)
 {
     noteMissingData(*static_cast<TiffMessages*>(messages), formatted(format, arguments));
