@@ -44,21 +44,17 @@ std::optional<ByteBuffer> inflated(ByteSpan stream, std::size_t maximum)
     }
 }
 
-Result<ByteBuffer> deflated(ByteSpan bytes, CompressionLevel level)
+ByteBuffer deflated(ByteSpan bytes, CompressionLevel level)
 {
     const Compressor compressor(
         libdeflate_alloc_compressor(static_cast<int>(level)), libdeflate_free_compressor);
     if (!compressor) {
-        return failure(Error::Kind::OutOfMemory, "no memory for compressing");
+        throw std::bad_alloc();
     }
-    try {
-        ByteBuffer stream(libdeflate_zlib_compress_bound(compressor.get(), bytes.size()));
-        stream.resize(libdeflate_zlib_compress(
-            compressor.get(), bytes.data(), bytes.size(), stream.data(), stream.size()));
-        return stream;
-    } catch (const std::bad_alloc&) {
-        return failure(Error::Kind::OutOfMemory, "no memory for the compressed picture");
-    }
+    ByteBuffer stream(libdeflate_zlib_compress_bound(compressor.get(), bytes.size()));
+    stream.resize(libdeflate_zlib_compress(
+        compressor.get(), bytes.data(), bytes.size(), stream.data(), stream.size()));
+    return stream;
 }
 
 } // namespace vellumine::imaging::png

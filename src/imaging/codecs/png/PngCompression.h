@@ -1,9 +1,9 @@
 #pragma once
 
 #include "imaging/Bytes.h"
-#include "imaging/Error.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 
 namespace vellumine::imaging::png {
@@ -12,9 +12,9 @@ namespace vellumine::imaging::png {
 [[nodiscard]] std::optional<ByteBuffer> inflated(ByteSpan stream, std::size_t maximum);
 
 /// How hard compressing tries, from libdeflate's levels 1 to 12.
-enum class CompressionLevel { Fast = 1, Balanced = 6, Thorough = 9, Optimal = 12 };
+enum class CompressionLevel : std::uint8_t { Fast = 1, Balanced = 6, Thorough = 7, Optimal = 12 };
 
-/// A zlib stream of the bytes. Fails with OutOfMemory.
-[[nodiscard]] Result<ByteBuffer> deflated(ByteSpan bytes, CompressionLevel level);
+/// A zlib stream of the bytes. Throws std::bad_alloc.
+[[nodiscard]] ByteBuffer deflated(ByteSpan bytes, CompressionLevel level);
 
 } // namespace vellumine::imaging::png

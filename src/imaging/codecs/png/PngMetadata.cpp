@@ -144,9 +144,10 @@ std::string rawProfileText(std::string_view name, ByteSpan profile)
 {
     constexpr std::string_view digits = "0123456789abcdef";
     constexpr std::size_t bytesInLine = 36;
-    std::string length = std::to_string(profile.size());
-    std::string text = "\n" + std::string(name) + "\n"
-        + std::string(8 - std::min<std::size_t>(8, length.size()), ' ') + length;
+    const std::string length = std::to_string(profile.size());
+    std::string text = "\n";
+    text.append(name).append("\n");
+    text.append(8 - std::min<std::size_t>(8, length.size()), ' ').append(length);
     for (std::size_t i = 0; i < profile.size(); ++i) {
         if (i % bytesInLine == 0) {
             text += '\n';
@@ -155,7 +156,8 @@ std::string rawProfileText(std::string_view name, ByteSpan profile)
         text += digits[value / 16];
         text += digits[value % 16];
     }
-    return text + '\n';
+    text += '\n';
+    return text;
 }
 
 } // namespace
@@ -217,15 +219,12 @@ void appendMetadata(ByteBuffer& file, const MetadataBlocks& blocks)
     }
     if (!blocks.iptc.empty()) {
         const std::string text = rawProfileText("iptc", photoshopResources(blocks.iptc));
-        if (const auto stream
-            = deflated(std::as_bytes(std::span(text)), CompressionLevel::Thorough)) {
-            ByteBuffer data;
-            append(data, rawProfileKeyword);
-            append(data, "iptc");
-            data.resize(data.size() + 2); // the end of the keyword, the compression method
-            append(data, *stream);
-            appendChunk(file, "zTXt", data);
-        }
+        ByteBuffer data;
+        append(data, rawProfileKeyword);
+        append(data, "iptc");
+        data.resize(data.size() + 2); // the end of the keyword, the compression method
+        append(data, deflated(std::as_bytes(std::span(text)), CompressionLevel::Optimal));
+        appendChunk(file, "zTXt", data);
     }
 }
 
