@@ -69,7 +69,7 @@ ByteBuffer writeTiff(ByteBuffer file, const MetadataBlocks& blocks)
     if (!blocks.iptc.empty()) {
         tree.main.set(bytesEntry(iptcTag, fieldtype::undefined, blocks.iptc));
     }
-    tree.thumbnail = {}; // a second directory would be a second picture
+    tree.thumbnailData = {}; // a second directory would be a second picture
     if (tree.empty()) {
         return file;
     }
