@@ -87,7 +87,7 @@ Image ImageOptimizer::transformed(const Image& image, const OptimizerSettings& s
     if (!context->draw(image)) {
         return image;
     }
-    return std::move(*context).makeImage();
+    return std::move(*context).makeImage().value_or(image);
 }
 
 } // namespace vellumine
