@@ -1,22 +1,21 @@
 #include "imaging/BitmapContext.h"
 #include "pipeline/ImageOptimizer.h"
 #include "pipeline/Unpremultiply.h"
-#include "platform/FileOperations.h"
+#include "platform/FileDescriptor.h"
 #include "platform/FilePath.h"
 
-#include <QtGlobal>
-
-#include <cerrno>
-#include <cstring>
-#include <memory>
-#include <new>
+#include <algorithm>
+#include <cstddef>
+#include <span>
 #include <string>
+#include <vector>
 
 namespace vellumine {
 
 using imaging::BitmapContext;
 using imaging::ColorSpace;
 using imaging::Image;
+using platform::FileDescriptor;
 
 namespace {
 
@@ -45,19 +44,43 @@ std::string header(imaging::Size size)
         + "\nDEPTH 4\nMAXVAL 255\nTUPLTYPE RGB_ALPHA\nENDHDR\n";
 }
 
-std::size_t bodyBytes(imaging::Size size)
+/// Rows to write at once: about a mebibyte of them.
+int rowsPerPiece(std::size_t rowBytes)
 {
-    std::size_t bytes = 0;
-    if (__builtin_mul_overflow(static_cast<std::size_t>(size.width) * bytesPerPixel,
-            static_cast<std::size_t>(size.height), &bytes)) {
-        qFatal("the picture's bytes cannot be counted");
-    }
-    return bytes;
+    constexpr std::size_t piece = std::size_t { 1 } << 20U;
+    return static_cast<int>(std::max<std::size_t>(1, piece / rowBytes));
 }
 
 std::span<const std::uint8_t> samples(std::span<const std::byte> row)
 {
     return { reinterpret_cast<const std::uint8_t*>(row.data()), row.size() };
+}
+
+platform::Result<void> writeFile(const Image& image, const std::filesystem::path& path)
+{
+    const auto file = FileDescriptor::createPrivateFile(path);
+    if (!file) {
+        return tl::unexpected(file.error());
+    }
+    if (auto written = file->writeAll(std::as_bytes(std::span(header(image.size())))); !written) {
+        return written;
+    }
+    const std::size_t rowBytes = static_cast<std::size_t>(image.width()) * bytesPerPixel;
+    const int rows = std::min(image.height(), rowsPerPiece(rowBytes));
+    std::vector<std::uint8_t> piece(rowBytes * static_cast<std::size_t>(rows));
+    for (int top = 0; top < image.height(); top += rows) {
+        const int count = std::min(rows, image.height() - top);
+        std::span<std::uint8_t> left(piece);
+        for (int y = top; y < top + count; ++y) {
+            unpremultiply(samples(image.row(y)), left.first(rowBytes));
+            left = left.subspan(rowBytes);
+        }
+        const std::span<const std::uint8_t> filled(piece.data(), piece.size() - left.size());
+        if (auto written = file->writeAll(std::as_bytes(filled)); !written) {
+            return written;
+        }
+    }
+    return {};
 }
 
 } // namespace
@@ -68,22 +91,9 @@ Outcome<void> ImageOptimizer::writePAM(const Image& image, const QUrl& url)
     if (!drawn) {
         return failed(CannotCreateDestination { url });
     }
-    const std::string head = header(drawn->size());
-    const std::size_t total = head.size() + bodyBytes(drawn->size());
-    // One block and one write. Left uninitialised: every byte of it is written below.
-    const std::unique_ptr<std::byte[]> file(new (std::nothrow) std::byte[total]);
-    if (!file) {
-        return failed(CannotFinalize { url, platform::FileError::fromErrno(ENOMEM).text });
-    }
-    std::memcpy(file.get(), head.data(), head.size());
-    auto* body = reinterpret_cast<std::uint8_t*>(file.get() + head.size());
-    const std::size_t rowBytes = static_cast<std::size_t>(drawn->width()) * bytesPerPixel;
-    for (int y = 0; y < drawn->height(); ++y) {
-        unpremultiply(samples(drawn->row(y)), { body, rowBytes });
-        body += rowBytes;
-    }
-    // Nobody else knows the name, so that nobody can see the file before it is complete.
-    const auto written = platform::writePrivateFile(platform::toPath(url), { file.get(), total });
+    // Written in pieces, so that a large picture is not in memory twice. Nobody else knows the
+    // name yet: the file is seen only when it is complete.
+    const auto written = writeFile(*drawn, platform::toPath(url));
     if (!written) {
         return failed(CannotFinalize { url, written.error().text });
     }
