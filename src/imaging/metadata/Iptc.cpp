@@ -1,6 +1,6 @@
 #include "imaging/metadata/Iptc.h"
 
-#include "imaging/metadata/TiffTree.h"
+#include "imaging/metadata/ByteOrder.h"
 
 #include <optional>
 

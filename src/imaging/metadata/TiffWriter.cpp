@@ -1,151 +1,35 @@
 #include "imaging/metadata/TiffWriter.h"
 
+#include "imaging/metadata/TiffLayout.h"
+
 #include <algorithm>
 #include <array>
-#include <limits>
 
 namespace vellumine::imaging::metadata {
 
 namespace {
 
 constexpr std::size_t headerBytes = 8;
-constexpr std::size_t entryBytes = 12;
-constexpr std::size_t inlineBytes = 4;
 constexpr std::size_t largestAddress = std::numeric_limits<std::uint32_t>::max();
 
-std::size_t directoryBytes(std::size_t entries)
+// More than the tree takes when it is written, and the entries of a file's own directory with it.
+std::size_t upperBound(const TiffTree& tree)
 {
-    return 2 + entries * entryBytes + inlineBytes;
+    std::size_t total = std::size_t { 1 } << 20U;
+    for (const TiffDirectory* directory :
+        { &tree.main, &tree.exif, &tree.interoperability, &tree.gps, &tree.thumbnail }) {
+        for (const TiffEntry& entry : directory->entries) {
+            total += TiffLayout::entryBytes + entry.value.size() + 1;
+        }
+    }
+    return total + tree.thumbnailData.size();
 }
-
-// Bytes that are filled out of order: places are given out first, values written into them later.
-class Layout {
-public:
-    Layout(ByteBuffer bytes, ByteOrder order)
-        : m_bytes(std::move(bytes))
-        , m_order(order)
-        , m_low(m_bytes.size())
-    {
-    }
-
-    // Keeps a range for what must stand there; everything else goes below it while it fits, and
-    // above it from then on.
-    void reserve(std::size_t offset, std::size_t length)
-    {
-        m_lowEnd = offset;
-        m_high = offset + length;
-        grow(m_high);
-    }
-
-    std::size_t place(std::size_t length)
-    {
-        const std::size_t low = even(m_low);
-        if (low <= m_lowEnd && length <= m_lowEnd - low) {
-            m_low = low + length;
-            grow(m_low);
-            return low;
-        }
-        const std::size_t high = even(m_high);
-        m_high = high + length;
-        grow(m_high);
-        return high;
-    }
-
-    void put(std::size_t at, ByteSpan value)
-    {
-        std::ranges::copy(value, m_bytes.begin() + static_cast<std::ptrdiff_t>(at));
-    }
-    void put16(std::size_t at, std::uint16_t value) { write16(m_bytes, at, value, m_order); }
-    void put32(std::size_t at, std::size_t value)
-    {
-        write32(m_bytes, at, static_cast<std::uint32_t>(value), m_order);
-    }
-
-    ByteBuffer take() && { return std::move(m_bytes); }
-
-private:
-    // TIFF wants values and directories to begin on a word boundary.
-    static std::size_t even(std::size_t offset) { return offset + offset % 2; }
-
-    void grow(std::size_t size)
-    {
-        if (size > m_bytes.size()) {
-            m_bytes.resize(size);
-        }
-    }
-
-    ByteBuffer m_bytes;
-    ByteOrder m_order;
-    std::size_t m_low;
-    std::size_t m_lowEnd = std::numeric_limits<std::size_t>::max();
-    std::size_t m_high = 0;
-};
-
-struct Pointer {
-    std::uint16_t tag;
-    std::size_t target;
-};
-
-// A directory whose place is known and whose entries are being written, ascending by tag.
-class DirectoryWriter {
-public:
-    DirectoryWriter(Layout& layout, std::size_t at, std::size_t entries, std::size_t next)
-        : m_layout(layout)
-        , m_position(at + 2)
-    {
-        layout.put16(at, static_cast<std::uint16_t>(entries));
-        layout.put32(at + 2 + entries * entryBytes, next);
-    }
-
-    void add(const TiffEntry& entry)
-    {
-        const bool isInline = entry.value.size() <= inlineBytes;
-        add(entry, isInline ? m_position + 8 : m_layout.place(entry.value.size()));
-    }
-
-    // An entry whose value goes to a place that the caller chose.
-    void add(const TiffEntry& entry, std::size_t valueAt)
-    {
-        head(entry.tag, entry.type, entry.count);
-        if (entry.value.size() > inlineBytes) {
-            m_layout.put32(m_position + 8, valueAt);
-        }
-        m_layout.put(valueAt, entry.value);
-        m_position += entryBytes;
-    }
-
-    void add(Pointer pointer)
-    {
-        head(pointer.tag, fieldtype::longInteger, 1);
-        m_layout.put32(m_position + 8, pointer.target);
-        m_position += entryBytes;
-    }
-
-    // An entry of the same file, whose offset still holds.
-    void addAsIs(ByteSpan entry)
-    {
-        m_layout.put(m_position, entry);
-        m_position += entryBytes;
-    }
-
-private:
-    void head(std::uint16_t tag, std::uint16_t type, std::uint32_t count)
-    {
-        m_layout.put16(m_position, tag);
-        m_layout.put16(m_position + 2, type);
-        m_layout.put32(m_position + 4, count);
-    }
-
-    Layout& m_layout;
-    std::size_t m_position;
-};
 
 // Entries and pointers of one directory in the order of their tags.
 template <typename WriteEntry, typename WritePointer>
-void mergeByTag(const std::vector<TiffEntry>& entries, std::vector<Pointer> pointers,
+void mergeByTag(const std::vector<TiffEntry>& entries, const std::vector<TiffPointer>& pointers,
     WriteEntry&& writeEntry, WritePointer&& writePointer)
 {
-    std::ranges::sort(pointers, {}, &Pointer::tag);
     auto pointer = pointers.begin();
     for (const TiffEntry& entry : entries) {
         for (; pointer != pointers.end() && pointer->tag < entry.tag; ++pointer) {
@@ -156,11 +40,12 @@ void mergeByTag(const std::vector<TiffEntry>& entries, std::vector<Pointer> poin
     std::for_each(pointer, pointers.end(), writePointer);
 }
 
-void writeDirectory(Layout& layout, std::size_t at, const TiffDirectory& directory,
-    const std::vector<Pointer>& pointers, std::size_t next,
+// `pointers` ascend by tag.
+void writeDirectory(TiffLayout& layout, std::size_t at, const TiffDirectory& directory,
+    const std::vector<TiffPointer>& pointers, std::size_t next,
     std::optional<std::size_t> makerNoteAt = {})
 {
-    DirectoryWriter writer(layout, at, directory.entries.size() + pointers.size(), next);
+    TiffDirectoryWriter writer(layout, at, directory.entries.size() + pointers.size(), next);
     mergeByTag(
         directory.entries, pointers,
         [&](const TiffEntry& entry) {
@@ -170,72 +55,72 @@ void writeDirectory(Layout& layout, std::size_t at, const TiffDirectory& directo
                 writer.add(entry);
             }
         },
-        [&](Pointer pointer) { writer.add(pointer); });
+        [&](TiffPointer pointer) { writer.add(pointer); });
 }
 
-// The places of the directories below the first one; 0 for those that there are not.
-struct InnerPlaces {
-    std::size_t exif = 0;
-    std::size_t interoperability = 0;
-    std::size_t gps = 0;
-
-    InnerPlaces(Layout& layout, const TiffTree& tree)
+// The directories below the first one: first their places are taken, then they are written. An
+// offset of 0 stands for a directory that there is not.
+class InnerDirectories {
+public:
+    explicit InnerDirectories(const TiffTree& tree)
+        : m_tree(tree)
     {
-        if (!tree.exif.empty() || !tree.interoperability.empty()) {
-            const std::size_t pointers = tree.interoperability.empty() ? 0 : 1;
-            exif = layout.place(directoryBytes(tree.exif.entries.size() + pointers));
+    }
+
+    [[nodiscard]] std::size_t count() const { return (hasExif() ? 1U : 0U) + (hasGps() ? 1U : 0U); }
+
+    void place(TiffLayout& layout)
+    {
+        if (hasExif()) {
+            m_exifAt = layout.placeDirectory(
+                m_tree.exif.entries.size() + (hasInteroperability() ? 1 : 0));
         }
-        if (!tree.interoperability.empty()) {
-            interoperability = layout.place(directoryBytes(tree.interoperability.entries.size()));
+        if (hasInteroperability()) {
+            m_interoperabilityAt = layout.placeDirectory(m_tree.interoperability.entries.size());
         }
-        if (!tree.gps.empty()) {
-            gps = layout.place(directoryBytes(tree.gps.entries.size()));
+        if (hasGps()) {
+            m_gpsAt = layout.placeDirectory(m_tree.gps.entries.size());
         }
     }
 
-    [[nodiscard]] std::vector<Pointer> pointers() const
+    // The entries that point at them in the first directory.
+    [[nodiscard]] std::vector<TiffPointer> pointers() const
     {
-        std::vector<Pointer> result;
-        if (exif != 0) {
-            result.push_back({ tag::exifDirectory, exif });
+        std::vector<TiffPointer> result;
+        if (hasExif()) {
+            result.push_back({ tag::exifDirectory, m_exifAt });
         }
-        if (gps != 0) {
-            result.push_back({ tag::gpsDirectory, gps });
+        if (hasGps()) {
+            result.push_back({ tag::gpsDirectory, m_gpsAt });
         }
         return result;
     }
 
-    void write(
-        Layout& layout, const TiffTree& tree, std::optional<std::size_t> makerNoteAt = {}) const
+    void write(TiffLayout& layout, std::optional<std::size_t> makerNoteAt) const
     {
-        if (exif != 0) {
-            std::vector<Pointer> pointers;
-            if (interoperability != 0) {
-                pointers.push_back({ tag::interoperabilityDirectory, interoperability });
-            }
-            writeDirectory(layout, exif, tree.exif, pointers, 0, makerNoteAt);
+        std::vector<TiffPointer> exifPointers;
+        if (hasInteroperability()) {
+            exifPointers.push_back({ tag::interoperabilityDirectory, m_interoperabilityAt });
+            writeDirectory(layout, m_interoperabilityAt, m_tree.interoperability, {}, 0);
         }
-        if (interoperability != 0) {
-            writeDirectory(layout, interoperability, tree.interoperability, {}, 0);
+        if (hasExif()) {
+            writeDirectory(layout, m_exifAt, m_tree.exif, exifPointers, 0, makerNoteAt);
         }
-        if (gps != 0) {
-            writeDirectory(layout, gps, tree.gps, {}, 0);
+        if (hasGps()) {
+            writeDirectory(layout, m_gpsAt, m_tree.gps, {}, 0);
         }
     }
-};
 
-// More than the tree takes when it is written, and the entries of a file's own directory with it.
-std::size_t upperBound(const TiffTree& tree)
-{
-    std::size_t total = std::size_t { 1 } << 20U;
-    for (const TiffDirectory* directory :
-        { &tree.main, &tree.exif, &tree.interoperability, &tree.gps, &tree.thumbnail }) {
-        for (const TiffEntry& entry : directory->entries) {
-            total += entryBytes + entry.value.size() + 1;
-        }
-    }
-    return total + tree.thumbnailData.size();
-}
+private:
+    [[nodiscard]] bool hasExif() const { return !m_tree.exif.empty() || hasInteroperability(); }
+    [[nodiscard]] bool hasInteroperability() const { return !m_tree.interoperability.empty(); }
+    [[nodiscard]] bool hasGps() const { return !m_tree.gps.empty(); }
+
+    const TiffTree& m_tree;
+    std::size_t m_exifAt = 0;
+    std::size_t m_interoperabilityAt = 0;
+    std::size_t m_gpsAt = 0;
+};
 
 std::array<std::byte, headerBytes> header(ByteOrder order)
 {
@@ -246,13 +131,13 @@ std::array<std::byte, headerBytes> header(ByteOrder order)
     return bytes;
 }
 
-// Where the maker note can go back to. It is not moved for the sake of a note in the middle of a
-// large file: a block that a JPEG can hold ends before 64 KB.
+// Where the maker note can go back to. A note from the middle of a large file cannot: a block that
+// a JPEG can hold ends before 64 KB.
 std::optional<std::size_t> makerNotePlace(const TiffTree& tree)
 {
     constexpr std::size_t largestBlock = 65'527;
     const TiffEntry* const note = tree.exif.find(tag::makerNote);
-    if (note == nullptr || note->value.size() <= inlineBytes || !tree.makerNoteOffset
+    if (note == nullptr || note->value.size() <= TiffLayout::inlineBytes || !tree.makerNoteOffset
         || *tree.makerNoteOffset < headerBytes
         || *tree.makerNoteOffset + note->value.size() > largestBlock) {
         return std::nullopt;
@@ -285,6 +170,35 @@ void bringInto(ByteOrder order, TiffTree& tree)
     tree.order = order;
 }
 
+using RawEntry = std::array<std::byte, TiffLayout::entryBytes>;
+
+std::uint16_t tagOf(const RawEntry& entry, ByteOrder order)
+{
+    return read16(entry, 0, order);
+}
+
+struct RawDirectory {
+    std::vector<RawEntry> entries;
+    std::uint32_t next = 0;
+};
+
+// The first directory of a classic TIFF file that was read before.
+std::optional<RawDirectory> readRawDirectory(ByteSpan file, ByteOrder order)
+{
+    const std::size_t at = read32(file, 4, order);
+    const std::size_t count = read16(file, at, order);
+    const std::size_t end = at + 2 + count * TiffLayout::entryBytes;
+    if (end + 4 > file.size()) {
+        return std::nullopt;
+    }
+    RawDirectory directory { std::vector<RawEntry>(count), read32(file, end, order) };
+    for (std::size_t i = 0; i < count; ++i) {
+        std::ranges::copy(file.subspan(at + 2 + i * TiffLayout::entryBytes, TiffLayout::entryBytes),
+            directory.entries[i].begin());
+    }
+    return directory;
+}
+
 } // namespace
 
 ByteBuffer writeExifBlock(const TiffTree& tree)
@@ -293,23 +207,20 @@ ByteBuffer writeExifBlock(const TiffTree& tree)
         return {};
     }
     const auto start = header(tree.order);
-    Layout layout({ start.begin(), start.end() }, tree.order);
+    TiffLayout layout({ start.begin(), start.end() }, tree.order);
     const auto makerNoteAt = makerNotePlace(tree);
     if (makerNoteAt) {
         layout.reserve(*makerNoteAt, tree.exif.find(tag::makerNote)->value.size());
     }
-    const bool hasExif = !tree.exif.empty() || !tree.interoperability.empty();
-    const std::size_t mainPointers = (hasExif ? 1U : 0U) + (tree.gps.empty() ? 0U : 1U);
-    const std::size_t mainAt
-        = layout.place(directoryBytes(tree.main.entries.size() + mainPointers));
-    const InnerPlaces inner(layout, tree);
-    const std::size_t thumbnailAt = tree.thumbnail.empty()
-        ? 0
-        : layout.place(directoryBytes(tree.thumbnail.entries.size() + 2));
+    InnerDirectories inner(tree);
+    const std::size_t mainAt = layout.placeDirectory(tree.main.entries.size() + inner.count());
+    inner.place(layout);
+    const std::size_t thumbnailAt
+        = tree.thumbnail.empty() ? 0 : layout.placeDirectory(tree.thumbnail.entries.size() + 2);
 
     layout.put32(4, mainAt);
     writeDirectory(layout, mainAt, tree.main, inner.pointers(), thumbnailAt);
-    inner.write(layout, tree, makerNoteAt);
+    inner.write(layout, makerNoteAt);
     if (thumbnailAt != 0) {
         const std::uint16_t lengthTag
             = tree.thumbnailTag == tag::jpegOffset ? tag::jpegByteCount : tag::stripByteCounts;
@@ -329,57 +240,46 @@ ByteBuffer appendToTiffFile(ByteBuffer file, TiffTree tree)
         return file;
     }
     const ByteOrder order = fileTree->order;
-    const std::size_t oldAt = read32(file, 4, order);
-    const std::size_t oldCount = read16(file, oldAt, order);
-    const std::size_t oldEnd = oldAt + 2 + oldCount * entryBytes;
-    if (oldEnd + inlineBytes > file.size()) {
+    const auto old = readRawDirectory(file, order);
+    if (!old) {
         return file;
     }
-    const std::size_t next = read32(file, oldEnd, order);
-
-    // The file's own entries are taken over as they stand: their offsets stay true.
-    struct OldEntry {
-        std::uint16_t tag;
-        std::array<std::byte, entryBytes> bytes;
+    const auto isOld = [&](std::uint16_t tag) {
+        return std::ranges::any_of(
+            old->entries, [&](const RawEntry& entry) { return tagOf(entry, order) == tag; });
     };
-    std::vector<OldEntry> oldEntries;
-    for (std::size_t i = 0; i < oldCount; ++i) {
-        const std::size_t at = oldAt + 2 + i * entryBytes;
-        OldEntry entry { read16(file, at, order), {} };
-        std::ranges::copy(ByteSpan(file).subspan(at, entryBytes), entry.bytes.begin());
-        oldEntries.push_back(entry);
-        tree.main.erase(entry.tag);
-    }
+    std::erase_if(tree.main.entries, [&](const TiffEntry& entry) { return isOld(entry.tag); });
     bringInto(order, tree);
 
-    Layout layout(std::move(file), order);
-    const InnerPlaces inner(layout, tree);
-    std::vector<Pointer> pointers = inner.pointers();
-    std::erase_if(pointers, [&](Pointer pointer) {
-        return std::ranges::find(oldEntries, pointer.tag, &OldEntry::tag) != oldEntries.end();
-    });
-    const std::size_t count = oldEntries.size() + tree.main.entries.size() + pointers.size();
-    const std::size_t mainAt = layout.place(directoryBytes(count));
+    file.reserve(file.size() + upperBound(tree)); // else the buffer doubles as it grows
+    TiffLayout layout(std::move(file), order);
+    InnerDirectories inner(tree);
+    inner.place(layout);
+    std::vector<TiffPointer> pointers = inner.pointers();
+    std::erase_if(pointers, [&](TiffPointer pointer) { return isOld(pointer.tag); });
+    const std::size_t count = old->entries.size() + tree.main.entries.size() + pointers.size();
+    const std::size_t mainAt = layout.placeDirectory(count);
     layout.put32(4, mainAt);
-    DirectoryWriter writer(layout, mainAt, count, next);
-    auto old = oldEntries.begin();
-    const auto oldUpTo = [&](std::uint32_t tag) {
-        for (; old != oldEntries.end() && old->tag < tag; ++old) {
-            writer.addAsIs(old->bytes);
+
+    TiffDirectoryWriter writer(layout, mainAt, count, old->next);
+    auto nextOld = old->entries.begin();
+    const auto writeOldBelow = [&](std::uint32_t tag) {
+        for (; nextOld != old->entries.end() && tagOf(*nextOld, order) < tag; ++nextOld) {
+            writer.addAsIs(*nextOld);
         }
     };
     mergeByTag(
         tree.main.entries, pointers,
         [&](const TiffEntry& entry) {
-            oldUpTo(entry.tag);
+            writeOldBelow(entry.tag);
             writer.add(entry);
         },
-        [&](Pointer pointer) {
-            oldUpTo(pointer.tag);
+        [&](TiffPointer pointer) {
+            writeOldBelow(pointer.tag);
             writer.add(pointer);
         });
-    oldUpTo(0x10000);
-    inner.write(layout, tree);
+    writeOldBelow(0x1'0000);
+    inner.write(layout, std::nullopt);
     return std::move(layout).take();
 }
 

@@ -20,10 +20,10 @@ using OpenOptions = std::unique_ptr<TIFFOpenOptions, OptionsDeleter>;
 
 constexpr tmsize_t ioFailed = -1;
 
-/// How the decompressors word it that a strip or tile ends too early. The fax and JPEG ones report
-/// success afterwards, so the wording is all there is to go by.
-constexpr std::array<std::string_view, 7> phrasesOfMissingData { "remature E", "remature end",
-    "Read error", "read error", "ot enough data", "Invalid strip byte count",
+/// How the decompressors word it that a strip or tile ends too early or is beyond decoding. The fax
+/// and JPEG ones report success afterwards, so the wording is all there is to go by.
+constexpr std::array<std::string_view, 8> phrasesOfMissingData { "remature E", "remature end",
+    "bad Huffman code", "Read error", "read error", "ot enough data", "Invalid strip byte count",
     "Invalid tile byte count" };
 
 std::string formatted(const char* format, va_list arguments)
@@ -47,9 +47,7 @@ int onError(
     auto& log = *static_cast<TiffMessages*>(messages);
     const std::string text = formatted(format, arguments);
     noteMissingData(log, text);
-    if (log.firstError.empty()) {
-        log.firstError = module != nullptr ? std::string(module) + ": " + text : text;
-    }
+    log.lastError = module != nullptr ? std::string(module) + ": " + text : text;
     return 1; // handled: not passed on to the process-wide handler, which prints
 }
 
@@ -98,7 +96,7 @@ tmsize_t refuseToWrite(thandle_t /*handle*/, void* /*data*/, tmsize_t /*size*/)
 Error TiffMessages::failureOf(std::string fallback) const
 {
     return { dataMissing ? Error::Kind::Truncated : Error::Kind::Malformed,
-        firstError.empty() ? std::move(fallback) : firstError };
+        lastError.empty() ? std::move(fallback) : lastError };
 }
 
 struct TiffReaderCalls {
@@ -232,7 +230,7 @@ Result<TiffWriter> TiffWriter::open(std::uint64_t pixelBytes)
 
 tl::unexpected<Error> TiffWriter::encodingFailure() const
 {
-    return failure(Error::Kind::EncodingFailed, m_state->messages.firstError);
+    return failure(Error::Kind::EncodingFailed, m_state->messages.lastError);
 }
 
 Result<ByteBuffer> TiffWriter::finish() &&

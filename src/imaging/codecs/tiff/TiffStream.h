@@ -18,7 +18,7 @@ using TiffHandle = std::unique_ptr<TIFF, TiffCloser>;
 /// What the library said about one open file. Nothing is printed, and nothing is shared between
 /// files.
 struct TiffMessages {
-    std::string firstError;
+    std::string lastError;
     /// Pixel data ended early. Some decompressors say so in a warning only, and then report
     /// success.
     bool dataMissing = false;

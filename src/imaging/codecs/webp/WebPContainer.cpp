@@ -70,8 +70,7 @@ Result<Container> Container::open(ByteSpan file)
 
 PixelLayout Container::animationLayout() const
 {
-    const bool hasAlpha
-        = m_frame.hasAlpha || m_declaresAlpha || m_frame.place.size() != m_canvas;
+    const bool hasAlpha = m_frame.hasAlpha || m_declaresAlpha || m_frame.place.size() != m_canvas;
     return { ColorModel::Rgb, 8, hasAlpha ? AlphaInfo::Last : AlphaInfo::None };
 }
 
