@@ -21,12 +21,20 @@ add_library(vellumine_options INTERFACE)
 target_compile_options(vellumine_options INTERFACE
     -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
     -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wformat=2 -Wimplicit-fallthrough)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # GCC 12 at -O3 takes the growth of a std::vector for an overflow, inside the library's header.
+    # The sanitizers look for real ones.
+    target_compile_options(vellumine_options INTERFACE -Wno-array-bounds -Wno-stringop-overflow)
+endif()
 target_include_directories(vellumine_options INTERFACE "${CMAKE_SOURCE_DIR}/src")
 
 if(VELLUMINE_SANITIZE)
     add_compile_options(-fsanitize=${VELLUMINE_SANITIZE} -fno-omit-frame-pointer
         -fno-sanitize-recover=all -O1)
     add_link_options(-fsanitize=${VELLUMINE_SANITIZE})
+    # GCC's analysis of what is initialised is wrong about instrumented code; the plain builds keep it.
+    target_compile_options(vellumine_options INTERFACE
+        $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
 endif()
 if(VELLUMINE_FUZZ)
     add_compile_options(-fsanitize=fuzzer-no-link)
