@@ -26,6 +26,7 @@ constexpr std::array<std::string_view, 8> phrasesOfMissingData { "remature E", "
     "bad Huffman code", "Read error", "read error", "ot enough data", "Invalid strip byte count",
     "Invalid tile byte count" };
 
+/// The format strings are the library's own.
 [[gnu::format(printf, 1, 0)]] std::string formatted(const char* format, va_list arguments)
 {
     std::array<char, 512> text {};
