@@ -65,9 +65,10 @@ std::filesystem::path pathOf(const QJsonValue& url)
     // The bytes of a name need not be text, so that QUrl cannot give them back.
     const QByteArray encoded = url.toString().toUtf8();
     const QByteArray scheme = "file://";
-    return encoded.startsWith(scheme)
-        ? QByteArray::fromPercentEncoding(encoded.mid(scheme.size())).toStdString()
-        : std::filesystem::path();
+    if (!encoded.startsWith(scheme)) {
+        return {};
+    }
+    return QByteArray::fromPercentEncoding(encoded.mid(scheme.size())).toStdString();
 }
 
 BatchRun runBatch(const std::vector<std::string>& settings,

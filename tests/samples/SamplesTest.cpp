@@ -249,7 +249,7 @@ TEST_P(Samples, AreConvertedAsTheManifestSays)
 INSTANTIATE_TEST_SUITE_P(To, Samples,
     testing::Values(OutputCase { "webp", true }, OutputCase { "webpLossless", false },
         OutputCase { "jpeg", false }, OutputCase { "png", true }, OutputCase { "heic", false }),
-    [](const auto& info) { return std::string(info.param.format); });
+    [](const auto& test) { return std::string(test.param.format); });
 
 TEST(ManifestPaths, LoseTheirEscapes)
 {
