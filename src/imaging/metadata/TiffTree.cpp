@@ -72,7 +72,11 @@ public:
         for (std::uint64_t i = 0; i < count; ++i) {
             readEntry(at(first + i * m_shape.entryBytes), result);
         }
-        std::ranges::stable_sort(result.directory.entries, {}, &TiffEntry::tag);
+        // Of fields that are there twice, the first one counts.
+        auto& entries = result.directory.entries;
+        std::ranges::stable_sort(entries, {}, &TiffEntry::tag);
+        const auto repeated = std::ranges::unique(entries, {}, &TiffEntry::tag);
+        entries.erase(repeated.begin(), repeated.end());
         const std::uint64_t end = first + count * m_shape.entryBytes;
         if (fits(end, m_shape.inlineBytes)) { // missing after the last directory of some cameras
             result.next = readOffset(at(end));
@@ -120,7 +124,7 @@ private:
         if (count == 1 && (type == fieldtype::longInteger || type == fieldtype::directory)) {
             result.pointers.push_back({ tag, read32(m_bytes, at(offset), m_order) });
         }
-        if (tag == tag::makerNote) {
+        if (tag == tag::makerNote && !result.makerNoteOffset) {
             result.makerNoteOffset = at(offset);
         }
         // Fields that share their bytes would let a small block unfold into a huge one.

@@ -41,7 +41,7 @@ struct TiffEntry {
     ByteBuffer value;
 };
 
-/// The fields of one directory, ascending by tag.
+/// The fields of one directory, ascending by tag, no tag twice.
 struct TiffDirectory {
     std::vector<TiffEntry> entries;
 

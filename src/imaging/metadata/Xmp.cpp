@@ -27,6 +27,9 @@ public:
             return Exiv2::XmpParser::initialize();
         }();
         static_cast<void>(isReady); // decode() and encode() say so themselves
+        // A packet may bind a well-known prefix to a namespace of its own, and the next one would
+        // be written with it.
+        Exiv2::XmpProperties::unregisterNs();
     }
 
 private:
@@ -85,6 +88,21 @@ bool nestsTooDeeply(std::string_view packet)
     return false;
 }
 
+constexpr std::string_view tiffNamespace = "http://ns.adobe.com/tiff/1.0/";
+constexpr std::string_view exifNamespace = "http://ns.adobe.com/exif/1.0/";
+constexpr std::string_view photoshopNamespace = "http://ns.adobe.com/photoshop/1.0/";
+constexpr std::string_view xmpNamespace = "http://ns.adobe.com/xap/1.0/";
+constexpr std::string_view cameraNamespace = "http://ns.google.com/photos/1.0/camera/";
+
+// Whether the prefixes that keys are spelt with below mean what they should.
+bool usualPrefixesHold()
+{
+    constexpr auto usual = std::to_array<std::pair<const char*, std::string_view>>(
+        { { "tiff", tiffNamespace }, { "exif", exifNamespace } });
+    return std::ranges::all_of(usual,
+        [](const auto& prefix) { return Exiv2::XmpProperties::ns(prefix.first) == prefix.second; });
+}
+
 // Takes the toolkit's lock as a sign that the caller holds it.
 std::optional<Exiv2::XmpData> decode(ByteSpan packet, const ToolkitLock& /*held*/)
 {
@@ -94,18 +112,12 @@ std::optional<Exiv2::XmpData> decode(ByteSpan packet, const ToolkitLock& /*held*
         return std::nullopt;
     }
     Exiv2::XmpData data;
-    if (Exiv2::XmpParser::decode(data, std::string(text)) != 0) {
+    if (Exiv2::XmpParser::decode(data, std::string(text)) != 0 || !usualPrefixesHold()) {
         return std::nullopt;
     }
     data.usePacket(false);
     return data;
 }
-
-constexpr std::string_view tiffNamespace = "http://ns.adobe.com/tiff/1.0/";
-constexpr std::string_view exifNamespace = "http://ns.adobe.com/exif/1.0/";
-constexpr std::string_view photoshopNamespace = "http://ns.adobe.com/photoshop/1.0/";
-constexpr std::string_view xmpNamespace = "http://ns.adobe.com/xap/1.0/";
-constexpr std::string_view cameraNamespace = "http://ns.google.com/photos/1.0/camera/";
 
 struct Property {
     std::string_view nameSpace;

@@ -93,6 +93,21 @@ TEST(DamagedExif, canPointInCircles)
     EXPECT_EQ(groups(blocks), expected);
 }
 
+TEST(DamagedExif, theFirstOfTwoFieldsCounts)
+{
+    ExifBuilder builder;
+    builder.main = { builder.shorts(0x0112, { 6 }), builder.shorts(0x0112, { 3 }) };
+    // A second, longer maker note has no place of its own.
+    builder.exif = { ExifBuilder::undefined(0x927C, test::cameraMakerNote()),
+        ExifBuilder::undefined(0x927C, ByteBuffer(5000)) };
+    const MetadataBlocks blocks = exifOnly(builder.build());
+    readEverything(blocks);
+    EXPECT_EQ(orientation(blocks), Orientation::RightTop);
+    const ByteBuffer result = travelling(blocks, everything, picture).exif;
+    EXPECT_LT(result.size(), 1000U);
+    EXPECT_FALSE(std::ranges::search(result, test::cameraMakerNote()).empty());
+}
+
 TEST(DamagedExif, fieldsThatShareTheirBytesDoNotUnfold)
 {
     // Four thousand fields that all claim the same 40,000 bytes.

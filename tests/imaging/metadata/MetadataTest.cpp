@@ -387,6 +387,18 @@ TEST(TravellingXmp, keepsStructuresListsAndLanguages)
     EXPECT_EQ(xmpFields(result.xmp), expected);
 }
 
+TEST(TravellingXmp, aForeignMeaningOfAPrefixEndsWithItsPacket)
+{
+    std::string foreign(test::textOf(xmpPacket(R"(tiff:Orientation="6")")));
+    foreign.replace(foreign.find("adobe.com/tiff"), 9, "other.com");
+    EXPECT_EQ(orientation(xmpOnly(bytesOf(foreign))), std::nullopt);
+    const ByteBuffer packet = xmpPacket(R"(tiff:Orientation="6" tiff:Make="Kestrova")");
+    EXPECT_EQ(orientation(xmpOnly(packet)), Orientation::RightTop);
+    const MetadataBlocks result = travelling(xmpOnly(packet), everything, turnedPicture);
+    EXPECT_THAT(std::string(test::textOf(result.xmp)), HasSubstr("http://ns.adobe.com/tiff/1.0/"));
+    EXPECT_THAT(std::string(test::textOf(result.xmp)), Not(HasSubstr("Orientation")));
+}
+
 TEST(TravellingXmp, aPacketOfNothingButOrientationEnds)
 {
     EXPECT_TRUE(travelling(xmpOnly(xmpPacket(R"(tiff:Orientation="6")")), everything, turnedPicture)
