@@ -1,0 +1,28 @@
+#pragma once
+
+#include "platform/FileError.h"
+
+#include <QByteArray>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace vellumine::platform {
+
+/// How a child process ended.
+struct ProcessExit {
+    /// The exit status, or the signal's number when a signal ended it. 0 means a regular end.
+    int status = 0;
+    /// What it wrote to its standard error, the first 4 MiB of it.
+    QByteArray standardError;
+};
+
+/// Runs a program, without a shell, and waits for its end. Its standard input and output are this
+/// process's own, no other descriptor reaches it, and its standard error is read all the time, so
+/// that it never waits for a reader. Fails when the program cannot be started. Safe to call from
+/// several threads at once.
+[[nodiscard]] Result<ProcessExit> runProcess(
+    const std::filesystem::path& executable, const std::vector<std::string>& arguments);
+
+} // namespace vellumine::platform

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <utility>
+
+namespace vellumine::platform {
+
+/// An open file descriptor with one owner.
+class FileDescriptor {
+public:
+    FileDescriptor() = default;
+    explicit FileDescriptor(int descriptor)
+        : m_descriptor(descriptor)
+    {
+    }
+    FileDescriptor(FileDescriptor&& other) noexcept
+        : m_descriptor(std::exchange(other.m_descriptor, -1))
+    {
+    }
+    FileDescriptor& operator=(FileDescriptor&& other) noexcept
+    {
+        if (this != &other) {
+            reset();
+            m_descriptor = std::exchange(other.m_descriptor, -1);
+        }
+        return *this;
+    }
+    ~FileDescriptor() { reset(); }
+
+    [[nodiscard]] bool isOpen() const { return m_descriptor >= 0; }
+    [[nodiscard]] int get() const { return m_descriptor; }
+    /// Closes it; what the system says about that is of no use any more.
+    void reset();
+
+private:
+    int m_descriptor = -1;
+};
+
+} // namespace vellumine::platform

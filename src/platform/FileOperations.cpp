@@ -1,0 +1,147 @@
+#include "platform/FileOperations.h"
+
+#include "platform/FileDescriptor.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <optional>
+#include <vector>
+
+namespace vellumine::platform {
+
+namespace {
+
+std::optional<struct stat> followed(const std::filesystem::path& path)
+{
+    struct stat status { };
+    if (::stat(path.c_str(), &status) != 0) {
+        return std::nullopt;
+    }
+    return status;
+}
+
+Result<void> writeAll(int descriptor, std::span<const std::byte> content)
+{
+    while (!content.empty()) {
+        const ssize_t written = ::write(descriptor, content.data(), content.size());
+        if (written < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            return failure(errno);
+        }
+        content = content.subspan(static_cast<std::size_t>(written));
+    }
+    return {};
+}
+
+Result<FileDescriptor> opened(const std::filesystem::path& path, int flags, mode_t mode = 0)
+{
+    FileDescriptor descriptor(::open(path.c_str(), flags | O_CLOEXEC, mode));
+    if (!descriptor.isOpen()) {
+        return failure(errno);
+    }
+    return descriptor;
+}
+
+} // namespace
+
+ItemKind itemAt(const std::filesystem::path& path)
+{
+    struct stat status { };
+    if (::lstat(path.c_str(), &status) != 0) {
+        return ItemKind::None;
+    }
+    return S_ISDIR(status.st_mode) ? ItemKind::Folder : ItemKind::Other;
+}
+
+qint64 fileSize(const std::filesystem::path& path)
+{
+    const auto status = followed(path);
+    return status && S_ISREG(status->st_mode) ? status->st_size : 0;
+}
+
+bool isSameFile(const std::filesystem::path& first, const std::filesystem::path& second)
+{
+    const auto a = followed(first);
+    const auto b = followed(second);
+    return a && b && a->st_dev == b->st_dev && a->st_ino == b->st_ino;
+}
+
+bool isExecutableFile(const std::filesystem::path& path)
+{
+    const auto status = followed(path);
+    return status && S_ISREG(status->st_mode) && ::access(path.c_str(), X_OK) == 0;
+}
+
+Result<void> checkWritableFolder(const std::filesystem::path& folder)
+{
+    if (::access(folder.c_str(), W_OK | X_OK) != 0) {
+        return failure(errno);
+    }
+    return {};
+}
+
+Result<void> copyModificationTime(
+    const std::filesystem::path& from, const std::filesystem::path& to)
+{
+    const auto status = followed(from);
+    if (!status) {
+        return failure(errno);
+    }
+    const struct timespec times[2] { { 0, UTIME_OMIT }, status->st_mtim };
+    if (::utimensat(AT_FDCWD, to.c_str(), times, 0) != 0) {
+        return failure(errno);
+    }
+    return {};
+}
+
+Result<void> writePrivateFile(const std::filesystem::path& path, std::span<const std::byte> content)
+{
+    const auto file = opened(path, O_WRONLY | O_CREAT | O_EXCL, S_IRUSR | S_IWUSR);
+    if (!file) {
+        return tl::unexpected(file.error());
+    }
+    return writeAll(file->get(), content);
+}
+
+Result<void> copyToNewFile(const std::filesystem::path& from, const std::filesystem::path& to)
+{
+    constexpr std::size_t chunk = std::size_t { 1 } << 20U;
+    const auto source = opened(from, O_RDONLY);
+    if (!source) {
+        return tl::unexpected(source.error());
+    }
+    // The umask takes away what the user wants new files to lack.
+    const auto target = opened(to, O_WRONLY | O_CREAT | O_EXCL, 0666);
+    if (!target) {
+        return tl::unexpected(target.error());
+    }
+    std::vector<std::byte> buffer(chunk);
+    while (true) {
+        const ssize_t count = ::read(source->get(), buffer.data(), buffer.size());
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count < 0) {
+            return failure(errno);
+        }
+        if (count == 0) {
+            break;
+        }
+        auto written
+            = writeAll(target->get(), std::span(buffer).first(static_cast<std::size_t>(count)));
+        if (!written) {
+            return written;
+        }
+    }
+    if (::fsync(target->get()) != 0) {
+        return failure(errno);
+    }
+    return {};
+}
+
+} // namespace vellumine::platform

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "platform/FileError.h"
+
+#include <cstddef>
+#include <filesystem>
+#include <span>
+
+namespace vellumine::platform {
+
+enum class ItemKind { None, Folder, Other };
+
+/// What stands at the path itself: a link counts as an item, whatever it points to. What cannot be
+/// looked at counts as None.
+[[nodiscard]] ItemKind itemAt(const std::filesystem::path& path);
+
+/// Size in bytes of the file, links followed; 0 when it cannot be read.
+[[nodiscard]] qint64 fileSize(const std::filesystem::path& path);
+
+/// Whether both paths exist and lead to the same file: through links of either kind, or by other
+/// letters on a disk that does not tell upper from lower case.
+[[nodiscard]] bool isSameFile(
+    const std::filesystem::path& first, const std::filesystem::path& second);
+
+/// Whether the path is a file that this process may execute.
+[[nodiscard]] bool isExecutableFile(const std::filesystem::path& path);
+
+/// Whether an item in the folder may be replaced, as far as permissions say.
+[[nodiscard]] Result<void> checkWritableFolder(const std::filesystem::path& folder);
+
+/// Gives `to` the modification time of `from`, to the nanosecond. The access time stays.
+[[nodiscard]] Result<void> copyModificationTime(
+    const std::filesystem::path& from, const std::filesystem::path& to);
+
+/// Writes a file that must not exist, readable by this user alone. A file that could not be
+/// written in full stays behind.
+[[nodiscard]] Result<void> writePrivateFile(
+    const std::filesystem::path& path, std::span<const std::byte> content);
+
+/// Copies content into a file that must not exist, with the permissions of a new file, and syncs
+/// it to disk. A copy that failed half way stays behind.
+[[nodiscard]] Result<void> copyToNewFile(
+    const std::filesystem::path& from, const std::filesystem::path& to);
+
+} // namespace vellumine::platform

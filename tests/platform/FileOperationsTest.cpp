@@ -1,0 +1,133 @@
+#include "platform/FileOperations.h"
+#include "support/QtPrinters.h"
+#include "support/TestImages.h"
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace vellumine::platform {
+namespace {
+
+using test::TemporaryFolder;
+using test::writeFile;
+
+TEST(ItemAt, looksAtTheLinkAndNotThroughIt)
+{
+    const TemporaryFolder folder;
+    writeFile(folder / "file", "x");
+    std::filesystem::create_directory_symlink(folder.path(), folder / "toFolder");
+    std::filesystem::create_symlink(folder / "nowhere", folder / "dangling");
+    EXPECT_EQ(itemAt(folder / "none"), ItemKind::None);
+    EXPECT_EQ(itemAt(folder.path()), ItemKind::Folder);
+    EXPECT_EQ(itemAt(folder / "file"), ItemKind::Other);
+    EXPECT_EQ(itemAt(folder / "toFolder"), ItemKind::Other);
+    EXPECT_EQ(itemAt(folder / "dangling"), ItemKind::Other);
+}
+
+TEST(FileSize, followsLinksAndIsZeroWhenUnknown)
+{
+    const TemporaryFolder folder;
+    writeFile(folder / "file", "12345");
+    std::filesystem::create_symlink(folder / "file", folder / "link");
+    EXPECT_EQ(fileSize(folder / "file"), 5);
+    EXPECT_EQ(fileSize(folder / "link"), 5);
+    EXPECT_EQ(fileSize(folder / "none"), 0);
+    EXPECT_EQ(fileSize(folder.path()), 0);
+}
+
+TEST(IsSameFile, seesThroughLinksOfBothKinds)
+{
+    const TemporaryFolder folder;
+    writeFile(folder / "a", "same");
+    writeFile(folder / "b", "same");
+    std::filesystem::create_symlink(folder / "a", folder / "soft");
+    std::filesystem::create_hard_link(folder / "a", folder / "hard");
+    EXPECT_TRUE(isSameFile(folder / "a", folder / "soft"));
+    EXPECT_TRUE(isSameFile(folder / "hard", folder / "soft"));
+    EXPECT_FALSE(isSameFile(folder / "a", folder / "b"));
+    EXPECT_FALSE(isSameFile(folder / "none", folder / "none"));
+}
+
+TEST(IsExecutableFile, wantsAFileWithThePermission)
+{
+    const TemporaryFolder folder;
+    writeFile(folder / "plain", "x");
+    writeFile(folder / "program", "x");
+    std::filesystem::permissions(folder / "program", std::filesystem::perms::owner_all);
+    EXPECT_TRUE(isExecutableFile(folder / "program"));
+    EXPECT_FALSE(isExecutableFile(folder / "plain"));
+    EXPECT_FALSE(isExecutableFile(folder.path()));
+    EXPECT_FALSE(isExecutableFile(folder / "none"));
+}
+
+TEST(CopyModificationTime, isExactToTheNanosecondAndKeepsTheAccessTime)
+{
+    const TemporaryFolder folder;
+    writeFile(folder / "from", "x");
+    writeFile(folder / "to", "y");
+    const struct timespec fromTimes[2] { { 1, 1 }, { 1'234'567'890, 123'456'789 } };
+    const struct timespec toTimes[2] { { 2'000'000'000, 987'654'321 }, { 5, 5 } };
+    ASSERT_EQ(::utimensat(AT_FDCWD, (folder / "from").c_str(), fromTimes, 0), 0);
+    ASSERT_EQ(::utimensat(AT_FDCWD, (folder / "to").c_str(), toTimes, 0), 0);
+
+    ASSERT_TRUE(copyModificationTime(folder / "from", folder / "to"));
+
+    struct stat status { };
+    ASSERT_EQ(::stat((folder / "to").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mtim.tv_sec, 1'234'567'890);
+    EXPECT_EQ(status.st_mtim.tv_nsec, 123'456'789);
+    EXPECT_EQ(status.st_atim.tv_sec, 2'000'000'000);
+    EXPECT_EQ(status.st_atim.tv_nsec, 987'654'321);
+}
+
+TEST(CopyModificationTime, ofNothingFails)
+{
+    const TemporaryFolder folder;
+    writeFile(folder / "to", "y");
+    EXPECT_FALSE(copyModificationTime(folder / "from", folder / "to"));
+}
+
+TEST(WritePrivateFile, isForThisUserAloneAndNeverWritesOver)
+{
+    const TemporaryFolder folder;
+    const std::string text = "content";
+    ASSERT_TRUE(writePrivateFile(folder / "file", std::as_bytes(std::span(text))));
+    EXPECT_EQ(test::readFile(folder / "file").size(), text.size());
+    EXPECT_EQ(std::filesystem::status(folder / "file").permissions(),
+        std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+
+    const auto again = writePrivateFile(folder / "file", {});
+    ASSERT_FALSE(again);
+    EXPECT_EQ(again.error().text, QStringLiteral("File exists"));
+    EXPECT_EQ(fileSize(folder / "file"), 7);
+}
+
+TEST(CopyToNewFile, copiesLargeContentAndNeverWritesOver)
+{
+    const TemporaryFolder folder;
+    writeFile(folder / "from", std::string(3'000'001, 'z'));
+    ASSERT_TRUE(copyToNewFile(folder / "from", folder / "to"));
+    EXPECT_EQ(test::readFile(folder / "to"), test::readFile(folder / "from"));
+    EXPECT_FALSE(copyToNewFile(folder / "from", folder / "to"));
+    EXPECT_FALSE(copyToNewFile(folder / "none", folder / "other"));
+    EXPECT_EQ(itemAt(folder / "other"), ItemKind::None);
+}
+
+TEST(CopyToNewFile, hasThePermissionsOfANewFile)
+{
+    const TemporaryFolder folder;
+    writeFile(folder / "from", "x");
+    std::filesystem::permissions(folder / "from", std::filesystem::perms::owner_all);
+    const mode_t before = ::umask(027);
+    const auto copied = copyToNewFile(folder / "from", folder / "to");
+    ::umask(before);
+    ASSERT_TRUE(copied);
+    struct stat status { };
+    ASSERT_EQ(::stat((folder / "to").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777U, 0640U);
+}
+
+} // namespace
+} // namespace vellumine::platform

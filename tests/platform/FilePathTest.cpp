@@ -1,0 +1,42 @@
+#include "platform/FilePath.h"
+#include "support/QtPrinters.h"
+
+#include <gtest/gtest.h>
+
+namespace vellumine::platform {
+namespace {
+
+TEST(FilePath, awkwardNamesSurviveTheWayThroughAUrl)
+{
+    for (const char* path : { "/a/b c.png", "/a/100%20.png", "/a/what?#1.png", "/a/file:x.gif",
+             "/a/back\\slash.gif", "/a/page.png[0]", "/a/übergröße 日本語.jpg", "/a/-leading.jpg",
+             "/a/line\nbreak.jpg" }) {
+        SCOPED_TRACE(path);
+        const QUrl url = fileUrl(QString::fromUtf8(path));
+        EXPECT_EQ(toPath(url).string(), path);
+        EXPECT_EQ(lastPathComponent(url).toStdString(), std::string(path).substr(3));
+    }
+}
+
+TEST(FilePath, severalSlashesInFrontAreNoHost)
+{
+    EXPECT_EQ(toPath(fileUrl(QStringLiteral("///a/b.png"))).string(), "/a/b.png");
+    EXPECT_EQ(toPath(fileUrl(QStringLiteral("/a/b.png"))).string(), "/a/b.png");
+}
+
+TEST(FilePath, standardizedResolvesDots)
+{
+    EXPECT_EQ(standardized(fileUrl(QStringLiteral("/a/../a/./x.png"))),
+        fileUrl(QStringLiteral("/a/x.png")));
+    EXPECT_NE(
+        standardized(fileUrl(QStringLiteral("/a/X.png"))), fileUrl(QStringLiteral("/a/x.png")));
+}
+
+TEST(FilePath, parentFolderHoldsTheFile)
+{
+    EXPECT_EQ(parentFolder(fileUrl(QStringLiteral("/a/b/c.png"))), fileUrl(QStringLiteral("/a/b")));
+    EXPECT_EQ(parentFolder(fileUrl(QStringLiteral("/c.png"))), fileUrl(QStringLiteral("/")));
+}
+
+} // namespace
+} // namespace vellumine::platform

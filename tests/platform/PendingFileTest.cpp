@@ -1,0 +1,124 @@
+#include "platform/PendingFile.h"
+#include "platform/FileOperations.h"
+#include "support/FakeProgram.h"
+#include "support/QtPrinters.h"
+#include "support/TestImages.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace vellumine::platform {
+namespace {
+
+using test::listing;
+using test::TemporaryFolder;
+using test::writeFile;
+
+std::string content(const std::filesystem::path& path)
+{
+    const auto bytes = test::readFile(path);
+    return { reinterpret_cast<const char*>(bytes.data()), bytes.size() };
+}
+
+TEST(PendingFile, isHiddenBesideItsTargetUntilItIsPublished)
+{
+    const TemporaryFolder folder;
+    writeFile(folder / "out.png", "old");
+    {
+        auto pending = PendingFile::beside(folder / "out.png");
+        ASSERT_TRUE(pending);
+        EXPECT_EQ(pending->path().parent_path(), folder.path());
+        const std::string name = pending->path().filename().string();
+        EXPECT_TRUE(name.starts_with(".vellumine-"));
+        EXPECT_TRUE(name.ends_with(".part"));
+        writeFile(pending->path(), "new");
+        EXPECT_EQ(content(folder / "out.png"), "old");
+        ASSERT_TRUE(std::move(*pending).publish(ExistingItem::Replace));
+        EXPECT_EQ(content(folder / "out.png"), "new");
+    }
+    EXPECT_EQ(listing(folder.path()), "out.png");
+}
+
+TEST(PendingFile, leavesNothingWhenItIsDropped)
+{
+    const TemporaryFolder folder;
+    writeFile(folder / "out.png", "old");
+    {
+        auto pending = PendingFile::beside(folder / "out.png");
+        ASSERT_TRUE(pending);
+        const PendingFile moved = std::move(*pending);
+        writeFile(moved.path(), "half");
+    }
+    EXPECT_EQ(listing(folder.path()), "out.png");
+    EXPECT_EQ(content(folder / "out.png"), "old");
+}
+
+TEST(PendingFile, keepsAnItemThatAppearedMeanwhile)
+{
+    const TemporaryFolder folder;
+    auto pending = PendingFile::beside(folder / "out.png");
+    ASSERT_TRUE(pending);
+    writeFile(pending->path(), "new");
+    writeFile(folder / "out.png", "somebody else's");
+    const auto published = std::move(*pending).publish(ExistingItem::Keep);
+    ASSERT_FALSE(published);
+    EXPECT_EQ(published.error().text, QStringLiteral("File exists"));
+    EXPECT_EQ(content(folder / "out.png"), "somebody else's");
+    EXPECT_EQ(listing(folder.path()), "out.png");
+}
+
+TEST(PendingFile, takesAFreeName)
+{
+    const TemporaryFolder folder;
+    auto pending = PendingFile::beside(folder / "out.png");
+    ASSERT_TRUE(pending);
+    writeFile(pending->path(), "new");
+    ASSERT_TRUE(std::move(*pending).publish(ExistingItem::Keep));
+    EXPECT_EQ(content(folder / "out.png"), "new");
+    EXPECT_EQ(listing(folder.path()), "out.png");
+}
+
+TEST(PendingFile, replacesALinkAndNotWhatItPointsTo)
+{
+    const TemporaryFolder folder;
+    writeFile(folder / "precious", "precious");
+    std::filesystem::create_symlink(folder / "precious", folder / "out.png");
+    auto pending = PendingFile::beside(folder / "out.png");
+    ASSERT_TRUE(pending);
+    writeFile(pending->path(), "new");
+    ASSERT_TRUE(std::move(*pending).publish(ExistingItem::Replace));
+    EXPECT_FALSE(std::filesystem::is_symlink(folder / "out.png"));
+    EXPECT_EQ(content(folder / "precious"), "precious");
+}
+
+TEST(PendingFile, cannotReplaceAFolder)
+{
+    const TemporaryFolder folder;
+    std::filesystem::create_directory(folder / "out.png");
+    auto pending = PendingFile::beside(folder / "out.png");
+    ASSERT_TRUE(pending);
+    writeFile(pending->path(), "new");
+    const auto published = std::move(*pending).publish(ExistingItem::Replace);
+    ASSERT_FALSE(published);
+    EXPECT_EQ(published.error().text, QStringLiteral("Is a directory"));
+    EXPECT_EQ(listing(folder.path()), "out.png");
+}
+
+TEST(PendingFile, refusesATargetThatCanHaveNoFile)
+{
+    const TemporaryFolder folder;
+    writeFile(folder / "file", "x");
+    const auto below = PendingFile::beside(folder / "file/out.png");
+    ASSERT_FALSE(below);
+    EXPECT_EQ(below.error().text, QStringLiteral("Not a directory"));
+    const auto gone = PendingFile::beside(folder / "gone/out.png");
+    ASSERT_FALSE(gone);
+    EXPECT_EQ(gone.error().text, QStringLiteral("No such file or directory"));
+    const auto tooLong = PendingFile::beside(folder / std::string(256, 'n'));
+    ASSERT_FALSE(tooLong);
+    EXPECT_EQ(tooLong.error().text, QStringLiteral("File name too long"));
+}
+
+} // namespace
+} // namespace vellumine::platform
