@@ -88,8 +88,8 @@ void appendFolder(const QUrl& url, QList<QUrl>& list, FileInputResolver::SeenPat
                     = QByteArray::fromStdString(joined(folder.standardized, entry.name));
                 if (!seen.contains(key)) {
                     seen.insert(key);
-                    list.append(
-                        platform::fileUrl(std::filesystem::path(joined(folder.listed, entry.name))));
+                    list.append(platform::fileUrl(
+                        std::filesystem::path(joined(folder.listed, entry.name))));
                 }
             }
             if (entry.kind == platform::EntryKind::Folder && !isPackage(entry.name)) {
@@ -97,8 +97,7 @@ void appendFolder(const QUrl& url, QList<QUrl>& list, FileInputResolver::SeenPat
                     joined(folder.standardized, entry.name), platform::FinalLink::Refuse });
             }
         }
-        std::reverse(
-            waiting.begin() + static_cast<std::ptrdiff_t>(firstSubfolder), waiting.end());
+        std::reverse(waiting.begin() + static_cast<std::ptrdiff_t>(firstSubfolder), waiting.end());
     }
 }
 

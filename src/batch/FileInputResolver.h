@@ -10,7 +10,7 @@
 namespace vellumine {
 
 namespace platform {
-    class SecurityScope;
+class SecurityScope;
 }
 
 /// Turns dropped files and folders into the list of pictures to convert. Only a name's extension

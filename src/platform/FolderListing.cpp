@@ -37,8 +37,7 @@ EntryKind kindOf(DIR* folder, const dirent& entry)
     }
     // Some file systems keep no kinds in their folders.
     struct stat status { };
-    const bool known
-        = ::fstatat(::dirfd(folder), entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0;
+    const bool known = ::fstatat(::dirfd(folder), entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0;
     return known && S_ISDIR(status.st_mode) ? EntryKind::Folder : EntryKind::Other;
 }
 

@@ -238,8 +238,7 @@ TEST_F(FileInputResolverTest, namesThatAreNotUtf8AreKeptApartAndLeadBackToTheirF
     file("drop/\xFE.png");
     file("drop/\xC3\xA9t\xE9/b.png");
     const std::vector<std::string> found = resolve({ "drop" });
-    EXPECT_THAT(found,
-        ElementsAre("drop/\xFE.png", "drop/\xFF.png", "drop/\xC3\xA9t\xE9/b.png"));
+    EXPECT_THAT(found, ElementsAre("drop/\xFE.png", "drop/\xFF.png", "drop/\xC3\xA9t\xE9/b.png"));
     for (const std::string& path : found) {
         EXPECT_TRUE(fs::exists(m_folder / path));
     }
@@ -322,8 +321,7 @@ TEST_F(FileInputResolverTest, isDirectoryTellsFoldersFromTheRest)
     EXPECT_TRUE(FileInputResolver::isDirectory(platform::fileUrl(m_folder / "drop")));
     EXPECT_FALSE(FileInputResolver::isDirectory(platform::fileUrl(m_folder / "drop/a.png")));
     EXPECT_FALSE(FileInputResolver::isDirectory(platform::fileUrl(m_folder / "gone")));
-    EXPECT_FALSE(
-        FileInputResolver::isDirectory(QUrl(QStringLiteral("https://kestrova.example/"))));
+    EXPECT_FALSE(FileInputResolver::isDirectory(QUrl(QStringLiteral("https://kestrova.example/"))));
 }
 
 } // namespace
