@@ -111,8 +111,8 @@ Result<void> BitmapContext::draw(const Image& image)
         RgbaWriter writer(*target, *transform, layout.colorChannels(), layout.bitsPerComponent,
             reader.hasAlpha());
         if (scales) {
-            const auto done = resample({ image.size(), m_size, reader.planes(),
-                filterFor(m_quality), [&reader](const PlanarRow& row) { reader.read(row); },
+            auto done = resample({ image.size(), m_size, reader.planes(), filterFor(m_quality),
+                [&reader](const PlanarRow& row) { reader.read(row); },
                 [&writer](const PlanarRow& row) { writer.write(row); } });
             if (!done) {
                 return done;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "imaging/Error.h"
+#include "imaging/FileDescriptor.h"
 #include "imaging/Image.h"
 #include "imaging/ImageProperties.h"
 #include "imaging/UniformType.h"
@@ -24,23 +25,23 @@ public:
     /// that is not encodable and with Io, the system's text as detail.
     static Result<ImageDestination> create(const std::filesystem::path& path, UniformType type);
 
-    ImageDestination(ImageDestination&&) noexcept;
-    ImageDestination& operator=(ImageDestination&&) noexcept;
-    ~ImageDestination();
-
     void setProfilePolicy(ProfilePolicy policy) { m_profile = policy; }
     void setEffort(Effort effort) { m_effort = effort; }
     /// The properties that the picture is to have: the metadata dictionaries whose keys are
-    /// present, and the LossyCompressionQuality. An orientation is never written.
+    /// present, and the LossyCompressionQuality. An orientation is never written: the picture is
+    /// upright, whatever its properties say. A CMYK picture becomes sRGB where the type knows no
+    /// CMYK. Only one picture is written, the one that was added last.
     void addImage(Image image, ImageProperties properties);
-    /// Encodes and writes. Fails with EncodingFailed when no picture was added or the encoder
-    /// fails, and with Io when the disk does.
+    /// Encodes and writes, once. Fails with EncodingFailed when no picture was added, with what
+    /// the encoder fails with, and with Io when the disk does.
     Result<void> finalize();
 
 private:
-    ImageDestination(int descriptor, UniformType type);
+    [[nodiscard]] MetadataBlocks metadataFor(const Image& image) const;
 
-    int m_descriptor = -1;
+    ImageDestination(FileDescriptor file, UniformType type);
+
+    FileDescriptor m_file;
     UniformType m_type;
     ProfilePolicy m_profile = ProfilePolicy::Embed;
     Effort m_effort = Effort::Smallest;

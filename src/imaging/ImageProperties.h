@@ -1,8 +1,8 @@
 #pragma once
 
+#include "imaging/Orientation.h"
 #include "imaging/metadata/MetadataBlocks.h"
 
-#include <array>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -43,6 +43,7 @@ using PropertyValue = std::variant<DictionaryPresent, std::int64_t, double, std:
 class ImageProperties {
 public:
     [[nodiscard]] bool contains(PropertyKey key) const;
+    /// The value of a key; none when it is absent or of another type.
     [[nodiscard]] std::optional<std::int64_t> integer(PropertyKey key) const;
     [[nodiscard]] std::optional<double> number(PropertyKey key) const;
     [[nodiscard]] std::optional<std::string> text(PropertyKey key) const;
@@ -51,14 +52,21 @@ public:
     void set(PropertyKey key, PropertyValue value);
     void remove(PropertyKey key);
 
-    /// Never null; empty blocks when there is no metadata.
+    /// Empty blocks when there is no metadata.
     [[nodiscard]] const MetadataBlocks& blocks() const;
-    /// Keeps the blocks and sets the keys of the dictionaries that they hold.
-    void setBlocks(MetadataBlocks blocks);
+    /// Keeps the blocks of a picture that is stored in the given orientation, and sets the keys of
+    /// the dictionaries that they hold (Exif, Gps, Tiff, Iptc, Xmp).
+    void setBlocks(MetadataBlocks blocks, Orientation stored);
+    /// The orientation that came with the blocks, whatever becomes of the key Orientation: it says
+    /// whether what the blocks hold of the picture (a thumbnail) lies as the upright picture does.
+    [[nodiscard]] Orientation storedOrientation() const { return m_storedOrientation; }
 
 private:
+    template <typename Value> [[nodiscard]] std::optional<Value> value(PropertyKey key) const;
+
     std::map<PropertyKey, PropertyValue> m_values;
     std::shared_ptr<const MetadataBlocks> m_blocks;
+    Orientation m_storedOrientation = Orientation::TopLeft;
 };
 
 } // namespace vellumine::imaging

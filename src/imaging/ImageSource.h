@@ -14,13 +14,15 @@
 
 namespace vellumine::imaging {
 
-/// A picture file that is open for reading. Opening reads the header only; the picture is decoded
-/// once, when it is first asked for, and given back from then on. Not for several threads at once.
+/// A picture file that is open for reading. Opening reads the file and looks at its header; the
+/// picture is decoded once, when it is first asked for, and given back from then on. Not for
+/// several threads at once.
 class ImageSource {
 public:
     /// Opens a regular file. Fails with Io when it cannot be read (a pipe or a device is never
     /// waited for), with UnknownType when the content is of no known type, with LimitExceeded when
-    /// the header asks for too much, and with what the codec says about the header.
+    /// the header asks for too much or the file alone is larger than `limits.maximumBytes`, and
+    /// with what the codec says about the header.
     static Result<ImageSource> create(const std::filesystem::path& path, const Limits& limits);
     /// The same over bytes in memory.
     static Result<ImageSource> create(ByteBuffer file, const Limits& limits);
@@ -42,12 +44,16 @@ public:
     Result<ImageProperties> properties();
     /// The first picture turned upright, scaled down to fit `maximumPixelSize` on its longer side
     /// where it is larger. With an orientation of 1 and enough room, the very picture of image().
+    /// What had to be scaled has the layout of bitmaps, and is sRGB where it was not RGB.
     Result<Image> thumbnailWithTransform(int maximumPixelSize);
-    /// Gives the memory of the decoded picture back; pictures that were handed out stay.
-    void releaseImage();
-
-    /// The given part of the stored picture, decoded alone where the codec can.
+    /// The given part of the stored picture, decoded alone where the codec can. Fails with
+    /// Malformed when the part does not lie inside the picture.
     Result<Image> imageRegion(Rect region);
+
+    /// Gives the memory of the picture and of the file back. Pictures that were handed out stay,
+    /// and so do the properties once they were asked for; everything else fails with Io from then
+    /// on.
+    void releaseImage();
 
 private:
     struct State;

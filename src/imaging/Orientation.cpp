@@ -16,7 +16,7 @@ void remap(const Image& stored, Orientation orientation, PixelBuffer& target)
 {
     const int lastColumn = target.width() - 1;
     const int lastRow = target.height() - 1;
-    const std::ptrdiff_t sourceStride = static_cast<std::ptrdiff_t>(stored.rowBytes());
+    const auto sourceStride = static_cast<std::ptrdiff_t>(stored.rowBytes());
     const std::byte* const source = stored.row(0).data();
     constexpr auto pixel = static_cast<std::ptrdiff_t>(bytesPerPixel);
 

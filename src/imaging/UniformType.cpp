@@ -1,5 +1,7 @@
 #include "imaging/UniformType.h"
 
+#include <algorithm>
+
 namespace vellumine::imaging {
 
 namespace {
@@ -26,14 +28,8 @@ constexpr const Entry& entry(UniformType type)
     return registry.at(static_cast<std::size_t>(type));
 }
 
-static_assert([] {
-    for (const UniformType type : allUniformTypes) {
-        if (entry(type).type != type) {
-            return false;
-        }
-    }
-    return true;
-}());
+static_assert(std::ranges::all_of(
+    allUniformTypes, [](UniformType type) { return entry(type).type == type; }));
 
 } // namespace
 

@@ -1,8 +1,37 @@
 #include "platform/FileDescriptor.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+
 namespace vellumine::platform {
+
+Result<FileDescriptor> FileDescriptor::createPrivateFile(const std::filesystem::path& path)
+{
+    FileDescriptor descriptor(
+        ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    if (!descriptor.isOpen()) {
+        return failure(errno);
+    }
+    return descriptor;
+}
+
+Result<void> FileDescriptor::writeAll(std::span<const std::byte> content) const
+{
+    while (!content.empty()) {
+        const ssize_t written = ::write(m_descriptor, content.data(), content.size());
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        if (written < 0) {
+            return failure(errno);
+        }
+        content = content.subspan(static_cast<std::size_t>(written));
+    }
+    return {};
+}
 
 void FileDescriptor::reset()
 {

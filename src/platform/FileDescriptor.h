@@ -1,5 +1,10 @@
 #pragma once
 
+#include "platform/FileError.h"
+
+#include <cstddef>
+#include <filesystem>
+#include <span>
 #include <utility>
 
 namespace vellumine::platform {
@@ -7,6 +12,9 @@ namespace vellumine::platform {
 /// An open file descriptor with one owner.
 class FileDescriptor {
 public:
+    /// Creates a file that must not exist, readable by this user alone, for writing.
+    static Result<FileDescriptor> createPrivateFile(const std::filesystem::path& path);
+
     FileDescriptor() = default;
     explicit FileDescriptor(int descriptor)
         : m_descriptor(descriptor)
@@ -28,6 +36,8 @@ public:
 
     [[nodiscard]] bool isOpen() const { return m_descriptor >= 0; }
     [[nodiscard]] int get() const { return m_descriptor; }
+    /// Writes all of it, or fails with the system's text.
+    [[nodiscard]] Result<void> writeAll(std::span<const std::byte> content) const;
     /// Closes it; what the system says about that is of no use any more.
     void reset();
 

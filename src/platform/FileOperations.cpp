@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <optional>
+#include <span>
 #include <vector>
 
 namespace vellumine::platform {
@@ -21,21 +22,6 @@ std::optional<struct stat> followed(const std::filesystem::path& path)
         return std::nullopt;
     }
     return status;
-}
-
-Result<void> writeAll(int descriptor, std::span<const std::byte> content)
-{
-    while (!content.empty()) {
-        const ssize_t written = ::write(descriptor, content.data(), content.size());
-        if (written < 0) {
-            if (errno == EINTR) {
-                continue;
-            }
-            return failure(errno);
-        }
-        content = content.subspan(static_cast<std::size_t>(written));
-    }
-    return {};
 }
 
 Result<FileDescriptor> opened(const std::filesystem::path& path, int flags, mode_t mode = 0)
@@ -99,15 +85,6 @@ Result<void> copyModificationTime(
     return {};
 }
 
-Result<void> writePrivateFile(const std::filesystem::path& path, std::span<const std::byte> content)
-{
-    const auto file = opened(path, O_WRONLY | O_CREAT | O_EXCL, S_IRUSR | S_IWUSR);
-    if (!file) {
-        return tl::unexpected(file.error());
-    }
-    return writeAll(file->get(), content);
-}
-
 Result<void> copyToNewFile(const std::filesystem::path& from, const std::filesystem::path& to)
 {
     constexpr std::size_t chunk = std::size_t { 1 } << 20U;
@@ -132,8 +109,7 @@ Result<void> copyToNewFile(const std::filesystem::path& from, const std::filesys
         if (count == 0) {
             break;
         }
-        auto written
-            = writeAll(target->get(), std::span(buffer).first(static_cast<std::size_t>(count)));
+        auto written = target->writeAll(std::span(buffer).first(static_cast<std::size_t>(count)));
         if (!written) {
             return written;
         }

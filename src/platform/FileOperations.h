@@ -2,9 +2,7 @@
 
 #include "platform/FileError.h"
 
-#include <cstddef>
 #include <filesystem>
-#include <span>
 
 namespace vellumine::platform {
 
@@ -31,11 +29,6 @@ enum class ItemKind { None, Folder, Other };
 /// Gives `to` the modification time of `from`, to the nanosecond. The access time stays.
 [[nodiscard]] Result<void> copyModificationTime(
     const std::filesystem::path& from, const std::filesystem::path& to);
-
-/// Writes a file that must not exist, readable by this user alone. A file that could not be
-/// written in full stays behind.
-[[nodiscard]] Result<void> writePrivateFile(
-    const std::filesystem::path& path, std::span<const std::byte> content);
 
 /// Copies content into a file that must not exist, with the permissions of a new file, and syncs
 /// it to disk. A copy that failed half way stays behind.

@@ -63,9 +63,12 @@ std::vector<std::pair<int, double>> lanczosWeights(int target, int sourceSide, i
 Image lanczosReference(const Image& image, Size size)
 {
     const int channels = image.layout().channels();
-    std::vector<double> wide(static_cast<std::size_t>(size.width * image.height() * channels));
+    std::vector<double> wide(static_cast<std::size_t>(size.width)
+        * static_cast<std::size_t>(image.height()) * static_cast<std::size_t>(channels));
     const auto at = [&](int x, int y, int c) -> double& {
-        return wide.at(static_cast<std::size_t>((y * size.width + x) * channels + c));
+        const auto row = static_cast<std::size_t>(y) * static_cast<std::size_t>(size.width);
+        return wide.at((row + static_cast<std::size_t>(x)) * static_cast<std::size_t>(channels)
+            + static_cast<std::size_t>(c));
     };
     for (int x = 0; x < size.width; ++x) {
         const auto weights = lanczosWeights(x, image.width(), size.width);
@@ -78,6 +81,7 @@ Image lanczosReference(const Image& image, Size size)
         }
     }
     std::vector<std::vector<std::pair<int, double>>> rows;
+    rows.reserve(static_cast<std::size_t>(size.height));
     for (int y = 0; y < size.height; ++y) {
         rows.push_back(lanczosWeights(y, image.height(), size.height));
     }
@@ -175,8 +179,8 @@ TEST(BitmapContext, greyCmykAndOtherDepthsCannotHostRgba)
 TEST(BitmapContext, transparentEdgesShowNoDarkFringe)
 {
     // White on transparent black: resampled in straight form, the edge would turn grey.
-    const Image image = test::makeImage({ 64, 64 }, rgba8,
-        [](int x, int /*y*/, int channel) { return x < 31 ? (channel == 3 ? 0.0 : 0.0) : 1.0; });
+    const Image image = test::makeImage(
+        { 64, 64 }, rgba8, [](int x, int /*y*/, int /*channel*/) { return x < 31 ? 0.0 : 1.0; });
     const Image result = drawn(image, { 20, 20 });
     int translucent = 0;
     for (int x = 0; x < 20; ++x) {

@@ -1,4 +1,5 @@
 #include "platform/FileOperations.h"
+#include "platform/FileDescriptor.h"
 #include "support/QtPrinters.h"
 #include "support/TestImages.h"
 
@@ -89,19 +90,30 @@ TEST(CopyModificationTime, ofNothingFails)
     EXPECT_FALSE(copyModificationTime(folder / "from", folder / "to"));
 }
 
-TEST(WritePrivateFile, isForThisUserAloneAndNeverWritesOver)
+TEST(PrivateFile, isForThisUserAloneAndNeverWritesOver)
 {
     const TemporaryFolder folder;
     const std::string text = "content";
-    ASSERT_TRUE(writePrivateFile(folder / "file", std::as_bytes(std::span(text))));
+    const auto file = FileDescriptor::createPrivateFile(folder / "file");
+    ASSERT_TRUE(file);
+    ASSERT_TRUE(file->writeAll(std::as_bytes(std::span(text))));
     EXPECT_EQ(test::readFile(folder / "file").size(), text.size());
     EXPECT_EQ(std::filesystem::status(folder / "file").permissions(),
         std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
 
-    const auto again = writePrivateFile(folder / "file", {});
+    const auto again = FileDescriptor::createPrivateFile(folder / "file");
     ASSERT_FALSE(again);
     EXPECT_EQ(again.error().text, QStringLiteral("File exists"));
     EXPECT_EQ(fileSize(folder / "file"), 7);
+}
+
+TEST(FileDescriptor, saysWhyItCannotWrite)
+{
+    const FileDescriptor full(::open("/dev/full", O_WRONLY | O_CLOEXEC));
+    ASSERT_TRUE(full.isOpen());
+    const auto written = full.writeAll(std::as_bytes(std::span("x", 1)));
+    ASSERT_FALSE(written);
+    EXPECT_EQ(written.error().text, QStringLiteral("No space left on device"));
 }
 
 TEST(CopyToNewFile, copiesLargeContentAndNeverWritesOver)

@@ -42,13 +42,13 @@ Result<bool> matchesSRgb(cmsContext context, cmsHPROFILE profile, ColorModel mod
     if (model != ColorModel::Rgb) {
         return false;
     }
-    constexpr int steps = 9;
+    constexpr std::size_t steps = 9;
     std::vector<float> grid;
-    grid.reserve(std::size_t { steps * steps * steps * 3 });
-    for (int r = 0; r < steps; ++r) {
-        for (int g = 0; g < steps; ++g) {
-            for (int b = 0; b < steps; ++b) {
-                for (const int value : { r, g, b }) {
+    grid.reserve(steps * steps * steps * 3);
+    for (std::size_t r = 0; r < steps; ++r) {
+        for (std::size_t g = 0; g < steps; ++g) {
+            for (std::size_t b = 0; b < steps; ++b) {
+                for (const std::size_t value : { r, g, b }) {
                     grid.push_back(static_cast<float>(value) / (steps - 1));
                 }
             }

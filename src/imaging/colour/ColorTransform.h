@@ -19,8 +19,8 @@ public:
     static Result<ColorTransform> create(
         const ColorSpace& from, int bitsPerComponent, const ColorSpace& to);
 
-    ColorTransform(ColorTransform&&) noexcept;
-    ColorTransform& operator=(ColorTransform&&) noexcept;
+    ColorTransform(ColorTransform&& other) noexcept;
+    ColorTransform& operator=(ColorTransform&& other) noexcept;
     ~ColorTransform();
 
     /// Whether the numbers of RGB pixels stay as they are.

@@ -19,6 +19,15 @@ struct Groups {
     friend bool operator==(const Groups&, const Groups&) = default;
 };
 
+/// What the picture that the blocks are written with is like, seen from the one they came with.
+struct NewPicture {
+    Size size;
+    /// It was turned upright from a stored orientation other than TopLeft.
+    bool wasTurned = false;
+    /// Its numbers are sRGB numbers (ColorSpace::isSRgbEquivalent).
+    bool isSRgb = false;
+};
+
 /// The orientation of the main picture. EXIF holds; without EXIF's, XMP's tiff:Orientation counts.
 /// None when there is none, when it is outside 1 to 8 or when the block is damaged.
 [[nodiscard]] std::optional<Orientation> orientation(const MetadataBlocks& blocks);
@@ -26,19 +35,20 @@ struct Groups {
 /// Which groups the blocks hold. A damaged block holds nothing.
 [[nodiscard]] Groups groups(const MetadataBlocks& blocks);
 
-/// The blocks of a TIFF file: what its directories say about the picture beyond its structure.
-/// A file that cannot be read has none.
+/// The blocks of a TIFF file: what its directories say about the picture beyond its structure,
+/// the orientation included. A file that cannot be read has none.
 [[nodiscard]] MetadataBlocks readTiff(ByteSpan file);
 
 /// An encoded TIFF file with the blocks written into its directories; the file as it was when
 /// that is not possible.
 [[nodiscard]] ByteBuffer writeTiff(ByteBuffer file, const MetadataBlocks& blocks);
 
-/// The blocks as they may travel with a picture that has been turned upright to `size`: only the
-/// `kept` groups, no orientation in any of them (the thumbnail's included), pixel dimensions that
-/// are true, and no thumbnail when the picture was turned (`turned`), since it would lie on its
-/// side. Nothing that describes the old file's structure stays. A damaged block is left out.
+/// The blocks as they may travel with the new picture: only the `kept` groups, no orientation in
+/// any of them (the thumbnail's included), pixel dimensions and colour space that are true, and no
+/// thumbnail when the picture was turned, since it would lie on its side. Nothing that describes
+/// the old file's structure stays. Maker notes stay, at their place where they can. A damaged
+/// block is left out; of a block with damaged parts, the sound ones travel.
 [[nodiscard]] MetadataBlocks travelling(
-    const MetadataBlocks& blocks, const Groups& kept, Size size, bool turned);
+    const MetadataBlocks& blocks, const Groups& kept, const NewPicture& picture);
 
 } // namespace vellumine::imaging::metadata

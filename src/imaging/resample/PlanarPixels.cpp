@@ -40,10 +40,10 @@ template <typename Sample>
 void splitRgb(const Sample* __restrict from, std::uint16_t* __restrict red,
     std::uint16_t* __restrict green, std::uint16_t* __restrict blue, int count)
 {
-    for (int x = 0; x < count; ++x) {
-        red[x] = to16(from[3 * x]);
-        green[x] = to16(from[3 * x + 1]);
-        blue[x] = to16(from[3 * x + 2]);
+    for (int x = 0; x < count; ++x, from += 3) {
+        red[x] = to16(from[0]);
+        green[x] = to16(from[1]);
+        blue[x] = to16(from[2]);
     }
 }
 
@@ -53,7 +53,6 @@ PlanarReader::PlanarReader(const Image& image)
     : m_image(image)
     , m_stride(image.layout().channels())
     , m_colors(image.layout().colorChannels())
-    , m_color(0)
 {
     const AlphaInfo alpha = image.layout().alpha;
     const bool first = alpha == AlphaInfo::First || alpha == AlphaInfo::PremultipliedFirst

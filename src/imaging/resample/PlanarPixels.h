@@ -29,7 +29,7 @@ private:
     const Image& m_image;
     int m_stride;
     int m_colors;
-    int m_color;
+    int m_color = 0; ///< the first colour sample of a pixel
     int m_alpha = -1;
 };
 

@@ -1,27 +1,70 @@
 #include "imaging/codecs/heic/HeicCodec.h"
+
+#include "imaging/codecs/heic/HeicBrands.h"
+#include "imaging/codecs/heic/HeicDecoder.h"
+#include "imaging/codecs/heic/HeicEncoder.h"
+
+#include <exception>
+#include <new>
+
 namespace vellumine::imaging::heic {
-bool sniffHeic(ByteSpan /*file*/)
+
+namespace {
+
+/// Runs what calls the library; none of its exceptions leaves.
+template <typename Operation>
+auto guarded(Error::Kind otherwise, const Operation& operation) -> decltype(operation())
 {
-    return false;
+    try {
+        return operation();
+    } catch (const std::bad_alloc&) {
+        return failure(Error::Kind::OutOfMemory, "no memory for the picture");
+    } catch (const std::exception& exception) {
+        return failure(otherwise, exception.what());
+    }
 }
-bool sniffHeif(ByteSpan /*file*/)
+
+} // namespace
+
+bool sniffHeic(ByteSpan file)
 {
-    return false;
+    return containerOf(file) == Container::Heic;
 }
-Result<ImageHeader> readHeader(ByteSpan /*file*/)
+
+bool sniffHeif(ByteSpan file)
 {
-    return failure(Error::Kind::Unsupported, "");
+    return containerOf(file) == Container::Heif;
 }
-Result<DecodedImage> decode(ByteSpan /*file*/, const DecodeOptions& /*o*/)
+
+Result<ImageHeader> readHeader(ByteSpan file)
 {
-    return failure(Error::Kind::Unsupported, "");
+    return guarded(Error::Kind::Malformed, [file]() -> Result<ImageHeader> {
+        const auto picture = HeicPicture::open(file, Limits {}.maximumSide);
+        return picture ? picture->header() : tl::unexpected(picture.error());
+    });
 }
-Result<ByteBuffer> encodeHeic(const Image& /*i*/, const EncodeOptions& /*o*/)
+
+Result<DecodedImage> decode(ByteSpan file, const DecodeOptions& options)
 {
-    return failure(Error::Kind::Unsupported, "");
+    return guarded(Error::Kind::Malformed, [file, &options]() -> Result<DecodedImage> {
+        const auto picture = HeicPicture::open(file, options.limits.maximumSide);
+        return picture ? picture->decode(options.limits) : tl::unexpected(picture.error());
+    });
 }
-Result<ByteBuffer> encodeHeif(const Image& /*i*/, const EncodeOptions& /*o*/)
+
+Result<ByteBuffer> encodeHeic(const Image& image, const EncodeOptions& options)
 {
-    return failure(Error::Kind::Unsupported, "");
+    return guarded(
+        Error::Kind::EncodingFailed, [&image, &options] { return encodePicture(image, options); });
 }
+
+Result<ByteBuffer> encodeHeif(const Image& image, const EncodeOptions& options)
+{
+    auto file = encodeHeic(image, options);
+    if (file) {
+        makeHeif(*file);
+    }
+    return file;
+}
+
 } // namespace vellumine::imaging::heic

@@ -2,6 +2,9 @@
 
 #include "imaging/codecs/Codec.h"
 
+/// WebP, reading only. RGB of 8 bits, or RGBA with straight alpha where the file declares alpha. A
+/// part of a still picture is decoded without the rest. Of an animation the first frame counts,
+/// composed on a transparent canvas.
 namespace vellumine::imaging::webp {
 
 [[nodiscard]] bool sniff(ByteSpan file);

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "core/OptimizerSettings.h"
+
+#include <QString>
+#include <tl/expected.hpp>
+
+#include <filesystem>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace vellumine::cli {
+
+enum class Action { Convert, ShowHelp, ShowVersion };
+enum class OutputStyle { Text, Json };
+
+/// What the program is asked to do.
+struct CommandLine {
+    Action action = Action::Convert;
+    OutputStyle style = OutputStyle::Text;
+    OptimizerSettings settings;
+    std::vector<std::filesystem::path> paths;
+};
+
+/// What is wrong with the arguments, for the user.
+struct UsageError {
+    QString text;
+};
+
+/// Reads the arguments, without the program's own name. They are bytes, not text: a path need not
+/// be valid UTF-8.
+[[nodiscard]] tl::expected<CommandLine, UsageError> parseCommandLine(
+    std::span<const std::string> arguments);
+
+[[nodiscard]] QString usageText();
+
+} // namespace vellumine::cli

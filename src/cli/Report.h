@@ -1,0 +1,41 @@
+#pragma once
+
+#include "cli/CommandLine.h"
+#include "core/ProcessingResult.h"
+
+#include <cstddef>
+#include <cstdio>
+
+namespace vellumine::cli {
+
+/// One line of text for a file: its name, what became of it, and the sizes.
+[[nodiscard]] QString resultLine(const ProcessingResult& result);
+
+/// Tells how a batch goes: results on standard output, progress on standard error where that is a
+/// terminal.
+class Report {
+public:
+    Report(OutputStyle style, std::size_t fileCount);
+
+    void add(const ProcessingResult& result);
+    /// The line at the end, in text style.
+    void finish();
+
+    [[nodiscard]] bool hasFailures() const { return m_failed > 0; }
+
+private:
+    void print(const QByteArray& line) const;
+    void showProgress() const;
+    void hideProgress() const;
+    [[nodiscard]] QString summary() const;
+
+    OutputStyle m_style;
+    std::size_t m_fileCount;
+    bool m_showsProgress;
+    std::size_t m_succeeded = 0;
+    std::size_t m_failed = 0;
+    qint64 m_originalBytes = 0;
+    qint64 m_outputBytes = 0;
+};
+
+} // namespace vellumine::cli

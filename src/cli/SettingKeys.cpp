@@ -1,0 +1,216 @@
+#include "cli/SettingKeys.h"
+
+#include "platform/FilePath.h"
+
+#include <QFileInfo>
+
+#include <array>
+#include <cmath>
+
+namespace vellumine::cli {
+
+namespace {
+
+/// Takes a value over; false when it is none of the key's.
+using Apply = bool (*)(OptimizerSettings& settings, const QString& value);
+
+struct Key {
+    const char* name;
+    QString (*values)();
+    Apply apply;
+};
+
+template <auto Field>
+using FieldType = std::decay_t<decltype(std::declval<OptimizerSettings>().*Field)>;
+
+template <auto Field> bool applyChoice(OptimizerSettings& settings, const QString& value)
+{
+    const auto choice = fromRawValue<FieldType<Field>>(value);
+    if (choice) {
+        settings.*Field = *choice;
+    }
+    return choice.has_value();
+}
+
+template <auto Field> QString choiceValues()
+{
+    QStringList values;
+    for (const auto choice : allCases<FieldType<Field>>()) {
+        values.append(rawValue(choice));
+    }
+    return values.join(QStringLiteral(", "));
+}
+
+std::optional<bool> booleanFrom(const QString& value)
+{
+    if (value == QStringLiteral("true")) {
+        return true;
+    }
+    if (value == QStringLiteral("false")) {
+        return false;
+    }
+    return std::nullopt;
+}
+
+template <auto Field> bool applyBoolean(OptimizerSettings& settings, const QString& value)
+{
+    const auto boolean = booleanFrom(value);
+    if (boolean) {
+        settings.*Field = *boolean;
+    }
+    return boolean.has_value();
+}
+
+QString booleanValues()
+{
+    return QStringLiteral("true, false");
+}
+
+template <auto Field> bool applyText(OptimizerSettings& settings, const QString& value)
+{
+    settings.*Field = value;
+    return true;
+}
+
+QString textValues()
+{
+    return QStringLiteral("any text, also none");
+}
+
+bool applyMaximumPixels(OptimizerSettings& settings, const QString& value)
+{
+    bool isNumber = false;
+    const qint64 pixels = value.toLongLong(&isNumber);
+    if (!isNumber || pixels < 1) {
+        return false;
+    }
+    settings.maximumPixels = pixels;
+    return true;
+}
+
+QString pixelValues()
+{
+    return QStringLiteral("a whole number from 1");
+}
+
+bool applyQuality(OptimizerSettings& settings, const QString& value)
+{
+    bool isNumber = false;
+    const double quality = value.toDouble(&isNumber);
+    if (!isNumber || !std::isfinite(quality) || quality < 0 || quality > 100) {
+        return false;
+    }
+    settings.quality = quality;
+    return true;
+}
+
+QString qualityValues()
+{
+    return QStringLiteral("a number from 0 to 100");
+}
+
+bool applyDestinationFolder(OptimizerSettings& settings, const QString& value)
+{
+    if (value.isEmpty()) {
+        settings.destinationFolderURL.reset();
+        return true;
+    }
+    const QFileInfo folder(value);
+    if (!folder.isDir()) {
+        return false;
+    }
+    settings.destinationFolderURL = platform::fileUrl(folder.absoluteFilePath());
+    return true;
+}
+
+QString folderValues()
+{
+    return QStringLiteral("the path of a folder, or nothing");
+}
+
+bool ignored(OptimizerSettings& /*settings*/, const QString& /*value*/)
+{
+    return true;
+}
+
+QString ignoredValues()
+{
+    return QStringLiteral("anything; means nothing here");
+}
+
+bool ignoredBoolean(OptimizerSettings& /*settings*/, const QString& value)
+{
+    return booleanFrom(value).has_value();
+}
+
+QString ignoredBooleanValues()
+{
+    return QStringLiteral("true, false; means nothing here");
+}
+
+constexpr std::array<Key, 16> keys { {
+    { "resizeMode", choiceValues<&OptimizerSettings::resizeMode>,
+        applyChoice<&OptimizerSettings::resizeMode> },
+    { "maximumPixels", pixelValues, applyMaximumPixels },
+    { "outputFormat", choiceValues<&OptimizerSettings::outputFormat>,
+        applyChoice<&OptimizerSettings::outputFormat> },
+    { "quality", qualityValues, applyQuality },
+    { "optimizeColorForSharing", booleanValues,
+        applyBoolean<&OptimizerSettings::optimizeColorForSharing> },
+    { "removeColorManagement", booleanValues,
+        applyBoolean<&OptimizerSettings::removeColorManagement> },
+    { "removeMetadata", booleanValues, applyBoolean<&OptimizerSettings::removeMetadata> },
+    { "destinationMode", choiceValues<&OptimizerSettings::destinationMode>,
+        applyChoice<&OptimizerSettings::destinationMode> },
+    { "destinationFolderBookmark", folderValues, applyDestinationFolder },
+    { "originalLocationFolderBookmarks", ignoredValues, ignored },
+    { "filenamePrefix", textValues, applyText<&OptimizerSettings::filenamePrefix> },
+    { "filenameSuffix", textValues, applyText<&OptimizerSettings::filenameSuffix> },
+    { "moveOriginalToTrash", booleanValues, applyBoolean<&OptimizerSettings::moveOriginalToTrash> },
+    { "preserveModificationTime", booleanValues,
+        applyBoolean<&OptimizerSettings::preserveModificationTime> },
+    { "warnBeforeOverwrite", booleanValues, applyBoolean<&OptimizerSettings::warnBeforeOverwrite> },
+    { "exitWhenComplete", ignoredBooleanValues, ignoredBoolean },
+} };
+
+const Key* keyNamed(const QString& name)
+{
+    for (const Key& key : keys) {
+        if (name == QLatin1StringView(key.name)) {
+            return &key;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
+
+QStringList settingKeys()
+{
+    QStringList names;
+    for (const Key& key : keys) {
+        names.append(QString::fromLatin1(key.name));
+    }
+    return names;
+}
+
+QString valuesOf(const QString& key)
+{
+    const Key* known = keyNamed(key);
+    return known != nullptr ? known->values() : QString();
+}
+
+std::optional<QString> applySetting(
+    OptimizerSettings& settings, const QString& key, const QString& value)
+{
+    const Key* known = keyNamed(key);
+    if (known == nullptr) {
+        return QStringLiteral("there is no setting \"%1\"").arg(key);
+    }
+    if (!known->apply(settings, value)) {
+        return QStringLiteral("\"%1\" is no value for %2: %3").arg(value, key, known->values());
+    }
+    return std::nullopt;
+}
+
+} // namespace vellumine::cli

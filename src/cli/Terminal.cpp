@@ -1,0 +1,68 @@
+#include "cli/Terminal.h"
+
+#include "platform/FilePath.h"
+
+#include <cstdio>
+#include <memory>
+
+#include <unistd.h>
+
+namespace vellumine::cli {
+
+namespace {
+
+struct CloseStream {
+    void operator()(std::FILE* stream) const { std::fclose(stream); }
+};
+using Stream = std::unique_ptr<std::FILE, CloseStream>;
+
+/// The answer to the question, read from `input`.
+QByteArray answer(std::FILE* input, std::FILE* output, const QString& question)
+{
+    std::fputs(question.toUtf8().constData(), output);
+    std::fflush(output);
+    QByteArray line;
+    for (int c = std::fgetc(input); c != EOF && c != '\n'; c = std::fgetc(input)) {
+        line.append(static_cast<char>(c));
+    }
+    return line.trimmed().toLower();
+}
+
+} // namespace
+
+QString printable(const QString& text)
+{
+    QString shown;
+    for (const QChar c : text) {
+        if (c == u'\n') {
+            shown += QStringLiteral("\\n");
+        } else if (c == u'\t') {
+            shown += QStringLiteral("\\t");
+        } else if (c.category() == QChar::Other_Control) {
+            shown += QStringLiteral("\\x%1").arg(c.unicode(), 2, 16, QChar(u'0'));
+        } else {
+            shown += c;
+        }
+    }
+    return shown;
+}
+
+OverwriteDecision askOnTerminal(const QUrl& url)
+{
+    const QString question
+        = QStringLiteral("Replace %1? A file with this name already exists. [y/N] ")
+              .arg(printable(platform::lastPathComponent(url)));
+    QByteArray text;
+    // The terminal itself, so that the question is seen and answered when the streams are
+    // redirected.
+    const Stream terminalInput(std::fopen("/dev/tty", "re"));
+    const Stream terminalOutput(std::fopen("/dev/tty", "we"));
+    if (terminalInput && terminalOutput) {
+        text = answer(terminalInput.get(), terminalOutput.get(), question);
+    } else if (::isatty(STDIN_FILENO) != 0) {
+        text = answer(stdin, stderr, question);
+    }
+    return text == "y" || text == "yes" ? OverwriteDecision::Replace : OverwriteDecision::Skip;
+}
+
+} // namespace vellumine::cli

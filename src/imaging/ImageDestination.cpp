@@ -1,0 +1,119 @@
+#include "imaging/ImageDestination.h"
+
+#include "imaging/BitmapContext.h"
+#include "imaging/codecs/CodecTable.h"
+#include "imaging/metadata/Metadata.h"
+
+#include <utility>
+
+namespace vellumine::imaging {
+
+namespace {
+
+bool storesCmyk(UniformType type)
+{
+    return type == UniformType::Jpeg || type == UniformType::Tiff;
+}
+
+Result<Image> convertedToSRgb(const Image& image)
+{
+    auto context = BitmapContext::create(image.size(), 8, ColorSpace::sRgb());
+    if (!context) {
+        return tl::unexpected(context.error());
+    }
+    if (auto drawn = context->draw(image); !drawn) {
+        return tl::unexpected(drawn.error());
+    }
+    return std::move(*context).makeImage();
+}
+
+} // namespace
+
+ImageDestination::ImageDestination(FileDescriptor file, UniformType type)
+    : m_file(std::move(file))
+    , m_type(type)
+{
+}
+
+std::vector<UniformType> ImageDestination::encodableTypes()
+{
+    std::vector<UniformType> types;
+    for (const UniformType type : allUniformTypes) {
+        if (codecForType(type).encode != nullptr) {
+            types.push_back(type);
+        }
+    }
+    return types;
+}
+
+Result<ImageDestination> ImageDestination::create(
+    const std::filesystem::path& path, UniformType type)
+{
+    if (codecForType(type).encode == nullptr) {
+        return failure(Error::Kind::Unsupported, "the type is only read");
+    }
+    return FileDescriptor::createForWriting(path).map(
+        [type](FileDescriptor&& file) { return ImageDestination(std::move(file), type); });
+}
+
+void ImageDestination::addImage(Image image, ImageProperties properties)
+{
+    m_image = std::move(image);
+    m_properties = std::move(properties);
+}
+
+MetadataBlocks ImageDestination::metadataFor(const Image& image) const
+{
+    const metadata::Groups kept {
+        .exif = m_properties.contains(PropertyKey::Exif),
+        .gps = m_properties.contains(PropertyKey::Gps),
+        .tiff = m_properties.contains(PropertyKey::Tiff),
+        .iptc = m_properties.contains(PropertyKey::Iptc),
+        .xmp = m_properties.contains(PropertyKey::Xmp),
+    };
+    if (kept == metadata::Groups {}) {
+        return {};
+    }
+    return metadata::travelling(m_properties.blocks(), kept,
+        { .size = image.size(),
+            .wasTurned = m_properties.storedOrientation() != Orientation::TopLeft,
+            .isSRgb = image.colorSpace().isSRgbEquivalent() });
+}
+
+Result<void> ImageDestination::finalize()
+{
+    if (!m_image) {
+        return failure(Error::Kind::EncodingFailed, "no picture was added");
+    }
+    Image image = *std::exchange(m_image, std::nullopt);
+    if (image.layout().model == ColorModel::Cmyk && !storesCmyk(m_type)) {
+        auto converted = convertedToSRgb(image);
+        if (!converted) {
+            return tl::unexpected(converted.error());
+        }
+        image = std::move(*converted);
+    }
+
+    EncodeOptions options {
+        .quality = m_properties.number(PropertyKey::LossyCompressionQuality).value_or(1.0),
+        .profile = m_profile,
+        .effort = m_effort,
+        .metadata = metadataFor(image),
+    };
+    // A TIFF file gets its blocks when it is done: they are fields among its own.
+    const MetadataBlocks appended
+        = m_type == UniformType::Tiff ? std::exchange(options.metadata, {}) : MetadataBlocks {};
+    auto encoded = codecForType(m_type).encode(image, options);
+    if (!encoded) {
+        return tl::unexpected(encoded.error());
+    }
+    if (!appended.empty()) {
+        encoded = metadata::writeTiff(std::move(*encoded), appended);
+    }
+    if (auto written = m_file.write(*encoded); !written) {
+        return written;
+    }
+    return m_file.syncAndClose();
+}
+
+} // namespace vellumine::imaging

@@ -1,0 +1,70 @@
+#include "imaging/ImageProperties.h"
+
+#include "imaging/metadata/Metadata.h"
+
+namespace vellumine::imaging {
+
+template <typename Value> std::optional<Value> ImageProperties::value(PropertyKey key) const
+{
+    const auto found = m_values.find(key);
+    const Value* const held
+        = found == m_values.end() ? nullptr : std::get_if<Value>(&found->second);
+    return held == nullptr ? std::nullopt : std::optional(*held);
+}
+
+bool ImageProperties::contains(PropertyKey key) const
+{
+    return m_values.contains(key);
+}
+
+std::optional<std::int64_t> ImageProperties::integer(PropertyKey key) const
+{
+    return value<std::int64_t>(key);
+}
+
+std::optional<double> ImageProperties::number(PropertyKey key) const
+{
+    return value<double>(key);
+}
+
+std::optional<std::string> ImageProperties::text(PropertyKey key) const
+{
+    return value<std::string>(key);
+}
+
+void ImageProperties::set(PropertyKey key, PropertyValue value)
+{
+    m_values.insert_or_assign(key, std::move(value));
+}
+
+void ImageProperties::remove(PropertyKey key)
+{
+    m_values.erase(key);
+}
+
+const MetadataBlocks& ImageProperties::blocks() const
+{
+    static const MetadataBlocks none;
+    return m_blocks ? *m_blocks : none;
+}
+
+void ImageProperties::setBlocks(MetadataBlocks blocks, Orientation stored)
+{
+    const metadata::Groups groups = metadata::groups(blocks);
+    const auto setIf = [this](bool isThere, PropertyKey key) {
+        if (isThere) {
+            set(key, DictionaryPresent {});
+        } else {
+            remove(key);
+        }
+    };
+    setIf(groups.exif, PropertyKey::Exif);
+    setIf(groups.gps, PropertyKey::Gps);
+    setIf(groups.tiff, PropertyKey::Tiff);
+    setIf(groups.iptc, PropertyKey::Iptc);
+    setIf(groups.xmp, PropertyKey::Xmp);
+    m_blocks = std::make_shared<const MetadataBlocks>(std::move(blocks));
+    m_storedOrientation = stored;
+}
+
+} // namespace vellumine::imaging

@@ -1,0 +1,162 @@
+#include "imaging/codecs/heic/HeicEncoder.h"
+
+#include "imaging/PixelConversion.h"
+#include "imaging/codecs/heic/HeicColor.h"
+#include "imaging/codecs/heic/HeicHandles.h"
+#include "imaging/codecs/heic/HeicMetadata.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <exception>
+
+namespace vellumine::imaging::heic {
+
+namespace {
+
+struct Parameter {
+    const char* name;
+    const char* value;
+};
+
+/// One thread for one picture: whoever converts many files at once has a thread for each already.
+constexpr std::array threadParameters { Parameter { "x265:pools", "none" },
+    Parameter { "x265:frame-threads", "1" } };
+
+bool hasProfileToWrite(const Image& image, const EncodeOptions& options)
+{
+    return options.profile == ProfilePolicy::Embed && !image.colorSpace().iccProfile().empty();
+}
+
+/// Grey is written as grey only where a grey profile goes with it, which RGB could not have:
+/// decoders for colour are everywhere, those for monochrome are not.
+PixelLayout layoutFor(const Image& image, const EncodeOptions& options)
+{
+    const bool isGrey
+        = image.layout().model == ColorModel::Grey && hasProfileToWrite(image, options);
+    return { isGrey ? ColorModel::Grey : ColorModel::Rgb, 8, AlphaInfo::None };
+}
+
+Result<HeifPointer<heif_image>> libraryImage(const Image& image)
+{
+    const bool isGrey = image.layout().model == ColorModel::Grey;
+    const heif_channel channel = isGrey ? heif_channel_Y : heif_channel_interleaved;
+    heif_image* created = nullptr;
+    heif_error error = heif_image_create(image.width(), image.height(),
+        isGrey ? heif_colorspace_monochrome : heif_colorspace_RGB,
+        isGrey ? heif_chroma_monochrome : heif_chroma_interleaved_RGB, &created);
+    HeifPointer<heif_image> result(created);
+    if (isOk(error)) {
+        error = heif_image_add_plane(created, channel, image.width(), image.height(), 8);
+    }
+    if (!isOk(error)) {
+        return writeFailure(error);
+    }
+    int stride = 0;
+    std::uint8_t* const plane = heif_image_get_plane(created, channel, &stride);
+    const int rowBytes = image.width() * image.layout().bytesPerPixel();
+    for (int y = 0; y < image.height(); ++y) {
+        std::copy_n(image.row8(y), rowBytes, plane + static_cast<std::ptrdiff_t>(y) * stride);
+    }
+    return result;
+}
+
+Result<HeifPointer<heif_encoder>> makeEncoder(heif_context* context, double quality)
+{
+    heif_encoder* created = nullptr;
+    heif_error error
+        = heif_context_get_encoder_for_format(context, heif_compression_HEVC, &created);
+    HeifPointer<heif_encoder> encoder(created);
+    if (isOk(error)) {
+        const double percent = std::clamp(quality, 0.0, 1.0) * 100.0;
+        error = heif_encoder_set_lossy_quality(created, static_cast<int>(std::lround(percent)));
+    }
+    if (isOk(error)) {
+        error = heif_encoder_set_logging_level(created, 0);
+    }
+    for (const auto& [name, value] : threadParameters) {
+        if (isOk(error)) {
+            error = heif_encoder_set_parameter(created, name, value);
+        }
+    }
+    if (!isOk(error)) {
+        return writeFailure(error);
+    }
+    return encoder;
+}
+
+heif_error appendToFile(heif_context* /*context*/, const void* data, std::size_t size, void* file)
+{
+    try {
+        const auto* const bytes = static_cast<const std::byte*>(data);
+        auto& buffer = *static_cast<ByteBuffer*>(file);
+        buffer.insert(buffer.end(), bytes, bytes + size);
+        return { heif_error_Ok, heif_suberror_Unspecified, "" };
+    } catch (const std::exception&) { // must not travel through the library
+        return { heif_error_Memory_allocation_error, heif_suberror_Unspecified, "no memory" };
+    }
+}
+
+Result<void> describeColour(
+    heif_image* target, const heif_color_profile_nclx* description, ByteSpan profile)
+{
+    heif_error error = heif_image_set_nclx_color_profile(target, description);
+    if (isOk(error) && !profile.empty()) {
+        error = heif_image_set_raw_color_profile(target, "prof", profile.data(), profile.size());
+    }
+    if (!isOk(error)) {
+        return writeFailure(error);
+    }
+    return {};
+}
+
+} // namespace
+
+Result<ByteBuffer> encodePicture(const Image& image, const EncodeOptions& options)
+{
+    if (image.layout().model == ColorModel::Cmyk) {
+        return failure(Error::Kind::Unsupported, "HEIC has no CMYK");
+    }
+    const auto picture = relayout(image, layoutFor(image, options));
+    if (!picture) {
+        return tl::unexpected(picture.error());
+    }
+    const HeifPointer<heif_context> context(heif_context_alloc());
+    const auto description = sRgbDescription();
+    const HeifPointer<heif_encoding_options> encoding(heif_encoding_options_alloc());
+    if (!context || !description || !encoding) {
+        return failure(Error::Kind::OutOfMemory, "no memory for the HEIC writer");
+    }
+    const auto encoder = makeEncoder(context.get(), options.quality);
+    const auto pixels = libraryImage(*picture);
+    if (!encoder || !pixels) {
+        return tl::unexpected(encoder ? pixels.error() : encoder.error());
+    }
+    const bool writesProfile = hasProfileToWrite(*picture, options);
+    if (auto ok = describeColour(pixels->get(), description.get(),
+            writesProfile ? picture->colorSpace().iccProfile() : ByteSpan());
+        !ok) {
+        return tl::unexpected(ok.error());
+    }
+    encoding->output_nclx_profile = description.get();
+    encoding->macOS_compatibility_workaround_no_nclx_profile = 0;
+    heif_image_handle* created = nullptr;
+    heif_error error = heif_context_encode_image(
+        context.get(), pixels->get(), encoder->get(), encoding.get(), &created);
+    const HeifPointer<heif_image_handle> handle(created);
+    if (!isOk(error)) {
+        return writeFailure(error);
+    }
+    if (auto ok = addMetadata(context.get(), handle.get(), options.metadata); !ok) {
+        return tl::unexpected(ok.error());
+    }
+    ByteBuffer file;
+    heif_writer writer { 1, appendToFile };
+    error = heif_context_write(context.get(), &writer, &file);
+    if (!isOk(error)) {
+        return writeFailure(error);
+    }
+    return file;
+}
+
+} // namespace vellumine::imaging::heic

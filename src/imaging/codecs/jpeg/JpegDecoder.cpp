@@ -1,0 +1,257 @@
+#include "imaging/codecs/MetadataCarriers.h"
+#include "imaging/codecs/jpeg/JpegCodec.h"
+#include "imaging/codecs/jpeg/JpegErrors.h"
+#include "imaging/codecs/jpeg/JpegMarkers.h"
+#include "imaging/codecs/jpeg/JpegScans.h"
+#include "imaging/codecs/jpeg/JpegSource.h"
+
+#include <algorithm>
+#include <array>
+
+namespace vellumine::imaging::jpeg {
+
+namespace {
+
+/// One file being read. The library's object points into this one, so it stays where it is.
+class Reader {
+public:
+    explicit Reader(ByteSpan file)
+        : m_source(file)
+    {
+        m_library.err = &m_errors;
+    }
+    Reader(const Reader&) = delete;
+    Reader& operator=(const Reader&) = delete;
+    ~Reader() { jpeg_destroy_decompress(&m_library); }
+
+    enum class Markers { Ignore, Keep };
+    Result<ImageHeader> readHeader(Markers markers);
+    Result<DecodedImage> decode(const DecodeOptions& options);
+
+private:
+    /// Columns and rows to decode; the width is what the library makes of the wish.
+    struct Window {
+        JDIMENSION x = 0;
+        JDIMENSION y = 0;
+        JDIMENSION width = 0;
+        JDIMENSION height = 0;
+    };
+
+    [[nodiscard]] Result<void> checkLimits(const ImageHeader& header, const Limits& limits) const;
+    [[nodiscard]] std::uint64_t coefficientBytes() const;
+    Window start(const std::optional<Rect>& region);
+    void readRows(const Window& window, PixelBuffer& pixels);
+    [[nodiscard]] ColorSpace colorSpace(ColorModel model) const;
+
+    Errors m_errors;
+    Source m_source;
+    ScanWatch m_scans;
+    jpeg_decompress_struct m_library {};
+};
+
+Result<PixelLayout> layoutOf(const jpeg_decompress_struct& library)
+{
+    switch (library.jpeg_color_space) {
+    case JCS_GRAYSCALE:
+        return PixelLayout { ColorModel::Grey, 8, AlphaInfo::None };
+    case JCS_RGB:
+    case JCS_YCbCr:
+        return PixelLayout { ColorModel::Rgb, 8, AlphaInfo::None };
+    case JCS_CMYK:
+    case JCS_YCCK:
+        return PixelLayout { ColorModel::Cmyk, 8, AlphaInfo::None };
+    default:
+        return failure(Error::Kind::Unsupported, "not grey, RGB or CMYK");
+    }
+}
+
+J_COLOR_SPACE outputSpace(ColorModel model)
+{
+    switch (model) {
+    case ColorModel::Grey:
+        return JCS_GRAYSCALE;
+    case ColorModel::Rgb:
+        return JCS_RGB;
+    case ColorModel::Cmyk:
+        return JCS_CMYK;
+    }
+    return JCS_UNKNOWN;
+}
+
+Result<ImageHeader> Reader::readHeader(Markers markers)
+{
+    const auto read = m_errors.run([this, markers] {
+        jpeg_create_decompress(&m_library);
+        m_library.src = &m_source;
+        if (markers == Markers::Keep) {
+            keepMarkers(m_library);
+        }
+        jpeg_read_header(&m_library, TRUE);
+    });
+    if (!read) {
+        return tl::unexpected(read.error());
+    }
+    return layoutOf(m_library).map([this](PixelLayout layout) {
+        return ImageHeader { { static_cast<int>(m_library.image_width),
+                                 static_cast<int>(m_library.image_height) },
+            layout };
+    });
+}
+
+/// What the library keeps of a file with several scans until the last one is read.
+std::uint64_t Reader::coefficientBytes() const
+{
+    if (jpeg_has_multiple_scans(const_cast<j_decompress_ptr>(&m_library)) == FALSE) {
+        return 0;
+    }
+    std::uint64_t blocks = 0;
+    for (const auto& component : components(m_library)) {
+        blocks += blocksOf(component);
+    }
+    return blocks * sizeof(JBLOCK);
+}
+
+Result<void> Reader::checkLimits(const ImageHeader& header, const Limits& limits) const
+{
+    Limits rest = limits;
+    rest.maximumBytes -= std::min(rest.maximumBytes, coefficientBytes());
+    return rest.check(header.size.width, header.size.height, header.layout.bytesPerPixel());
+}
+
+/// Starts the output of the part of the picture. What surrounds a sample takes part in smoothing
+/// its colour, so that the columns get a margin of blocks on both sides; the library sees to the
+/// rows itself.
+Reader::Window Reader::start(const std::optional<Rect>& region)
+{
+    m_source.setAtEnd(m_library.arith_code ? AtEnd::Fail : AtEnd::PretendEndMarker);
+    m_library.progress = &m_scans;
+    jpeg_start_decompress(&m_library);
+
+    Window window { 0, 0, m_library.output_width, m_library.output_height };
+    if (region) {
+        const auto margin = static_cast<JDIMENSION>(2 * DCTSIZE * m_library.max_h_samp_factor);
+        const auto left = static_cast<JDIMENSION>(region->x);
+        const auto right = left + static_cast<JDIMENSION>(region->width);
+        window.x = left - std::min(left, margin);
+        window.width = std::min(right + margin, m_library.output_width) - window.x;
+        window.y = static_cast<JDIMENSION>(region->y);
+        window.height = static_cast<JDIMENSION>(region->height);
+        jpeg_crop_scanline(&m_library, &window.x, &window.width);
+    }
+    return window;
+}
+
+void Reader::readRows(const Window& window, PixelBuffer& pixels)
+{
+    // As many as one call of the library ever fills.
+    std::array<JSAMPROW, std::size_t { DCTSIZE } * MAX_SAMP_FACTOR> rows {};
+    if (window.y > 0) {
+        jpeg_skip_scanlines(&m_library, window.y);
+    }
+    JDIMENSION done = 0;
+    while (done < window.height) {
+        const auto count
+            = std::min<JDIMENSION>(static_cast<JDIMENSION>(rows.size()), window.height - done);
+        for (JDIMENSION i = 0; i < count; ++i) {
+            rows[i] = pixels.row8(static_cast<int>(done + i));
+        }
+        done += jpeg_read_scanlines(&m_library, rows.data(), count);
+    }
+}
+
+/// Adobe's programs write CMYK upside down, 255 for no ink, and say so only by their marker. A
+/// file without the marker holds ink as the picture does.
+void invert(PixelBuffer& pixels)
+{
+    for (std::byte& sample : pixels.bytes()) {
+        sample = ~sample;
+    }
+}
+
+ColorSpace defaultSpace(ColorModel model)
+{
+    switch (model) {
+    case ColorModel::Grey:
+        return ColorSpace::grey();
+    case ColorModel::Rgb:
+        return ColorSpace::sRgb();
+    case ColorModel::Cmyk:
+        break;
+    }
+    return ColorSpace::deviceCmyk();
+}
+
+ColorSpace Reader::colorSpace(ColorModel model) const
+{
+    const ByteBuffer profile = iccProfile(m_library);
+    if (!profile.empty()) {
+        if (auto space = ColorSpace::fromIcc(profile, model)) {
+            return std::move(*space);
+        }
+    }
+    return defaultSpace(model);
+}
+
+Result<DecodedImage> Reader::decode(const DecodeOptions& options)
+{
+    const auto header = readHeader(Markers::Keep);
+    if (!header) {
+        return tl::unexpected(header.error());
+    }
+    if (const auto allowed = checkLimits(*header, options.limits); !allowed) {
+        return tl::unexpected(allowed.error());
+    }
+    std::optional<Rect> region = options.region;
+    if (region && !contains(header->size, *region)) {
+        region.reset();
+    }
+
+    m_library.out_color_space = outputSpace(header->layout.model);
+    m_library.dct_method = JDCT_ISLOW;
+    m_library.do_fancy_upsampling = TRUE;
+    Window window;
+    if (const auto started = m_errors.run([&] { window = start(region); }); !started) {
+        return tl::unexpected(started.error());
+    }
+    if (const auto complete = m_scans.checkComplete(m_library, m_source); !complete) {
+        return tl::unexpected(complete.error());
+    }
+    auto pixels = PixelBuffer::create(
+        { static_cast<int>(window.width), static_cast<int>(window.height) }, header->layout);
+    if (!pixels) {
+        return tl::unexpected(pixels.error());
+    }
+    if (const auto done = m_errors.run([&] { readRows(window, *pixels); }); !done) {
+        return tl::unexpected(done.error());
+    }
+    if (header->layout.model == ColorModel::Cmyk && m_library.saw_Adobe_marker) {
+        invert(*pixels);
+    }
+
+    Image image(std::move(*pixels), colorSpace(header->layout.model));
+    if (region) {
+        image = image.cropped(
+            { region->x - static_cast<int>(window.x), 0, region->width, region->height });
+    }
+    return DecodedImage { std::move(image), header->size, region.has_value(), metadata(m_library),
+        std::nullopt };
+}
+
+} // namespace
+
+bool sniff(ByteSpan file)
+{
+    return startsWith(file, "\xFF\xD8\xFF");
+}
+
+Result<ImageHeader> readHeader(ByteSpan file)
+{
+    return Reader(file).readHeader(Reader::Markers::Ignore);
+}
+
+Result<DecodedImage> decode(ByteSpan file, const DecodeOptions& options)
+{
+    return Reader(file).decode(options);
+}
+
+} // namespace vellumine::imaging::jpeg

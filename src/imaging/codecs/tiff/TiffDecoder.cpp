@@ -1,0 +1,346 @@
+#include "imaging/codecs/tiff/TiffDecoder.h"
+
+#include "imaging/codecs/tiff/TiffLab.h"
+#include "imaging/codecs/tiff/TiffPalette.h"
+
+#include <algorithm>
+#include <array>
+#include <cassert>
+#include <cstdlib>
+#include <cstring>
+#include <optional>
+#include <vector>
+
+namespace vellumine::imaging::tiff {
+
+namespace {
+
+struct Free {
+    void operator()(void* memory) const { std::free(memory); } // NOLINT(*-no-malloc): from calloc
+};
+
+/// Memory that starts out zero and costs nothing until it is touched, so that a huge strip in a
+/// tiny file does not.
+template <typename Element> using ZeroedArray = std::unique_ptr<Element[], Free>;
+
+template <typename Element> ZeroedArray<Element> allocateZeroed(std::size_t count)
+{
+    // NOLINTNEXTLINE(*-no-malloc): operator new has no zeroed pages of the system's
+    return ZeroedArray<Element>(static_cast<Element*>(std::calloc(count, sizeof(Element))));
+}
+
+/// A strip or tile: where it lies in the picture and how much of it is picture.
+struct Block {
+    Rect area;
+    int plane = 0;
+};
+
+class BlockDecoder {
+public:
+    BlockDecoder(const TiffReader& reader, const TiffDirectory& directory, Rect wanted)
+        : m_reader(reader)
+        , m_directory(directory)
+        , m_wanted(wanted)
+        , m_samplesInRow(directory.isPlanar ? 1 : directory.samplesPerPixel)
+    {
+    }
+
+    Result<PixelBuffer> decode()
+    {
+        auto pixels = PixelBuffer::create(m_wanted.size(), m_directory.layout);
+        if (!pixels) {
+            return pixels;
+        }
+        if (auto ok = prepare(); !ok) {
+            return tl::unexpected(ok.error());
+        }
+        const int planes = m_directory.isPlanar ? m_directory.samplesPerPixel : 1;
+        for (int plane = 0; plane < planes; ++plane) {
+            if (!isUsed(plane)) {
+                continue;
+            }
+            if (auto ok = decodePlane(plane, *pixels); !ok) {
+                return tl::unexpected(ok.error());
+            }
+        }
+        if (m_reader.messages().dataMissing) {
+            return tl::unexpected(m_reader.messages().failureOf("pixel data is missing"));
+        }
+        return pixels;
+    }
+
+private:
+    [[nodiscard]] bool isPalette() const { return m_directory.colour == Colour::Palette; }
+    /// Stored samples that make up the colour.
+    [[nodiscard]] int colourSamples() const
+    {
+        return isPalette() ? 1 : m_directory.layout.colorChannels();
+    }
+    [[nodiscard]] bool isUsed(int plane) const
+    {
+        return !m_directory.isPlanar || plane < colourSamples() || plane == m_directory.alphaSample;
+    }
+
+    Result<void> prepare()
+    {
+        TIFF* const tiff = m_reader.get();
+        const auto width = static_cast<std::uint64_t>(m_directory.blockWidth);
+        const auto bits = width * static_cast<std::uint64_t>(m_samplesInRow)
+            * static_cast<std::uint64_t>(m_directory.sample.bits);
+        m_rowBytes = static_cast<std::size_t>((bits + 7) / 8);
+        m_blockBytes = m_rowBytes * static_cast<std::size_t>(m_directory.blockHeight);
+        // What the library is about to write must be what is unpacked here.
+        const auto libraryRowBytes
+            = m_directory.isTiled ? TIFFTileRowSize64(tiff) : TIFFScanlineSize64(tiff);
+        if (libraryRowBytes != m_rowBytes
+            || (m_directory.isTiled && TIFFTileSize64(tiff) != m_blockBytes)) {
+            return failure(Error::Kind::Malformed, "rows of an unexpected length");
+        }
+        m_block = allocateZeroed<std::byte>(m_blockBytes);
+        if (!m_block) {
+            return failure(Error::Kind::OutOfMemory, "no memory for a strip or tile");
+        }
+        m_samples.resize(
+            static_cast<std::size_t>(width) * static_cast<std::size_t>(m_samplesInRow));
+        if (isPalette()) {
+            auto palette = Palette::read(tiff, m_directory);
+            if (!palette) {
+                return tl::unexpected(palette.error());
+            }
+            m_palette = *std::move(palette);
+        }
+        return {};
+    }
+
+    Result<void> decodePlane(int plane, PixelBuffer& pixels)
+    {
+        const Size size = m_directory.size();
+        const auto blockWidth = static_cast<int>(m_directory.blockWidth);
+        const auto blockHeight = static_cast<int>(m_directory.blockHeight);
+        const int firstRow = m_wanted.y / blockHeight * blockHeight;
+        const int firstColumn = m_wanted.x / blockWidth * blockWidth;
+        for (int y = firstRow; y < m_wanted.y + m_wanted.height; y += blockHeight) {
+            for (int x = firstColumn; x < m_wanted.x + m_wanted.width; x += blockWidth) {
+                const Block block { { x, y, std::min(blockWidth, size.width - x),
+                                        std::min(blockHeight, size.height - y) },
+                    plane };
+                if (auto ok = readBlock(block); !ok) {
+                    return ok;
+                }
+                store(block, pixels);
+            }
+        }
+        return {};
+    }
+
+    /// Fills m_block, or fails: a block that is only partly there is no picture.
+    Result<void> readBlock(const Block& block)
+    {
+        TIFF* const tiff = m_reader.get();
+        const auto x = static_cast<std::uint32_t>(block.area.x);
+        const auto y = static_cast<std::uint32_t>(block.area.y);
+        const auto plane = static_cast<std::uint16_t>(block.plane);
+        const auto expected = static_cast<tmsize_t>(m_directory.isTiled
+                ? m_blockBytes
+                : m_rowBytes * static_cast<std::size_t>(block.area.height));
+        const tmsize_t got = m_directory.isTiled
+            ? TIFFReadEncodedTile(
+                tiff, TIFFComputeTile(tiff, x, y, 0, plane), m_block.get(), expected)
+            : TIFFReadEncodedStrip(tiff, TIFFComputeStrip(tiff, y, plane), m_block.get(), expected);
+        if (got != expected) {
+            return tl::unexpected(m_reader.messages().failureOf("a strip or tile is incomplete"));
+        }
+        return {};
+    }
+
+    void store(const Block& block, PixelBuffer& pixels)
+    {
+        const int top = std::max(block.area.y, m_wanted.y);
+        const int bottom = std::min(block.area.y + block.area.height, m_wanted.y + m_wanted.height);
+        for (int y = top; y < bottom; ++y) {
+            const ByteSpan packed(
+                m_block.get() + m_rowBytes * static_cast<std::size_t>(y - block.area.y),
+                m_rowBytes);
+            if (isStoredAsDecoded()) {
+                copyRow(block, packed, pixels, y);
+            } else if (m_directory.layout.bitsPerComponent == 8) {
+                storeRow(block, packed, pixels.row8(y - m_wanted.y));
+            } else {
+                storeRow(block, packed, pixels.row16(y - m_wanted.y));
+            }
+        }
+    }
+
+    /// Whether a stored row is the decoded row, byte for byte.
+    [[nodiscard]] bool isStoredAsDecoded() const
+    {
+        const int channels = m_directory.layout.channels();
+        return m_directory.colour == Colour::Direct
+            && m_directory.sample.kind == SampleType::Kind::Unsigned
+            && m_directory.sample.bits == m_directory.layout.bitsPerComponent
+            && m_samplesInRow == channels
+            && (!m_directory.alphaSample || m_directory.alphaSample == channels - 1);
+    }
+
+    /// The picture's columns that the block and the wanted part share.
+    struct Columns {
+        int first;
+        int end;
+    };
+    [[nodiscard]] Columns sharedColumns(const Block& block) const
+    {
+        return { std::max(block.area.x, m_wanted.x),
+            std::min(block.area.x + block.area.width, m_wanted.x + m_wanted.width) };
+    }
+
+    void copyRow(const Block& block, ByteSpan packed, PixelBuffer& pixels, int y) const
+    {
+        const auto pixelBytes = static_cast<std::size_t>(m_directory.layout.bytesPerPixel());
+        const Columns columns = sharedColumns(block);
+        const auto offset
+            = [pixelBytes](int column) { return static_cast<std::size_t>(column) * pixelBytes; };
+        const ByteSpan from = packed.subspan(
+            offset(columns.first - block.area.x), offset(columns.end - columns.first));
+        std::ranges::copy(
+            from, pixels.row(y - m_wanted.y).subspan(offset(columns.first - m_wanted.x)).begin());
+    }
+
+    template <typename Sample> void storeRow(const Block& block, ByteSpan packed, Sample* row)
+    {
+        const int channels = m_directory.layout.channels();
+        const int colours = colourSamples();
+        unpackSamples(packed, m_directory.sample, m_samples);
+        if (m_directory.alphaSample) {
+            routeSample(block, *m_directory.alphaSample, row + channels - 1,
+                [](std::uint16_t value) { return static_cast<Sample>(value); });
+        }
+        if (isPalette()) {
+            unpackIndices(packed, m_directory.sample, m_samples);
+            for (int channel = 0; channel < 3; ++channel) {
+                routeSample(block, 0, row + channel, [this, channel](std::uint16_t index) {
+                    return static_cast<Sample>(m_palette.value(channel, index));
+                });
+            }
+            return;
+        }
+        constexpr Sample largest = static_cast<Sample>(-1);
+        const Sample flip = m_directory.colour == Colour::InvertedGrey ? largest : Sample { 0 };
+        for (int sample = 0; sample < colours; ++sample) {
+            routeSample(block, sample, row + sample,
+                [flip](std::uint16_t value) { return static_cast<Sample>(value ^ flip); });
+        }
+    }
+
+    /// Writes one stored sample of every pixel that is wanted into its channel, when the block has
+    /// that sample. `channel` is the channel in the row's first pixel.
+    template <typename Sample, typename Convert>
+    void routeSample(const Block& block, int sample, Sample* channel, const Convert& convert) const
+    {
+        if (m_directory.isPlanar && sample != block.plane) {
+            return;
+        }
+        const std::ptrdiff_t channels = m_directory.layout.channels();
+        const Columns columns = sharedColumns(block);
+        const std::ptrdiff_t step = m_samplesInRow;
+        const std::uint16_t* from = m_samples.data() + (columns.first - block.area.x) * step
+            + (m_directory.isPlanar ? 0 : sample);
+        Sample* to = channel + (columns.first - m_wanted.x) * channels;
+        for (int x = columns.first; x < columns.end; ++x, from += step, to += channels) {
+            *to = convert(*from);
+        }
+    }
+
+    const TiffReader& m_reader;
+    const TiffDirectory& m_directory;
+    Rect m_wanted;
+    int m_samplesInRow;
+    std::size_t m_rowBytes = 0;
+    std::size_t m_blockBytes = 0;
+    ZeroedArray<std::byte> m_block;
+    std::vector<std::uint16_t> m_samples; ///< of one row of a block
+    Palette m_palette;
+};
+
+/// The library's state of one conversion to RGBA.
+class RgbaConversion {
+public:
+    explicit RgbaConversion(TIFF* tiff)
+        : m_isOpen(TIFFRGBAImageBegin(&m_image, tiff, stopOnError, m_message.data()) == 1)
+    {
+        // Asking for the orientation that the file has keeps the library from flipping.
+        m_image.req_orientation = m_image.orientation;
+    }
+    ~RgbaConversion()
+    {
+        if (m_isOpen) {
+            TIFFRGBAImageEnd(&m_image);
+        }
+    }
+    RgbaConversion(const RgbaConversion&) = delete;
+    RgbaConversion& operator=(const RgbaConversion&) = delete;
+
+    [[nodiscard]] bool isOpen() const { return m_isOpen; }
+    [[nodiscard]] const char* message() const { return m_message.data(); }
+    [[nodiscard]] bool convert(std::uint32_t* raster)
+    {
+        return TIFFRGBAImageGet(&m_image, raster, m_image.width, m_image.height) == 1;
+    }
+
+private:
+    static constexpr int stopOnError = 1;
+    std::array<char, 1024> m_message {}; ///< the length that the library's interface states
+    TIFFRGBAImage m_image {};
+    bool m_isOpen;
+};
+
+} // namespace
+
+Result<PixelBuffer> decodeBlocks(
+    const TiffReader& reader, const TiffDirectory& directory, Rect wanted)
+{
+    assert(directory.colour != Colour::Library && contains(directory.size(), wanted));
+    auto pixels = BlockDecoder(reader, directory, wanted).decode();
+    const bool isLab = directory.colour == Colour::CieLab || directory.colour == Colour::IccLab
+        || directory.colour == Colour::ItuLab;
+    if (pixels && isLab) {
+        if (auto ok = convertLabToSRgb(*pixels, directory.colour); !ok) {
+            return tl::unexpected(ok.error());
+        }
+    }
+    return pixels;
+}
+
+Result<PixelBuffer> decodeThroughLibrary(const TiffReader& reader, const TiffDirectory& directory)
+{
+    RgbaConversion conversion(reader.get());
+    if (!conversion.isOpen()) {
+        return failure(Error::Kind::Unsupported, conversion.message());
+    }
+    const Size size = directory.size();
+    const auto width = static_cast<std::size_t>(size.width);
+    const auto raster
+        = allocateZeroed<std::uint32_t>(width * static_cast<std::size_t>(size.height));
+    auto pixels = PixelBuffer::create(size, directory.layout);
+    if (!raster || !pixels) {
+        return failure(Error::Kind::OutOfMemory, "no memory for the picture");
+    }
+    if (!conversion.convert(raster.get()) || reader.messages().dataMissing) {
+        return tl::unexpected(reader.messages().failureOf("the picture cannot be converted"));
+    }
+    const bool hasAlpha = directory.layout.alpha != AlphaInfo::None;
+    for (int y = 0; y < size.height; ++y) {
+        const std::uint32_t* const from = raster.get() + width * static_cast<std::size_t>(y);
+        std::uint8_t* to = pixels->row8(y);
+        for (std::size_t x = 0; x < width; ++x) {
+            *to++ = static_cast<std::uint8_t>(TIFFGetR(from[x]));
+            *to++ = static_cast<std::uint8_t>(TIFFGetG(from[x]));
+            *to++ = static_cast<std::uint8_t>(TIFFGetB(from[x]));
+            if (hasAlpha) {
+                *to++ = static_cast<std::uint8_t>(TIFFGetA(from[x]));
+            }
+        }
+    }
+    return pixels;
+}
+
+} // namespace vellumine::imaging::tiff

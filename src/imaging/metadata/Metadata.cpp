@@ -1,0 +1,44 @@
+#include "imaging/metadata/Metadata.h"
+
+#include "imaging/metadata/Exif.h"
+#include "imaging/metadata/Iptc.h"
+#include "imaging/metadata/TiffWriter.h"
+#include "imaging/metadata/Xmp.h"
+
+namespace vellumine::imaging::metadata {
+
+std::optional<Orientation> orientation(const MetadataBlocks& blocks)
+{
+    const auto tree = readTiffTree(blocks.exif, TiffKind::ExifBlock);
+    const auto found = tree ? exifOrientation(*tree) : std::nullopt;
+    return found ? found : xmpOrientation(blocks.xmp);
+}
+
+Groups groups(const MetadataBlocks& blocks)
+{
+    const auto tree = readTiffTree(blocks.exif, TiffKind::ExifBlock);
+    Groups groups = tree ? exifGroups(*tree) : Groups {};
+    groups.iptc = !soundIptc(blocks.iptc).empty();
+    groups.xmp = isSoundXmp(blocks.xmp);
+    return groups;
+}
+
+MetadataBlocks travelling(
+    const MetadataBlocks& blocks, const Groups& kept, const NewPicture& picture)
+{
+    MetadataBlocks result;
+    if (auto tree = readTiffTree(blocks.exif, TiffKind::ExifBlock)) {
+        adjustToPicture(*tree, kept, picture);
+        result.exif = writeExifBlock(*tree);
+    }
+    if (kept.xmp) {
+        result.xmp = travellingXmp(blocks.xmp, picture);
+    }
+    if (kept.iptc) {
+        const ByteSpan sound = soundIptc(blocks.iptc);
+        result.iptc.assign(sound.begin(), sound.end());
+    }
+    return result;
+}
+
+} // namespace vellumine::imaging::metadata

@@ -1,0 +1,137 @@
+#include "pipeline/ImageOptimizer.h"
+#include "pipeline/TemporaryFile.h"
+#include "platform/ChildProcess.h"
+#include "platform/FileOperations.h"
+#include "platform/FilePath.h"
+
+#include <QDir>
+#include <QStringDecoder>
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+namespace vellumine {
+
+using platform::ExistingItem;
+using platform::PendingFile;
+using platform::toPath;
+
+namespace {
+
+QUrl urlOf(const std::filesystem::path& path)
+{
+    return platform::fileUrl(QFile::decodeName(path.c_str()));
+}
+
+const char* metadataArgument(const OptimizerSettings& settings)
+{
+    if (settings.removeMetadata) {
+        return settings.removeColorManagement ? "none" : "icc";
+    }
+    return settings.removeColorManagement ? "exif,xmp" : "all";
+}
+
+std::string qualityArgument(double quality)
+{
+    constexpr double limit = 9223372036854775808.0; // 2^63
+    if (!std::isfinite(quality) || quality < -limit || quality >= limit) {
+        qFatal("the quality is no number that can be passed on");
+    }
+    return std::to_string(static_cast<qint64>(quality));
+}
+
+std::vector<std::string> encoderArguments(const OptimizerSettings& settings,
+    const std::filesystem::path& pam, const std::filesystem::path& webP)
+{
+    std::vector<std::string> arguments { "-quiet", "-metadata", metadataArgument(settings) };
+    if (settings.usesLossyCompression()) {
+        arguments.insert(arguments.end(), { "-q", qualityArgument(settings.quality) });
+    } else {
+        arguments.emplace_back("-lossless");
+    }
+    arguments.insert(arguments.end(), { pam.string(), "-o", webP.string() });
+    return arguments;
+}
+
+/// The encoder's own words, empty when they are no UTF-8.
+QString trimmedText(const QByteArray& bytes)
+{
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    const QString text = decoder.decode(bytes);
+    return decoder.hasError() ? QString() : text.trimmed();
+}
+
+/// Brings the encoder's output to its place: beside it first, then over it in one step.
+platform::Result<void> place(
+    const std::filesystem::path& webP, const std::filesystem::path& output, ExistingItem existing)
+{
+    auto pending = PendingFile::beside(output);
+    if (!pending) {
+        return tl::unexpected(pending.error());
+    }
+    if (auto copied = platform::copyToNewFile(webP, pending->path()); !copied) {
+        return copied;
+    }
+    return std::move(*pending).publish(existing);
+}
+
+} // namespace
+
+std::optional<QUrl> ImageOptimizer::bundledCWebPExecutableURL(
+    const std::filesystem::path& executableFolder)
+{
+    const QByteArray override = qgetenv("VELLUMINE_CWEBP_PATH");
+    if (!override.isEmpty() && platform::isExecutableFile(override.toStdString())) {
+        return platform::fileUrl(QDir().absoluteFilePath(QFile::decodeName(override)));
+    }
+    const std::filesystem::path bundled = executableFolder / "cwebp";
+    if (platform::isExecutableFile(bundled)) {
+        return urlOf(bundled);
+    }
+    return std::nullopt;
+}
+
+Outcome<void> ImageOptimizer::encodeWebPWithCWebP(imaging::Image&& image, const QUrl& outputURL,
+    ExistingItem existing, const OptimizerSettings& settings,
+    const imaging::ImageProperties& /*sourceProperties*/, const ConversionEnvironment& environment)
+{
+    const auto encoder = bundledCWebPExecutableURL(environment.executableFolder);
+    if (!encoder) {
+        return failed(
+            UnsupportedFormat { QStringLiteral("WebP support is not bundled in this build.") });
+    }
+    const TemporaryFile pam(uniquePath(environment.temporaryFolder, "vellumine-", "pam"));
+    const TemporaryFile webP(uniquePath(environment.temporaryFolder, "vellumine-", "webp"));
+    {
+        // The encoder reads the file: the pixels are not needed while it runs.
+        const imaging::Image pixels = std::move(image);
+        if (auto written = writePAM(pixels, urlOf(pam.path())); !written) {
+            return written;
+        }
+    }
+    const auto exit = platform::runProcess(
+        toPath(*encoder), encoderArguments(settings, pam.path(), webP.path()));
+    if (!exit) {
+        return failed(
+            UnsupportedFormat { QStringLiteral("WebP encoder at ") + encoder->toLocalFile()
+                + QStringLiteral(" could not be launched: ") + exit.error().text });
+    }
+    if (exit->status != 0) {
+        const QString text = trimmedText(exit->standardError);
+        return failed(CannotFinalize { outputURL,
+            text.isEmpty()
+                ? QStringLiteral("cwebp exited with status ") + QString::number(exit->status)
+                : text });
+    }
+    if (platform::itemAt(webP.path()) == platform::ItemKind::None) {
+        return failed(
+            CannotFinalize { outputURL, QStringLiteral("cwebp did not create an output file") });
+    }
+    if (const auto placed = place(webP.path(), toPath(outputURL), existing); !placed) {
+        return failed(CannotWriteOutput { outputURL, placed.error().text });
+    }
+    return {};
+}
+
+} // namespace vellumine

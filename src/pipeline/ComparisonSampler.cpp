@@ -1,0 +1,178 @@
+#include "pipeline/ComparisonSampler.h"
+
+#include "imaging/ImageDestination.h"
+#include "imaging/ImageSource.h"
+#include "pipeline/ImageOptimizer.h"
+#include "pipeline/TemporaryFile.h"
+#include "platform/FilePath.h"
+
+#include <QFile>
+
+#include <algorithm>
+#include <cstring>
+#include <system_error>
+
+namespace vellumine {
+
+using imaging::Image;
+using imaging::ImageSource;
+using imaging::PixelBuffer;
+using imaging::Rect;
+using imaging::Size;
+
+namespace {
+
+Size smaller(Size a, Size b)
+{
+    return { std::min(a.width, b.width), std::min(a.height, b.height) };
+}
+
+/// The part with pixels of its own: a view would keep the whole picture in memory.
+std::optional<Image> copied(const Image& image, Rect rect)
+{
+    const Image view = image.cropped(rect);
+    auto buffer = PixelBuffer::create(view.size(), view.layout());
+    if (!buffer) {
+        return std::nullopt;
+    }
+    for (int y = 0; y < view.height(); ++y) {
+        const auto row = view.row(y);
+        std::memcpy(buffer->row(y).data(), row.data(), row.size());
+    }
+    return Image(std::move(*buffer), view.colorSpace());
+}
+
+QSizeF sizeF(Size size)
+{
+    return { static_cast<qreal>(size.width), static_cast<qreal>(size.height) };
+}
+
+} // namespace
+
+std::optional<Image> ImageOptimizer::decoded(const QUrl& url, const imaging::Limits& limits)
+{
+    auto source = ImageSource::create(platform::toPath(url), limits);
+    if (!source) {
+        return std::nullopt;
+    }
+    auto image = source->image();
+    return image ? std::optional(std::move(*image)) : std::nullopt;
+}
+
+std::optional<QUrl> ImageOptimizer::writePreviewSample(
+    const Image& image, const std::filesystem::path& folder)
+{
+    const std::filesystem::path path = uniquePath(folder, "vellumine-preview-", "png");
+    auto destination = imaging::ImageDestination::create(path, imaging::UniformType::Png);
+    if (!destination) {
+        return std::nullopt;
+    }
+    destination->setEffort(imaging::Effort::Fastest); // looked at once, then thrown away
+    destination->addImage(image, {});
+    if (!destination->finalize()) {
+        std::error_code ignored;
+        std::filesystem::remove(path, ignored);
+        return std::nullopt;
+    }
+    return platform::fileUrl(QFile::decodeName(path.c_str()));
+}
+
+/// What the written file turned out to be.
+struct ComparisonSampler::OutputSample {
+    Size size; ///< of the whole picture
+    std::optional<Image> crop;
+    bool isReadBack = false;
+
+    static std::optional<OutputSample> read(
+        const QUrl& url, ReadBack readBack, Size orientedSize, const imaging::Limits& limits);
+};
+
+std::optional<ComparisonSampler::OutputSample> ComparisonSampler::OutputSample::read(
+    const QUrl& url, ReadBack readBack, Size orientedSize, const imaging::Limits& limits)
+{
+    const auto cropRect = [orientedSize](Size size) {
+        return centredRect(size, smaller(smaller(orientedSize, size), largest));
+    };
+    if (readBack == ReadBack::Whole) {
+        const auto image = ImageOptimizer::decoded(url, limits);
+        if (!image) {
+            return std::nullopt;
+        }
+        return OutputSample { image->size(), copied(*image, cropRect(image->size())), true };
+    }
+    auto source = ImageSource::create(platform::toPath(url), limits);
+    if (!source) {
+        return std::nullopt;
+    }
+    const Size size = source->storedSize();
+    auto crop = source->imageRegion(cropRect(size));
+    if (!crop) {
+        return std::nullopt;
+    }
+    return OutputSample { size, std::move(*crop), false };
+}
+
+ComparisonSampler::ComparisonSampler(const Image& oriented, const Image& encoded)
+    : m_orientedSize(oriented.size())
+    , m_encodedSize(encoded.size())
+{
+    // The written picture has the encoded one's size; the sample is no larger than either.
+    const Size sample = smaller(smaller(m_orientedSize, m_encodedSize), largest);
+    m_source = copied(oriented, centredRect(m_orientedSize, sample));
+    m_encoded = copied(encoded, centredRect(m_encodedSize, sample));
+}
+
+std::optional<Image> ComparisonSampler::sourceCrop(Size sample) const
+{
+    if (!m_source) {
+        return std::nullopt;
+    }
+    // In a file that came out smaller than the picture that was encoded the part is smaller, and
+    // around the same middle.
+    const Rect whole = centredRect(m_orientedSize, m_source->size());
+    const Rect wanted = centredRect(m_orientedSize, sample);
+    const Rect part { wanted.x - whole.x, wanted.y - whole.y, wanted.width, wanted.height };
+    if (!contains(m_source->size(), part)) {
+        return std::nullopt;
+    }
+    return m_source->cropped(part);
+}
+
+ComparisonSampler::Comparison ComparisonSampler::compare(const QUrl& sourceURL,
+    const QUrl& outputURL, ReadBack readBack, const imaging::Limits& limits,
+    const std::filesystem::path& folder) const
+{
+    Comparison comparison;
+    auto output = OutputSample::read(outputURL, readBack, m_orientedSize, limits);
+    comparison.isReadBack = output && output->isReadBack && output->size == m_encodedSize;
+    if (!output) {
+        output = OutputSample { m_encodedSize, m_encoded, false };
+    }
+    if (!output->crop) {
+        return comparison;
+    }
+    const auto source = sourceCrop(output->crop->size());
+    if (!source) {
+        return comparison;
+    }
+    const auto sourceSample = ImageOptimizer::writePreviewSample(*source, folder);
+    if (!sourceSample) {
+        return comparison;
+    }
+    const auto outputSample = ImageOptimizer::writePreviewSample(*output->crop, folder);
+    if (!outputSample) {
+        return comparison;
+    }
+    comparison.preview = ComparisonPreview {
+        *sourceSample,
+        *outputSample,
+        platform::lastPathComponent(sourceURL),
+        platform::lastPathComponent(outputURL),
+        sizeF(m_orientedSize),
+        sizeF(output->size),
+        sizeF(output->crop->size()),
+    };
+    return comparison;
+}
+
+} // namespace vellumine

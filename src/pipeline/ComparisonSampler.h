@@ -1,0 +1,50 @@
+#pragma once
+
+#include "core/ProcessingResult.h"
+#include "imaging/Image.h"
+#include "imaging/Limits.h"
+
+#include <QUrl>
+
+#include <filesystem>
+#include <optional>
+
+namespace vellumine {
+
+/// Cuts the same part out of the middle of a source and of its output, for the two to be compared.
+/// Keeps only what the samples need, so that the whole pictures can go.
+class ComparisonSampler {
+public:
+    /// The largest sample.
+    static constexpr imaging::Size largest { 720, 460 };
+
+    enum class ReadBack {
+        SampleOnly, ///< only the part that the sample shows, where the format allows
+        Whole, ///< all of it, as proof that the file can be read
+    };
+
+    struct Comparison {
+        std::optional<ComparisonPreview> preview; ///< when both samples could be written
+        /// Whether the whole file was read, and has the size that was encoded.
+        bool isReadBack = false;
+    };
+
+    ComparisonSampler(const imaging::Image& oriented, const imaging::Image& encoded);
+
+    /// Reads the written file and writes the samples. What cannot be read is sampled from the
+    /// picture that was encoded. The first sample stays where the second cannot be written.
+    [[nodiscard]] Comparison compare(const QUrl& sourceURL, const QUrl& outputURL,
+        ReadBack readBack, const imaging::Limits& limits,
+        const std::filesystem::path& folder) const;
+
+private:
+    struct OutputSample;
+    [[nodiscard]] std::optional<imaging::Image> sourceCrop(imaging::Size sample) const;
+
+    imaging::Size m_orientedSize;
+    imaging::Size m_encodedSize;
+    std::optional<imaging::Image> m_source; ///< the middle of the oriented picture
+    std::optional<imaging::Image> m_encoded; ///< the middle of the encoded one
+};
+
+} // namespace vellumine

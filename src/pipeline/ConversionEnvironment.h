@@ -1,0 +1,35 @@
+#pragma once
+
+#include "imaging/Limits.h"
+#include "pipeline/MemoryBudget.h"
+#include "pipeline/OverwritePrompt.h"
+#include "platform/SecurityScope.h"
+#include "platform/Trash.h"
+
+#include <QUrl>
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+
+namespace vellumine {
+
+/// What a conversion needs from the world around it. One for all conversions of a batch; everything
+/// in it is safe to use from several threads at once.
+struct ConversionEnvironment {
+    /// Whether an existing file may be replaced; called on the conversion's thread, which waits.
+    std::function<OverwriteDecision(const QUrl&)> confirmOverwrite
+        = [](const QUrl&) { return OverwriteDecision::Skip; };
+    std::function<platform::Result<void>(const QUrl&)> moveToTrash = platform::moveToTrash;
+    std::shared_ptr<platform::SecurityScope> securityScope
+        = std::make_shared<platform::DesktopSecurityScope>();
+    imaging::Limits limits = imaging::Limits::forThisMachine();
+    std::shared_ptr<MemoryBudget> memoryBudget
+        = std::make_shared<MemoryBudget>(MemoryBudget::bytesFor(limits));
+    /// For work files and preview samples.
+    std::filesystem::path temporaryFolder = std::filesystem::temp_directory_path();
+    /// Where the program's executable is, with the WebP encoder beside it.
+    std::filesystem::path executableFolder;
+};
+
+} // namespace vellumine

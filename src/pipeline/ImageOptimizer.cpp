@@ -1,0 +1,211 @@
+#include "pipeline/ImageOptimizer.h"
+
+#include "imaging/ImageDestination.h"
+#include "pipeline/ComparisonSampler.h"
+#include "platform/FilePath.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace vellumine {
+
+using imaging::Image;
+using imaging::ImageDestination;
+using imaging::ImageProperties;
+using imaging::ImageSource;
+using imaging::UniformType;
+using platform::ExistingItem;
+using platform::PendingFile;
+using platform::ScopedAccess;
+using platform::toPath;
+
+namespace {
+
+/// All that is left of the source when it has been read: everything that writing needs.
+struct Prepared {
+    Image encoded; ///< as it goes to the encoder
+    UniformType sourceType;
+    ImageProperties sourceProperties;
+    QUrl outputURL;
+    ExistingItem existing;
+    ConversionAudit audit;
+    ComparisonSampler sampler;
+};
+
+std::uint64_t drawnBytes(imaging::Size size)
+{
+    return static_cast<std::uint64_t>(size.width) * static_cast<std::uint64_t>(size.height)
+        * static_cast<std::uint64_t>(imaging::rgba8Premultiplied.bytesPerPixel());
+}
+
+/// The most memory that the conversion has in use at one time: the decoded picture with its upright
+/// copy or with the one drawn from it, or that one with the encoder's input.
+std::uint64_t peakBytes(
+    const ImageSource& source, qint64 fileBytes, const OptimizerSettings& settings)
+{
+    const imaging::Size stored = source.storedSize();
+    const imaging::Size turned { stored.height, stored.width };
+    const std::uint64_t drawn
+        = std::max(drawnBytes(ImageOptimizer::transformedSize(stored, settings)),
+            drawnBytes(ImageOptimizer::transformedSize(turned, settings)));
+    const std::uint64_t decoded = source.decodedBytes();
+    return static_cast<std::uint64_t>(fileBytes) + std::max(decoded, drawn)
+        + std::max(decoded, drawn);
+}
+
+QSizeF sizeF(imaging::Size size)
+{
+    return { static_cast<qreal>(size.width), static_cast<qreal>(size.height) };
+}
+
+ConversionAudit auditOf(const QUrl& url, UniformType sourceType, const Image& oriented,
+    const Image& encoded, const OptimizerSettings& settings)
+{
+    return {
+        .inputDimensions = sizeF(oriented.size()),
+        .outputDimensions = sizeF(encoded.size()),
+        .inputFormat = ImageOptimizer::inputFormatTitle(url, sourceType),
+        .outputFormat = ImageOptimizer::outputFormatTitle(url, sourceType, settings),
+        .metadataRemoved = settings.removeMetadata,
+        .colorOptimized = settings.optimizeColorForSharing,
+        .colorManagementRemoved = settings.removeColorManagement,
+        .sourceHasAlpha = oriented.hasAlpha(),
+        .outputSupportsAlpha
+        = ImageOptimizer::outputSupportsAlpha(settings.outputFormat, sourceType),
+    };
+}
+
+/// Everything up to writing. Takes the source over: with its end go the file's bytes and the
+/// decoded picture, so that neither is in memory while an encoder runs.
+Outcome<Prepared> prepare(ImageSource source, const QUrl& url, const OptimizerSettings& settings,
+    const ConversionEnvironment& environment)
+{
+    const auto decoded = source.image();
+    if (!decoded) {
+        return failed(UnreadableImage {});
+    }
+    ImageProperties properties = source.properties().value_or(ImageProperties());
+    const Image oriented = ImageOptimizer::oriented(source, *decoded);
+
+    auto outputURL = ImageOptimizer::outputURL(url, source.type(), settings);
+    if (!outputURL) {
+        return tl::unexpected(outputURL.error());
+    }
+    const auto existing = ImageOptimizer::confirmOverwrite(*outputURL, settings, environment);
+    if (!existing) {
+        return tl::unexpected(existing.error());
+    }
+
+    Image encoded = ImageOptimizer::transformed(oriented, settings);
+    ConversionAudit audit = auditOf(url, source.type(), oriented, encoded, settings);
+    ComparisonSampler sampler(oriented, encoded);
+    return Prepared { std::move(encoded), source.type(), std::move(properties),
+        std::move(*outputURL), *existing, std::move(audit), std::move(sampler) };
+}
+
+/// Writes the picture with the image service.
+Outcome<void> encode(Image&& image, UniformType type, ImageProperties properties,
+    const QUrl& outputURL, ExistingItem existing, const OptimizerSettings& settings)
+{
+    auto pending = PendingFile::beside(toPath(outputURL));
+    if (!pending) {
+        return failed(CannotCreateDestination { outputURL });
+    }
+    {
+        auto destination = ImageDestination::create(pending->path(), type);
+        if (!destination) {
+            return failed(CannotCreateDestination { outputURL });
+        }
+        destination->setProfilePolicy(settings.removeColorManagement
+                ? imaging::ProfilePolicy::Omit
+                : imaging::ProfilePolicy::Embed);
+        destination->addImage(std::move(image), std::move(properties));
+        if (!destination->finalize()) {
+            return failed(CannotFinalize { outputURL, std::nullopt });
+        }
+    }
+    if (const auto published = std::move(*pending).publish(existing); !published) {
+        return failed(CannotFinalize { outputURL, published.error().text });
+    }
+    return {};
+}
+
+Outcome<void> write(
+    Prepared& prepared, const OptimizerSettings& settings, const ConversionEnvironment& environment)
+{
+    if (isWebP(settings.outputFormat)) {
+        return ImageOptimizer::encodeWebPWithCWebP(std::move(prepared.encoded), prepared.outputURL,
+            prepared.existing, settings, prepared.sourceProperties, environment);
+    }
+    const auto type = ImageOptimizer::outputUTI(prepared.sourceType, settings);
+    if (!type) {
+        return tl::unexpected(type.error());
+    }
+    return encode(std::move(prepared.encoded), *type,
+        ImageOptimizer::destinationProperties(
+            settings, prepared.sourceProperties, CompressionQuality::Include),
+        prepared.outputURL, prepared.existing, settings);
+}
+
+/// Only an original whose output is known to be readable may go.
+OriginalInTrash trashOriginal(const QUrl& url, const QUrl& outputURL, bool isReadBack,
+    const ConversionEnvironment& environment)
+{
+    if (platform::standardized(url) == platform::standardized(outputURL)) {
+        return OriginalInTrash::AsWished;
+    }
+    return isReadBack && environment.moveToTrash(url) ? OriginalInTrash::AsWished
+                                                      : OriginalInTrash::CouldNotBeMoved;
+}
+
+} // namespace
+
+Outcome<ProcessingResult> ImageOptimizer::optimize(
+    const QUrl& url, const OptimizerSettings& settings, const ConversionEnvironment& environment)
+{
+    const ScopedAccess sourceAccess(*environment.securityScope, url);
+    const ScopedAccess folderAccess(*environment.securityScope,
+        settings.destinationFolderURL.value_or(platform::parentFolder(url)));
+
+    const qint64 originalBytes = fileSize(url);
+    auto source = ImageSource::create(toPath(url), environment.limits);
+    if (!source) {
+        return failed(UnreadableImage {});
+    }
+    const auto lease
+        = environment.memoryBudget->acquire(peakBytes(*source, originalBytes, settings));
+    auto prepared = prepare(std::move(*source), url, settings, environment);
+    if (!prepared) {
+        return tl::unexpected(prepared.error());
+    }
+    if (const auto written = write(*prepared, settings, environment); !written) {
+        return tl::unexpected(written.error());
+    }
+
+    const QUrl& outputURL = prepared->outputURL;
+    if (settings.preserveModificationTime) {
+        preserveModificationDate(url, outputURL);
+    }
+    auto comparison = prepared->sampler.compare(url, outputURL,
+        settings.moveOriginalToTrash ? ComparisonSampler::ReadBack::Whole
+                                     : ComparisonSampler::ReadBack::SampleOnly,
+        environment.limits, environment.temporaryFolder);
+    OriginalInTrash original = OriginalInTrash::AsWished;
+    if (settings.moveOriginalToTrash) {
+        original = trashOriginal(url, outputURL, comparison.isReadBack, environment);
+    }
+    const qint64 outputBytes = fileSize(outputURL);
+    return ProcessingResult {
+        .id = QUuid::createUuid(),
+        .sourceURL = url,
+        .outputURL = outputURL,
+        .originalBytes = originalBytes,
+        .outputBytes = outputBytes,
+        .message = successMessage(originalBytes, outputBytes, original),
+        .isSuccess = true,
+        .audit = std::move(prepared->audit),
+        .comparisonPreview = std::move(comparison.preview),
+    };
+}
+
+} // namespace vellumine

@@ -1,0 +1,93 @@
+#include "imaging/BitmapContext.h"
+#include "pipeline/ImageOptimizer.h"
+
+#include <QtGlobal>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace vellumine {
+
+using imaging::BitmapContext;
+using imaging::ColorModel;
+using imaging::ColorSpace;
+using imaging::Image;
+using imaging::Size;
+
+namespace {
+
+/// The side that the limit is for; 0 when there is no limit.
+int referenceEdge(Size size, ResizeMode mode)
+{
+    switch (mode) {
+    case ResizeMode::MaxWidth:
+        return size.width;
+    case ResizeMode::MaxHeight:
+        return size.height;
+    case ResizeMode::LongestEdge:
+        return std::max(size.width, size.height);
+    case ResizeMode::None:
+        return 0;
+    }
+    Q_UNREACHABLE();
+}
+
+int scaledSide(int side, double scale)
+{
+    const double scaled = scale * side;
+    if (!std::isfinite(scaled) || scaled > std::numeric_limits<int>::max()) {
+        qFatal("a side of the resized picture is out of range");
+    }
+    return std::max(1, static_cast<int>(scaled));
+}
+
+ColorSpace colorSpaceOfRedraw(const Image& image, const OptimizerSettings& settings)
+{
+    if (settings.optimizeColorForSharing) {
+        return ColorSpace::sRgb();
+    }
+    if (settings.removeColorManagement) {
+        return ColorSpace::deviceRgb();
+    }
+    return image.colorSpace();
+}
+
+} // namespace
+
+Image ImageOptimizer::oriented(imaging::ImageSource& source, const Image& fallback)
+{
+    return source.thumbnailWithTransform(std::max(fallback.width(), fallback.height()))
+        .value_or(fallback);
+}
+
+Size ImageOptimizer::transformedSize(Size size, const OptimizerSettings& settings)
+{
+    const qint64 limit = std::max<qint64>(settings.maximumPixels, 1);
+    const int reference = referenceEdge(size, settings.resizeMode);
+    if (limit >= reference) {
+        return size;
+    }
+    const double scale = static_cast<double>(limit) / reference;
+    return { scaledSide(size.width, scale), scaledSide(size.height, scale) };
+}
+
+Image ImageOptimizer::transformed(const Image& image, const OptimizerSettings& settings)
+{
+    const Size size = transformedSize(image.size(), settings);
+    if (size == image.size() && !settings.optimizeColorForSharing
+        && !settings.removeColorManagement) {
+        return image;
+    }
+    auto context = BitmapContext::create(size, 8, colorSpaceOfRedraw(image, settings));
+    if (!context) {
+        return image; // grey or CMYK that is to keep its colours
+    }
+    context->setInterpolationQuality(imaging::InterpolationQuality::High);
+    if (!context->draw(image)) {
+        return image;
+    }
+    return std::move(*context).makeImage().value_or(image);
+}
+
+} // namespace vellumine

@@ -1,0 +1,109 @@
+#include "pipeline/ImageOptimizer.h"
+#include "pipeline/SourceName.h"
+#include "platform/FileOperations.h"
+#include "platform/FilePath.h"
+
+#include <cerrno>
+
+namespace vellumine {
+
+using imaging::UniformType;
+using platform::ExistingItem;
+using platform::ItemKind;
+using platform::toPath;
+
+namespace {
+
+QUrl fileIn(const QUrl& folder, const QString& name, const QString& extension)
+{
+    return platform::fileUrl(folder.toLocalFile() + u'/' + name + u'.' + extension);
+}
+
+} // namespace
+
+QString ImageOptimizer::outputExtension(
+    const QUrl& url, std::optional<UniformType> sourceType, const OptimizerSettings& settings)
+{
+    switch (settings.outputFormat) {
+    case OutputFormat::WebP:
+    case OutputFormat::WebPLossless:
+        return QStringLiteral("webp");
+    case OutputFormat::Jpeg:
+        return QStringLiteral("jpg");
+    case OutputFormat::Png:
+        return QStringLiteral("png");
+    case OutputFormat::Heic:
+        return QStringLiteral("heic");
+    case OutputFormat::Original:
+        break;
+    }
+    if (sourceType) {
+        const auto extension = preferredExtension(*sourceType);
+        return QString::fromLatin1(extension.data(), qsizetype(extension.size()));
+    }
+    const QString extension = SourceName::of(url).extension;
+    return extension.isEmpty() ? QStringLiteral("png") : extension;
+}
+
+Outcome<QUrl> ImageOptimizer::outputURL(
+    const QUrl& url, std::optional<UniformType> sourceType, const OptimizerSettings& settings)
+{
+    QUrl folder = platform::parentFolder(url);
+    if (settings.destinationMode == DestinationMode::SelectedFolder) {
+        if (!settings.destinationFolderURL) {
+            return failed(MissingDestinationFolder {});
+        }
+        folder = *settings.destinationFolderURL;
+    }
+    const QString extension = outputExtension(url, sourceType, settings);
+    const QString marker = QStringLiteral("-optimized");
+    QString name = settings.filenamePrefix + SourceName::of(url).base + settings.filenameSuffix;
+    QUrl candidate = fileIn(folder, name, extension);
+    if (platform::standardized(candidate) == platform::standardized(url)) {
+        name += marker;
+        candidate = fileIn(folder, name, extension);
+    }
+    // A link to the source, or the source in other letters on a disk that takes them for the same,
+    // is the source too: writing there would destroy it.
+    while (platform::isSameFile(toPath(candidate), toPath(url))) {
+        name += marker;
+        candidate = fileIn(folder, name, extension);
+    }
+    return candidate;
+}
+
+Outcome<ExistingItem> ImageOptimizer::confirmOverwrite(const QUrl& outputURL,
+    const OptimizerSettings& settings, const ConversionEnvironment& environment)
+{
+    const std::filesystem::path path = toPath(outputURL);
+    switch (platform::itemAt(path)) {
+    case ItemKind::None:
+        // Nothing was asked about, so nothing that turns up meanwhile may be replaced.
+        return settings.warnBeforeOverwrite ? ExistingItem::Keep : ExistingItem::Replace;
+    case ItemKind::Folder:
+        return tl::unexpected<OptimizeError>(platform::FileError::fromErrno(EISDIR));
+    case ItemKind::Other:
+        break;
+    }
+    if (const auto writable = platform::checkWritableFolder(path.parent_path()); !writable) {
+        return tl::unexpected<OptimizeError>(writable.error());
+    }
+    if (settings.warnBeforeOverwrite
+        && environment.confirmOverwrite(outputURL) == OverwriteDecision::Skip) {
+        return failed(OverwriteDeclined {});
+    }
+    return ExistingItem::Replace;
+}
+
+void ImageOptimizer::preserveModificationDate(const QUrl& source, const QUrl& output)
+{
+    // The output is complete with or without it: a disk that cannot keep times is no failure.
+    (void)platform::copyModificationTime(toPath(source), toPath(output));
+}
+
+qint64 ImageOptimizer::fileSize(const QUrl& url)
+{
+    return platform::fileSize(toPath(url));
+}
+
+} // namespace vellumine

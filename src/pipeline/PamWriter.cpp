@@ -1,0 +1,103 @@
+#include "imaging/BitmapContext.h"
+#include "pipeline/ImageOptimizer.h"
+#include "pipeline/Unpremultiply.h"
+#include "platform/FileDescriptor.h"
+#include "platform/FilePath.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace vellumine {
+
+using imaging::BitmapContext;
+using imaging::ColorSpace;
+using imaging::Image;
+using platform::FileDescriptor;
+
+namespace {
+
+constexpr std::size_t bytesPerPixel = 4;
+
+/// The picture as 8-bit RGBA with premultiplied alpha in sRGB numbers: itself when it is that
+/// already, which every redrawn picture is.
+imaging::Result<Image> deviceRgbImage(const Image& image)
+{
+    if (image.layout() == imaging::rgba8Premultiplied && image.colorSpace().isSRgbEquivalent()) {
+        return image;
+    }
+    auto context = BitmapContext::create(image.size(), 8, ColorSpace::deviceRgb());
+    if (!context) {
+        return tl::unexpected(context.error());
+    }
+    if (auto drawn = context->draw(image); !drawn) {
+        return tl::unexpected(drawn.error());
+    }
+    return std::move(*context).makeImage();
+}
+
+std::string header(imaging::Size size)
+{
+    return "P7\nWIDTH " + std::to_string(size.width) + "\nHEIGHT " + std::to_string(size.height)
+        + "\nDEPTH 4\nMAXVAL 255\nTUPLTYPE RGB_ALPHA\nENDHDR\n";
+}
+
+/// Rows to write at once: about a mebibyte of them.
+int rowsPerPiece(std::size_t rowBytes)
+{
+    constexpr std::size_t piece = std::size_t { 1 } << 20U;
+    return static_cast<int>(std::max<std::size_t>(1, piece / rowBytes));
+}
+
+std::span<const std::uint8_t> samples(std::span<const std::byte> row)
+{
+    return { reinterpret_cast<const std::uint8_t*>(row.data()), row.size() };
+}
+
+platform::Result<void> writeFile(const Image& image, const std::filesystem::path& path)
+{
+    const auto file = FileDescriptor::createPrivateFile(path);
+    if (!file) {
+        return tl::unexpected(file.error());
+    }
+    if (auto written = file->writeAll(std::as_bytes(std::span(header(image.size())))); !written) {
+        return written;
+    }
+    const std::size_t rowBytes = static_cast<std::size_t>(image.width()) * bytesPerPixel;
+    const int rows = std::min(image.height(), rowsPerPiece(rowBytes));
+    std::vector<std::uint8_t> piece(rowBytes * static_cast<std::size_t>(rows));
+    for (int top = 0; top < image.height(); top += rows) {
+        const int count = std::min(rows, image.height() - top);
+        std::span<std::uint8_t> left(piece);
+        for (int y = top; y < top + count; ++y) {
+            unpremultiply(samples(image.row(y)), left.first(rowBytes));
+            left = left.subspan(rowBytes);
+        }
+        const std::span<const std::uint8_t> filled(piece.data(), piece.size() - left.size());
+        if (auto written = file->writeAll(std::as_bytes(filled)); !written) {
+            return written;
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+Outcome<void> ImageOptimizer::writePAM(const Image& image, const QUrl& url)
+{
+    const auto drawn = deviceRgbImage(image);
+    if (!drawn) {
+        return failed(CannotCreateDestination { url });
+    }
+    // Written in pieces, so that a large picture is not in memory twice. Nobody else knows the
+    // name yet: the file is seen only when it is complete.
+    const auto written = writeFile(*drawn, platform::toPath(url));
+    if (!written) {
+        return failed(CannotFinalize { url, written.error().text });
+    }
+    return {};
+}
+
+} // namespace vellumine

@@ -1,0 +1,132 @@
+#include "imaging/Orientation.h"
+
+#include "support/NamedRows.h"
+#include "support/TestImages.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+namespace vellumine::imaging {
+namespace {
+
+struct Point {
+    int x;
+    int y;
+};
+
+// The definition of the tag, read literally: its names say on which side of the upright picture
+// row 0 and column 0 of the stored one are. Gives where the stored pixel (x, y) goes.
+Point placeOf(Orientation orientation, Point stored, Size size)
+{
+    const int fromRight = size.width - 1 - stored.x;
+    const int fromBottom = size.height - 1 - stored.y;
+    switch (orientation) {
+    case Orientation::TopLeft: // row 0 is the top, column 0 the left side
+        return stored;
+    case Orientation::TopRight: // row 0 is the top, column 0 the right side
+        return { fromRight, stored.y };
+    case Orientation::BottomRight: // row 0 is the bottom, column 0 the right side
+        return { fromRight, fromBottom };
+    case Orientation::BottomLeft: // row 0 is the bottom, column 0 the left side
+        return { stored.x, fromBottom };
+    case Orientation::LeftTop: // row 0 is the left side, column 0 the top
+        return { stored.y, stored.x };
+    case Orientation::RightTop: // row 0 is the right side, column 0 the top
+        return { fromBottom, stored.x };
+    case Orientation::RightBottom: // row 0 is the right side, column 0 the bottom
+        return { fromBottom, fromRight };
+    case Orientation::LeftBottom: // row 0 is the left side, column 0 the bottom
+        return { stored.y, fromRight };
+    }
+    return stored;
+}
+
+void expectTurned(const Image& stored, Orientation orientation)
+{
+    const Result<Image> turned = upright(stored, orientation);
+    ASSERT_TRUE(turned) << turned.error().detail;
+    ASSERT_EQ(turned->size(), uprightSize(stored.size(), orientation));
+    ASSERT_EQ(turned->layout(), stored.layout());
+    EXPECT_EQ(turned->colorSpace(), stored.colorSpace());
+    const auto pixelBytes = static_cast<std::size_t>(stored.layout().bytesPerPixel());
+    for (int y = 0; y < stored.height(); ++y) {
+        for (int x = 0; x < stored.width(); ++x) {
+            const Point place = placeOf(orientation, { x, y }, stored.size());
+            const auto expected
+                = stored.row(y).subspan(static_cast<std::size_t>(x) * pixelBytes, pixelBytes);
+            const auto actual = turned->row(place.y).subspan(
+                static_cast<std::size_t>(place.x) * pixelBytes, pixelBytes);
+            ASSERT_TRUE(std::ranges::equal(actual, expected)) << "stored pixel " << x << ", " << y;
+        }
+    }
+}
+
+struct LayoutRow {
+    std::string_view name;
+    PixelLayout layout;
+};
+
+class Upright : public testing::TestWithParam<LayoutRow> { };
+
+TEST_P(Upright, putsEveryPixelInItsPlace)
+{
+    const Image stored = test::gradient(test::oddSize, GetParam().layout);
+    for (int tag = 1; tag <= 8; ++tag) {
+        SCOPED_TRACE(tag);
+        expectTurned(stored, orientationFromTag(tag).value());
+    }
+}
+
+TEST_P(Upright, skipsTheGapsBetweenTheRowsOfACrop)
+{
+    const Image stored = test::gradient({ 90, 71 }, GetParam().layout).cropped({ 7, 5, 70, 41 });
+    for (int tag = 1; tag <= 8; ++tag) {
+        SCOPED_TRACE(tag);
+        expectTurned(stored, orientationFromTag(tag).value());
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Orientation, Upright,
+    testing::Values(LayoutRow { "grey8", { ColorModel::Grey, 8, AlphaInfo::None } },
+        LayoutRow { "grey16", { ColorModel::Grey, 16, AlphaInfo::None } },
+        LayoutRow { "greyAlpha8", { ColorModel::Grey, 8, AlphaInfo::Last } },
+        LayoutRow { "greyAlpha16", { ColorModel::Grey, 16, AlphaInfo::Last } },
+        LayoutRow { "rgb8", { ColorModel::Rgb, 8, AlphaInfo::None } },
+        LayoutRow { "rgb16", { ColorModel::Rgb, 16, AlphaInfo::None } },
+        LayoutRow { "rgba8", { ColorModel::Rgb, 8, AlphaInfo::Last } },
+        LayoutRow { "argb8", { ColorModel::Rgb, 8, AlphaInfo::PremultipliedFirst } },
+        LayoutRow { "rgba16", { ColorModel::Rgb, 16, AlphaInfo::PremultipliedLast } },
+        LayoutRow { "cmyk8", { ColorModel::Cmyk, 8, AlphaInfo::None } },
+        LayoutRow { "cmyk16", { ColorModel::Cmyk, 16, AlphaInfo::None } },
+        LayoutRow { "cmykAlpha8", { ColorModel::Cmyk, 8, AlphaInfo::Last } },
+        LayoutRow { "cmykAlpha16", { ColorModel::Cmyk, 16, AlphaInfo::Last } }),
+    test::RowName {});
+
+TEST(Orientation, turnsPicturesOfOneRowOrOneColumn)
+{
+    const PixelLayout layout { ColorModel::Rgb, 8, AlphaInfo::None };
+    for (const Size size : { Size { 1, 1 }, Size { 1, 40 }, Size { 40, 1 } }) {
+        for (int tag = 1; tag <= 8; ++tag) {
+            expectTurned(test::gradient(size, layout), orientationFromTag(tag).value());
+        }
+    }
+}
+
+TEST(Orientation, topLeftGivesTheVerySamePicture)
+{
+    const Image stored = test::gradient(test::oddSize, rgba8Premultiplied);
+    EXPECT_TRUE(upright(stored, Orientation::TopLeft)->isSameAs(stored));
+}
+
+TEST(Orientation, tagsOutsideOneToEightAreNone)
+{
+    for (const std::int64_t tag : { std::int64_t { -1 }, std::int64_t { 0 }, std::int64_t { 9 },
+             std::int64_t { 257 }, std::int64_t { 1 } << 32U }) {
+        EXPECT_EQ(orientationFromTag(tag), std::nullopt) << tag;
+    }
+}
+
+} // namespace
+} // namespace vellumine::imaging

@@ -1,0 +1,438 @@
+#include "imaging/metadata/Metadata.h"
+
+#include "imaging/metadata/ExifBuilder.h"
+#include "imaging/metadata/Exiv2Reading.h"
+#include "support/NamedRows.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <thread>
+
+namespace vellumine::imaging::metadata {
+namespace {
+
+using test::bytesOf;
+using test::cameraExif;
+using test::captionIptc;
+using test::ExifBuilder;
+using test::exifFields;
+using test::xmpFields;
+using test::xmpPacket;
+using testing::Contains;
+using testing::HasSubstr;
+using testing::Key;
+using testing::Not;
+using testing::Pair;
+
+constexpr Groups everything { true, true, true, true, true };
+constexpr NewPicture turnedPicture { { 1500, 2000 }, true, true };
+constexpr NewPicture uprightPicture { { 2000, 1500 }, false, true };
+
+MetadataBlocks exifOnly(ByteBuffer exif)
+{
+    return { .exif = std::move(exif), .xmp = {}, .iptc = {} };
+}
+
+MetadataBlocks xmpOnly(ByteBuffer xmp)
+{
+    return { .exif = {}, .xmp = std::move(xmp), .iptc = {} };
+}
+
+ByteBuffer exifWithOrientation(std::uint16_t value)
+{
+    ExifBuilder builder;
+    builder.main = { builder.shorts(0x0112, { value }) };
+    return builder.build();
+}
+
+TEST(MetadataOrientation, isReadFromExifInBothByteOrders)
+{
+    EXPECT_EQ(orientation(exifOnly(cameraExif(ByteOrder::Little))), Orientation::RightTop);
+    EXPECT_EQ(orientation(exifOnly(cameraExif(ByteOrder::Big))), Orientation::RightTop);
+}
+
+TEST(MetadataOrientation, isReadFromAFieldOfTypeLongToo)
+{
+    for (const ByteOrder order : { ByteOrder::Little, ByteOrder::Big }) {
+        ExifBuilder builder(order);
+        builder.main = { builder.longs(0x0112, { 8 }) };
+        EXPECT_EQ(orientation(exifOnly(builder.build())), Orientation::LeftBottom);
+    }
+}
+
+TEST(MetadataOrientation, outsideOneToEightIsNone)
+{
+    EXPECT_EQ(orientation(exifOnly(exifWithOrientation(0))), std::nullopt);
+    EXPECT_EQ(orientation(exifOnly(exifWithOrientation(9))), std::nullopt);
+    EXPECT_EQ(orientation(xmpOnly(xmpPacket(R"(tiff:Orientation="9")"))), std::nullopt);
+    EXPECT_EQ(orientation(xmpOnly(xmpPacket(R"(tiff:Orientation="6x")"))), std::nullopt);
+    EXPECT_EQ(orientation(xmpOnly(xmpPacket(R"(tiff:Orientation="")"))), std::nullopt);
+}
+
+TEST(MetadataOrientation, ofExifHoldsAgainstXmp)
+{
+    const MetadataBlocks both {
+        .exif = exifWithOrientation(3), .xmp = xmpPacket(R"(tiff:Orientation="6")"), .iptc = {}
+    };
+    EXPECT_EQ(orientation(both), Orientation::BottomRight);
+}
+
+TEST(MetadataOrientation, ofXmpCountsWhereExifHasNone)
+{
+    ExifBuilder builder;
+    builder.main = { ExifBuilder::ascii(0x010F, "Kestrova") };
+    MetadataBlocks blocks = xmpOnly(xmpPacket(R"(tiff:Orientation="6")"));
+    EXPECT_EQ(orientation(blocks), Orientation::RightTop);
+    blocks.exif = builder.build();
+    EXPECT_EQ(orientation(blocks), Orientation::RightTop);
+    blocks.exif = exifWithOrientation(0);
+    EXPECT_EQ(orientation(blocks), Orientation::RightTop);
+    blocks.exif = bytesOf("II*");
+    EXPECT_EQ(orientation(blocks), Orientation::RightTop);
+}
+
+TEST(MetadataOrientation, ofTheThumbnailIsNotThePictures)
+{
+    ExifBuilder builder;
+    builder.main = { ExifBuilder::ascii(0x010F, "Kestrova") };
+    builder.thumbnail = { builder.shorts(0x0112, { 6 }) };
+    builder.thumbnailData = test::cameraThumbnail();
+    EXPECT_EQ(orientation(exifOnly(builder.build())), std::nullopt);
+}
+
+TEST(MetadataGroups, areAllFoundInACamerasBlocks)
+{
+    const MetadataBlocks blocks { .exif = cameraExif(),
+        .xmp = xmpPacket(R"(xmp:Rating="3")"),
+        .iptc = captionIptc("A caption") };
+    EXPECT_EQ(groups(blocks), everything);
+}
+
+TEST(MetadataGroups, areNoneInEmptyBlocks)
+{
+    EXPECT_EQ(groups({}), Groups {});
+}
+
+TEST(MetadataGroups, orientationAndStructureAloneAreNone)
+{
+    ExifBuilder builder;
+    builder.main = { builder.shorts(0x0112, { 6 }), builder.longs(0x0100, { 640 }),
+        builder.shorts(0x0213, { 1 }) };
+    EXPECT_EQ(groups(exifOnly(builder.build())), Groups {});
+}
+
+TEST(MetadataGroups, ofDamagedBlocksAreNone)
+{
+    ByteBuffer exif = cameraExif();
+    exif.resize(20);
+    EXPECT_EQ(groups({ .exif = exif, .xmp = bytesOf("<rdf:RDF"), .iptc = bytesOf("caption") }),
+        Groups {});
+}
+
+struct GroupRow {
+    std::string_view name;
+    Groups kept;
+    std::string_view stays;
+};
+
+class TravellingGroup : public testing::TestWithParam<GroupRow> { };
+
+TEST_P(TravellingGroup, staysAlone)
+{
+    const MetadataBlocks blocks { .exif = cameraExif(),
+        .xmp = xmpPacket(R"(xmp:Rating="3")"),
+        .iptc = captionIptc("A caption") };
+    const MetadataBlocks result = travelling(blocks, GetParam().kept, turnedPicture);
+    EXPECT_EQ(groups(result), GetParam().kept);
+    if (!GetParam().stays.empty()) {
+        EXPECT_THAT(exifFields(result.exif), Contains(Key(std::string(GetParam().stays))));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Metadata, TravellingGroup,
+    testing::Values(GroupRow { "none", {}, "" },
+        GroupRow { "exif", { .exif = true }, "Exif.Photo.LensModel" },
+        GroupRow { "gps", { .gps = true }, "Exif.GPSInfo.GPSLatitude" },
+        GroupRow { "tiff", { .tiff = true }, "Exif.Image.Make" },
+        GroupRow { "iptc", { .iptc = true }, "" }, GroupRow { "xmp", { .xmp = true }, "" },
+        GroupRow { "all", everything, "Exif.Image.Make" }),
+    test::RowName {});
+
+class TravellingExif : public testing::TestWithParam<ByteOrder> {
+protected:
+    [[nodiscard]] std::map<std::string, std::string> before() const
+    {
+        return exifFields(cameraExif(GetParam()));
+    }
+    [[nodiscard]] std::map<std::string, std::string> after(const NewPicture& picture) const
+    {
+        return exifFields(travelling(exifOnly(cameraExif(GetParam())), everything, picture).exif);
+    }
+};
+
+TEST_P(TravellingExif, keepsEveryOtherFieldAsItIs)
+{
+    auto expected = before();
+    expected.erase("Exif.Image.Orientation");
+    expected.erase("Exif.Image.YCbCrPositioning");
+    expected.erase("Exif.Photo.CompressedBitsPerPixel");
+    expected.erase("Exif.Photo.SubjectArea");
+    expected.erase("Exif.Thumbnail.Orientation");
+    expected["Exif.Photo.PixelXDimension"] = "2000";
+    expected["Exif.Photo.PixelYDimension"] = "1500";
+    // Where things stand is the new block's own.
+    auto actual = after(uprightPicture);
+    for (const char* const offset : { "Exif.Image.ExifTag", "Exif.Image.GPSTag",
+             "Exif.Photo.InteroperabilityTag", "Exif.Thumbnail.JPEGInterchangeFormat" }) {
+        EXPECT_TRUE(actual.contains(offset)) << offset;
+        actual.erase(offset);
+        expected.erase(offset);
+    }
+    EXPECT_EQ(actual, expected);
+}
+
+TEST_P(TravellingExif, hasNoThumbnailOnceThePictureWasTurned)
+{
+    const auto fields = after(turnedPicture);
+    EXPECT_TRUE(fields.contains("Exif.Image.Make"));
+    EXPECT_TRUE(std::ranges::none_of(
+        fields, [](const auto& field) { return field.first.starts_with("Exif.Thumbnail"); }));
+    const ByteBuffer block
+        = travelling(exifOnly(cameraExif(GetParam())), everything, turnedPicture).exif;
+    EXPECT_LT(block.size() + test::cameraThumbnail().size(), cameraExif(GetParam()).size());
+}
+
+TEST_P(TravellingExif, keepsTheThumbnailsDataOfAnUprightPicture)
+{
+    const MetadataBlocks result
+        = travelling(exifOnly(cameraExif(GetParam())), everything, uprightPicture);
+    EXPECT_THAT(std::string(test::textOf(result.exif)),
+        HasSubstr(std::string(test::textOf(test::cameraThumbnail()))));
+}
+
+TEST_P(TravellingExif, leavesTheMakerNoteAtItsOffset)
+{
+    const ByteBuffer block = cameraExif(GetParam());
+    const ByteBuffer note = test::cameraMakerNote();
+    const auto offsetIn = [&note](const ByteBuffer& bytes) {
+        return std::ranges::search(bytes, note).begin() - bytes.begin();
+    };
+    for (const NewPicture& picture : { turnedPicture, uprightPicture }) {
+        const ByteBuffer result = travelling(exifOnly(block), everything, picture).exif;
+        EXPECT_EQ(offsetIn(result), offsetIn(block));
+    }
+}
+
+TEST_P(TravellingExif, isTheSameAfterASecondJourney)
+{
+    const MetadataBlocks once
+        = travelling(exifOnly(cameraExif(GetParam())), everything, uprightPicture);
+    EXPECT_EQ(travelling(once, everything, uprightPicture), once);
+}
+
+TEST_P(TravellingExif, saysWhatTheColoursAre)
+{
+    EXPECT_THAT(after(uprightPicture), Contains(Pair("Exif.Photo.ColorSpace", "1")));
+    EXPECT_THAT(
+        after({ { 2000, 1500 }, false, false }), Contains(Pair("Exif.Photo.ColorSpace", "65535")));
+}
+
+TEST_P(TravellingExif, keepsThePlaceOfTheSubjectWhileItIsTrue)
+{
+    EXPECT_THAT(after({ { 4000, 3000 }, false, true }),
+        Contains(Pair("Exif.Photo.SubjectArea", "100 200 30 40")));
+    EXPECT_THAT(
+        after({ { 4000, 3000 }, true, true }), Not(Contains(Key("Exif.Photo.SubjectArea"))));
+    EXPECT_THAT(
+        after({ { 3999, 3000 }, false, true }), Not(Contains(Key("Exif.Photo.SubjectArea"))));
+}
+
+INSTANTIATE_TEST_SUITE_P(Metadata, TravellingExif,
+    testing::Values(ByteOrder::Little, ByteOrder::Big),
+    [](const auto& row) { return row.param == ByteOrder::Little ? "little" : "big"; });
+
+TEST(Travelling, anAdobeRgbIndexGoesWithTheColours)
+{
+    ExifBuilder builder;
+    builder.exif = { builder.shorts(0xA001, { 0xFFFF }) };
+    builder.interoperability = { ExifBuilder::ascii(0x0001, "R03") };
+    const auto indexFor = [&](bool isSRgb) {
+        const NewPicture picture { { 10, 10 }, false, isSRgb };
+        return exifFields(travelling(exifOnly(builder.build()), everything, picture).exif)
+            .at("Exif.Iop.InteroperabilityIndex");
+    };
+    EXPECT_EQ(indexFor(true), "R98");
+    EXPECT_EQ(indexFor(false), "R03");
+}
+
+TEST(Travelling, pixelDimensionsAreNotAddedWhereThereWereNone)
+{
+    ExifBuilder builder;
+    builder.exif = { ExifBuilder::ascii(0xA434, "A lens") };
+    const auto fields
+        = exifFields(travelling(exifOnly(builder.build()), everything, turnedPicture).exif);
+    EXPECT_THAT(fields, Contains(Key("Exif.Photo.LensModel")));
+    EXPECT_THAT(fields, Not(Contains(Key("Exif.Photo.PixelXDimension"))));
+    EXPECT_THAT(fields, Not(Contains(Key("Exif.Photo.ColorSpace"))));
+}
+
+TEST(Travelling, aBlockOfNothingButOrientationEnds)
+{
+    EXPECT_TRUE(travelling(exifOnly(exifWithOrientation(6)), everything, turnedPicture).empty());
+}
+
+TEST(Travelling, fieldsOutOfOrderComeOutInOrder)
+{
+    ExifBuilder builder;
+    builder.main = { ExifBuilder::ascii(0x010F, "Kestrova"), ExifBuilder::ascii(0x0110, "K1") };
+    ByteBuffer block = builder.build();
+    std::swap_ranges(block.begin() + 10, block.begin() + 22, block.begin() + 22);
+    const auto fields = exifFields(travelling(exifOnly(block), everything, uprightPicture).exif);
+    EXPECT_THAT(fields, Contains(Pair("Exif.Image.Make", "Kestrova")));
+    EXPECT_THAT(fields, Contains(Pair("Exif.Image.Model", "K1")));
+}
+
+TEST(Travelling, anUncompressedThumbnailStaysReadable)
+{
+    ExifBuilder builder;
+    builder.main = { ExifBuilder::ascii(0x010F, "Kestrova") };
+    builder.thumbnail = { builder.shorts(0x0103, { 6 }) };
+    builder.thumbnailData = ByteBuffer(27, std::byte { 0x42 });
+    ByteBuffer block = builder.build();
+    // The same fields under the names that strips have.
+    const auto rename = [&block](std::uint16_t from, std::uint16_t to) {
+        const std::array<std::byte, 4> entry { static_cast<std::byte>(from & 0xFFU),
+            static_cast<std::byte>(from >> 8U), std::byte { 4 }, std::byte { 0 } };
+        const auto found = std::ranges::search(block, entry).begin();
+        ASSERT_NE(found, block.end());
+        found[0] = static_cast<std::byte>(to & 0xFFU);
+        found[1] = static_cast<std::byte>(to >> 8U);
+    };
+    rename(0x0201, 0x0111);
+    rename(0x0202, 0x0117);
+    const ByteBuffer result = travelling(exifOnly(block), everything, uprightPicture).exif;
+    const auto fields = exifFields(result);
+    ASSERT_THAT(fields, Contains(Key("Exif.Thumbnail.StripOffsets")));
+    EXPECT_EQ(fields.at("Exif.Thumbnail.StripByteCounts"), "27");
+    const auto at = std::stoul(fields.at("Exif.Thumbnail.StripOffsets"));
+    ASSERT_LE(at + 27, result.size());
+    EXPECT_TRUE(std::all_of(result.begin() + static_cast<std::ptrdiff_t>(at),
+        result.begin() + static_cast<std::ptrdiff_t>(at + 27),
+        [](std::byte value) { return value == std::byte { 0x42 }; }));
+}
+
+TEST(TravellingXmp, losesOrientationStructureAndThumbnails)
+{
+    const ByteBuffer packet = xmpPacket(
+        R"(tiff:Orientation="6" tiff:Make="Kestrova" tiff:Compression="6" xmp:Rating="4"
+           photoshop:ICCProfile="Display P3" dc:format="image/jpeg" exif:SubjectLocation="5"
+           xmlns:hdrgm="http://ns.adobe.com/hdr-gain-map/1.0/" hdrgm:Version="1.0"
+           xmlns:xmpNote="http://ns.adobe.com/xmp/note/" xmpNote:HasExtendedXMP="0123"
+           xmlns:Cam="http://ns.google.com/photos/1.0/camera/" Cam:MotionPhoto="1")",
+        R"(<xmp:Thumbnails><rdf:Alt><rdf:li rdf:parseType="Resource"
+            xmlns:img="http://ns.adobe.com/xap/1.0/g/img/"><img:image>AAAA</img:image>
+            </rdf:li></rdf:Alt></xmp:Thumbnails>)");
+    const MetadataBlocks result = travelling(xmpOnly(packet), everything, turnedPicture);
+    const std::map<std::string, std::string> expected { { "Xmp.tiff.Make", "Kestrova" },
+        { "Xmp.xmp.Rating", "4" } };
+    EXPECT_EQ(xmpFields(result.xmp), expected);
+}
+
+TEST(TravellingXmp, saysTheTrueSizeAndColours)
+{
+    const ByteBuffer packet = xmpPacket(R"(tiff:ImageWidth="4000" tiff:ImageLength="3000"
+        exif:PixelXDimension="4000" exif:PixelYDimension="3000" exif:ColorSpace="1")");
+    const MetadataBlocks result
+        = travelling(xmpOnly(packet), everything, { { 300, 400 }, true, false });
+    const std::map<std::string, std::string> expected { { "Xmp.tiff.ImageWidth", "300" },
+        { "Xmp.tiff.ImageLength", "400" }, { "Xmp.exif.PixelXDimension", "300" },
+        { "Xmp.exif.PixelYDimension", "400" }, { "Xmp.exif.ColorSpace", "65535" } };
+    EXPECT_EQ(xmpFields(result.xmp), expected);
+}
+
+TEST(TravellingXmp, keepsItsTextWhereNothingChangesAndLosesThePadding)
+{
+    const ByteBuffer packet = xmpPacket(R"(xmp:Rating="4" dc:source="A  B")");
+    const MetadataBlocks result = travelling(xmpOnly(packet), everything, turnedPicture);
+    std::string expected(test::textOf(packet));
+    expected.erase(expected.find(std::string(500, ' ')), 501);
+    EXPECT_EQ(test::textOf(result.xmp), expected);
+}
+
+TEST(TravellingXmp, keepsStructuresListsAndLanguages)
+{
+    const ByteBuffer packet = xmpPacket(R"(tiff:Orientation="6")",
+        R"(<dc:subject><rdf:Bag><rdf:li>one</rdf:li><rdf:li>tw&amp;o</rdf:li></rdf:Bag></dc:subject>
+           <dc:title><rdf:Alt><rdf:li xml:lang="x-default">Title</rdf:li><rdf:li
+           xml:lang="de">Titel &#228;</rdf:li></rdf:Alt></dc:title>
+           <xmp:Own xmlns:own="http://own.example/ns/" rdf:parseType="Resource"><own:a>1</own:a>
+           <own:b>2</own:b></xmp:Own>)");
+    auto expected = xmpFields(packet).value();
+    ASSERT_EQ(expected.erase("Xmp.tiff.Orientation"), 1U);
+    ASSERT_GT(expected.size(), 3U);
+    const MetadataBlocks result = travelling(xmpOnly(packet), everything, turnedPicture);
+    EXPECT_EQ(xmpFields(result.xmp), expected);
+}
+
+TEST(TravellingXmp, aPacketOfNothingButOrientationEnds)
+{
+    EXPECT_TRUE(travelling(xmpOnly(xmpPacket(R"(tiff:Orientation="6")")), everything, turnedPicture)
+                    .empty());
+}
+
+TEST(TravellingIptc, losesNothingButTheFillingAtItsEnd)
+{
+    const ByteBuffer caption = captionIptc("A caption");
+    ByteBuffer block = caption;
+    block.insert(block.end(), caption.begin(), caption.end());
+    const ByteBuffer expected = block;
+    block.resize(block.size() + 3);
+    const MetadataBlocks blocks { .exif = {}, .xmp = {}, .iptc = block };
+    EXPECT_EQ(travelling(blocks, everything, turnedPicture).iptc, expected);
+}
+
+TEST(TravellingIptc, readsExtendedLengths)
+{
+    ByteBuffer block { std::byte { 0x1C }, std::byte { 2 }, std::byte { 202 }, std::byte { 0x80 },
+        std::byte { 4 }, std::byte { 0 }, std::byte { 1 }, std::byte { 0 }, std::byte { 0 } };
+    block.resize(block.size() + 65536, std::byte { 7 });
+    const MetadataBlocks blocks { .exif = {}, .xmp = {}, .iptc = block };
+    EXPECT_EQ(travelling(blocks, everything, turnedPicture).iptc, block);
+    ByteBuffer cut = block;
+    cut.pop_back();
+    EXPECT_TRUE(
+        travelling({ .exif = {}, .xmp = {}, .iptc = cut }, everything, turnedPicture).empty());
+}
+
+TEST(Metadata, servesEightThreadsAtOnce)
+{
+    const auto work = [](std::size_t seed) {
+        // Namespaces that no thread has met before are the dangerous part of the XMP toolkit.
+        MetadataBlocks blocks { .exif = cameraExif(), .xmp = {}, .iptc = captionIptc("A caption") };
+        for (int round = 0; round < 40; ++round) {
+            const std::string own = "o" + std::to_string(seed) + "r" + std::to_string(round);
+            blocks.xmp = xmpPacket(R"(tiff:Orientation="6" xmlns:)" + own
+                + R"(="http://own.example/)" + own + R"(/" )" + own + R"(:key="value")");
+            const MetadataBlocks result = travelling(blocks, everything, turnedPicture);
+            if (orientation(blocks) != Orientation::RightTop || groups(result) != everything
+                || test::textOf(result.xmp).find(own + ":key=\"value\"")
+                    == std::string_view::npos) {
+                return false;
+            }
+        }
+        return true;
+    };
+    std::array<bool, 8> succeeded {};
+    {
+        std::vector<std::jthread> threads;
+        for (std::size_t i = 0; i < succeeded.size(); ++i) {
+            threads.emplace_back([&, i] { succeeded.at(i) = work(i); });
+        }
+    }
+    EXPECT_THAT(succeeded, testing::Each(true));
+}
+
+} // namespace
+} // namespace vellumine::imaging::metadata
