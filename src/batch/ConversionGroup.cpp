@@ -56,7 +56,7 @@ void ConversionGroup::interrupt()
 void ConversionGroup::beginWhatMay()
 {
     while (!m_isStopped && m_inFlight < m_workerCount) {
-        const std::optional<qsizetype> position = m_queue->takeNext();
+        const std::optional<std::size_t> position = m_queue->takeNext();
         if (!position) {
             break;
         }
@@ -68,10 +68,10 @@ void ConversionGroup::beginWhatMay()
     }
 }
 
-void ConversionGroup::begin(qsizetype position)
+void ConversionGroup::begin(std::size_t position)
 {
     const auto future = QtConcurrent::run(&m_pool,
-        [optimize = m_optimize, settings = m_settings, url = m_queue->urls().at(position),
+        [optimize = m_optimize, settings = m_settings, url = m_queue->url(position),
             interruption = m_interruption.get_token()] {
             return convert(*optimize, url, *settings, interruption);
         });
@@ -79,9 +79,9 @@ void ConversionGroup::begin(qsizetype position)
         [this, position](const ProcessingResult& result) { finish(position, result); });
 }
 
-void ConversionGroup::finish(qsizetype position, const ProcessingResult& result)
+void ConversionGroup::finish(std::size_t position, const ProcessingResult& result)
 {
-    m_queue->release(position);
+    m_queue->finished(position);
     Q_EMIT converted(result);
     --m_inFlight;
     beginWhatMay();

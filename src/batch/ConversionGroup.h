@@ -1,8 +1,8 @@
 #pragma once
 
-#include "batch/ConversionQueue.h"
 #include "core/OptimizerSettings.h"
 #include "core/ProcessingResult.h"
+#include "pipeline/ConversionQueue.h"
 
 #include <QObject>
 #include <QUrl>
@@ -47,8 +47,8 @@ Q_SIGNALS:
 
 private:
     void beginWhatMay();
-    void begin(qsizetype position);
-    void finish(qsizetype position, const ProcessingResult& result);
+    void begin(std::size_t position);
+    void finish(std::size_t position, const ProcessingResult& result);
 
     std::shared_ptr<ConversionQueue> m_queue;
     std::shared_ptr<const OptimizerSettings> m_settings;

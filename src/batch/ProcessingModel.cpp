@@ -1,6 +1,5 @@
 #include "batch/ProcessingModel.h"
 
-#include "batch/ConversionQueue.h"
 #include "batch/Deliver.h"
 #include "batch/FileInputResolver.h"
 #include "platform/FilePath.h"
@@ -15,6 +14,12 @@
 
 namespace vellumine {
 
+/// The pictures that a drop led to, and the order in which they may begin.
+struct ProcessingModel::ExpandedDrop {
+    QList<QUrl> urls;
+    std::shared_ptr<ConversionQueue> queue;
+};
+
 /// What lives as long as one batch.
 struct ProcessingModel::Batch {
     enum class Ending { Regular, Stopped, Cancelled };
@@ -22,7 +27,7 @@ struct ProcessingModel::Batch {
     OptimizerSettings settings;
     std::stop_source scan;
     Ending ending = Ending::Regular;
-    std::shared_ptr<ConversionQueue> queue;
+    ExpandedDrop files;
     ConversionGroup* conversions = nullptr; ///< a child of the model; none before converting
     std::vector<std::unique_ptr<platform::ScopedAccess>> folders; ///< that are open for writing
 };
@@ -94,14 +99,16 @@ void ProcessingModel::startPendingBatch()
     const auto future = QtConcurrent::run(&m_pool,
         [urls, settings = m_batch->settings, stop = m_batch->scan.get_token(),
             scope = m_dependencies.folderAccess.securityScope] {
-            return std::make_shared<ConversionQueue>(
-                FileInputResolver::imageURLs(urls, *scope, stop), settings);
+            const QList<QUrl> found = FileInputResolver::imageURLs(urls, *scope, stop);
+            return ExpandedDrop { found,
+                std::make_shared<ConversionQueue>(
+                    std::vector<QUrl>(found.begin(), found.end()), settings) };
         });
     deliver(future, this,
-        [this](const std::shared_ptr<ConversionQueue>& queue) { processExpandedBatch(queue); });
+        [this](const ExpandedDrop& files) { processExpandedBatch(files); });
 }
 
-void ProcessingModel::processExpandedBatch(const std::shared_ptr<ConversionQueue>& queue)
+void ProcessingModel::processExpandedBatch(const ExpandedDrop& files)
 {
     switch (m_batch->ending) {
     case Batch::Ending::Cancelled:
@@ -113,7 +120,7 @@ void ProcessingModel::processExpandedBatch(const std::shared_ptr<ConversionQueue
     case Batch::Ending::Regular:
         break;
     }
-    if (queue->urls().isEmpty()) {
+    if (files.urls.isEmpty()) {
         completeBatch(QStringLiteral("No supported image files found"));
         return;
     }
@@ -123,9 +130,9 @@ void ProcessingModel::processExpandedBatch(const std::shared_ptr<ConversionQueue
         completeBatch(QStringLiteral("Choose a destination folder"));
         return;
     }
-    m_batch->queue = queue;
-    setProgress(0, m_batch->queue->urls().size());
-    m_folderAccess.requestOriginalLocationAccessIfNeeded(m_batch->queue->urls(), settings,
+    m_batch->files = files;
+    setProgress(0, files.urls.size());
+    m_folderAccess.requestOriginalLocationAccessIfNeeded(files.urls, settings,
         [this](const std::optional<QList<QUrl>>& grants) { processPermittedBatch(grants); });
 }
 
@@ -164,7 +171,7 @@ void ProcessingModel::processInParallel(qsizetype workerCount)
 {
     m_pool.setMaxThreadCount(static_cast<int>(workerCount));
     auto* conversions = new ConversionGroup(
-        m_batch->queue, m_batch->settings, m_dependencies.optimize, m_pool, this);
+        m_batch->files.queue, m_batch->settings, m_dependencies.optimize, m_pool, this);
     m_batch->conversions = conversions;
     connect(conversions, &ConversionGroup::converted, this, &ProcessingModel::collect);
     connect(conversions, &ConversionGroup::ended, this, &ProcessingModel::finishConversions);

@@ -97,11 +97,12 @@ Q_SIGNALS:
 
 private:
     struct Batch;
+    struct ExpandedDrop;
 
     qsizetype enqueueInputURLs(const QList<QUrl>& urls);
     void schedulePendingBatch();
     void startPendingBatch();
-    void processExpandedBatch(const std::shared_ptr<ConversionQueue>& queue);
+    void processExpandedBatch(const ExpandedDrop& files);
     void processPermittedBatch(const std::optional<QList<QUrl>>& grants);
     void processInParallel(qsizetype workerCount);
     void collect(const ProcessingResult& result);
