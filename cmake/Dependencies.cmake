@@ -5,6 +5,7 @@ find_package(Threads REQUIRED)
 
 pkg_check_modules(jpeg REQUIRED IMPORTED_TARGET libjpeg)
 pkg_check_modules(png REQUIRED IMPORTED_TARGET libpng)
+pkg_check_modules(deflate REQUIRED IMPORTED_TARGET libdeflate)
 pkg_check_modules(tiff REQUIRED IMPORTED_TARGET libtiff-4)
 pkg_check_modules(heif REQUIRED IMPORTED_TARGET libheif)
 pkg_check_modules(webp REQUIRED IMPORTED_TARGET libwebp)

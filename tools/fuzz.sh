@@ -8,6 +8,8 @@ set -euo pipefail
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 work="$root/build/fuzz"
 samples="${VELLUMINE_SAMPLES:-$root/../shared/samples}"
+export ASAN_OPTIONS="allocator_may_return_null=1"
+export LSAN_OPTIONS="suppressions=$root/tests/sanitizers/leaks.txt:print_suppressions=0"
 
 main() {
     local name="all"
@@ -25,13 +27,24 @@ main() {
         return 1
     fi
 
-    "$work/bin/make_seeds" "$work/seeds"
+    make_seeds
     local failed=0
     local target
     for target in "${targets[@]}"; do
         fuzz "$target" "$seconds" || failed=1
     done
     return "$failed"
+}
+
+make_seeds() {
+    "$work/bin/make_seeds" "$work/seeds"
+    mkdir -p "$work/seeds/webp"
+    local picture
+    for picture in "$work"/seeds/png/*.png; do
+        cwebp -quiet -q 50 "$picture" -o "$work/seeds/webp/$(basename "$picture" .png).webp"
+        cwebp -quiet -lossless "$picture" \
+            -o "$work/seeds/webp/$(basename "$picture" .png)-lossless.webp"
+    done
 }
 
 fuzz() { # TARGET SECONDS
@@ -50,7 +63,7 @@ fuzz() { # TARGET SECONDS
         fi
     done
     local status=0
-    ASAN_OPTIONS=allocator_may_return_null=1 "$target" -max_total_time="$seconds" -max_len=65536 \
+    "$target" -max_total_time="$seconds" -max_len=65536 \
         -rss_limit_mb=2048 -timeout=25 -print_final_stats=1 -verbosity=1 \
         -artifact_prefix="$work/artifacts/$name-" "${corpora[@]}" >"$log" 2>&1 || status=$?
     local executions

@@ -62,7 +62,8 @@ platform::Result<void> writeFile(const Image& image, const std::filesystem::path
     if (!file) {
         return tl::unexpected(file.error());
     }
-    if (auto written = file->writeAll(std::as_bytes(std::span(header(image.size())))); !written) {
+    const std::string head = header(image.size());
+    if (auto written = file->writeAll(std::as_bytes(std::span(head))); !written) {
         return written;
     }
     const std::size_t rowBytes = static_cast<std::size_t>(image.width()) * bytesPerPixel;

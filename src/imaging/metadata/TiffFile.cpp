@@ -1,3 +1,4 @@
+#include "imaging/codecs/MetadataCarriers.h"
 #include "imaging/metadata/Exif.h"
 #include "imaging/metadata/Iptc.h"
 #include "imaging/metadata/Metadata.h"
@@ -9,6 +10,7 @@ namespace {
 
 constexpr std::uint16_t xmpTag = 0x02BC;
 constexpr std::uint16_t iptcTag = 0x83BB;
+constexpr std::uint16_t photoshopTag = 0x8649;
 
 ByteBuffer valueOf(const TiffTree& tree, std::uint16_t tag)
 {
@@ -28,8 +30,13 @@ ByteBuffer iptcOf(const TiffTree& tree)
             std::swap(bytes[at + 1], bytes[at + 2]);
         }
     }
-    const ByteSpan sound = soundIptc(bytes);
-    return { sound.begin(), sound.end() };
+    if (bytes.empty()) {
+        const ByteBuffer resources = valueOf(tree, photoshopTag);
+        const ByteSpan block = iptcBlock(resources);
+        bytes.assign(block.begin(), block.end());
+    }
+    bytes.resize(soundIptc(bytes).size());
+    return bytes;
 }
 
 TiffEntry bytesEntry(std::uint16_t tag, std::uint16_t type, const ByteBuffer& bytes)
@@ -62,7 +69,7 @@ ByteBuffer writeTiff(ByteBuffer file, const MetadataBlocks& blocks)
     if (!blocks.iptc.empty()) {
         tree.main.set(bytesEntry(iptcTag, fieldtype::undefined, blocks.iptc));
     }
-    tree.thumbnail = {}; // a second directory would be a second picture
+    tree.thumbnailData = {}; // a second directory would be a second picture
     if (tree.empty()) {
         return file;
     }

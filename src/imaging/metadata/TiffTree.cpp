@@ -235,7 +235,7 @@ void TiffDirectory::set(TiffEntry entry)
 bool TiffTree::empty() const
 {
     return main.empty() && exif.empty() && interoperability.empty() && gps.empty()
-        && thumbnail.empty();
+        && thumbnailData.empty();
 }
 
 std::optional<std::uint32_t> TiffTree::integer(const TiffEntry* entry) const

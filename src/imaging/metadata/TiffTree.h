@@ -61,8 +61,8 @@ struct TiffTree {
     TiffDirectory exif;
     TiffDirectory interoperability;
     TiffDirectory gps;
-    TiffDirectory thumbnail;
-    ByteBuffer thumbnailData;
+    TiffDirectory thumbnail; ///< besides where its data is; may be empty
+    ByteBuffer thumbnailData; ///< empty when there is no thumbnail
     /// The tag that points at the thumbnail's data: jpegOffset or stripOffsets.
     std::uint16_t thumbnailTag = tag::jpegOffset;
     /// Where the maker note stood. Many of them hold offsets that count from the block's start, so

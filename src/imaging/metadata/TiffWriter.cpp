@@ -216,7 +216,7 @@ ByteBuffer writeExifBlock(const TiffTree& tree)
     const std::size_t mainAt = layout.placeDirectory(tree.main.entries.size() + inner.count());
     inner.place(layout);
     const std::size_t thumbnailAt
-        = tree.thumbnail.empty() ? 0 : layout.placeDirectory(tree.thumbnail.entries.size() + 2);
+        = tree.thumbnailData.empty() ? 0 : layout.placeDirectory(tree.thumbnail.entries.size() + 2);
 
     layout.put32(4, mainAt);
     writeDirectory(layout, mainAt, tree.main, inner.pointers(), thumbnailAt);

@@ -14,7 +14,7 @@ template <typename Integer> void append(ByteBuffer& bytes, Integer value, ByteOr
 {
     for (std::size_t i = 0; i < sizeof(Integer); ++i) {
         const std::size_t shift = 8 * (order == ByteOrder::Little ? i : sizeof(Integer) - 1 - i);
-        bytes.push_back(static_cast<std::byte>(value >> shift & 0xFFU));
+        bytes.push_back(static_cast<std::byte>(std::uint64_t { value } >> shift & 0xFFU));
     }
 }
 

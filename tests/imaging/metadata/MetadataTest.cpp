@@ -294,6 +294,17 @@ TEST(Travelling, fieldsOutOfOrderComeOutInOrder)
     EXPECT_THAT(fields, Contains(Pair("Exif.Image.Model", "K1")));
 }
 
+TEST(Travelling, aThumbnailWithNothingSaidAboutItStays)
+{
+    ExifBuilder builder;
+    builder.main = { ExifBuilder::ascii(0x010F, "Kestrova") };
+    builder.thumbnail = { builder.shorts(0x0112, { 6 }) };
+    builder.thumbnailData = test::cameraThumbnail();
+    const auto fields
+        = exifFields(travelling(exifOnly(builder.build()), everything, uprightPicture).exif);
+    EXPECT_THAT(fields, Contains(Pair("Exif.Thumbnail.JPEGInterchangeFormatLength", "400")));
+}
+
 TEST(Travelling, anUncompressedThumbnailStaysReadable)
 {
     ExifBuilder builder;

@@ -118,7 +118,8 @@ void readIndexed(const Header& header, const Palette& palette, ByteSpan pixels, 
         for (unsigned x = 0; x < static_cast<unsigned>(header.size.width); ++x) {
             // The leftmost pixel is in the highest bits.
             const unsigned shift = 8U - bits * (x % perByte + 1U);
-            const PaletteColor& color = palette[(from[x / perByte] >> shift) & mask];
+            const PaletteColor& color
+                = palette[(static_cast<unsigned>(from[x / perByte]) >> shift) & mask];
             *to++ = color.red;
             *to++ = color.green;
             *to++ = color.blue;

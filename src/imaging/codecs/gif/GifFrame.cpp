@@ -14,10 +14,6 @@ struct FrameReader::Input {
     ByteSpan file;
     std::size_t at = 0;
     bool ranOut = false;
-    /// Compressed pixels are a chain of blocks, each behind its length, ended by a length of 0.
-    /// Once it is reached, blockLeft counts down through the block at hand.
-    bool insidePixels = false;
-    std::size_t blockLeft = 0;
 };
 
 FrameReader::FrameReader() = default;
@@ -34,24 +30,12 @@ int FrameReader::readInput(GifFileType* file, std::uint8_t* target, int count)
 {
     Input& input = *static_cast<Input*>(file->UserData);
     const auto wanted = static_cast<std::size_t>(count);
-    const bool isBlockLength = input.insidePixels && input.blockLeft == 0;
     if (input.file.size() - input.at < wanted) {
         input.ranOut = true;
-        if (isBlockLength && wanted == 1) {
-            // The end marker of the chain. It may be missing; should pixels be missing as well,
-            // the library fails by itself.
-            *target = 0;
-            return 1;
-        }
         return 0;
     }
     std::memcpy(target, input.file.data() + input.at, wanted);
     input.at += wanted;
-    if (isBlockLength) {
-        input.blockLeft = *target;
-    } else if (input.insidePixels) {
-        input.blockLeft -= std::min(input.blockLeft, wanted);
-    }
     return count;
 }
 
@@ -60,9 +44,7 @@ tl::unexpected<Error> FrameReader::inputFailure(const char* detail) const
     if (m_file && m_file->Error == D_GIF_ERR_NOT_ENOUGH_MEM) {
         return failure(Error::Kind::OutOfMemory, detail);
     }
-    // An end code before the last pixel is missing data too, wherever the file ends.
-    const bool isTruncated = m_input->ranOut || (m_file && m_file->Error == D_GIF_ERR_EOF_TOO_SOON);
-    return failure(isTruncated ? Error::Kind::Truncated : Error::Kind::Malformed, detail);
+    return failure(m_input->ranOut ? Error::Kind::Truncated : Error::Kind::Malformed, detail);
 }
 
 Result<FrameReader> FrameReader::open(ByteSpan file)
@@ -153,7 +135,6 @@ Result<void> FrameReader::readDescriptor()
     if (DGifGetImageDesc(m_file.get()) == GIF_ERROR) {
         return inputFailure("a damaged picture descriptor");
     }
-    m_input->insidePixels = true;
     const GifImageDesc& image = m_file->Image;
     m_frame = { image.Left, image.Top, image.Width, image.Height };
     if (m_frame.width < 1 || m_frame.height < 1) {
@@ -161,6 +142,18 @@ Result<void> FrameReader::readDescriptor()
     }
     if (image.ColorMap == nullptr && m_file->SColorMap == nullptr) {
         return failure(Error::Kind::Malformed, "no palette");
+    }
+    int codeSize = 0;
+    GifByteType* block = nullptr;
+    if (DGifGetCode(m_file.get(), &codeSize, &block) == GIF_ERROR) {
+        return inputFailure("no pixels");
+    }
+    if (codeSize < 1 || codeSize > 8) {
+        return failure(Error::Kind::Malformed, "no such size of codes");
+    }
+    m_decoder = std::make_unique<LzwDecoder>(static_cast<unsigned>(codeSize));
+    if (block != nullptr) {
+        m_compressed = { block + 1, block[0] };
     }
     m_screen = { std::max(m_file->SWidth, m_frame.x + m_frame.width),
         std::max(m_file->SHeight, m_frame.y + m_frame.height) };
@@ -192,10 +185,43 @@ FrameReader::Color FrameReader::color(std::uint8_t index) const
 
 Result<void> FrameReader::readRow(std::span<std::uint8_t> row)
 {
-    if (DGifGetLine(m_file.get(), row.data(), static_cast<int>(row.size())) == GIF_ERROR) {
-        return inputFailure("damaged or missing pixels");
+    while (!row.empty()) {
+        if (m_pixels.empty()) {
+            if (auto decoded = decodeMore(); !decoded) {
+                return decoded;
+            }
+        }
+        const std::size_t count = std::min(row.size(), m_pixels.size());
+        std::copy_n(m_pixels.begin(), count, row.begin());
+        m_pixels = m_pixels.subspan(count);
+        row = row.subspan(count);
     }
     return {};
+}
+
+Result<void> FrameReader::decodeMore()
+{
+    while (true) {
+        switch (m_decoder->decode(m_compressed)) {
+        case LzwDecoder::Status::Pixels:
+            m_pixels = m_decoder->pixels();
+            return {};
+        case LzwDecoder::Status::Damaged:
+            return failure(Error::Kind::Malformed, "damaged pixels");
+        case LzwDecoder::Status::End:
+            return failure(Error::Kind::Truncated, "the pixels end before the picture");
+        case LzwDecoder::Status::NeedsBytes:
+            break;
+        }
+        GifByteType* block = nullptr;
+        if (DGifGetCodeNext(m_file.get(), &block) == GIF_ERROR) {
+            return inputFailure("missing pixels");
+        }
+        if (block == nullptr) {
+            return failure(Error::Kind::Truncated, "the pixels end before the picture");
+        }
+        m_compressed = { block + 1, block[0] };
+    }
 }
 
 } // namespace vellumine::imaging::gif

@@ -4,6 +4,7 @@
 #include "imaging/Error.h"
 #include "imaging/Geometry.h"
 #include "imaging/PixelLayout.h"
+#include "imaging/codecs/gif/LzwDecoder.h"
 
 #include <cstdint>
 #include <memory>
@@ -62,6 +63,7 @@ private:
     [[nodiscard]] Result<void> readExtension();
     [[nodiscard]] Result<void> readDescriptor();
     [[nodiscard]] tl::unexpected<Error> inputFailure(const char* detail) const;
+    [[nodiscard]] Result<void> decodeMore();
     static int readInput(GifFileType* file, std::uint8_t* target, int count);
 
     std::unique_ptr<Input> m_input; // the library's callback keeps its address
@@ -70,6 +72,9 @@ private:
     Rect m_frame;
     std::optional<std::uint8_t> m_transparent;
     ByteBuffer m_xmp;
+    std::unique_ptr<LzwDecoder> m_decoder; // 20 KB
+    std::span<const std::uint8_t> m_compressed; ///< of the block at hand, in the library's buffer
+    std::span<const std::uint8_t> m_pixels; ///< decoded, but not yet handed out
 };
 
 } // namespace vellumine::imaging::gif

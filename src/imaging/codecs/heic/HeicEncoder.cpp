@@ -20,8 +20,11 @@ struct Parameter {
 };
 
 /// One thread for one picture: whoever converts many files at once has a thread for each already.
-constexpr std::array threadParameters { Parameter { "x265:pools", "none" },
-    Parameter { "x265:frame-threads", "1" } };
+/// The preset: on photographs the library's own choice, "slow", takes 2 to 3 times as long for the
+/// same size and fidelity (2 megapixels at quality 65: 213 KB, 44.06 dB in 1.8 s against 194 KB,
+/// 44.06 dB in 0.7 s).
+constexpr std::array parameters { Parameter { "preset", "superfast" },
+    Parameter { "x265:pools", "none" }, Parameter { "x265:frame-threads", "1" } };
 
 bool hasProfileToWrite(const Image& image, const EncodeOptions& options)
 {
@@ -74,7 +77,7 @@ Result<HeifPointer<heif_encoder>> makeEncoder(heif_context* context, double qual
     if (isOk(error)) {
         error = heif_encoder_set_logging_level(created, 0);
     }
-    for (const auto& [name, value] : threadParameters) {
+    for (const auto& [name, value] : parameters) {
         if (isOk(error)) {
             error = heif_encoder_set_parameter(created, name, value);
         }

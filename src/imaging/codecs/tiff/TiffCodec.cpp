@@ -3,6 +3,7 @@
 #include "imaging/codecs/tiff/TiffDecoder.h"
 #include "imaging/codecs/tiff/TiffDirectory.h"
 #include "imaging/codecs/tiff/TiffEncoder.h"
+#include "imaging/codecs/tiff/TiffLibraryDecoder.h"
 #include "imaging/codecs/tiff/TiffStream.h"
 
 #include <algorithm>

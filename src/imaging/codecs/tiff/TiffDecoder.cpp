@@ -2,32 +2,15 @@
 
 #include "imaging/codecs/tiff/TiffLab.h"
 #include "imaging/codecs/tiff/TiffPalette.h"
+#include "imaging/codecs/tiff/ZeroedArray.h"
 
 #include <algorithm>
-#include <array>
 #include <cassert>
-#include <cstdlib>
-#include <cstring>
-#include <optional>
 #include <vector>
 
 namespace vellumine::imaging::tiff {
 
 namespace {
-
-struct Free {
-    void operator()(void* memory) const { std::free(memory); } // NOLINT(*-no-malloc): from calloc
-};
-
-/// Memory that starts out zero and costs nothing until it is touched, so that a huge strip in a
-/// tiny file does not.
-template <typename Element> using ZeroedArray = std::unique_ptr<Element[], Free>;
-
-template <typename Element> ZeroedArray<Element> allocateZeroed(std::size_t count)
-{
-    // NOLINTNEXTLINE(*-no-malloc): operator new has no zeroed pages of the system's
-    return ZeroedArray<Element>(static_cast<Element*>(std::calloc(count, sizeof(Element))));
-}
 
 /// A strip or tile: where it lies in the picture and how much of it is picture.
 struct Block {
@@ -209,7 +192,9 @@ private:
     {
         const int channels = m_directory.layout.channels();
         const int colours = colourSamples();
-        unpackSamples(packed, m_directory.sample, m_samples);
+        if (m_directory.alphaSample || !isPalette()) {
+            unpackSamples(packed, m_directory.sample, m_samples);
+        }
         if (m_directory.alphaSample) {
             routeSample(block, *m_directory.alphaSample, row + channels - 1,
                 [](std::uint16_t value) { return static_cast<Sample>(value); });
@@ -261,38 +246,6 @@ private:
     Palette m_palette;
 };
 
-/// The library's state of one conversion to RGBA.
-class RgbaConversion {
-public:
-    explicit RgbaConversion(TIFF* tiff)
-        : m_isOpen(TIFFRGBAImageBegin(&m_image, tiff, stopOnError, m_message.data()) == 1)
-    {
-        // Asking for the orientation that the file has keeps the library from flipping.
-        m_image.req_orientation = m_image.orientation;
-    }
-    ~RgbaConversion()
-    {
-        if (m_isOpen) {
-            TIFFRGBAImageEnd(&m_image);
-        }
-    }
-    RgbaConversion(const RgbaConversion&) = delete;
-    RgbaConversion& operator=(const RgbaConversion&) = delete;
-
-    [[nodiscard]] bool isOpen() const { return m_isOpen; }
-    [[nodiscard]] const char* message() const { return m_message.data(); }
-    [[nodiscard]] bool convert(std::uint32_t* raster)
-    {
-        return TIFFRGBAImageGet(&m_image, raster, m_image.width, m_image.height) == 1;
-    }
-
-private:
-    static constexpr int stopOnError = 1;
-    std::array<char, 1024> m_message {}; ///< the length that the library's interface states
-    TIFFRGBAImage m_image {};
-    bool m_isOpen;
-};
-
 } // namespace
 
 Result<PixelBuffer> decodeBlocks(
@@ -305,39 +258,6 @@ Result<PixelBuffer> decodeBlocks(
     if (pixels && isLab) {
         if (auto ok = convertLabToSRgb(*pixels, directory.colour); !ok) {
             return tl::unexpected(ok.error());
-        }
-    }
-    return pixels;
-}
-
-Result<PixelBuffer> decodeThroughLibrary(const TiffReader& reader, const TiffDirectory& directory)
-{
-    RgbaConversion conversion(reader.get());
-    if (!conversion.isOpen()) {
-        return failure(Error::Kind::Unsupported, conversion.message());
-    }
-    const Size size = directory.size();
-    const auto width = static_cast<std::size_t>(size.width);
-    const auto raster
-        = allocateZeroed<std::uint32_t>(width * static_cast<std::size_t>(size.height));
-    auto pixels = PixelBuffer::create(size, directory.layout);
-    if (!raster || !pixels) {
-        return failure(Error::Kind::OutOfMemory, "no memory for the picture");
-    }
-    if (!conversion.convert(raster.get()) || reader.messages().dataMissing) {
-        return tl::unexpected(reader.messages().failureOf("the picture cannot be converted"));
-    }
-    const bool hasAlpha = directory.layout.alpha != AlphaInfo::None;
-    for (int y = 0; y < size.height; ++y) {
-        const std::uint32_t* const from = raster.get() + width * static_cast<std::size_t>(y);
-        std::uint8_t* to = pixels->row8(y);
-        for (std::size_t x = 0; x < width; ++x) {
-            *to++ = static_cast<std::uint8_t>(TIFFGetR(from[x]));
-            *to++ = static_cast<std::uint8_t>(TIFFGetG(from[x]));
-            *to++ = static_cast<std::uint8_t>(TIFFGetB(from[x]));
-            if (hasAlpha) {
-                *to++ = static_cast<std::uint8_t>(TIFFGetA(from[x]));
-            }
         }
     }
     return pixels;

@@ -12,9 +12,4 @@ namespace vellumine::imaging::tiff {
 Result<PixelBuffer> decodeBlocks(
     const TiffReader& reader, const TiffDirectory& directory, Rect wanted);
 
-/// The whole picture through the library's own conversion to 8-bit RGB, for colour that is not
-/// worth an implementation of ours. The stored rows stay in their order. Fails as above, and with
-/// Unsupported for what the library cannot convert either.
-Result<PixelBuffer> decodeThroughLibrary(const TiffReader& reader, const TiffDirectory& directory);
-
 } // namespace vellumine::imaging::tiff

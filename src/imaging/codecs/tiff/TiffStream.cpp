@@ -26,11 +26,10 @@ constexpr std::array<std::string_view, 8> phrasesOfMissingData { "remature E", "
     "bad Huffman code", "Read error", "read error", "ot enough data", "Invalid strip byte count",
     "Invalid tile byte count" };
 
-std::string formatted(const char* format, va_list arguments)
+/// The format strings are the library's own.
+[[gnu::format(printf, 1, 0)]] std::string formatted(const char* format, va_list arguments)
 {
     std::array<char, 512> text {};
-    // The library's own format strings.
-    // NOLINTNEXTLINE(clang-diagnostic-format-nonliteral)
     (void)std::vsnprintf(text.data(), text.size(), format, arguments);
     return text.data();
 }
@@ -41,7 +40,7 @@ void noteMissingData(TiffMessages& messages, std::string_view text)
         [text](std::string_view phrase) { return text.find(phrase) != std::string_view::npos; });
 }
 
-int onError(
+[[gnu::format(printf, 4, 0)]] int onError(
     TIFF* /*tiff*/, void* messages, const char* module, const char* format, va_list arguments)
 {
     auto& log = *static_cast<TiffMessages*>(messages);
@@ -51,7 +50,7 @@ int onError(
     return 1; // handled: not passed on to the process-wide handler, which prints
 }
 
-int onWarning(
+[[gnu::format(printf, 4, 0)]] int onWarning(
     TIFF* /*tiff*/, void* messages, const char* /*module*/, const char* format, va_list arguments)
 {
     noteMissingData(*static_cast<TiffMessages*>(messages), formatted(format, arguments));

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "imaging/Bytes.h"
+#include "imaging/colour/ColorSpace.h"
+
+namespace vellumine::imaging::png {
+
+/// The colour space that the file's chunks describe: its profile, else what the sRGB chunk says,
+/// else gAMA and cHRM, else sRGB or grey. What is damaged or of the wrong model counts as absent.
+[[nodiscard]] ColorSpace colorSpaceOf(ByteSpan file, ColorModel model);
+
+} // namespace vellumine::imaging::png

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "imaging/codecs/png/PngReduction.h"
+
+namespace vellumine::imaging::png {
+
+/// How the filter of each row is chosen: one and the same for all, or the one whose result looks
+/// easiest to compress.
+enum class FilterStrategy : std::uint8_t {
+    None,
+    Sub,
+    Up,
+    Average,
+    Paeth,
+    SmallestSum, ///< of the filtered bytes taken as signed numbers: the specification's advice
+    LeastEntropy, ///< of the filtered bytes
+    FewestPairs, ///< distinct pairs of neighbouring filtered bytes
+};
+
+/// Rows of a picture, from the first to before the last.
+struct RowRange {
+    int first = 0;
+    int end = 0;
+};
+
+/// Appends the rows, each behind the number of its filter.
+void appendFiltered(
+    ByteBuffer& bytes, const PackedPicture& picture, RowRange rows, FilterStrategy strategy);
+
+} // namespace vellumine::imaging::png

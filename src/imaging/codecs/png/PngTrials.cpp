@@ -1,0 +1,122 @@
+#include "imaging/codecs/png/PngTrials.h"
+
+#include "imaging/codecs/png/PngCompression.h"
+#include "imaging/codecs/png/PngFilters.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+namespace vellumine::imaging::png {
+
+namespace {
+
+constexpr std::array allStrategies { FilterStrategy::None, FilterStrategy::Sub, FilterStrategy::Up,
+    FilterStrategy::Average, FilterStrategy::Paeth, FilterStrategy::SmallestSum,
+    FilterStrategy::LeastEntropy, FilterStrategy::FewestPairs };
+
+/// Bytes of rows that are enough to choose by.
+constexpr std::size_t sampleBytes = std::size_t { 1 } << 20U;
+/// Bands of rows that the sample is taken from, spread evenly.
+constexpr int sampleBands = 12;
+
+/// Up to here the last percent is worth its time, half a second a megabyte for a photograph.
+constexpr std::size_t optimalBytes = std::size_t { 32 } << 20U;
+constexpr std::size_t fewTrialsBytes = std::size_t { 128 } << 10U;
+
+/// What compresses to how much, as far as the sample tells.
+struct Candidate {
+    std::size_t form;
+    FilterStrategy strategy;
+    std::size_t estimate;
+};
+
+std::size_t overhead(const PackedPicture& form)
+{
+    constexpr std::size_t chunk = 12;
+    return (form.palette.empty() ? 0 : chunk + form.palette.size())
+        + (form.transparency.empty() ? 0 : chunk + form.transparency.size());
+}
+
+ByteBuffer filtered(const PackedPicture& form, FilterStrategy strategy)
+{
+    ByteBuffer bytes;
+    appendFiltered(bytes, form, { 0, form.size.height }, strategy);
+    return bytes;
+}
+
+/// The filtered rows of the whole picture, or of bands of it that make up `rows`.
+ByteBuffer filteredSample(const PackedPicture& form, FilterStrategy strategy, int rows)
+{
+    const int height = form.size.height;
+    if (rows >= height) {
+        return filtered(form, strategy);
+    }
+    ByteBuffer bytes;
+    const int bandRows = std::max(1, rows / sampleBands);
+    for (int band = 0; band < sampleBands; ++band) {
+        const int first = static_cast<int>(
+            static_cast<std::int64_t>(height - bandRows) * band / (sampleBands - 1));
+        appendFiltered(bytes, form, { first, first + bandRows }, strategy);
+    }
+    return bytes;
+}
+
+std::vector<Candidate> candidates(std::span<const PackedPicture> forms)
+{
+    // The same rows of every form, so that what they give can be compared.
+    std::size_t longestRow = 1;
+    for (const PackedPicture& form : forms) {
+        longestRow = std::max(longestRow, form.rowBytes);
+    }
+    const int rows = static_cast<int>(sampleBytes / longestRow);
+
+    std::vector<Candidate> found;
+    for (std::size_t form = 0; form < forms.size(); ++form) {
+        for (const FilterStrategy strategy : allStrategies) {
+            const auto sample = filteredSample(forms[form], strategy, rows);
+            const auto size = deflated(sample, CompressionLevel::Balanced).size();
+            found.push_back({ form, strategy, size + overhead(forms[form]) });
+        }
+    }
+    std::ranges::stable_sort(found, {}, &Candidate::estimate);
+    return found;
+}
+
+std::size_t finalists(std::size_t rawBytes)
+{
+    if (rawBytes <= fewTrialsBytes) {
+        return 4;
+    }
+    return rawBytes <= sampleBytes ? 2 : 1;
+}
+
+} // namespace
+
+Compressed smallest(std::span<const PackedPicture> forms)
+{
+    auto trials = candidates(forms);
+    const std::size_t rawBytes = forms[trials.front().form].rows.size();
+    const auto level
+        = rawBytes <= optimalBytes ? CompressionLevel::Optimal : CompressionLevel::Thorough;
+    trials.resize(std::min(trials.size(), finalists(rawBytes)));
+
+    std::optional<Compressed> best;
+    std::size_t bestSize = 0;
+    for (const Candidate& trial : trials) {
+        auto stream = deflated(filtered(forms[trial.form], trial.strategy), level);
+        const std::size_t size = stream.size() + overhead(forms[trial.form]);
+        if (!best || size < bestSize) {
+            best = Compressed { trial.form, std::move(stream) };
+            bestSize = size;
+        }
+    }
+    return std::move(*best);
+}
+
+ByteBuffer fastest(const PackedPicture& form)
+{
+    return deflated(filtered(form, FilterStrategy::Sub), CompressionLevel::Fast);
+}
+
+} // namespace vellumine::imaging::png

@@ -1,0 +1,225 @@
+#include "imaging/ImageDestination.h"
+#include "imaging/ImageSource.h"
+#include "support/FakeProgram.h"
+#include "support/QtPrinters.h"
+#include "support/TestImages.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+namespace vellumine {
+namespace {
+
+using imaging::UniformType;
+using test::listing;
+using test::writeFile;
+
+struct Outcome {
+    int status;
+    QString output;
+    QString error;
+};
+
+/// Runs the built program in folders of its own, without a terminal.
+class Program : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        std::filesystem::create_directory(m_folder / "temporary");
+        std::filesystem::create_directory(pictures());
+        std::filesystem::create_directory(m_folder / "home");
+    }
+
+    [[nodiscard]] std::filesystem::path pictures() const { return m_folder / "pictures"; }
+    [[nodiscard]] std::filesystem::path temporary() const { return m_folder / "temporary"; }
+
+    void makePicture(std::string_view name, imaging::Size size = test::oddSize) const
+    {
+        auto destination
+            = imaging::ImageDestination::create(pictures() / name, UniformType::Bmp).value();
+        destination.addImage(
+            test::gradient(size, { imaging::ColorModel::Rgb, 8, imaging::AlphaInfo::None }), {});
+        ASSERT_TRUE(destination.finalize());
+    }
+
+    [[nodiscard]] Outcome run(const QStringList& arguments) const
+    {
+        QProcess process;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("TMPDIR"), QString::fromStdString(temporary().string()));
+        environment.insert(
+            QStringLiteral("HOME"), QString::fromStdString((m_folder / "home").string()));
+        environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
+        environment.remove(QStringLiteral("VELLUMINE_CWEBP_PATH"));
+        process.setProcessEnvironment(environment);
+        process.setWorkingDirectory(QString::fromStdString(pictures().string()));
+        // Away from the terminal that the tests may run in: nobody there is to be asked.
+        process.setChildProcessModifier([] { ::setsid(); });
+        process.setStandardInputFile(QProcess::nullDevice());
+        process.start(QStringLiteral(VELLUMINE_BATCH), arguments);
+        EXPECT_TRUE(process.waitForFinished(60'000));
+        EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+        return { process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+            QString::fromUtf8(process.readAllStandardError()) };
+    }
+
+private:
+    test::TemporaryFolder m_folder;
+};
+
+TEST_F(Program, convertsAndSaysSo)
+{
+    makePicture("a.bmp", { 200, 100 });
+    const Outcome outcome = run({ QStringLiteral("a.bmp") });
+    EXPECT_EQ(outcome.status, 0) << outcome.error.toStdString();
+    const QStringList lines = outcome.output.split(u'\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(lines.size(), 2);
+    EXPECT_TRUE(lines[0].startsWith(QStringLiteral("a.bmp: Saved "))) << lines[0].toStdString();
+    EXPECT_TRUE(lines[0].contains(QStringLiteral("a.webp, 60 KB to ")));
+    EXPECT_TRUE(lines[1].startsWith(QStringLiteral("1 file optimized, ")));
+    EXPECT_EQ(outcome.error, QString());
+    EXPECT_EQ(listing(pictures()), "a.bmp a.webp");
+    EXPECT_EQ(listing(temporary()), "");
+}
+
+TEST_F(Program, oneFailureIsStatusOneAndStopsNobody)
+{
+    makePicture("a.bmp");
+    writeFile(pictures() / "b.png", "no picture");
+    const Outcome outcome = run({ QStringLiteral(".") });
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_TRUE(outcome.output.contains(QStringLiteral("b.png: The image could not be read.\n")));
+    EXPECT_TRUE(outcome.output.contains(QStringLiteral("1 file optimized, 1 failed")));
+    EXPECT_TRUE(std::filesystem::exists(pictures() / "a.webp"));
+}
+
+TEST_F(Program, jsonIsOneObjectPerFileAndKeepsTheSamples)
+{
+    makePicture("a.bmp");
+    makePicture("b.bmp");
+    writeFile(pictures() / "c.png", "no picture");
+    const Outcome outcome = run({ QStringLiteral("--json"), QStringLiteral(".") });
+    EXPECT_EQ(outcome.status, 1);
+    const QStringList lines = outcome.output.split(u'\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(lines.size(), 3);
+    int samples = 0;
+    for (const QString& line : lines) {
+        const QJsonObject object = QJsonDocument::fromJson(line.toUtf8()).object();
+        EXPECT_EQ(object.size(), 9);
+        const QJsonObject preview = object[QStringLiteral("comparisonPreview")].toObject();
+        for (const char* key : { "sourceSampleURL", "outputSampleURL" }) {
+            const QUrl url(preview[QString::fromLatin1(key)].toString());
+            samples += url.isEmpty()
+                ? 0
+                : int(std::filesystem::exists(url.toLocalFile().toStdString()));
+        }
+    }
+    EXPECT_EQ(samples, 4);
+}
+
+TEST_F(Program, usageErrorsAreStatusTwoOnStandardError)
+{
+    for (const QStringList& arguments : { QStringList {},
+             QStringList {
+                 QStringLiteral("--set"), QStringLiteral("speed=1"), QStringLiteral("a.bmp") },
+             QStringList {
+                 QStringLiteral("--set"), QStringLiteral("quality=high"), QStringLiteral("a.bmp") },
+             QStringList { QStringLiteral("--unknown") } }) {
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_EQ(outcome.output, QString());
+        EXPECT_TRUE(outcome.error.contains(QStringLiteral("Usage: vellumine-batch")));
+    }
+}
+
+TEST_F(Program, helpAndVersionGoToStandardOutput)
+{
+    const Outcome help = run({ QStringLiteral("--help") });
+    EXPECT_EQ(help.status, 0);
+    EXPECT_TRUE(help.output.startsWith(QStringLiteral("Usage: vellumine-batch")));
+    const Outcome version = run({ QStringLiteral("--version") });
+    EXPECT_EQ(version.status, 0);
+    EXPECT_TRUE(version.output.startsWith(QStringLiteral("vellumine-batch ")));
+}
+
+TEST_F(Program, withoutATerminalAnExistingFileIsSkipped)
+{
+    makePicture("a.bmp");
+    writeFile(pictures() / "a.webp", "old");
+    const Outcome outcome = run({ QStringLiteral("--set"),
+        QStringLiteral("warnBeforeOverwrite=true"), QStringLiteral("a.bmp") });
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_TRUE(outcome.output.contains(
+        QStringLiteral("a.bmp: Skipped because the output file already exists.\n")));
+    EXPECT_EQ(test::readFile(pictures() / "a.webp").size(), 3U);
+}
+
+TEST_F(Program, sameOutputOfTwoSourcesIsTheLastOnesEveryTime)
+{
+    makePicture("same.bmp", { 30, 20 });
+    makePicture("same.gif", { 60, 40 }); // named after another format on purpose
+    for (int round = 0; round < 5; ++round) {
+        const Outcome outcome = run({ QStringLiteral("same.bmp"), QStringLiteral("same.gif") });
+        EXPECT_EQ(outcome.status, 0);
+        const auto written = imaging::ImageSource::create(pictures() / "same.webp", {});
+        ASSERT_TRUE(written);
+        EXPECT_EQ(written->storedSize(), (imaging::Size { 60, 40 }));
+    }
+}
+
+TEST_F(Program, warnedOfAnOutputOfTheSameBatchItSkipsTheSecond)
+{
+    makePicture("same.bmp", { 30, 20 });
+    makePicture("same.gif", { 60, 40 });
+    const Outcome outcome
+        = run({ QStringLiteral("--set"), QStringLiteral("warnBeforeOverwrite=true"),
+            QStringLiteral("same.bmp"), QStringLiteral("same.gif") });
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_TRUE(outcome.output.contains(
+        QStringLiteral("same.gif: Skipped because the output file already exists.\n")));
+    EXPECT_EQ(imaging::ImageSource::create(pictures() / "same.webp", {})->storedSize(),
+        (imaging::Size { 30, 20 }));
+}
+
+TEST_F(Program, awkwardNamesAreConvertedOrReported)
+{
+    makePicture("two  spaces and 100%.bmp");
+    makePicture("-dash.bmp");
+    makePicture("line\nbreak.bmp");
+    makePicture("bad\xff.bmp");
+    const Outcome outcome = run({ QStringLiteral(".") });
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_TRUE(outcome.output.contains(QStringLiteral("line\\nbreak.bmp: ")));
+    EXPECT_TRUE(outcome.output.contains(QStringLiteral("3 files optimized, 1 failed")))
+        << outcome.output.toStdString();
+    for (const char* name : { "two  spaces and 100%.webp", "-dash.webp", "line\nbreak.webp" }) {
+        EXPECT_TRUE(std::filesystem::exists(pictures() / name)) << name;
+    }
+}
+
+TEST_F(Program, nothingToDoIsSaid)
+{
+    const Outcome outcome = run({ QStringLiteral(".") });
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.error, QStringLiteral("No supported image files found\n"));
+}
+
+TEST_F(Program, writesIntoTheSelectedFolder)
+{
+    makePicture("a.bmp");
+    std::filesystem::create_directory(pictures() / "out");
+    const Outcome outcome = run({ QStringLiteral("--set"),
+        QStringLiteral("destinationMode=selectedFolder"), QStringLiteral("--set"),
+        QStringLiteral("destinationFolderBookmark=out"), QStringLiteral("--set"),
+        QStringLiteral("outputFormat=jpeg"), QStringLiteral("a.bmp") });
+    EXPECT_EQ(outcome.status, 0) << outcome.error.toStdString();
+    EXPECT_EQ(listing(pictures() / "out"), "a.jpg");
+}
+
+} // namespace
+} // namespace vellumine

@@ -1,0 +1,299 @@
+#include "imaging/ImageDestination.h"
+
+#include "imaging/ImageSource.h"
+#include "imaging/metadata/ExifBuilder.h"
+#include "imaging/metadata/Exiv2Reading.h"
+#include "support/NamedRows.h"
+#include "support/TestImages.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <csignal>
+
+namespace vellumine::imaging {
+namespace {
+
+using test::oddSize;
+using test::TemporaryFolder;
+using testing::Contains;
+using testing::Key;
+using testing::Not;
+using testing::Pair;
+
+constexpr PixelLayout rgb8 { ColorModel::Rgb, 8, AlphaInfo::None };
+
+ImageProperties cameraProperties(Orientation stored)
+{
+    ImageProperties properties;
+    properties.setBlocks({ .exif = test::cameraExif(),
+                             .xmp = test::xmpPacket(R"(xmp:Rating="3" tiff:Orientation="6")"),
+                             .iptc = test::captionIptc("A caption") },
+        stored);
+    properties.set(PropertyKey::Orientation, static_cast<std::int64_t>(stored));
+    return properties;
+}
+
+Result<void> write(const std::filesystem::path& path, UniformType type, const Image& image,
+    const ImageProperties& properties = {}, ProfilePolicy profile = ProfilePolicy::Embed)
+{
+    auto destination = ImageDestination::create(path, type);
+    if (!destination) {
+        return tl::unexpected(destination.error());
+    }
+    destination->setProfilePolicy(profile);
+    destination->addImage(image, properties);
+    return destination->finalize();
+}
+
+TEST(ImageDestination, knowsItsTypes)
+{
+    EXPECT_THAT(ImageDestination::encodableTypes(),
+        testing::UnorderedElementsAre(UniformType::Jpeg, UniformType::Png, UniformType::Heic,
+            UniformType::Heif, UniformType::Tiff, UniformType::Gif, UniformType::Bmp));
+}
+
+TEST(ImageDestination, refusesWebPWithoutMakingAFile)
+{
+    TemporaryFolder folder;
+    const auto destination = ImageDestination::create(folder / "a.webp", UniformType::WebP);
+    ASSERT_FALSE(destination);
+    EXPECT_EQ(destination.error().kind, Error::Kind::Unsupported);
+    EXPECT_FALSE(std::filesystem::exists(folder / "a.webp"));
+}
+
+TEST(ImageDestination, makesAnEmptyFileAtOnce)
+{
+    TemporaryFolder folder;
+    const auto destination = ImageDestination::create(folder / "a.bmp", UniformType::Bmp);
+    ASSERT_TRUE(destination);
+    EXPECT_EQ(std::filesystem::file_size(folder / "a.bmp"), 0U);
+}
+
+TEST(ImageDestination, neverWritesOverAFile)
+{
+    TemporaryFolder folder;
+    test::writeFile(folder / "a.bmp", "dear");
+    const auto destination = ImageDestination::create(folder / "a.bmp", UniformType::Bmp);
+    ASSERT_FALSE(destination);
+    EXPECT_EQ(destination.error(), (Error { Error::Kind::Io, "File exists" }));
+    EXPECT_EQ(test::textOf(test::readFile(folder / "a.bmp")), "dear");
+}
+
+TEST(ImageDestination, followsNoLink)
+{
+    TemporaryFolder folder;
+    std::filesystem::create_symlink(folder / "elsewhere.bmp", folder / "a.bmp");
+    EXPECT_FALSE(ImageDestination::create(folder / "a.bmp", UniformType::Bmp));
+    EXPECT_FALSE(std::filesystem::exists(folder / "elsewhere.bmp"));
+}
+
+TEST(ImageDestination, failsWithTheSystemsTextWhereThereIsNoFolder)
+{
+    TemporaryFolder folder;
+    const auto destination = ImageDestination::create(folder / "no/a.bmp", UniformType::Bmp);
+    ASSERT_FALSE(destination);
+    EXPECT_EQ(destination.error(), (Error { Error::Kind::Io, "No such file or directory" }));
+}
+
+TEST(ImageDestination, givesTheFileTheUsersModes)
+{
+    TemporaryFolder folder;
+    const mode_t mask = ::umask(0027);
+    const bool made = ImageDestination::create(folder / "a.bmp", UniformType::Bmp).has_value();
+    ::umask(mask);
+    ASSERT_TRUE(made);
+    struct stat status { };
+    ASSERT_EQ(::stat((folder / "a.bmp").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777U, 0640U);
+}
+
+TEST(ImageDestination, failsWithoutAPicture)
+{
+    TemporaryFolder folder;
+    auto destination = ImageDestination::create(folder / "a.bmp", UniformType::Bmp);
+    EXPECT_EQ(destination->finalize().error().kind, Error::Kind::EncodingFailed);
+    destination->addImage(test::gradient(oddSize, rgb8), {});
+    EXPECT_TRUE(destination->finalize());
+    EXPECT_EQ(destination->finalize().error().kind, Error::Kind::EncodingFailed);
+}
+
+TEST(ImageDestination, reportsAFullDisk)
+{
+    TemporaryFolder folder;
+    struct rlimit before { };
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    struct rlimit tight = before;
+    tight.rlim_cur = 1000;
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &tight), 0);
+    const auto written
+        = write(folder / "a.bmp", UniformType::Bmp, test::gradient({ 200, 200 }, rgb8));
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handler);
+    ASSERT_FALSE(written);
+    EXPECT_EQ(written.error(), (Error { Error::Kind::Io, "File too large" }));
+}
+
+struct TypeRow {
+    std::string_view name;
+    UniformType type;
+    double minimumPsnr;
+};
+
+class Destination : public testing::TestWithParam<TypeRow> { };
+
+TEST_P(Destination, writesAFileThatASourceReads)
+{
+    TemporaryFolder folder;
+    const Image image = test::gradient(oddSize, rgb8);
+    const auto written = write(folder / "picture", GetParam().type, image);
+    ASSERT_TRUE(written) << written.error().detail;
+    auto source = ImageSource::create(folder / "picture", Limits {});
+    ASSERT_TRUE(source) << source.error().detail;
+    EXPECT_EQ(source->type(), GetParam().type);
+    EXPECT_GE(test::psnr(*source->image(), image), GetParam().minimumPsnr);
+}
+
+TEST_P(Destination, writesCmyk)
+{
+    TemporaryFolder folder;
+    const Image ink = test::flat(oddSize, { ColorModel::Cmyk, 8, AlphaInfo::None }, { 0, 1, 1, 0 });
+    const auto written = write(folder / "picture", GetParam().type, ink);
+    ASSERT_TRUE(written) << written.error().detail;
+    auto source = ImageSource::create(folder / "picture", Limits {});
+    ASSERT_TRUE(source) << source.error().detail;
+    const Image image = source->image().value();
+    if (GetParam().type == UniformType::Jpeg || GetParam().type == UniformType::Tiff) {
+        EXPECT_EQ(image.layout().model, ColorModel::Cmyk);
+    } else {
+        ASSERT_EQ(image.layout().model, ColorModel::Rgb);
+        const int red = image.layout().alpha == AlphaInfo::First
+                || image.layout().alpha == AlphaInfo::PremultipliedFirst
+            ? 1
+            : 0;
+        EXPECT_GT(test::sampleAt(image, 20, 20, red), 0.7);
+        EXPECT_LT(test::sampleAt(image, 20, 20, red + 1), 0.3);
+        EXPECT_LT(test::sampleAt(image, 20, 20, red + 2), 0.3);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(ImageDestination, Destination,
+    testing::Values(TypeRow { "jpeg", UniformType::Jpeg, 35 },
+        TypeRow { "tiff", UniformType::Tiff, 99 }, TypeRow { "gif", UniformType::Gif, 30 },
+        TypeRow { "bmp", UniformType::Bmp, 99 }),
+    test::RowName {});
+
+class MetadataDestination : public testing::TestWithParam<TypeRow> { };
+
+TEST_P(MetadataDestination, carriesWhatIsKeptAndNoOrientation)
+{
+    TemporaryFolder folder;
+    const Image image = test::gradient(oddSize, rgb8);
+    const ImageProperties properties = cameraProperties(Orientation::RightTop);
+    ASSERT_TRUE(write(folder / "picture", GetParam().type, image, properties));
+    const auto fields = test::fileFields(test::readFile(folder / "picture"));
+    EXPECT_THAT(fields, Contains(Pair("Exif.Image.Make", "Kestrova")));
+    EXPECT_THAT(fields, Contains(Pair("Exif.Photo.LensModel", "A lens")));
+    EXPECT_THAT(fields, Contains(Key("Exif.GPSInfo.GPSLatitude")));
+    EXPECT_THAT(fields, Contains(Pair("Iptc.Application2.Caption", "A caption")));
+    EXPECT_THAT(fields, Contains(Pair("Xmp.xmp.Rating", "3")));
+    EXPECT_THAT(fields, Contains(Pair("Exif.Photo.PixelXDimension", "47")));
+    EXPECT_THAT(fields, Contains(Pair("Exif.Photo.PixelYDimension", "33")));
+    EXPECT_THAT(fields, Not(Contains(Key("Exif.Thumbnail.JPEGInterchangeFormat"))));
+    EXPECT_THAT(fields, Not(Contains(Key("Xmp.tiff.Orientation"))));
+    auto source = ImageSource::create(folder / "picture", Limits {});
+    EXPECT_EQ(source->properties()->integer(PropertyKey::Orientation).value_or(1), 1);
+    EXPECT_EQ(source->thumbnailWithTransform(47)->size(), oddSize);
+}
+
+TEST_P(MetadataDestination, leavesOutWhatWasTakenAway)
+{
+    TemporaryFolder folder;
+    ImageProperties properties = cameraProperties(Orientation::TopLeft);
+    properties.remove(PropertyKey::Gps);
+    properties.remove(PropertyKey::Iptc);
+    properties.remove(PropertyKey::Xmp);
+    ASSERT_TRUE(
+        write(folder / "picture", GetParam().type, test::gradient(oddSize, rgb8), properties));
+    const auto fields = test::fileFields(test::readFile(folder / "picture"));
+    EXPECT_THAT(fields, Contains(Pair("Exif.Photo.LensModel", "A lens")));
+    EXPECT_THAT(fields, Not(Contains(Key("Exif.GPSInfo.GPSLatitude"))));
+    EXPECT_THAT(fields, Not(Contains(Key("Iptc.Application2.Caption"))));
+    EXPECT_THAT(fields, Not(Contains(Key("Xmp.xmp.Rating"))));
+}
+
+TEST_P(MetadataDestination, writesNoneWithoutKeys)
+{
+    TemporaryFolder folder;
+    ImageProperties properties = cameraProperties(Orientation::TopLeft);
+    for (const PropertyKey key : { PropertyKey::Exif, PropertyKey::Gps, PropertyKey::Tiff,
+             PropertyKey::Iptc, PropertyKey::Xmp }) {
+        properties.remove(key);
+    }
+    const Image image = test::gradient(oddSize, rgb8);
+    ASSERT_TRUE(write(folder / "with", GetParam().type, image, properties));
+    ASSERT_TRUE(write(folder / "without", GetParam().type, image));
+    EXPECT_EQ(test::readFile(folder / "with"), test::readFile(folder / "without"));
+}
+
+INSTANTIATE_TEST_SUITE_P(ImageDestination, MetadataDestination,
+    testing::Values(
+        TypeRow { "jpeg", UniformType::Jpeg, 0 }, TypeRow { "tiff", UniformType::Tiff, 0 }),
+    test::RowName {});
+
+TEST(ImageDestination, keepsTheThumbnailOfAnUprightPicture)
+{
+    TemporaryFolder folder;
+    ASSERT_TRUE(write(folder / "a.jpg", UniformType::Jpeg, test::gradient(oddSize, rgb8),
+        cameraProperties(Orientation::TopLeft)));
+    const auto fields = test::fileFields(test::readFile(folder / "a.jpg"));
+    EXPECT_THAT(fields, Contains(Pair("Exif.Thumbnail.JPEGInterchangeFormatLength", "400")));
+    EXPECT_THAT(fields, Not(Contains(Key("Exif.Thumbnail.Orientation"))));
+}
+
+TEST(ImageDestination, leavesOutWhatTheTypeCannotCarry)
+{
+    TemporaryFolder folder;
+    const Image image = test::gradient(oddSize, rgb8);
+    ASSERT_TRUE(
+        write(folder / "a.bmp", UniformType::Bmp, image, cameraProperties(Orientation::RightTop)));
+    ASSERT_TRUE(write(folder / "b.bmp", UniformType::Bmp, image));
+    EXPECT_EQ(test::readFile(folder / "a.bmp"), test::readFile(folder / "b.bmp"));
+}
+
+TEST(ImageDestination, theQualityIsThatOfTheProperties)
+{
+    TemporaryFolder folder;
+    const Image photo = test::syntheticPhoto({ 300, 200 });
+    const auto sizeAt = [&](double quality) {
+        ImageProperties properties;
+        properties.set(PropertyKey::LossyCompressionQuality, quality);
+        const auto path = folder / std::to_string(quality);
+        EXPECT_TRUE(write(path, UniformType::Jpeg, photo, properties));
+        return std::filesystem::file_size(path);
+    };
+    EXPECT_LT(2 * sizeAt(0.3), sizeAt(0.95));
+    ASSERT_TRUE(write(folder / "without", UniformType::Jpeg, photo));
+    EXPECT_EQ(sizeAt(1.0), std::filesystem::file_size(folder / "without"));
+}
+
+TEST(ImageDestination, theProfilePolicyHolds)
+{
+    TemporaryFolder folder;
+    const Image image = test::gradient(oddSize, rgb8);
+    ASSERT_TRUE(write(folder / "with", UniformType::Jpeg, image, {}, ProfilePolicy::Embed));
+    ASSERT_TRUE(write(folder / "without", UniformType::Jpeg, image, {}, ProfilePolicy::Omit));
+    const auto hasProfile = [&](std::string_view name) {
+        const ByteBuffer file = test::readFile(folder / name);
+        return test::textOf(file).find("ICC_PROFILE") != std::string_view::npos;
+    };
+    EXPECT_TRUE(hasProfile("with"));
+    EXPECT_FALSE(hasProfile("without"));
+}
+
+} // namespace
+} // namespace vellumine::imaging

@@ -1,0 +1,131 @@
+#include "imaging/PixelConversion.h"
+#include "imaging/codecs/LittleEndian.h"
+#include "imaging/codecs/bmp/BmpCodec.h"
+#include "support/NamedRows.h"
+#include "support/TestImages.h"
+
+#include <gtest/gtest.h>
+
+namespace vellumine::imaging {
+
+namespace {
+
+using test::oddSize;
+using test::RowName;
+
+struct Row {
+    std::string_view name;
+    PixelLayout layout;
+    int bits; ///< in the file
+    std::uint32_t infoBytes;
+    std::size_t fileBytes;
+};
+
+void PrintTo(const Row& row, std::ostream* stream)
+{
+    *stream << row.name;
+}
+
+EncodeOptions withoutProfile()
+{
+    EncodeOptions options;
+    options.profile = ProfilePolicy::Omit;
+    return options;
+}
+
+class BmpWriter : public testing::TestWithParam<Row> { };
+
+TEST_P(BmpWriter, RoundTripsInTheSmallestForm)
+{
+    const Row& row = GetParam();
+    const Image image = test::gradient(oddSize, row.layout);
+    const auto file = bmp::encode(image, withoutProfile());
+    ASSERT_TRUE(file);
+    EXPECT_EQ(littleEndian32(*file, 14), row.infoBytes);
+    EXPECT_EQ(littleEndian16(*file, 28), row.bits);
+    EXPECT_EQ(file->size(), row.fileBytes);
+    EXPECT_EQ(littleEndian32(*file, 2), row.fileBytes);
+
+    const auto decoded = bmp::decode(*file, {});
+    ASSERT_TRUE(decoded);
+    const PixelLayout expected { ColorModel::Rgb, 8,
+        row.bits == 32 ? AlphaInfo::Last : AlphaInfo::None };
+    ASSERT_EQ(decoded->image.layout(), expected);
+    EXPECT_EQ(test::maximumDifference(decoded->image, relayout(image, expected).value()), 0);
+}
+
+// 47 pixels a row: 48, 144 and 188 bytes, 33 rows
+INSTANTIATE_TEST_SUITE_P(Table, BmpWriter,
+    testing::Values(
+        Row { "Grey8", { ColorModel::Grey, 8, AlphaInfo::None }, 8, 40, 54 + 1024 + 48 * 33 },
+        Row { "Grey16", { ColorModel::Grey, 16, AlphaInfo::None }, 8, 40, 54 + 1024 + 48 * 33 },
+        Row { "GreyAlpha", { ColorModel::Grey, 8, AlphaInfo::Last }, 32, 124, 138 + 188 * 33 },
+        Row { "Rgb8", { ColorModel::Rgb, 8, AlphaInfo::None }, 24, 40, 54 + 144 * 33 },
+        Row { "Rgb16", { ColorModel::Rgb, 16, AlphaInfo::None }, 24, 40, 54 + 144 * 33 },
+        Row { "Padded", { ColorModel::Rgb, 8, AlphaInfo::NoneSkipFirst }, 24, 40, 54 + 144 * 33 },
+        Row { "AlphaLast", { ColorModel::Rgb, 8, AlphaInfo::Last }, 32, 124, 138 + 188 * 33 },
+        Row { "AlphaFirst16", { ColorModel::Rgb, 16, AlphaInfo::First }, 32, 124, 138 + 188 * 33 },
+        Row { "Premultiplied", rgba8Premultiplied, 32, 124, 138 + 188 * 33 }),
+    RowName());
+
+Image wideGamut(PixelLayout layout)
+{
+    const Primaries displayP3 { { 0.3127, 0.3290 }, { 0.680, 0.320 }, { 0.265, 0.690 },
+        { 0.150, 0.060 } };
+    return test::gradient(oddSize, layout)
+        .withColorSpace(
+            ColorSpace::fromPrimaries(displayP3, { TransferCurve::Kind::SRgb }).value());
+}
+
+TEST(BmpWriterProfile, TravelsWhereItIsWanted)
+{
+    for (const AlphaInfo alpha : { AlphaInfo::None, AlphaInfo::Last }) {
+        const Image image = wideGamut({ ColorModel::Rgb, 8, alpha });
+        const auto file = bmp::encode(image, {});
+        ASSERT_TRUE(file);
+        EXPECT_EQ(littleEndian32(*file, 2), file->size());
+        const auto decoded = bmp::decode(*file, {});
+        ASSERT_TRUE(decoded);
+        EXPECT_EQ(decoded->image.colorSpace(),
+            ColorSpace::fromIcc(image.colorSpace().iccProfile(), ColorModel::Rgb).value());
+        EXPECT_EQ(test::maximumDifference(decoded->image, image), 0);
+    }
+}
+
+TEST(BmpWriterProfile, StaysBehindWhereItIsNot)
+{
+    const Image image = wideGamut({ ColorModel::Rgb, 8, AlphaInfo::None });
+    const auto file = bmp::encode(image, withoutProfile());
+    ASSERT_TRUE(file);
+    EXPECT_EQ(file->size(), 54U + 144U * 33U);
+    EXPECT_EQ(bmp::decode(*file, {})->image.colorSpace(), ColorSpace::sRgb());
+}
+
+TEST(BmpWriterProfile, DeviceColoursHaveNone)
+{
+    const Image image = test::gradient(oddSize, { ColorModel::Rgb, 8, AlphaInfo::None })
+                            .withColorSpace(ColorSpace::deviceRgb());
+    EXPECT_EQ(bmp::encode(image, {})->size(), 54U + 144U * 33U);
+}
+
+TEST(BmpWriterRefusal, HasNoCmyk)
+{
+    const auto file = bmp::encode(test::gradient(oddSize, { ColorModel::Cmyk, 8 }), {});
+    ASSERT_FALSE(file);
+    EXPECT_EQ(file.error().kind, Error::Kind::Unsupported);
+}
+
+TEST(BmpWriterSize, OnePixel)
+{
+    for (const PixelLayout layout : { PixelLayout { ColorModel::Grey, 8, AlphaInfo::None },
+             PixelLayout { ColorModel::Rgb, 8, AlphaInfo::None },
+             PixelLayout { ColorModel::Rgb, 8, AlphaInfo::Last } }) {
+        const auto file = bmp::encode(test::flat({ 1, 1 }, layout, { 0.2, 0.4, 0.6, 1.0 }), {});
+        ASSERT_TRUE(file);
+        EXPECT_TRUE(bmp::decode(*file, {}));
+    }
+}
+
+} // namespace
+
+} // namespace vellumine::imaging

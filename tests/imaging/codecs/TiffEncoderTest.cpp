@@ -1,0 +1,105 @@
+#include "imaging/PixelConversion.h"
+#include "imaging/codecs/tiff/TiffCodec.h"
+#include "support/TestImages.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace vellumine::imaging::tiff {
+namespace {
+
+struct LayoutRow {
+    const char* name;
+    PixelLayout given;
+    PixelLayout written;
+};
+
+class TiffRoundTrip : public testing::TestWithParam<LayoutRow> { };
+
+TEST_P(TiffRoundTrip, isLossless)
+{
+    const auto& [name, given, written] = GetParam();
+    const Image image = test::gradient(test::oddSize, given);
+    for (const Effort effort : { Effort::Smallest, Effort::Fastest }) {
+        const auto file = encode(image, { .effort = effort, .metadata = {} });
+        ASSERT_TRUE(file) << file.error().detail;
+        EXPECT_TRUE(sniff(*file));
+        const auto decoded = decode(*file, {});
+        ASSERT_TRUE(decoded) << decoded.error().detail;
+        EXPECT_EQ(decoded->image.layout(), written);
+        const auto expected = relayout(image, written);
+        ASSERT_TRUE(expected);
+        EXPECT_EQ(test::maximumDifference(decoded->image, *expected), 0.0);
+    }
+}
+
+constexpr auto grey = ColorModel::Grey;
+constexpr auto rgb = ColorModel::Rgb;
+constexpr auto cmyk = ColorModel::Cmyk;
+
+LayoutRow same(const char* name, PixelLayout layout)
+{
+    return { name, layout, layout };
+}
+
+INSTANTIATE_TEST_SUITE_P(Layouts, TiffRoundTrip,
+    testing::Values(same("grey8", { grey, 8, AlphaInfo::None }),
+        same("grey16", { grey, 16, AlphaInfo::None }),
+        same("grey8Last", { grey, 8, AlphaInfo::Last }),
+        same("grey16Premultiplied", { grey, 16, AlphaInfo::PremultipliedLast }),
+        same("rgb8", { rgb, 8, AlphaInfo::None }), same("rgb16", { rgb, 16, AlphaInfo::None }),
+        same("rgb8Last", { rgb, 8, AlphaInfo::Last }),
+        same("rgb16Last", { rgb, 16, AlphaInfo::Last }),
+        same("rgb8Premultiplied", { rgb, 8, AlphaInfo::PremultipliedLast }),
+        same("rgb16Premultiplied", { rgb, 16, AlphaInfo::PremultipliedLast }),
+        LayoutRow { "rgb8First", { rgb, 8, AlphaInfo::First }, { rgb, 8, AlphaInfo::Last } },
+        LayoutRow { "rgb16PremultipliedFirst", { rgb, 16, AlphaInfo::PremultipliedFirst },
+            { rgb, 16, AlphaInfo::PremultipliedLast } },
+        LayoutRow {
+            "rgb8SkipLast", { rgb, 8, AlphaInfo::NoneSkipLast }, { rgb, 8, AlphaInfo::None } },
+        LayoutRow {
+            "rgb16SkipFirst", { rgb, 16, AlphaInfo::NoneSkipFirst }, { rgb, 16, AlphaInfo::None } },
+        same("cmyk8", { cmyk, 8, AlphaInfo::None }), same("cmyk16", { cmyk, 16, AlphaInfo::None })),
+    [](const auto& row) { return row.param.name; });
+
+TEST(TiffEncoder, profileIsWrittenAsAsked)
+{
+    const Image image = test::gradient(test::oddSize, { rgb, 8, AlphaInfo::None });
+    const ByteSpan profile = ColorSpace::sRgb().iccProfile();
+    ASSERT_FALSE(profile.empty());
+    const auto contains
+        = [profile](const ByteBuffer& file) { return !std::ranges::search(file, profile).empty(); };
+    const auto with = encode(image, { .profile = ProfilePolicy::Embed, .metadata = {} });
+    const auto without = encode(image, { .profile = ProfilePolicy::Omit, .metadata = {} });
+    const auto device = encode(image.withColorSpace(ColorSpace::deviceRgb()), {});
+    ASSERT_TRUE(with && without && device);
+    EXPECT_TRUE(contains(*with));
+    EXPECT_FALSE(contains(*without));
+    EXPECT_FALSE(contains(*device));
+}
+
+TEST(TiffEncoder, aPhotographShrinksLosslessly)
+{
+    const Image photo = test::syntheticPhoto({ 200, 150 });
+    const auto file = encode(photo, {});
+    ASSERT_TRUE(file);
+    const double ratio = static_cast<double>(file->size()) / (200.0 * 150.0 * 3.0);
+    EXPECT_GT(ratio, 0.3);
+    EXPECT_LT(ratio, 0.9);
+}
+
+TEST(TiffEncoder, severalStripsAreJoined)
+{
+    const Size size { 1200, 700 }; // 2.5 MB, three strips
+    const Image image = test::makeImage(size, { rgb, 8, AlphaInfo::None },
+        [](int x, int y, int c) { return (x * 3 + y * 5 + c * 70) % 256 / 255.0; });
+    const auto file = encode(image, { .effort = Effort::Fastest, .metadata = {} });
+    ASSERT_TRUE(file);
+    const auto decoded = decode(*file, {});
+    ASSERT_TRUE(decoded);
+    EXPECT_EQ(test::maximumDifference(decoded->image, image), 0.0);
+}
+
+} // namespace
+} // namespace vellumine::imaging::tiff

@@ -1,0 +1,275 @@
+#include "pipeline/ImageOptimizer.h"
+#include "pipeline/Workplace.h"
+#include "platform/FilePath.h"
+#include "support/FakeProgram.h"
+#include "support/QtPrinters.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace vellumine {
+namespace {
+
+using platform::ExistingItem;
+using test::listing;
+using test::textOf;
+using test::urlOf;
+using test::writeFile;
+
+/// Writes "encoded" to the path behind "-o".
+constexpr std::string_view copyingEncoder = R"(
+while [ "$1" != "-o" ]; do shift; done
+printf encoded > "$2"
+)";
+
+class CWebP : public testing::Test {
+protected:
+    [[nodiscard]] std::filesystem::path output() const { return workplace.pictures() / "out.webp"; }
+
+    Outcome<void> encode(ExistingItem existing = ExistingItem::Replace) const
+    {
+        return ImageOptimizer::encodeWebPWithCWebP(
+            test::gradient({ 47, 33 }, imaging::rgba8Premultiplied), urlOf(output()), existing,
+            settings, {}, workplace.environment());
+    }
+
+    void expectFailure(std::string_view message) const
+    {
+        const auto encoded = encode();
+        ASSERT_FALSE(encoded);
+        EXPECT_EQ(localizedDescription(encoded.error()).toStdString(), message);
+        EXPECT_EQ(listing(workplace.temporary()), "");
+    }
+
+    void TearDown() override { qunsetenv("VELLUMINE_CWEBP_PATH"); }
+
+    test::Workplace workplace;
+    OptimizerSettings settings;
+};
+
+TEST_F(CWebP, writesAFileThatDecodesToThePicture)
+{
+    settings.outputFormat = OutputFormat::WebPLossless;
+    ASSERT_TRUE(encode());
+    const auto picture = test::readPicture(output());
+    EXPECT_EQ(picture.size(), test::oddSize);
+    EXPECT_TRUE(picture.hasAlpha());
+    EXPECT_EQ(listing(workplace.temporary()), "");
+    EXPECT_EQ(listing(workplace.pictures()), "out.webp");
+}
+
+struct ArgumentRow {
+    const char* name;
+    OutputFormat format;
+    double quality;
+    bool removeMetadata;
+    bool removeColorManagement;
+    const char* expected;
+};
+
+class CWebPArguments : public CWebP, public testing::WithParamInterface<ArgumentRow> { };
+
+TEST_P(CWebPArguments, areInThisOrder)
+{
+    workplace.replaceEncoder("printf '%s\\n' \"$@\" > '"
+        + (workplace.programs() / "arguments").string() + "'\n" + std::string(copyingEncoder));
+    settings.outputFormat = GetParam().format;
+    settings.quality = GetParam().quality;
+    settings.removeMetadata = GetParam().removeMetadata;
+    settings.removeColorManagement = GetParam().removeColorManagement;
+    ASSERT_TRUE(encode());
+    std::string arguments = textOf(workplace.programs() / "arguments");
+    // The two temporary names are told apart by their UUIDs: in capitals, each its own.
+    const std::string folder = workplace.temporary().string() + "/vellumine-";
+    for (const char* mark : { "PAM", "WEBP" }) {
+        const auto at = arguments.find(folder);
+        ASSERT_NE(at, std::string::npos) << arguments;
+        const std::string uuid = arguments.substr(at + folder.size(), 36);
+        EXPECT_EQ(QUuid::fromString(QString::fromStdString(uuid))
+                      .toString(QUuid::WithoutBraces)
+                      .toUpper()
+                      .toStdString(),
+            uuid);
+        arguments.replace(at, folder.size() + 36, mark);
+        EXPECT_EQ(arguments.find(uuid), std::string::npos);
+    }
+    EXPECT_EQ(arguments, GetParam().expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(ImageOptimizer, CWebPArguments,
+    testing::Values(ArgumentRow { "lossyWithNothingKept", OutputFormat::WebP, 82.9, true, true,
+                        "-quiet\n-metadata\nnone\n-q\n82\nPAM.pam\n-o\nWEBP.webp\n" },
+        ArgumentRow { "lossyWithTheProfile", OutputFormat::WebP, 100, true, false,
+            "-quiet\n-metadata\nicc\n-q\n100\nPAM.pam\n-o\nWEBP.webp\n" },
+        ArgumentRow { "lossyWithMetadata", OutputFormat::WebP, 0.99, false, true,
+            "-quiet\n-metadata\nexif,xmp\n-q\n0\nPAM.pam\n-o\nWEBP.webp\n" },
+        ArgumentRow { "lossyWithAll", OutputFormat::WebP, -3.7, false, false,
+            "-quiet\n-metadata\nall\n-q\n-3\nPAM.pam\n-o\nWEBP.webp\n" },
+        ArgumentRow { "lossless", OutputFormat::WebPLossless, 82, true, true,
+            "-quiet\n-metadata\nnone\n-lossless\nPAM.pam\n-o\nWEBP.webp\n" },
+        ArgumentRow { "losslessWithAll", OutputFormat::WebPLossless, 82, false, false,
+            "-quiet\n-metadata\nall\n-lossless\nPAM.pam\n-o\nWEBP.webp\n" }),
+    [](const auto& instance) { return std::string(instance.param.name); });
+
+using CWebPDeathTest = CWebP;
+
+TEST_F(CWebPDeathTest, aQualityThatIsNoIntegerIsFatal)
+{
+    settings.quality = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_DEATH((void)encode(), "quality");
+    settings.quality = 1e19;
+    EXPECT_DEATH((void)encode(), "quality");
+}
+
+TEST_F(CWebP, errorTextOfANonZeroExitIsShownTrimmed)
+{
+    workplace.replaceEncoder("printf '\\n  cannot do it \\n\\n' >&2\nexit 3\n");
+    expectFailure("Could not finish writing out.webp: cannot do it");
+    EXPECT_EQ(listing(workplace.pictures()), "");
+}
+
+TEST_F(CWebP, silentNonZeroExitShowsTheStatus)
+{
+    workplace.replaceEncoder("exit 42\n");
+    expectFailure("Could not finish writing out.webp: cwebp exited with status 42");
+}
+
+TEST_F(CWebP, errorTextThatIsNoUtf8CountsAsAbsent)
+{
+    workplace.replaceEncoder("printf 'bad \\377 text' >&2\nexit 5\n");
+    expectFailure("Could not finish writing out.webp: cwebp exited with status 5");
+}
+
+TEST_F(CWebP, endByASignalShowsItsNumber)
+{
+    workplace.replaceEncoder("kill -KILL $$\n");
+    expectFailure("Could not finish writing out.webp: cwebp exited with status 9");
+}
+
+TEST_F(CWebP, failureAfterTheOutputWasWrittenLeavesNothing)
+{
+    workplace.replaceEncoder(std::string(copyingEncoder) + "exit 1\n");
+    expectFailure("Could not finish writing out.webp: cwebp exited with status 1");
+    EXPECT_EQ(listing(workplace.pictures()), "");
+}
+
+TEST_F(CWebP, successWithoutAnOutputFileFails)
+{
+    workplace.replaceEncoder("exit 0\n");
+    expectFailure("Could not finish writing out.webp: cwebp did not create an output file");
+}
+
+TEST_F(CWebP, outputWrittenElsewhereFails)
+{
+    workplace.replaceEncoder(
+        "printf x > '" + (workplace.programs() / "elsewhere").string() + "'\nexit 0\n");
+    expectFailure("Could not finish writing out.webp: cwebp did not create an output file");
+}
+
+TEST_F(CWebP, aMegabyteOfErrorTextBlocksNothingAndIsIgnoredOnSuccess)
+{
+    workplace.replaceEncoder(
+        "head -c 1000000 /dev/zero | tr '\\0' x >&2\n" + std::string(copyingEncoder));
+    ASSERT_TRUE(encode());
+    EXPECT_EQ(textOf(output()), "encoded");
+    EXPECT_EQ(listing(workplace.temporary()), "");
+}
+
+TEST_F(CWebP, withoutAnEncoderTwoSentencesRunTogether)
+{
+    workplace.removeEncoder();
+    expectFailure("WebP support is not bundled in this build. is not supported by this macOS "
+                  "ImageIO installation.");
+}
+
+TEST_F(CWebP, encoderThatCannotBeStartedIsNamedWithTheReason)
+{
+    workplace.removeEncoder();
+    writeFile(workplace.programs() / "cwebp", "\x01\x02");
+    std::filesystem::permissions(workplace.programs() / "cwebp", std::filesystem::perms::owner_all);
+    expectFailure("WebP encoder at " + (workplace.programs() / "cwebp").string()
+        + " could not be launched: Exec format error is not supported by this macOS ImageIO "
+          "installation.");
+}
+
+TEST_F(CWebP, withoutATemporaryFolderThePamFileIsNamed)
+{
+    std::filesystem::remove(workplace.temporary());
+    const auto encoded = encode();
+    ASSERT_FALSE(encoded);
+    const QString text = localizedDescription(encoded.error());
+    EXPECT_TRUE(text.startsWith(QStringLiteral("Could not finish writing vellumine-")))
+        << text.toStdString();
+    EXPECT_TRUE(text.endsWith(QStringLiteral(".pam: No such file or directory")))
+        << text.toStdString();
+}
+
+TEST_F(CWebP, copyThatFailsHasTheSystemsText)
+{
+    workplace.replaceEncoder(copyingEncoder);
+    std::filesystem::remove(workplace.pictures());
+    expectFailure("Could not save out.webp: No such file or directory");
+}
+
+TEST_F(CWebP, folderOfTheOutputThatIsAFileHasTheSystemsText)
+{
+    workplace.replaceEncoder(copyingEncoder);
+    std::filesystem::remove(workplace.pictures());
+    writeFile(workplace.pictures(), "a file");
+    expectFailure("Could not save out.webp: Not a directory");
+}
+
+TEST_F(CWebP, aFileThatAppearedMeanwhileIsKept)
+{
+    workplace.replaceEncoder(
+        "printf other > '" + output().string() + "'\n" + std::string(copyingEncoder));
+    const auto encoded = encode(ExistingItem::Keep);
+    ASSERT_FALSE(encoded);
+    EXPECT_EQ(localizedDescription(encoded.error()),
+        QStringLiteral("Could not save out.webp: File exists"));
+    EXPECT_EQ(textOf(output()), "other");
+    EXPECT_EQ(listing(workplace.pictures()), "out.webp");
+    EXPECT_EQ(listing(workplace.temporary()), "");
+}
+
+TEST_F(CWebP, existingOutputStandsUntilTheNewOneIsComplete)
+{
+    writeFile(output(), "old");
+    workplace.replaceEncoder("cat '" + output().string() + "' > '"
+        + (workplace.programs() / "seen").string() + "'\n" + std::string(copyingEncoder));
+    ASSERT_TRUE(encode());
+    EXPECT_EQ(textOf(workplace.programs() / "seen"), "old");
+    EXPECT_EQ(textOf(output()), "encoded");
+}
+
+TEST_F(CWebP, encoderOfTheEnvironmentComesFirst)
+{
+    test::writeProgram(workplace.pictures() / "mine", "exit 0\n");
+    qputenv("VELLUMINE_CWEBP_PATH", (workplace.pictures() / "mine").c_str());
+    EXPECT_EQ(ImageOptimizer::bundledCWebPExecutableURL(workplace.programs()),
+        urlOf(workplace.pictures() / "mine"));
+}
+
+TEST_F(CWebP, missingEncoderOfTheEnvironmentGivesWayToTheBundledOne)
+{
+    qputenv("VELLUMINE_CWEBP_PATH", (workplace.pictures() / "missing").c_str());
+    EXPECT_EQ(ImageOptimizer::bundledCWebPExecutableURL(workplace.programs()),
+        urlOf(workplace.programs() / "cwebp"));
+    qputenv("VELLUMINE_CWEBP_PATH", "");
+    EXPECT_EQ(ImageOptimizer::bundledCWebPExecutableURL(workplace.programs()),
+        urlOf(workplace.programs() / "cwebp"));
+}
+
+TEST_F(CWebP, encoderOfTheEnvironmentThatCannotBeExecutedGivesWay)
+{
+    writeFile(workplace.pictures() / "mine", "x");
+    qputenv("VELLUMINE_CWEBP_PATH", (workplace.pictures() / "mine").c_str());
+    EXPECT_EQ(ImageOptimizer::bundledCWebPExecutableURL(workplace.programs()),
+        urlOf(workplace.programs() / "cwebp"));
+    workplace.removeEncoder();
+    EXPECT_EQ(ImageOptimizer::bundledCWebPExecutableURL(workplace.programs()), std::nullopt);
+}
+
+} // namespace
+} // namespace vellumine

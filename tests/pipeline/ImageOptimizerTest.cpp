@@ -1,0 +1,520 @@
+#include "pipeline/ImageOptimizer.h"
+
+#include "pipeline/Workplace.h"
+#include "platform/FilePath.h"
+#include "platform/SecurityScope.h"
+#include "support/FakeProgram.h"
+#include "support/QtPrinters.h"
+
+#include <QLocale>
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <future>
+#include <map>
+#include <mutex>
+
+namespace vellumine {
+namespace {
+
+using imaging::AlphaInfo;
+using imaging::ColorModel;
+using imaging::Image;
+using imaging::UniformType;
+using test::listing;
+using test::textOf;
+using test::urlOf;
+using test::writeFile;
+
+constexpr imaging::PixelLayout rgb8 { ColorModel::Rgb, 8, AlphaInfo::None };
+constexpr imaging::PixelLayout rgba8 { ColorModel::Rgb, 8, AlphaInfo::Last };
+
+class CountingScope final : public platform::SecurityScope {
+public:
+    bool startAccessing(const QUrl& url) override
+    {
+        const std::lock_guard lock(m_mutex);
+        events.push_back(QStringLiteral("start ") + platform::lastPathComponent(url));
+        return !refuses.contains(platform::lastPathComponent(url));
+    }
+    void stopAccessing(const QUrl& url) override
+    {
+        const std::lock_guard lock(m_mutex);
+        events.push_back(QStringLiteral("stop ") + platform::lastPathComponent(url));
+    }
+
+    QStringList events;
+    QStringList refuses;
+
+private:
+    std::mutex m_mutex;
+};
+
+class Optimize : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        QLocale::setDefault(QLocale::c());
+        environment.moveToTrash = [this](const QUrl& url) -> platform::Result<void> {
+            trashed.push_back(url);
+            std::filesystem::remove(platform::toPath(url));
+            return {};
+        };
+    }
+
+    [[nodiscard]] std::filesystem::path in(std::string_view name) const
+    {
+        return workplace.pictures() / name;
+    }
+
+    /// A picture of noise-free colours in a format that is exact.
+    std::filesystem::path makeSource(
+        std::string_view name = "a.bmp", imaging::Size size = test::oddSize) const
+    {
+        test::writePicture(in(name), test::gradient(size, rgb8), UniformType::Bmp);
+        return in(name);
+    }
+
+    Outcome<ProcessingResult> optimize(const std::filesystem::path& path) const
+    {
+        return ImageOptimizer::optimize(urlOf(path), settings, environment);
+    }
+
+    void expectFailure(const std::filesystem::path& path, std::string_view message) const
+    {
+        const auto result = optimize(path);
+        ASSERT_FALSE(result);
+        EXPECT_EQ(localizedDescription(result.error()).toStdString(), message);
+        EXPECT_EQ(listing(workplace.temporary()), "");
+    }
+
+    test::Workplace workplace;
+    OptimizerSettings settings;
+    ConversionEnvironment environment = workplace.environment();
+    std::vector<QUrl> trashed;
+};
+
+TEST_F(Optimize, resultOfASuccessHasEveryField)
+{
+    makeSource("photo.bmp", { 3000, 40 });
+    const auto originalSize = static_cast<qint64>(std::filesystem::file_size(in("photo.bmp")));
+    const auto result = optimize(in("photo.bmp"));
+    ASSERT_TRUE(result) << localizedDescription(result.error()).toStdString();
+    EXPECT_FALSE(result->id.isNull());
+    EXPECT_EQ(result->sourceURL, urlOf(in("photo.bmp")));
+    EXPECT_EQ(result->outputURL, urlOf(in("photo.webp")));
+    EXPECT_EQ(result->originalBytes, originalSize);
+    EXPECT_EQ(
+        result->outputBytes, static_cast<qint64>(std::filesystem::file_size(in("photo.webp"))));
+    EXPECT_TRUE(result->message.startsWith(QStringLiteral("Saved ")));
+    EXPECT_TRUE(result->isSuccess);
+    ASSERT_TRUE(result->audit);
+    EXPECT_EQ(*result->audit,
+        (ConversionAudit { { 3000, 40 }, { 2560, 34 }, QStringLiteral("BMP"),
+            QStringLiteral("WebP Lossy"), true, true, true, false, true }));
+    ASSERT_TRUE(result->comparisonPreview);
+    EXPECT_EQ(result->comparisonPreview->sourcePixelSize, QSizeF(3000, 40));
+    EXPECT_EQ(result->comparisonPreview->outputPixelSize, QSizeF(2560, 34));
+    EXPECT_EQ(result->comparisonPreview->displaySize, QSizeF(720, 34));
+    EXPECT_EQ(listing(in("")), "photo.bmp photo.webp");
+}
+
+TEST_F(Optimize, leavesOnlyTheTwoSamplesInTheTemporaryFolder)
+{
+    const auto result = optimize(makeSource());
+    ASSERT_TRUE(result);
+    ASSERT_TRUE(result->comparisonPreview);
+    std::set<std::string> expected {
+        platform::toPath(result->comparisonPreview->sourceSampleURL).string(),
+        platform::toPath(result->comparisonPreview->outputSampleURL).string(),
+    };
+    std::set<std::string> found;
+    for (const auto& entry : std::filesystem::directory_iterator(workplace.temporary())) {
+        found.insert(entry.path().string());
+    }
+    EXPECT_EQ(found, expected);
+}
+
+struct FormatRow {
+    const char* name;
+    OutputFormat format;
+    const char* output;
+    UniformType type;
+    const char* title;
+    bool supportsAlpha;
+};
+
+class OptimizeTo : public Optimize, public testing::WithParamInterface<FormatRow> { };
+
+TEST_P(OptimizeTo, writesThatFormatAndSaysSo)
+{
+    test::writePicture(in("a.tiff"), test::gradient(test::oddSize, rgba8), UniformType::Tiff);
+    settings.outputFormat = GetParam().format;
+    const auto result = optimize(in("a.tiff"));
+    ASSERT_TRUE(result) << localizedDescription(result.error()).toStdString();
+    EXPECT_EQ(result->outputURL, urlOf(in(GetParam().output)));
+    EXPECT_EQ(result->audit->inputFormat, QStringLiteral("TIFF"));
+    EXPECT_EQ(result->audit->outputFormat, QString::fromLatin1(GetParam().title));
+    EXPECT_TRUE(result->audit->sourceHasAlpha);
+    EXPECT_EQ(result->audit->outputSupportsAlpha, GetParam().supportsAlpha);
+    const auto source = imaging::ImageSource::create(in(GetParam().output), {});
+    ASSERT_TRUE(source);
+    EXPECT_EQ(source->type(), GetParam().type);
+    EXPECT_EQ(source->storedSize(), test::oddSize);
+}
+
+INSTANTIATE_TEST_SUITE_P(ImageOptimizer, OptimizeTo,
+    testing::Values(
+        FormatRow { "webp", OutputFormat::WebP, "a.webp", UniformType::WebP, "WebP Lossy", true },
+        FormatRow { "webpLossless", OutputFormat::WebPLossless, "a.webp", UniformType::WebP,
+            "WebP Lossless", true },
+        FormatRow { "jpeg", OutputFormat::Jpeg, "a.jpg", UniformType::Jpeg, "JPEG", false },
+        FormatRow { "png", OutputFormat::Png, "a.png", UniformType::Png, "PNG", true },
+        FormatRow { "heic", OutputFormat::Heic, "a.heic", UniformType::Heic, "HEIC", false },
+        FormatRow { "original", OutputFormat::Original, "a-optimized.tiff", UniformType::Tiff,
+            "TIFF", false }),
+    [](const auto& instance) { return std::string(instance.param.name); });
+
+TEST_F(Optimize, misnamedFileGoesByItsContent)
+{
+    makeSource("a.png");
+    settings.outputFormat = OutputFormat::Original;
+    const auto result = optimize(in("a.png"));
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->outputURL, urlOf(in("a.bmp")));
+    EXPECT_EQ(result->audit->inputFormat, QStringLiteral("BMP"));
+}
+
+TEST_F(Optimize, webPInTheOriginalFormatIsRefused)
+{
+    settings.outputFormat = OutputFormat::WebPLossless;
+    ASSERT_TRUE(optimize(makeSource("a.bmp")));
+    for (const auto& entry : std::filesystem::directory_iterator(workplace.temporary())) {
+        std::filesystem::remove(entry.path());
+    }
+    settings.outputFormat = OutputFormat::Original;
+    expectFailure(
+        in("a.webp"), "Original Format is not supported by this macOS ImageIO installation.");
+    EXPECT_EQ(listing(in("")), "a.bmp a.webp");
+}
+
+TEST_F(Optimize, outputLargerThanTheInputIsKeptAndConverted)
+{
+    settings = test::plainSettings(OutputFormat::Jpeg);
+    ASSERT_TRUE(optimize(makeSource("a.bmp", { 300, 200 })));
+    settings = test::plainSettings(OutputFormat::Original);
+    settings.filenameSuffix = QStringLiteral("_b");
+    settings.outputFormat = OutputFormat::Png;
+    settings.filenamePrefix = QStringLiteral("p");
+    // A picture of noise is larger as PNG than as JPEG.
+    test::writePicture(in("noise.jpg"), test::syntheticPhoto({ 300, 200 }), UniformType::Jpeg);
+    const auto result = optimize(in("noise.jpg"));
+    ASSERT_TRUE(result);
+    EXPECT_GT(result->outputBytes, result->originalBytes);
+    EXPECT_EQ(result->message, QStringLiteral("Converted"));
+    EXPECT_TRUE(result->isSuccess);
+    EXPECT_TRUE(std::filesystem::exists(in("pnoise_b.png")));
+}
+
+TEST_F(Optimize, whatIsNoPictureIsUnreadable)
+{
+    writeFile(in("text.png"), "hello");
+    expectFailure(in("text.png"), "The image could not be read.");
+    expectFailure(in("missing.png"), "The image could not be read.");
+    expectFailure(in(""), "The image could not be read.");
+    EXPECT_EQ(listing(in("")), "text.png");
+}
+
+TEST_F(Optimize, truncatedPictureIsUnreadableAndLeavesTheOldOutput)
+{
+    const auto source = makeSource();
+    std::filesystem::resize_file(source, std::filesystem::file_size(source) / 2);
+    writeFile(in("a.webp"), "old");
+    expectFailure(source, "The image could not be read.");
+    EXPECT_EQ(textOf(in("a.webp")), "old");
+}
+
+TEST_F(Optimize, pictureBeyondTheLimitsIsUnreadable)
+{
+    environment.limits.maximumPixels = 100;
+    expectFailure(makeSource(), "The image could not be read.");
+}
+
+TEST_F(Optimize, unreadableImageComesBeforeTheMissingFolder)
+{
+    settings.destinationMode = DestinationMode::SelectedFolder;
+    writeFile(in("text.png"), "hello");
+    expectFailure(in("text.png"), "The image could not be read.");
+    expectFailure(makeSource(), "The selected destination folder is no longer available.");
+    EXPECT_EQ(listing(in("")), "a.bmp text.png");
+}
+
+TEST_F(Optimize, vanishedDestinationFolderFailsByFormat)
+{
+    settings.destinationMode = DestinationMode::SelectedFolder;
+    settings.destinationFolderURL = urlOf(in("vanished"));
+    settings.outputFormat = OutputFormat::Jpeg;
+    expectFailure(makeSource("a.bmp"), "Could not create a.jpg.");
+    settings.outputFormat = OutputFormat::WebP;
+    expectFailure(in("a.bmp"), "Could not save a.webp: No such file or directory");
+}
+
+TEST_F(Optimize, nameThatIsTooLongFailsByFormat)
+{
+    const std::string base(251, 'n');
+    makeSource(base + ".bmp");
+    settings.outputFormat = OutputFormat::Heic;
+    expectFailure(in(base + ".bmp"), "Could not create " + base + ".heic.");
+    settings.outputFormat = OutputFormat::WebP;
+    expectFailure(in(base + ".bmp"), "Could not save " + base + ".webp: File name too long");
+    EXPECT_EQ(listing(in("")), base + ".bmp");
+}
+
+TEST_F(Optimize, skipLeavesTheExistingFileUntouched)
+{
+    settings.warnBeforeOverwrite = true;
+    writeFile(in("a.webp"), "old");
+    environment.confirmOverwrite = [](const QUrl&) { return OverwriteDecision::Skip; };
+    expectFailure(makeSource(), "Skipped because the output file already exists.");
+    EXPECT_EQ(textOf(in("a.webp")), "old");
+    EXPECT_EQ(listing(in("")), "a.bmp a.webp");
+}
+
+TEST_F(Optimize, replaceReplaces)
+{
+    settings.warnBeforeOverwrite = true;
+    writeFile(in("a.webp"), "old");
+    environment.confirmOverwrite = [](const QUrl&) { return OverwriteDecision::Replace; };
+    ASSERT_TRUE(optimize(makeSource()));
+    EXPECT_EQ(test::readPicture(in("a.webp")).size(), test::oddSize);
+}
+
+TEST_F(Optimize, fileThatVanishesAfterTheQuestionIsNoProblem)
+{
+    settings.warnBeforeOverwrite = true;
+    writeFile(in("a.webp"), "old");
+    environment.confirmOverwrite = [this](const QUrl&) {
+        std::filesystem::remove(in("a.webp"));
+        return OverwriteDecision::Replace;
+    };
+    ASSERT_TRUE(optimize(makeSource()));
+    EXPECT_EQ(test::readPicture(in("a.webp")).size(), test::oddSize);
+}
+
+TEST_F(Optimize, existingFileStandsWhenTheEncoderFails)
+{
+    writeFile(in("a.webp"), "old");
+    workplace.replaceEncoder("exit 1\n");
+    expectFailure(makeSource(), "Could not finish writing a.webp: cwebp exited with status 1");
+    EXPECT_EQ(textOf(in("a.webp")), "old");
+    EXPECT_EQ(listing(in("")), "a.bmp a.webp");
+}
+
+TEST_F(Optimize, folderInTheWayFailsWithTheSystemsText)
+{
+    for (const OutputFormat format : { OutputFormat::WebP, OutputFormat::Jpeg }) {
+        settings.outputFormat = format;
+        const char* name = format == OutputFormat::WebP ? "a.webp" : "a.jpg";
+        std::filesystem::create_directory(in(name));
+        workplace.replaceEncoder("touch '" + (workplace.programs() / "ran").string() + "'\n");
+        expectFailure(
+            makeSource(format == OutputFormat::WebP ? "a.bmp" : "a.tif"), "Is a directory");
+        EXPECT_TRUE(std::filesystem::is_directory(in(name)));
+    }
+    EXPECT_FALSE(std::filesystem::exists(workplace.programs() / "ran"));
+}
+
+TEST_F(Optimize, outputThatIsALinkIsReplacedItself)
+{
+    writeFile(in("precious"), "precious");
+    std::filesystem::create_symlink("precious", in("a.webp"));
+    ASSERT_TRUE(optimize(makeSource()));
+    EXPECT_FALSE(std::filesystem::is_symlink(in("a.webp")));
+    EXPECT_EQ(textOf(in("precious")), "precious");
+}
+
+TEST_F(Optimize, sourceIsNeverWrittenOverByAnotherName)
+{
+    makeSource("a.bmp");
+    const auto before = test::readFile(in("a.bmp"));
+    std::filesystem::create_hard_link(in("a.bmp"), in("a.webp"));
+    const auto hard = optimize(in("a.bmp"));
+    ASSERT_TRUE(hard);
+    EXPECT_EQ(hard->outputURL, urlOf(in("a-optimized.webp")));
+
+    std::filesystem::remove(in("a.webp"));
+    std::filesystem::create_symlink("a.bmp", in("a.webp"));
+    const auto soft = optimize(in("a.bmp"));
+    ASSERT_TRUE(soft);
+    EXPECT_EQ(soft->outputURL, urlOf(in("a-optimized.webp")));
+    EXPECT_EQ(test::readFile(in("a.bmp")), before);
+}
+
+TEST_F(Optimize, modificationTimeIsCarriedOverToTheNanosecond)
+{
+    const auto source = makeSource();
+    const struct timespec times[2] { { 1, 1 }, { 1'234'567'890, 123'456'789 } };
+    ASSERT_EQ(::utimensat(AT_FDCWD, source.c_str(), times, 0), 0);
+    ASSERT_TRUE(optimize(source));
+    struct stat status { };
+    ASSERT_EQ(::stat(in("a.webp").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mtim.tv_sec, 1'234'567'890);
+    EXPECT_EQ(status.st_mtim.tv_nsec, 123'456'789);
+
+    settings.preserveModificationTime = false;
+    ASSERT_TRUE(optimize(source));
+    ASSERT_EQ(::stat(in("a.webp").c_str(), &status), 0);
+    EXPECT_GT(status.st_mtim.tv_sec, 1'700'000'000);
+}
+
+TEST_F(Optimize, originalGoesToTheTrashAfterItsOutputWasReadBack)
+{
+    settings.moveOriginalToTrash = true;
+    bool outputWasThere = false;
+    environment.moveToTrash = [&](const QUrl& url) -> platform::Result<void> {
+        outputWasThere = test::readPicture(in("a.webp")).size() == test::oddSize;
+        trashed.push_back(url);
+        return {};
+    };
+    const auto result = optimize(makeSource());
+    ASSERT_TRUE(result);
+    EXPECT_EQ(trashed, std::vector { urlOf(in("a.bmp")) });
+    EXPECT_TRUE(outputWasThere);
+    EXPECT_FALSE(result->message.contains(QStringLiteral("Trash")));
+    EXPECT_TRUE(result->comparisonPreview);
+}
+
+TEST_F(Optimize, originalStaysWhenItIsNotWanted)
+{
+    ASSERT_TRUE(optimize(makeSource()));
+    EXPECT_TRUE(trashed.empty());
+}
+
+TEST_F(Optimize, originalStaysWhenTheOutputCannotBeReadBack)
+{
+    settings.moveOriginalToTrash = true;
+    workplace.replaceEncoder(R"(
+while [ "$1" != "-o" ]; do shift; done
+printf garbage > "$2"
+)");
+    const auto result = optimize(makeSource());
+    ASSERT_TRUE(result);
+    EXPECT_TRUE(trashed.empty());
+    EXPECT_TRUE(std::filesystem::exists(in("a.bmp")));
+    EXPECT_TRUE(result->isSuccess);
+    EXPECT_TRUE(result->message.endsWith(QStringLiteral(". Original could not be moved to Trash")));
+}
+
+TEST_F(Optimize, originalStaysWhenTheOutputHasAnotherSize)
+{
+    settings = test::plainSettings(OutputFormat::WebPLossless);
+    ASSERT_TRUE(optimize(makeSource("small.bmp", { 9, 9 })));
+    settings.moveOriginalToTrash = true;
+    workplace.replaceEncoder("while [ \"$1\" != \"-o\" ]; do shift; done\ncp '"
+        + in("small.webp").string() + "' \"$2\"\n");
+    const auto result = optimize(makeSource("a.bmp"));
+    ASSERT_TRUE(result);
+    EXPECT_TRUE(trashed.empty());
+    EXPECT_TRUE(result->message.contains(QStringLiteral("could not be moved to Trash")));
+}
+
+TEST_F(Optimize, trashThatFailsIsOnlyMentioned)
+{
+    settings.moveOriginalToTrash = true;
+    environment.moveToTrash = [](const QUrl&) { return platform::failure(EPERM); };
+    const auto result = optimize(makeSource());
+    ASSERT_TRUE(result);
+    EXPECT_TRUE(result->isSuccess);
+    EXPECT_TRUE(result->message.endsWith(QStringLiteral(". Original could not be moved to Trash")));
+}
+
+TEST_F(Optimize, accessesAreEndedOnEveryWayOut)
+{
+    const auto run = [this](const std::filesystem::path& path) {
+        const auto scope = std::make_shared<CountingScope>();
+        environment.securityScope = scope;
+        (void)optimize(path);
+        return scope->events;
+    };
+    const QStringList expected { QStringLiteral("start a.bmp"), QStringLiteral("start pictures"),
+        QStringLiteral("stop pictures"), QStringLiteral("stop a.bmp") };
+    EXPECT_EQ(run(makeSource()), expected);
+    workplace.removeEncoder();
+    EXPECT_EQ(run(in("a.bmp")), expected);
+    writeFile(in("a.bmp"), "broken");
+    EXPECT_EQ(run(in("a.bmp")), expected);
+}
+
+TEST_F(Optimize, accessThatWasNotGrantedIsNotEnded)
+{
+    const auto scope = std::make_shared<CountingScope>();
+    scope->refuses = QStringList { QStringLiteral("a.bmp") };
+    environment.securityScope = scope;
+    ASSERT_TRUE(optimize(makeSource()));
+    EXPECT_EQ(scope->events,
+        (QStringList { QStringLiteral("start a.bmp"), QStringLiteral("start pictures"),
+            QStringLiteral("stop pictures") }));
+}
+
+TEST_F(Optimize, folderOfThePreferencesIsAccessedWhateverTheMode)
+{
+    const auto scope = std::make_shared<CountingScope>();
+    environment.securityScope = scope;
+    settings.destinationFolderURL = urlOf(workplace.programs());
+    ASSERT_TRUE(optimize(makeSource()));
+    EXPECT_TRUE(scope->events.contains(QStringLiteral("start programs")));
+    EXPECT_TRUE(std::filesystem::exists(in("a.webp")));
+}
+
+TEST_F(Optimize, namedPipeIsRefusedWithoutWaiting)
+{
+    ASSERT_EQ(::mkfifo(in("pipe.png").c_str(), 0600), 0);
+    expectFailure(in("pipe.png"), "The image could not be read.");
+}
+
+TEST_F(Optimize, outputHasThePermissionsOfANewFile)
+{
+    const mode_t before = ::umask(027);
+    settings.outputFormat = OutputFormat::WebP;
+    const bool webP = optimize(makeSource()).has_value();
+    settings.outputFormat = OutputFormat::Jpeg;
+    const bool jpeg = optimize(in("a.bmp")).has_value();
+    ::umask(before);
+    ASSERT_TRUE(webP && jpeg);
+    for (const char* name : { "a.webp", "a.jpg" }) {
+        struct stat status { };
+        ASSERT_EQ(::stat(in(name).c_str(), &status), 0);
+        EXPECT_EQ(status.st_mode & 07777U, 0640U) << name;
+    }
+}
+
+TEST_F(Optimize, eightConversionsAtOnceAreAllRight)
+{
+    constexpr int count = 8;
+    for (int i = 0; i < count; ++i) {
+        makeSource("p" + std::to_string(i) + ".bmp", { 40 + i, 30 + i });
+    }
+    std::vector<std::future<Outcome<ProcessingResult>>> running;
+    settings.outputFormat = OutputFormat::WebPLossless;
+    for (int i = 0; i < count; ++i) {
+        running.push_back(std::async(std::launch::async,
+            [this, i] { return optimize(in("p" + std::to_string(i) + ".bmp")); }));
+    }
+    for (int i = 0; i < count; ++i) {
+        const auto result = running[static_cast<std::size_t>(i)].get();
+        ASSERT_TRUE(result) << localizedDescription(result.error()).toStdString();
+        const Image expected = test::gradient({ 40 + i, 30 + i }, rgb8);
+        const Image written = test::readPicture(in("p" + std::to_string(i) + ".webp"));
+        ASSERT_EQ(written.size(), expected.size());
+        for (int c = 0; c < 3; ++c) {
+            EXPECT_NEAR(
+                test::sampleAt(written, 20, 15, c), test::sampleAt(expected, 20, 15, c), 1e-9);
+        }
+    }
+}
+
+} // namespace
+} // namespace vellumine

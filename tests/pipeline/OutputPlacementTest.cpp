@@ -1,0 +1,277 @@
+#include "pipeline/ImageOptimizer.h"
+#include "pipeline/Workplace.h"
+#include "platform/FilePath.h"
+#include "support/QtPrinters.h"
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace vellumine {
+namespace {
+
+using imaging::UniformType;
+using platform::ExistingItem;
+using test::TemporaryFolder;
+using test::urlOf;
+using test::writeFile;
+
+struct NameRow {
+    const char* name;
+    const char* source;
+    std::optional<UniformType> type;
+    OutputFormat format;
+    const char* prefix;
+    const char* suffix;
+    const char* output;
+};
+
+class OutputName : public testing::TestWithParam<NameRow> { };
+
+TEST_P(OutputName, isMadeOfPrefixBaseSuffixAndExtension)
+{
+    OptimizerSettings settings;
+    settings.outputFormat = GetParam().format;
+    settings.filenamePrefix = QString::fromUtf8(GetParam().prefix);
+    settings.filenameSuffix = QString::fromUtf8(GetParam().suffix);
+    const auto url = ImageOptimizer::outputURL(
+        urlOf(std::string("/nowhere/") + GetParam().source), GetParam().type, settings);
+    ASSERT_TRUE(url);
+    EXPECT_EQ(*url, urlOf(std::string("/nowhere/") + GetParam().output));
+}
+
+INSTANTIATE_TEST_SUITE_P(ImageOptimizer, OutputName,
+    testing::Values(
+        NameRow { "webp", "a.jpg", UniformType::Jpeg, OutputFormat::WebP, "", "", "a.webp" },
+        NameRow { "webpLossless", "a.jpg", UniformType::Jpeg, OutputFormat::WebPLossless, "", "",
+            "a.webp" },
+        NameRow { "jpeg", "a.png", UniformType::Png, OutputFormat::Jpeg, "", "", "a.jpg" },
+        NameRow { "heic", "a.png", UniformType::Png, OutputFormat::Heic, "", "", "a.heic" },
+        NameRow { "pngOntoItself", "a.png", UniformType::Png, OutputFormat::Png, "", "",
+            "a-optimized.png" },
+        NameRow { "markerComesAfterTheSuffix", "xa_s.png", UniformType::Png, OutputFormat::Png, "",
+            "", "xa_s-optimized.png" },
+        NameRow {
+            "suffix", "a.png", UniformType::Png, OutputFormat::Jpeg, "", "_small", "a_small.jpg" },
+        NameRow { "prefixInTheOriginalFormat", "a.heic", UniformType::Heic, OutputFormat::Original,
+            "web-", "", "web-a.heic" },
+        NameRow { "onlyTheLastExtensionGoes", "holiday.photo.jpg", UniformType::Jpeg,
+            OutputFormat::WebP, "", "", "holiday.photo.webp" },
+        NameRow { "jpgInTheOriginalFormatLandsBesideIt", "a.jpg", UniformType::Jpeg,
+            OutputFormat::Original, "", "", "a.jpeg" },
+        NameRow { "jpegInTheOriginalFormatIsItself", "a.jpeg", UniformType::Jpeg,
+            OutputFormat::Original, "", "", "a-optimized.jpeg" },
+        NameRow { "pngInTheOriginalFormatIsItself", "a.png", UniformType::Png,
+            OutputFormat::Original, "", "", "a-optimized.png" },
+        NameRow { "misnamedFileGoesByItsContent", "a.png", UniformType::Tiff,
+            OutputFormat::Original, "", "", "a.tiff" },
+        NameRow { "unknownTypeKeepsItsExtension", "a.xyz", std::nullopt, OutputFormat::Original,
+            "b", "", "ba.xyz" },
+        NameRow { "unknownTypeWithoutExtensionIsPng", "a", std::nullopt, OutputFormat::Original, "",
+            "", "a.png" },
+        NameRow { "noExtension", "a", UniformType::Jpeg, OutputFormat::WebP, "", "", "a.webp" },
+        NameRow { "hiddenName", ".a", UniformType::Jpeg, OutputFormat::WebP, "", "", ".a.webp" },
+        NameRow { "dotAtTheEnd", "a.", UniformType::Jpeg, OutputFormat::WebP, "", "", "a..webp" },
+        NameRow { "severalDots", "dots...png", UniformType::Png, OutputFormat::WebP, "", "",
+            "dots...webp" },
+        NameRow { "percentSigns", "100%20 #1?.png", UniformType::Png, OutputFormat::WebP, "%", "#",
+            "%100%20 #1?#.webp" },
+        NameRow { "otherCaseIsAnotherFile", "A.PNG", UniformType::Png, OutputFormat::Png, "", "",
+            "A.png" }),
+    [](const auto& instance) { return std::string(instance.param.name); });
+
+TEST(OutputURL, goesToTheSelectedFolderWhereverTheSourceIs)
+{
+    OptimizerSettings settings;
+    settings.outputFormat = OutputFormat::Png;
+    settings.destinationMode = DestinationMode::SelectedFolder;
+    settings.destinationFolderURL = urlOf("/chosen");
+    EXPECT_EQ(ImageOptimizer::outputURL(urlOf("/other/a.png"), UniformType::Png, settings).value(),
+        urlOf("/chosen/a.png"));
+    EXPECT_EQ(ImageOptimizer::outputURL(urlOf("/chosen/a.png"), UniformType::Png, settings).value(),
+        urlOf("/chosen/a-optimized.png"));
+}
+
+TEST(OutputURL, sourceAndOutputAreComparedWithDotsResolved)
+{
+    OptimizerSettings settings;
+    settings.outputFormat = OutputFormat::Png;
+    settings.destinationMode = DestinationMode::SelectedFolder;
+    settings.destinationFolderURL = urlOf("/x/../chosen");
+    EXPECT_EQ(platform::lastPathComponent(
+                  ImageOptimizer::outputURL(urlOf("/chosen/./a.png"), UniformType::Png, settings)
+                      .value()),
+        QStringLiteral("a-optimized.png"));
+}
+
+TEST(OutputURL, selectedFolderIsIgnoredInTheOriginalLocation)
+{
+    OptimizerSettings settings;
+    settings.destinationFolderURL = urlOf("/chosen");
+    EXPECT_EQ(ImageOptimizer::outputURL(urlOf("/o/a.png"), UniformType::Png, settings).value(),
+        urlOf("/o/a.webp"));
+}
+
+TEST(OutputURL, failsWithoutAFolder)
+{
+    OptimizerSettings settings;
+    settings.destinationMode = DestinationMode::SelectedFolder;
+    const auto url = ImageOptimizer::outputURL(urlOf("/a.png"), UniformType::Png, settings);
+    ASSERT_FALSE(url);
+    EXPECT_EQ(url.error(), OptimizeError(ImageOptimizerError(MissingDestinationFolder {})));
+}
+
+TEST(OutputURL, aLinkToTheSourceCountsAsTheSource)
+{
+    const TemporaryFolder folder;
+    writeFile(folder / "a.png", "x");
+    OptimizerSettings settings;
+    settings.outputFormat = OutputFormat::Jpeg;
+
+    std::filesystem::create_hard_link(folder / "a.png", folder / "a.jpg");
+    EXPECT_EQ(
+        ImageOptimizer::outputURL(urlOf(folder / "a.png"), UniformType::Png, settings).value(),
+        urlOf(folder / "a-optimized.jpg"));
+
+    std::filesystem::remove(folder / "a.jpg");
+    std::filesystem::create_symlink("a.png", folder / "a.jpg");
+    EXPECT_EQ(
+        ImageOptimizer::outputURL(urlOf(folder / "a.png"), UniformType::Png, settings).value(),
+        urlOf(folder / "a-optimized.jpg"));
+    // And the other way round: the source is given by the link's name.
+    settings.outputFormat = OutputFormat::Png;
+    EXPECT_EQ(
+        ImageOptimizer::outputURL(urlOf(folder / "a.jpg"), UniformType::Png, settings).value(),
+        urlOf(folder / "a-optimized.png"));
+}
+
+TEST(OutputURL, theMarkedNameIsNotTheSourceEither)
+{
+    const TemporaryFolder folder;
+    writeFile(folder / "a-optimized.png", "x");
+    std::filesystem::create_symlink("a-optimized.png", folder / "a.png");
+    OptimizerSettings settings;
+    settings.outputFormat = OutputFormat::Png;
+    EXPECT_EQ(
+        ImageOptimizer::outputURL(urlOf(folder / "a.png"), UniformType::Png, settings).value(),
+        urlOf(folder / "a-optimized-optimized.png"));
+}
+
+TEST(OutputURL, anExistingFileWithTheMarkedNameIsNoReasonForAnotherName)
+{
+    const TemporaryFolder folder;
+    writeFile(folder / "a.png", "x");
+    writeFile(folder / "a-optimized.png", "y");
+    OptimizerSettings settings;
+    settings.outputFormat = OutputFormat::Png;
+    EXPECT_EQ(
+        ImageOptimizer::outputURL(urlOf(folder / "a.png"), UniformType::Png, settings).value(),
+        urlOf(folder / "a-optimized.png"));
+}
+
+class ConfirmOverwrite : public testing::Test {
+protected:
+    Outcome<ExistingItem> confirm(const std::filesystem::path& path, bool warn,
+        OverwriteDecision decision = OverwriteDecision::Skip)
+    {
+        OptimizerSettings settings;
+        settings.warnBeforeOverwrite = warn;
+        ConversionEnvironment environment = workplace.environment();
+        environment.confirmOverwrite = [&](const QUrl& url) {
+            asked.push_back(url);
+            return decision;
+        };
+        return ImageOptimizer::confirmOverwrite(urlOf(path), settings, environment);
+    }
+
+    test::Workplace workplace;
+    std::vector<QUrl> asked;
+};
+
+TEST_F(ConfirmOverwrite, nobodyIsAskedWhereNothingStands)
+{
+    EXPECT_EQ(confirm(workplace.pictures() / "out", true).value(), ExistingItem::Keep);
+    EXPECT_EQ(confirm(workplace.pictures() / "out", false).value(), ExistingItem::Replace);
+    EXPECT_TRUE(asked.empty());
+}
+
+TEST_F(ConfirmOverwrite, nobodyIsAskedWithoutTheWarning)
+{
+    writeFile(workplace.pictures() / "out", "x");
+    EXPECT_EQ(confirm(workplace.pictures() / "out", false).value(), ExistingItem::Replace);
+    EXPECT_TRUE(asked.empty());
+}
+
+TEST_F(ConfirmOverwrite, replaceGoesOnAndSkipFails)
+{
+    writeFile(workplace.pictures() / "out", "x");
+    EXPECT_EQ(confirm(workplace.pictures() / "out", true, OverwriteDecision::Replace).value(),
+        ExistingItem::Replace);
+    const auto skipped = confirm(workplace.pictures() / "out", true, OverwriteDecision::Skip);
+    ASSERT_FALSE(skipped);
+    EXPECT_EQ(localizedDescription(skipped.error()),
+        QStringLiteral("Skipped because the output file already exists."));
+    EXPECT_EQ(asked.size(), 2U);
+    EXPECT_EQ(asked.front(), urlOf(workplace.pictures() / "out"));
+}
+
+TEST_F(ConfirmOverwrite, aDanglingLinkIsSomethingToAskAbout)
+{
+    std::filesystem::create_symlink("nowhere", workplace.pictures() / "out");
+    EXPECT_TRUE(confirm(workplace.pictures() / "out", true, OverwriteDecision::Replace));
+    EXPECT_EQ(asked.size(), 1U);
+}
+
+TEST_F(ConfirmOverwrite, aFolderInTheWayFailsWithoutAQuestion)
+{
+    std::filesystem::create_directory(workplace.pictures() / "out");
+    const auto result = confirm(workplace.pictures() / "out", true, OverwriteDecision::Replace);
+    ASSERT_FALSE(result);
+    EXPECT_EQ(localizedDescription(result.error()), QStringLiteral("Is a directory"));
+    EXPECT_TRUE(asked.empty());
+}
+
+TEST_F(ConfirmOverwrite, anItemInAPlaceThatCannotBeWrittenFailsWithTheSystemsText)
+{
+    // Nobody may create files here, not even the superuser, as far as permissions go.
+    const auto result = confirm("/proc/self/status", false);
+    if (result) {
+        GTEST_SKIP() << "the superuser may write everywhere here";
+    }
+    EXPECT_EQ(localizedDescription(result.error()), QStringLiteral("Permission denied"));
+}
+
+TEST(PreserveModificationDate, carriesNanosecondsOver)
+{
+    const TemporaryFolder folder;
+    writeFile(folder / "from", "x");
+    writeFile(folder / "to", "y");
+    const struct timespec times[2] { { 1, 1 }, { 981'173'106, 987'654'321 } };
+    ASSERT_EQ(::utimensat(AT_FDCWD, (folder / "from").c_str(), times, 0), 0);
+    ImageOptimizer::preserveModificationDate(urlOf(folder / "from"), urlOf(folder / "to"));
+    struct stat status { };
+    ASSERT_EQ(::stat((folder / "to").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mtim.tv_sec, 981'173'106);
+    EXPECT_EQ(status.st_mtim.tv_nsec, 987'654'321);
+}
+
+TEST(PreserveModificationDate, ofAVanishedSourceChangesNothing)
+{
+    const TemporaryFolder folder;
+    writeFile(folder / "to", "y");
+    const auto before = std::filesystem::last_write_time(folder / "to");
+    ImageOptimizer::preserveModificationDate(urlOf(folder / "from"), urlOf(folder / "to"));
+    EXPECT_EQ(std::filesystem::last_write_time(folder / "to"), before);
+}
+
+TEST(FileSize, isZeroWhenUnknown)
+{
+    const TemporaryFolder folder;
+    writeFile(folder / "a", "12345");
+    EXPECT_EQ(ImageOptimizer::fileSize(urlOf(folder / "a")), 5);
+    EXPECT_EQ(ImageOptimizer::fileSize(urlOf(folder / "b")), 0);
+}
+
+} // namespace
+} // namespace vellumine
