@@ -1,5 +1,6 @@
 #include "imaging/codecs/JpegFiles.h"
 #include "imaging/codecs/jpeg/JpegCodec.h"
+#include "support/NamedRows.h"
 #include "support/TestImages.h"
 
 #include <gmock/gmock.h>
@@ -133,8 +134,7 @@ TEST_P(JpegKinds, refusesEveryCutOfThePictureDataAndPassesWithoutTheEndMarker)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Jpeg, JpegKinds, testing::ValuesIn(colourKinds),
-    [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(Jpeg, JpegKinds, testing::ValuesIn(colourKinds), test::RowName());
 
 TEST(JpegDecoder, readsGrey)
 {
@@ -360,7 +360,7 @@ INSTANTIATE_TEST_SUITE_P(Jpeg, JpegMalformed,
             "\xFF\xD8\xFF\xC0\0\x0E\x08\0\x10\0\x10\x02\x01\x11\0\x02\x11\0"
             "\xFF\xDA\0\x0A\x02\x01\0\x02\0\0\x3F\0"sv,
             Error::Kind::Unsupported }),
-    [](const auto& row) { return std::string(row.param.name); });
+    test::RowName());
 
 TEST(JpegDecoder, survivesEveryBrokenByteOfTheHeader)
 {

@@ -83,12 +83,24 @@ std::vector<Candidate> candidates(std::span<const PackedPicture> forms)
     return found;
 }
 
-std::size_t finalists(std::size_t rawBytes)
+/// What is done at last, by the bytes of the picture's rows.
+struct FinalEffort {
+    std::size_t finalists;
+    std::vector<CompressionLevel> levels;
+};
+
+FinalEffort finalEffort(std::size_t rawBytes)
 {
-    if (rawBytes <= fewTrialsBytes) {
-        return 4;
+    if (rawBytes > optimalBytes) {
+        return { 1, { CompressionLevel::Thorough } };
     }
-    return rawBytes <= sampleBytes ? 2 : 1;
+    if (rawBytes > sampleBytes) {
+        return { 1, { CompressionLevel::Optimal } };
+    }
+    // The highest level looks for the cheapest code piece by piece; now and then, with much
+    // repetition, the plain longest match comes out ahead.
+    return { rawBytes > fewTrialsBytes ? std::size_t { 2 } : 4,
+        { CompressionLevel::Deep, CompressionLevel::Optimal } };
 }
 
 } // namespace
@@ -97,18 +109,20 @@ Compressed smallest(std::span<const PackedPicture> forms)
 {
     auto trials = candidates(forms);
     const std::size_t rawBytes = forms[trials.front().form].rows.size();
-    const auto level
-        = rawBytes <= optimalBytes ? CompressionLevel::Optimal : CompressionLevel::Thorough;
-    trials.resize(std::min(trials.size(), finalists(rawBytes)));
+    const FinalEffort effort = finalEffort(rawBytes);
+    trials.resize(std::min(trials.size(), effort.finalists));
 
     std::optional<Compressed> best;
     std::size_t bestSize = 0;
     for (const Candidate& trial : trials) {
-        auto stream = deflated(filtered(forms[trial.form], trial.strategy), level);
-        const std::size_t size = stream.size() + overhead(forms[trial.form]);
-        if (!best || size < bestSize) {
-            best = Compressed { trial.form, std::move(stream) };
-            bestSize = size;
+        const ByteBuffer bytes = filtered(forms[trial.form], trial.strategy);
+        for (const CompressionLevel level : effort.levels) {
+            auto stream = deflated(bytes, level);
+            const std::size_t size = stream.size() + overhead(forms[trial.form]);
+            if (!best || size < bestSize) {
+                best = Compressed { trial.form, std::move(stream) };
+                bestSize = size;
+            }
         }
     }
     return std::move(*best);
