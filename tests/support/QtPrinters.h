@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QSizeF>
 #include <QString>
 #include <QUrl>
@@ -12,6 +13,11 @@
 inline void PrintTo(const QString& text, std::ostream* stream)
 {
     *stream << '"' << text.toStdString() << '"';
+}
+
+inline void PrintTo(const QByteArray& bytes, std::ostream* stream)
+{
+    *stream << '"' << bytes.toStdString() << '"';
 }
 
 inline void PrintTo(const QUrl& url, std::ostream* stream)

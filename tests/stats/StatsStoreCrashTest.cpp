@@ -1,0 +1,113 @@
+#include "core/ProcessingResult.h"
+#include "stats/StatsStore.h"
+#include "support/TestImages.h"
+
+#include <QFile>
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+
+namespace vellumine {
+namespace {
+
+/// A process that records one file after the other, without end, until it is killed.
+class RecordingProcess {
+public:
+    explicit RecordingProcess(const QString& folder)
+    {
+        if (::pipe(m_pipe.data()) != 0) {
+            qFatal("no pipe");
+        }
+        m_process = ::fork();
+        if (m_process == 0) {
+            ::close(m_pipe.at(0));
+            recordForever(folder);
+        }
+        ::close(m_pipe.at(1));
+    }
+    ~RecordingProcess()
+    {
+        ::kill(m_process, SIGKILL);
+        ::waitpid(m_process, nullptr, 0);
+        ::close(m_pipe.at(0));
+    }
+    RecordingProcess(const RecordingProcess&) = delete;
+    RecordingProcess& operator=(const RecordingProcess&) = delete;
+
+    /// Returns once another record has ended.
+    [[nodiscard]] bool waitForRecord() const
+    {
+        char note = 0;
+        return ::read(m_pipe.at(0), &note, 1) == 1;
+    }
+
+private:
+    [[noreturn]] void recordForever(const QString& folder) const
+    {
+        StatsStore store(folder);
+        ProcessingResult result;
+        result.isSuccess = true;
+        for (qint64 round = 0;; ++round) {
+            // Lengths change, so that a mixture of two states could not be read.
+            result.originalBytes = qint64 { 1 } << (round % 40);
+            store.record(result);
+            if (::write(m_pipe.at(1), "r", 1) != 1) {
+                ::_exit(1);
+            }
+        }
+    }
+
+    std::array<int, 2> m_pipe {};
+    pid_t m_process = -1;
+};
+
+std::optional<LifetimeStats> readStats(const QString& folder)
+{
+    QFile file(folder + QStringLiteral("/stats.json"));
+    return file.open(QIODevice::ReadOnly) ? lifetimeStatsFromJson(file.readAll()) : std::nullopt;
+}
+
+TEST(StatsStoreCrash, killingTheProcessAtAnyMomentLeavesAWholeFile)
+{
+    const test::TemporaryFolder temporary;
+    const QString folder = QFile::decodeName(temporary.path().c_str());
+    qint64 seen = 0;
+    for (int round = 0; round < 25; ++round) {
+        {
+            const RecordingProcess process(folder);
+            for (int records = 0; records <= round * 3; ++records) {
+                ASSERT_TRUE(process.waitForRecord());
+                ++seen;
+            }
+        }
+        const auto stats = readStats(folder);
+        ASSERT_TRUE(stats.has_value()) << "round " << round;
+        EXPECT_GE(stats->filesProcessed, seen);
+        seen = stats->filesProcessed;
+    }
+}
+
+TEST(StatsStoreCrash, aReaderNeverSeesAHalfWrittenFile)
+{
+    const test::TemporaryFolder temporary;
+    const QString folder = QFile::decodeName(temporary.path().c_str());
+    const RecordingProcess process(folder);
+    ASSERT_TRUE(process.waitForRecord());
+    qint64 last = 0;
+    for (int reads = 0; reads < 2000; ++reads) {
+        const auto stats = readStats(folder);
+        ASSERT_TRUE(stats.has_value());
+        EXPECT_GE(stats->filesProcessed, last);
+        last = stats->filesProcessed;
+        if (reads % 20 == 0) {
+            ASSERT_TRUE(process.waitForRecord());
+        }
+    }
+}
+
+} // namespace
+} // namespace vellumine

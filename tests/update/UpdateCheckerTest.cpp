@@ -1,0 +1,390 @@
+#include "update/UpdateChecker.h"
+#include "core/Product.h"
+#include "support/NamedRows.h"
+#include "update/HomePageServer.h"
+#include "update/TestCertificates.h"
+
+#include <QDeadlineTimer>
+#include <QSignalSpy>
+#include <QTcpServer>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <optional>
+
+namespace vellumine {
+
+void PrintTo(const UpdateChecker::UpdateAvailable& available, std::ostream* stream)
+{
+    *stream << '"' << available.version.toStdString() << '"';
+}
+
+namespace {
+
+using ::testing::SizeIs;
+using Status = UpdateChecker::Status;
+using UpdateAvailable = UpdateChecker::UpdateAvailable;
+using Idle = UpdateChecker::Idle;
+using Checking = UpdateChecker::Checking;
+using Current = UpdateChecker::Current;
+using Failed = UpdateChecker::Failed;
+
+/// Far more than any answer on this machine takes.
+constexpr std::chrono::seconds patience { 30 };
+/// For pages that never arrive.
+constexpr std::chrono::milliseconds shortTimeout { 300 };
+
+QString path()
+{
+    return QStringLiteral("/");
+}
+
+/// The status once no check runs any more.
+Status settled(const UpdateChecker& checker)
+{
+    QSignalSpy spy(&checker, &UpdateChecker::statusChanged);
+    const QDeadlineTimer deadline(patience);
+    while (checker.status() == Status(Checking {}) && !deadline.hasExpired()) {
+        spy.wait(static_cast<int>(deadline.remainingTime()));
+    }
+    return checker.status();
+}
+
+class UpdateCheck : public testing::Test {
+protected:
+    static void SetUpTestSuite() { certificates.emplace(test::TestCertificates::create()); }
+    static void TearDownTestSuite() { certificates.reset(); }
+
+    [[nodiscard]] UpdateChecker::Source source() const
+    {
+        UpdateChecker::Source source { .homePage = server.url(path()), .timeout = patience };
+        source.tls.setCaCertificates({ certificates->authority });
+        return source;
+    }
+
+    [[nodiscard]] static Status check(UpdateChecker::Source source)
+    {
+        UpdateChecker checker(std::move(source), QStringLiteral("1.4.2 build 37"));
+        checker.checkForUpdates();
+        EXPECT_EQ(checker.status(), Status(Checking {}));
+        return settled(checker);
+    }
+
+    static QByteArray page(const QByteArray& version)
+    {
+        return "<html><script>{\"softwareVersion\": \"" + version + "\"}</script></html>";
+    }
+
+    static inline std::optional<test::TestCertificates> certificates;
+    test::HomePageServer server { *certificates };
+};
+
+TEST_F(UpdateCheck, startsIdle)
+{
+    const UpdateChecker checker(source(), QStringLiteral("1.0"));
+    EXPECT_EQ(checker.status(), Status(Idle {}));
+}
+
+TEST_F(UpdateCheck, newerVersionIsAvailable)
+{
+    server.answerPage(path(), page("1.4.3"));
+    EXPECT_EQ(check(source()), Status(UpdateAvailable { QStringLiteral("1.4.3") }));
+}
+
+TEST_F(UpdateCheck, sameVersionIsCurrent)
+{
+    server.answerPage(path(), page("1.4.2"));
+    EXPECT_EQ(check(source()), Status(Current {}));
+}
+
+TEST_F(UpdateCheck, versionWithoutDigitsIsCurrent)
+{
+    server.answerPage(path(), page("soon"));
+    EXPECT_EQ(check(source()), Status(Current {}));
+}
+
+struct StatusLine {
+    const char* name;
+    const char* line;
+};
+
+class UpdateCheckStatusLine : public UpdateCheck,
+                              public testing::WithParamInterface<StatusLine> { };
+
+TEST_P(UpdateCheckStatusLine, isNotLookedAt)
+{
+    server.answerPage(path(), page("1.4.3"), GetParam().line);
+    EXPECT_EQ(check(source()), Status(UpdateAvailable { QStringLiteral("1.4.3") }));
+}
+
+INSTANTIATE_TEST_SUITE_P(StatusLines, UpdateCheckStatusLine,
+    testing::Values( //
+        StatusLine { "ok", "200 OK" }, //
+        StatusLine { "badRequest", "400 Bad Request" }, //
+        StatusLine { "proxyAuthentication", "407 Proxy Authentication Required" }, //
+        StatusLine { "multipleChoices", "300 Multiple Choices" }, //
+        StatusLine { "unassigned", "299 x" }, //
+        StatusLine { "beyond", "600 x" }, //
+        StatusLine { "forbidden", "403 Forbidden" }, //
+        StatusLine { "notFound", "404 Not Found" }, //
+        StatusLine { "gone", "410 Gone" }, //
+        StatusLine { "teapot", "418 I'm a teapot" }, //
+        StatusLine { "internalError", "500 Internal Server Error" },
+        StatusLine { "unavailable", "503 Service Unavailable" },
+        StatusLine { "unknownToEverybody", "599 Unknown" }),
+    test::RowName());
+
+TEST_F(UpdateCheck, authenticationIsNotOfferedButItsPageIsUsed)
+{
+    server.answerPage(
+        path(), page("1.4.3"), "401 Unauthorized", "WWW-Authenticate: Basic realm=\"x\"\r\n");
+    EXPECT_EQ(check(source()), Status(UpdateAvailable { QStringLiteral("1.4.3") }));
+}
+
+TEST_F(UpdateCheck, pageWithoutVersionFails)
+{
+    server.answerPage(path(), "<html>Welcome</html>");
+    EXPECT_EQ(check(source()), Status(Failed {}));
+}
+
+TEST_F(UpdateCheck, emptyPageFails)
+{
+    server.answerPage(path(), "");
+    EXPECT_EQ(check(source()), Status(Failed {}));
+}
+
+TEST_F(UpdateCheck, pageThatIsNotUtf8Fails)
+{
+    server.answerPage(path(), page("1.4.3") + "caf\xE9");
+    EXPECT_EQ(check(source()), Status(Failed {}));
+}
+
+TEST_F(UpdateCheck, aServerThatNeverAnswersFails)
+{
+    server.keepSilent(path());
+    UpdateChecker::Source impatient = source();
+    impatient.timeout = shortTimeout;
+    EXPECT_EQ(check(impatient), Status(Failed {}));
+    EXPECT_THAT(server.requests(), SizeIs(1));
+}
+
+TEST_F(UpdateCheck, theTimeoutIsEightSeconds)
+{
+    EXPECT_EQ(UpdateChecker::productHomePage().timeout, std::chrono::seconds(8));
+}
+
+TEST_F(UpdateCheck, theSourceIsTheProductsHomePage)
+{
+    EXPECT_EQ(UpdateChecker::productHomePage().homePage, QUrl(QString(product::homePageUrl)));
+}
+
+TEST_F(UpdateCheck, aRefusedConnectionFails)
+{
+    UpdateChecker::Source nobody = source();
+    {
+        QTcpServer closed;
+        ASSERT_TRUE(closed.listen(QHostAddress::LocalHost));
+        nobody.homePage.setPort(closed.serverPort());
+    }
+    EXPECT_EQ(check(nobody), Status(Failed {}));
+}
+
+TEST_F(UpdateCheck, aPageCutOffOnTheWayFails)
+{
+    server.answer(path(), "HTTP/1.1 200 OK\r\nContent-Length: 5000\r\n\r\n" + page("1.4.3"));
+    EXPECT_EQ(check(source()), Status(Failed {}));
+}
+
+TEST_F(UpdateCheck, whatIsNotHttpFails)
+{
+    server.answer(path(), "220 mail service, " + page("1.4.3") + "\r\n\r\n");
+    EXPECT_EQ(check(source()), Status(Failed {}));
+}
+
+TEST_F(UpdateCheck, anUntrustedCertificateFails)
+{
+    server.answerPage(path(), page("1.4.3"));
+    UpdateChecker::Source distrustful = source();
+    distrustful.tls.setCaCertificates({});
+    EXPECT_EQ(check(distrustful), Status(Failed {}));
+    EXPECT_THAT(server.requests(), SizeIs(0));
+}
+
+TEST_F(UpdateCheck, aCertificateForAnotherHostFails)
+{
+    server.answerPage(path(), page("1.4.3"));
+    UpdateChecker::Source otherName = source();
+    otherName.homePage.setHost(QStringLiteral("localhost"));
+    EXPECT_EQ(check(otherName), Status(Failed {}));
+    EXPECT_THAT(server.requests(), SizeIs(0));
+}
+
+TEST_F(UpdateCheck, plainHttpIsNeverAsked)
+{
+    QTcpServer plain;
+    ASSERT_TRUE(plain.listen(QHostAddress::LocalHost));
+    UpdateChecker::Source insecure = source();
+    insecure.homePage.setScheme(QStringLiteral("http"));
+    insecure.homePage.setPort(plain.serverPort());
+    UpdateChecker checker(insecure, QStringLiteral("1.0"));
+    checker.checkForUpdates();
+    EXPECT_EQ(settled(checker), Status(Failed {}));
+    EXPECT_FALSE(plain.waitForNewConnection(0));
+}
+
+QByteArray location(const QUrl& url)
+{
+    return "Location: " + url.toEncoded() + "\r\n";
+}
+
+TEST_F(UpdateCheck, aRedirectToHttpsIsFollowed)
+{
+    test::HomePageServer other(*certificates);
+    other.answerPage(QStringLiteral("/new"), page("1.4.3"));
+    server.answerPage(
+        path(), page("9.9"), "301 Moved Permanently", location(other.url(QStringLiteral("/new"))));
+    EXPECT_EQ(check(source()), Status(UpdateAvailable { QStringLiteral("1.4.3") }));
+}
+
+TEST_F(UpdateCheck, aRelativeRedirectIsFollowed)
+{
+    server.answerPage(QStringLiteral("/new"), page("1.4.3"));
+    server.answerPage(path(), "", "302 Found", "Location: /new\r\n");
+    EXPECT_EQ(check(source()), Status(UpdateAvailable { QStringLiteral("1.4.3") }));
+}
+
+TEST_F(UpdateCheck, aRedirectToHttpFails)
+{
+    QTcpServer plain;
+    ASSERT_TRUE(plain.listen(QHostAddress::LocalHost));
+    QUrl insecure = server.url(path());
+    insecure.setScheme(QStringLiteral("http"));
+    insecure.setPort(plain.serverPort());
+    server.answerPage(path(), page("1.4.3"), "302 Found", location(insecure));
+    EXPECT_EQ(check(source()), Status(Failed {}));
+    EXPECT_FALSE(plain.waitForNewConnection(0));
+}
+
+TEST_F(UpdateCheck, aRedirectToAFileFails)
+{
+    server.answerPage(path(), page("1.4.3"), "302 Found", "Location: file:///etc/hostname\r\n");
+    EXPECT_EQ(check(source()), Status(Failed {}));
+}
+
+TEST_F(UpdateCheck, aRedirectToNowhereFails)
+{
+    server.answerPage(path(), page("1.4.3"), "302 Found");
+    EXPECT_EQ(check(source()), Status(Failed {}));
+}
+
+TEST_F(UpdateCheck, aRedirectLoopFails)
+{
+    server.answerPage(path(), page("1.4.3"), "302 Found", "Location: /again\r\n");
+    server.answerPage(QStringLiteral("/again"), page("1.4.3"), "302 Found", "Location: /\r\n");
+    EXPECT_EQ(check(source()), Status(Failed {}));
+}
+
+TEST_F(UpdateCheck, aPageThatIsTooLargeFails)
+{
+    const QByteArray content = page("1.4.3") + QByteArray(100'000, ' ');
+    server.answerPage(path(), content);
+    UpdateChecker::Source bounded = source();
+    bounded.maximumPageBytes = content.size() - 1;
+    EXPECT_EQ(check(bounded), Status(Failed {}));
+    bounded.maximumPageBytes = content.size();
+    EXPECT_EQ(check(bounded), Status(UpdateAvailable { QStringLiteral("1.4.3") }));
+}
+
+TEST_F(UpdateCheck, oneGetWithoutABodyIsSent)
+{
+    server.answerPage(path(), page("1.4.3"));
+    ASSERT_EQ(check(source()), Status(UpdateAvailable { QStringLiteral("1.4.3") }));
+    ASSERT_THAT(server.requests(), SizeIs(1));
+    const QByteArray& request = server.requests().front();
+    EXPECT_TRUE(request.startsWith("GET / HTTP/1.1\r\n")) << request.toStdString();
+    EXPECT_TRUE(request.endsWith("\r\n\r\n"));
+    for (const char* header : { "cookie:", "authorization:", "referer:", "cache-control:" }) {
+        EXPECT_FALSE(request.toLower().contains(header)) << header;
+    }
+}
+
+TEST_F(UpdateCheck, twoQuickCallsMakeOneLoad)
+{
+    server.answerPage(path(), page("1.4.3"));
+    UpdateChecker checker(source(), QStringLiteral("1.0"));
+    QSignalSpy spy(&checker, &UpdateChecker::statusChanged);
+    checker.checkForUpdates();
+    checker.checkForUpdates();
+    EXPECT_EQ(settled(checker), Status(UpdateAvailable { QStringLiteral("1.4.3") }));
+    EXPECT_THAT(spy, SizeIs(2)); // checking, then the outcome
+    EXPECT_THAT(server.requests(), SizeIs(1));
+    EXPECT_EQ(server.connectionCount(), 1);
+}
+
+TEST_F(UpdateCheck, canBeRepeatedAfterEveryOutcome)
+{
+    UpdateChecker checker(source(), QStringLiteral("1.0"));
+    for (const auto& [version, outcome] : std::initializer_list<std::pair<const char*, Status>> {
+             { "soon", Current {} },
+             { "", Failed {} },
+             { "2.0", UpdateAvailable { QStringLiteral("2.0") } },
+             { "1.0", Current {} },
+         }) {
+        SCOPED_TRACE(version);
+        server.answerPage(path(), page(version));
+        checker.checkForUpdates();
+        EXPECT_EQ(checker.status(), Status(Checking {}));
+        EXPECT_EQ(settled(checker), outcome);
+    }
+    EXPECT_THAT(server.requests(), SizeIs(4));
+}
+
+TEST_F(UpdateCheck, cookiesAreNotKeptForTheNextCheck)
+{
+    server.answerPage(path(), page("1.4.3"), "200 OK", "Set-Cookie: visitor=1\r\n");
+    UpdateChecker checker(source(), QStringLiteral("1.0"));
+    for (int round = 0; round < 2; ++round) {
+        checker.checkForUpdates();
+        ASSERT_EQ(settled(checker), Status(UpdateAvailable { QStringLiteral("1.4.3") }));
+    }
+    ASSERT_THAT(server.requests(), SizeIs(2));
+    EXPECT_FALSE(server.requests().back().toLower().contains("cookie"));
+}
+
+TEST_F(UpdateCheck, aRetryCanStartWhileTheOutcomeIsAnnounced)
+{
+    server.answerPage(path(), "nothing");
+    UpdateChecker checker(source(), QStringLiteral("1.0"));
+    int retries = 0;
+    QObject::connect(&checker, &UpdateChecker::statusChanged, &checker, [&] {
+        if (checker.status() == Status(Failed {}) && retries++ == 0) {
+            server.answerPage(path(), page("1.4.3"));
+            checker.checkForUpdates();
+        }
+    });
+    checker.checkForUpdates();
+    EXPECT_EQ(settled(checker), Status(UpdateAvailable { QStringLiteral("1.4.3") }));
+}
+
+TEST_F(UpdateCheck, theCheckerCanGoInTheMiddleOfACheck)
+{
+    server.keepSilent(path());
+    auto checker = std::make_unique<UpdateChecker>(source(), QStringLiteral("1.0"));
+    QSignalSpy spy(checker.get(), &UpdateChecker::statusChanged);
+    checker->checkForUpdates();
+    checker.reset();
+    EXPECT_THAT(spy, SizeIs(1)); // checking, and no outcome
+}
+
+TEST(UpdateCheckerStatus, equalityLooksAtTheVersionToo)
+{
+    EXPECT_EQ(Status(UpdateAvailable { QStringLiteral("1") }),
+        Status(UpdateAvailable { QStringLiteral("1") }));
+    EXPECT_NE(Status(UpdateAvailable { QStringLiteral("1") }),
+        Status(UpdateAvailable { QStringLiteral("2") }));
+    EXPECT_NE(Status(Idle {}), Status(Current {}));
+    EXPECT_EQ(Status(Failed {}), Status(Failed {}));
+}
+
+} // namespace
+} // namespace vellumine
