@@ -30,7 +30,8 @@ public:
         const QUrl folder
             = selected ? *m_settings.destinationFolderURL : platform::parentFolder(url);
         QString name
-            = (m_settings.filenamePrefix + SourceName::of(url).base + m_settings.filenameSuffix)
+            = (m_settings.filenamePrefix + QString::fromUtf8(SourceName::of(url).base)
+                + m_settings.filenameSuffix)
                   .normalized(QString::NormalizationForm_C)
                   .toCaseFolded();
         const QString marker = QStringLiteral("-optimized");

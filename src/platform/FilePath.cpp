@@ -102,10 +102,15 @@ QUrl parentFolder(const QUrl& url)
     return urlOfPath(slash > 0 ? withoutSlashesAtTheEnd(path.first(slash)) : path.first(slash + 1));
 }
 
-QString lastPathComponent(const QUrl& url)
+QByteArray lastPathComponentBytes(const QUrl& url)
 {
     const QByteArray path = withoutSlashesAtTheEnd(localPath(url));
-    return QString::fromUtf8(path.sliced(path.lastIndexOf('/') + 1));
+    return path.sliced(path.lastIndexOf('/') + 1);
+}
+
+QString lastPathComponent(const QUrl& url)
+{
+    return QString::fromUtf8(lastPathComponentBytes(url));
 }
 
 } // namespace vellumine::platform

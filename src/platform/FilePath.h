@@ -28,7 +28,10 @@ namespace vellumine::platform {
 /// The folder that holds the file.
 [[nodiscard]] QUrl parentFolder(const QUrl& url);
 
-/// The last path component as a text.
+/// The last path component in the file system's encoding.
+[[nodiscard]] QByteArray lastPathComponentBytes(const QUrl& url);
+
+/// The same as a text.
 [[nodiscard]] QString lastPathComponent(const QUrl& url);
 
 } // namespace vellumine::platform

@@ -29,8 +29,7 @@ template <typename Predicate> [[nodiscard]] bool runUntil(Predicate predicate)
 /// Wakes the main thread's event loop from any thread.
 inline void wakeMainThread()
 {
-    QMetaObject::invokeMethod(
-        QCoreApplication::instance(), [] {}, Qt::QueuedConnection);
+    QCoreApplication::postEvent(QCoreApplication::instance(), new QEvent(QEvent::None));
 }
 
 } // namespace vellumine::test
