@@ -1,11 +1,13 @@
 #include "imaging/ImageDestination.h"
 #include "imaging/ImageSource.h"
+#include "platform/ByteCount.h"
 #include "support/FakeProgram.h"
 #include "support/QtPrinters.h"
 #include "support/TestImages.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QLocale>
 #include <QProcess>
 
 #include <gtest/gtest.h>
@@ -80,7 +82,10 @@ TEST_F(Program, convertsAndSaysSo)
     const QStringList lines = outcome.output.split(u'\n', Qt::SkipEmptyParts);
     ASSERT_EQ(lines.size(), 2);
     EXPECT_TRUE(lines[0].startsWith(QStringLiteral("a.bmp: Saved "))) << lines[0].toStdString();
-    EXPECT_TRUE(lines[0].contains(QStringLiteral("a.webp, 60 KB to ")));
+    const auto bytes = static_cast<qint64>(std::filesystem::file_size(pictures() / "a.bmp"));
+    EXPECT_TRUE(lines[0].contains(QStringLiteral("(a.webp, ")
+        + platform::byteCountText(bytes, QLocale::c()) + QStringLiteral(" to ")))
+        << lines[0].toStdString();
     EXPECT_TRUE(lines[1].startsWith(QStringLiteral("1 file optimized, ")));
     EXPECT_EQ(outcome.error, QString());
     EXPECT_EQ(listing(pictures()), "a.bmp a.webp");

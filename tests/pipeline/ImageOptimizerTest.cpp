@@ -12,10 +12,13 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <cstdio>
+#include <cstdlib>
 #include <future>
-#include <map>
 #include <mutex>
+#include <set>
 
 namespace vellumine {
 namespace {
@@ -31,6 +34,16 @@ using test::writeFile;
 
 constexpr imaging::PixelLayout rgb8 { ColorModel::Rgb, 8, AlphaInfo::None };
 constexpr imaging::PixelLayout rgba8 { ColorModel::Rgb, 8, AlphaInfo::Last };
+
+/// A JPEG file with an EXIF block in front that says nothing but the orientation.
+std::string withOrientation(const std::string& jpeg, int tag)
+{
+    using namespace std::string_literals;
+    const std::string exif = "Exif\0\0MM\0*\0\0\0\x08\0\x01\x01\x12\0\x03\0\0\0\x01\0"s
+        + static_cast<char>(tag) + "\0\0\0\0\0\0"s;
+    return jpeg.substr(0, 2) + "\xff\xe1\0"s + static_cast<char>(exif.size() + 2) + exif
+        + jpeg.substr(2);
+}
 
 class CountingScope final : public platform::SecurityScope {
 public:
@@ -467,6 +480,76 @@ TEST_F(Optimize, folderOfThePreferencesIsAccessedWhateverTheMode)
     ASSERT_TRUE(optimize(makeSource()));
     EXPECT_TRUE(scope->events.contains(QStringLiteral("start programs")));
     EXPECT_TRUE(std::filesystem::exists(in("a.webp")));
+}
+
+using OptimizeDeathTest = Optimize;
+
+TEST_F(OptimizeDeathTest, folderThatCannotBeWrittenFailsByFormatAndKeepsWhatItHas)
+{
+    makeSource();
+    makeSource("b.bmp");
+    writeFile(in("b.jpg"), "old");
+    writeFile(in("b.webp"), "old");
+    namespace fs = std::filesystem;
+    constexpr fs::perms readable { 0555 };
+    fs::permissions(in(""), readable);
+    fs::permissions(workplace.pictures().parent_path(), readable | fs::perms::owner_write);
+    fs::permissions(workplace.programs(), readable | fs::perms::owner_write);
+    fs::permissions(workplace.temporary(), fs::perms::all);
+    const auto messages = [this] {
+        QStringList texts;
+        for (const char* name : { "a.bmp", "b.bmp" }) {
+            for (const OutputFormat format : { OutputFormat::Jpeg, OutputFormat::WebP }) {
+                settings.outputFormat = format;
+                const auto result = optimize(in(name));
+                texts.append(result ? result->message : localizedDescription(result.error()));
+            }
+        }
+        return texts.join(u'|').toStdString();
+    };
+    // In a process of its own, which gives up the superuser's rights where the tests have them.
+    EXPECT_EXIT(
+        {
+            if (::geteuid() == 0 && ::setuid(65534) != 0) {
+                std::_Exit(1);
+            }
+            std::fputs(messages().c_str(), stderr);
+            std::_Exit(0);
+        },
+        testing::ExitedWithCode(0),
+        "Could not create a.jpg.\\|Could not save a.webp: Permission denied"
+        "\\|Permission denied\\|Permission denied");
+    fs::permissions(in(""), fs::perms::owner_all);
+    EXPECT_EQ(textOf(in("b.jpg")), "old");
+    EXPECT_EQ(textOf(in("b.webp")), "old");
+    EXPECT_EQ(listing(in("")), "a.bmp b.bmp b.jpg b.webp");
+}
+
+TEST_F(Optimize, eightOrientationsGiveTheSameUprightPicture)
+{
+    const Image picture = test::syntheticPhoto({ 161, 99 });
+    settings.quality = 95;
+    settings.resizeMode = ResizeMode::None;
+    std::optional<Image> first;
+    for (int tag = 1; tag <= 8; ++tag) {
+        SCOPED_TRACE(tag);
+        // A quarter turn is undone by the other one; every other orientation undoes itself.
+        const int undoing = tag == 6 ? 8 : tag == 8 ? 6 : tag;
+        const Image stored
+            = imaging::upright(picture, *imaging::orientationFromTag(undoing)).value();
+        const std::string name = "o" + std::to_string(tag);
+        test::writePicture(in(name + ".bare"), stored, UniformType::Jpeg);
+        writeFile(in(name + ".jpg"), withOrientation(textOf(in(name + ".bare")), tag));
+        const auto result = optimize(in(name + ".jpg"));
+        ASSERT_TRUE(result) << localizedDescription(result.error()).toStdString();
+        EXPECT_EQ(result->audit->inputDimensions, QSizeF(161, 99));
+        const Image written = test::readPicture(in(name + ".webp"));
+        ASSERT_EQ(written.size(), picture.size());
+        if (!first) {
+            first = written;
+        }
+        EXPECT_GE(test::psnr(written, *first), 35.0);
+    }
 }
 
 TEST_F(Optimize, namedPipeIsRefusedWithoutWaiting)

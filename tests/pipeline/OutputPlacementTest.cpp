@@ -232,16 +232,6 @@ TEST_F(ConfirmOverwrite, aFolderInTheWayFailsWithoutAQuestion)
     EXPECT_TRUE(asked.empty());
 }
 
-TEST_F(ConfirmOverwrite, anItemInAPlaceThatCannotBeWrittenFailsWithTheSystemsText)
-{
-    // Nobody may create files here, not even the superuser, as far as permissions go.
-    const auto result = confirm("/proc/self/status", false);
-    if (result) {
-        GTEST_SKIP() << "the superuser may write everywhere here";
-    }
-    EXPECT_EQ(localizedDescription(result.error()), QStringLiteral("Permission denied"));
-}
-
 TEST(PreserveModificationDate, carriesNanosecondsOver)
 {
     const TemporaryFolder folder;

@@ -3,7 +3,6 @@
 #include <QFile>
 #include <QJsonDocument>
 #include <QProcess>
-#include <QUrl>
 
 #include <chrono>
 
@@ -63,8 +62,12 @@ void readErrors(const QByteArray& errors, BatchRun& run)
 
 std::filesystem::path pathOf(const QJsonValue& url)
 {
-    const QString local = QUrl(url.toString(), QUrl::StrictMode).toLocalFile();
-    return QFile::encodeName(local).toStdString();
+    // The bytes of a name need not be text, so that QUrl cannot give them back.
+    const QByteArray encoded = url.toString().toUtf8();
+    const QByteArray scheme = "file://";
+    return encoded.startsWith(scheme)
+        ? QByteArray::fromPercentEncoding(encoded.mid(scheme.size())).toStdString()
+        : std::filesystem::path();
 }
 
 BatchRun runBatch(const std::vector<std::string>& settings,

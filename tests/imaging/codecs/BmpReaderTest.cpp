@@ -11,7 +11,6 @@ namespace vellumine::imaging {
 namespace {
 
 using test::BmpFile;
-using test::bytesOf;
 using test::packRows;
 using test::RowName;
 
@@ -92,11 +91,6 @@ struct HeaderRow {
     std::uint32_t infoBytes;
 };
 
-void PrintTo(const HeaderRow& row, std::ostream* stream)
-{
-    *stream << row.name;
-}
-
 class BmpHeaderVersion : public testing::TestWithParam<std::tuple<HeaderRow, int>> { };
 
 TEST_P(BmpHeaderVersion, ReadsTheSamePicture)
@@ -162,11 +156,6 @@ struct MaskRow {
     std::uint32_t pixel;
     Pixel expected;
 };
-
-void PrintTo(const MaskRow& row, std::ostream* stream)
-{
-    *stream << row.name;
-}
 
 class BmpMasks : public testing::TestWithParam<MaskRow> { };
 

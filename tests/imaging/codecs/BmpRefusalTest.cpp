@@ -31,11 +31,6 @@ struct Row {
     Error::Kind kind;
 };
 
-void PrintTo(const Row& row, std::ostream* stream)
-{
-    *stream << row.name;
-}
-
 class BmpRefusal : public testing::TestWithParam<Row> { };
 
 TEST_P(BmpRefusal, SaysWhy)

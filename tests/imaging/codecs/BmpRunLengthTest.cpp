@@ -21,11 +21,6 @@ struct Row {
     Error::Kind kind = Error::Kind::Truncated;
 };
 
-void PrintTo(const Row& row, std::ostream* stream)
-{
-    *stream << row.name;
-}
-
 BmpFile fileFor(const Row& row)
 {
     // 24 bits count the compression like an embedded JPEG, which has no bits.

@@ -21,11 +21,6 @@ struct Row {
     std::size_t fileBytes;
 };
 
-void PrintTo(const Row& row, std::ostream* stream)
-{
-    *stream << row.name;
-}
-
 EncodeOptions withoutProfile()
 {
     EncodeOptions options;

@@ -215,11 +215,6 @@ struct CodeRow {
     std::optional<Error::Kind> refusal;
 };
 
-void PrintTo(const CodeRow& row, std::ostream* stream)
-{
-    *stream << row.name;
-}
-
 class GifCodes : public testing::TestWithParam<CodeRow> { };
 
 TEST_P(GifCodes, AreReadOrRefused)

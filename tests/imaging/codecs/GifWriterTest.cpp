@@ -43,11 +43,6 @@ struct ExactRow {
     int transparent;
 };
 
-void PrintTo(const ExactRow& row, std::ostream* stream)
-{
-    *stream << row.name;
-}
-
 class GifExactColors : public testing::TestWithParam<ExactRow> { };
 
 TEST_P(GifExactColors, RoundTrip)

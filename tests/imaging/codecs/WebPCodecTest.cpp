@@ -93,11 +93,6 @@ struct RegionRow {
     Rect region;
 };
 
-void PrintTo(const RegionRow& row, std::ostream* stream)
-{
-    *stream << row.name;
-}
-
 class WebPRegion : public testing::TestWithParam<RegionRow> {
 protected:
     static constexpr Size size { 205, 143 };

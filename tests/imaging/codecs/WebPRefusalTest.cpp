@@ -20,11 +20,6 @@ struct CutRow {
     std::function<ByteBuffer()> file;
 };
 
-void PrintTo(const CutRow& row, std::ostream* stream)
-{
-    *stream << row.name;
-}
-
 class WebPCut : public testing::TestWithParam<CutRow> { };
 
 TEST_P(WebPCut, AtAnyByteIsRefused)
@@ -111,7 +106,7 @@ TEST(WebPLimits, CountTheWholePicture)
     const ByteBuffer file = webPFile(test::syntheticPhoto(oddSize));
     DecodeOptions options;
     options.region = Rect { 0, 0, 1, 1 };
-    options.limits.maximumBytes = 47 * 33 * 3;
+    options.limits.maximumBytes = std::uint64_t { 47 } * 33 * 3;
     EXPECT_TRUE(webp::decode(file, options));
     options.limits.maximumBytes -= 1;
     const auto decoded = webp::decode(file, options);

@@ -14,7 +14,7 @@ constexpr std::uint32_t windowsColorSpace = 0x57696E20; // 'Win ': nothing is st
 constexpr std::uint32_t profileEmbedded = 0x4D424544; // 'MBED'
 constexpr std::uint32_t intentImages = 4; // perceptual, what pictures commonly state
 constexpr std::uint32_t pixelsPerMetre = 2835; // 72 dpi
-constexpr std::size_t greyPaletteBytes = 256 * 4;
+constexpr std::size_t greyPaletteBytes = std::size_t { 256 } * 4;
 
 enum class Form { Grey8, Rgb24, Rgba32 };
 

@@ -17,8 +17,8 @@ struct FrameReader::Input {
 };
 
 FrameReader::FrameReader() = default;
-FrameReader::FrameReader(FrameReader&&) noexcept = default;
-FrameReader& FrameReader::operator=(FrameReader&&) noexcept = default;
+FrameReader::FrameReader(FrameReader&& other) noexcept = default;
+FrameReader& FrameReader::operator=(FrameReader&& other) noexcept = default;
 FrameReader::~FrameReader() = default;
 
 void FrameReader::CloseFile::operator()(GifFileType* file) const

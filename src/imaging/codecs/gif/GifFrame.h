@@ -18,10 +18,10 @@ namespace vellumine::imaging::gif {
 /// A GIF file that is read up to the pixels of its first picture, and no further.
 class FrameReader {
 public:
-    FrameReader(FrameReader&&) noexcept;
-    FrameReader& operator=(FrameReader&&) noexcept;
-    FrameReader(const FrameReader&) = delete;
-    FrameReader& operator=(const FrameReader&) = delete;
+    FrameReader(FrameReader&& other) noexcept;
+    FrameReader& operator=(FrameReader&& other) noexcept;
+    FrameReader(const FrameReader& other) = delete;
+    FrameReader& operator=(const FrameReader& other) = delete;
     ~FrameReader();
 
     /// Fails with Malformed, and with Truncated when the file ends before its first picture.

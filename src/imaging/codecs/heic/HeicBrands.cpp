@@ -1,5 +1,7 @@
 #include "imaging/codecs/heic/HeicBrands.h"
 
+#include "imaging/codecs/heic/HeicBoxes.h"
+
 #include <algorithm>
 #include <array>
 #include <cassert>
@@ -23,24 +25,13 @@ constexpr std::array<std::string_view, 2> av1Brands { "avif", "avis" };
 
 std::string_view textAt(ByteSpan file, std::size_t offset)
 {
-    // Characters may look at any object's bytes.
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast)
-    return { reinterpret_cast<const char*>(file.data()) + offset, brandBytes };
+    return asText(file.subspan(offset, brandBytes));
 }
 
 template <std::size_t count>
 bool isOneOf(std::string_view brand, const std::array<std::string_view, count>& brands)
 {
     return std::ranges::find(brands, brand) != brands.end();
-}
-
-std::size_t boxLength(ByteSpan file)
-{
-    std::size_t length = 0;
-    for (const std::byte byte : file.first(4)) {
-        length = length << 8U | std::to_integer<std::size_t>(byte);
-    }
-    return length;
 }
 
 } // namespace
@@ -50,7 +41,7 @@ std::optional<Container> containerOf(ByteSpan file)
     if (file.size() < compatibleBrandsOffset || textAt(file, typeOffset) != "ftyp") {
         return std::nullopt;
     }
-    const std::size_t length = boxLength(file);
+    const std::uint64_t length = bigEndian(file.first(4));
     if (length < compatibleBrandsOffset || length > std::min(file.size(), mostBytes)
         || length % brandBytes != 0) {
         return std::nullopt;

@@ -1,6 +1,7 @@
 #include "imaging/codecs/heic/HeicDecoder.h"
 
 #include "imaging/codecs/heic/HeicColor.h"
+#include "imaging/codecs/heic/HeicContainer.h"
 #include "imaging/codecs/heic/HeicMetadata.h"
 
 #include <algorithm>
@@ -77,6 +78,9 @@ Result<PixelBuffer> copyPixels(const heif_image* decoded, const ImageHeader& hea
 
 Result<HeicPicture> HeicPicture::open(ByteSpan file, std::uint32_t maximumSide)
 {
+    if (auto ok = checkContainer(file); !ok) {
+        return tl::unexpected(ok.error());
+    }
     HeicPicture picture;
     picture.m_context.reset(heif_context_alloc());
     if (!picture.m_context) {
