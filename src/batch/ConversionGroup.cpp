@@ -1,6 +1,7 @@
 #include "batch/ConversionGroup.h"
 
 #include "batch/Deliver.h"
+#include "pipeline/ImageOptimizer.h"
 
 #include <QThreadPool>
 #include <QtConcurrentRun>
@@ -25,6 +26,16 @@ ProcessingResult convert(const Optimize& optimize, const QUrl& url,
 }
 
 } // namespace
+
+Optimize optimizeIn(ConversionEnvironment environment)
+{
+    return [environment = std::move(environment)](const QUrl& url,
+               const OptimizerSettings& settings, const std::stop_token& interruption) {
+        ConversionEnvironment current = environment;
+        current.interruption = interruption;
+        return ImageOptimizer::optimize(url, settings, current);
+    };
+}
 
 ConversionGroup::ConversionGroup(std::shared_ptr<ConversionQueue> queue, OptimizerSettings settings,
     Optimize optimize, QThreadPool& pool, QObject* parent)

@@ -2,6 +2,7 @@
 
 #include "core/OptimizerSettings.h"
 #include "core/ProcessingResult.h"
+#include "pipeline/ConversionEnvironment.h"
 #include "pipeline/ConversionQueue.h"
 
 #include <QObject>
@@ -19,6 +20,9 @@ namespace vellumine {
 /// and to leave nothing behind; what it answers then is recorded like any other outcome.
 using Optimize = std::function<Outcome<ProcessingResult>(
     const QUrl& url, const OptimizerSettings& settings, const std::stop_token& interruption)>;
+
+/// The pipeline's conversion in the environment, whose interruption is the batch's.
+[[nodiscard]] Optimize optimizeIn(ConversionEnvironment environment);
 
 /// The conversions of one batch on the threads of a pool, a bounded number of them at once, the
 /// next file as one ends. Lives on one thread, where its signals come; the pool must have ended its

@@ -101,15 +101,6 @@ void appendFolder(const QUrl& url, QList<QUrl>& list, FileInputResolver::SeenPat
     }
 }
 
-std::string lastComponent(const QUrl& url)
-{
-    std::string path = platform::toPath(url).string();
-    while (path.size() > 1 && path.ends_with('/')) {
-        path.pop_back();
-    }
-    return path.substr(path.rfind('/') + 1);
-}
-
 } // namespace
 
 QList<QUrl> FileInputResolver::imageURLs(
@@ -133,7 +124,7 @@ void FileInputResolver::appendImages(const QUrl& url, QList<QUrl>& list, SeenPat
         return;
     }
     const platform::ScopedAccess access(scope, url);
-    if (isSupported(lastComponent(url))) {
+    if (hasSupportedExtension(url)) {
         appendImage(url, list, seen);
     } else if (isDirectory(url)) {
         appendFolder(url, list, seen, stop);
@@ -147,6 +138,11 @@ void FileInputResolver::appendImage(const QUrl& url, QList<QUrl>& list, SeenPath
         seen.insert(key);
         list.append(url);
     }
+}
+
+bool FileInputResolver::hasSupportedExtension(const QUrl& url)
+{
+    return url.isLocalFile() && isSupported(platform::lastPathComponentBytes(url).toStdString());
 }
 
 bool FileInputResolver::isDirectory(const QUrl& url)

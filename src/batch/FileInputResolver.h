@@ -39,6 +39,9 @@ public:
     /// Lists the URL as it is, unless its standardised path was listed.
     static void appendImage(const QUrl& url, QList<QUrl>& list, SeenPaths& seen);
 
+    /// Whether the name says that it is a picture.
+    [[nodiscard]] static bool hasSupportedExtension(const QUrl& url);
+
     /// Whether a folder stands there; false where that cannot be told.
     [[nodiscard]] static bool isDirectory(const QUrl& url);
 };

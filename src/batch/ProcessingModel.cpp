@@ -104,8 +104,7 @@ void ProcessingModel::startPendingBatch()
                 std::make_shared<ConversionQueue>(
                     std::vector<QUrl>(found.begin(), found.end()), settings) };
         });
-    deliver(future, this,
-        [this](const ExpandedDrop& files) { processExpandedBatch(files); });
+    deliver(future, this, [this](const ExpandedDrop& files) { processExpandedBatch(files); });
 }
 
 void ProcessingModel::processExpandedBatch(const ExpandedDrop& files)

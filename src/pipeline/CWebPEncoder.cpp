@@ -110,9 +110,8 @@ Outcome<void> ImageOptimizer::encodeWebPWithCWebP(imaging::Image&& image, const 
             return written;
         }
     }
-    const auto exit = platform::runProcess(
-        toPath(*encoder), encoderArguments(settings, pam.path(), webP.path()),
-        environment.interruption);
+    const auto exit = platform::runProcess(toPath(*encoder),
+        encoderArguments(settings, pam.path(), webP.path()), environment.interruption);
     if (const auto goesOn = checkInterruption(environment); !goesOn) {
         return goesOn;
     }

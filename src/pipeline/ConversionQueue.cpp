@@ -29,11 +29,10 @@ public:
             && m_settings.destinationFolderURL;
         const QUrl folder
             = selected ? *m_settings.destinationFolderURL : platform::parentFolder(url);
-        QString name
-            = (m_settings.filenamePrefix + QString::fromUtf8(SourceName::of(url).base)
-                + m_settings.filenameSuffix)
-                  .normalized(QString::NormalizationForm_C)
-                  .toCaseFolded();
+        QString name = (m_settings.filenamePrefix + QString::fromUtf8(SourceName::of(url).base)
+            + m_settings.filenameSuffix)
+                           .normalized(QString::NormalizationForm_C)
+                           .toCaseFolded();
         const QString marker = QStringLiteral("-optimized");
         while (name.endsWith(marker)) {
             name.chop(marker.size());

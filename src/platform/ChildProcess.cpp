@@ -37,7 +37,8 @@ public:
         posix_spawnattr_setsigmask(&m_attributes, &signals);
         sigaddset(&signals, SIGPIPE);
         posix_spawnattr_setsigdefault(&m_attributes, &signals);
-        posix_spawnattr_setflags(&m_attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP);
+        posix_spawnattr_setflags(
+            &m_attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP);
         posix_spawnattr_setpgroup(&m_attributes, 0);
     }
     ~SpawnSetup()

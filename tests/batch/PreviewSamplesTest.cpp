@@ -99,8 +99,8 @@ TEST_F(PreviewSamplesTest, aProgramThatWasKilledHoldsNothingBack)
     ASSERT_EQ(::waitpid(child, &status, 0), child);
     ASSERT_TRUE(fs::exists(left));
     const auto samples = start();
-    const fs::path same = m_folder.path()
-        / "vellumine-preview-AAAAAAAA-0000-4000-8000-000000000001.png";
+    const fs::path same
+        = m_folder.path() / "vellumine-preview-AAAAAAAA-0000-4000-8000-000000000001.png";
     EXPECT_FALSE(fs::exists(same));
 }
 
@@ -127,8 +127,7 @@ TEST_F(PreviewSamplesTest, nothingElseIsTouched)
              "vellumine-0A1B2C3D-0000-4000-8000-000000000001.pam", "photo.png" }) {
         test::writeFile(m_folder / name, std::string_view("x"));
     }
-    const fs::path folder
-        = m_folder / "vellumine-preview-CCCCCCCC-0000-4000-8000-000000000001.png";
+    const fs::path folder = m_folder / "vellumine-preview-CCCCCCCC-0000-4000-8000-000000000001.png";
     fs::create_directory(folder);
     start().reset();
     EXPECT_TRUE(fs::exists(m_folder / "vellumine-preview-.png"));

@@ -118,9 +118,8 @@ TEST(ChildProcess, isKilledWithItsOwnChildrenWhenAStopIsRequested)
     // Two processes hold the standard error open.
     writeProgram(folder / "program", "sleep 1000 &\necho started > \"$1\"\nwait\n");
     std::stop_source stop;
-    auto exit = std::async(std::launch::async, [&] {
-        return runProcess(folder / "program", { started.string() }, stop.get_token());
-    });
+    auto exit = std::async(std::launch::async,
+        [&] { return runProcess(folder / "program", { started.string() }, stop.get_token()); });
     std::ifstream reader(started); // opens when the program has come that far
     std::string line;
     std::getline(reader, line);

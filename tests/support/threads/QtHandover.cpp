@@ -1,7 +1,8 @@
 // Tells ThreadSanitizer what it cannot see: Debian's Qt is not instrumented and locks with futexes
 // of its own. What starts on a thread pool happens after the call of start(), and what a thread
 // prepared for another one's event loop happens before it runs there. Nothing is suppressed: the
-// two calls that our code makes into Qt are wrapped, as these definitions come before the library's.
+// two calls that our code makes into Qt are wrapped, as these definitions come before the
+// library's.
 
 #include <QMetaObject>
 #include <QRunnable>
@@ -82,8 +83,8 @@ bool QMetaObject::invokeMethodImpl(
     QObject* object, QtPrivate::QSlotObjectBase* slot, Qt::ConnectionType type, void* answer)
 {
     using Invoke = bool(QObject*, QtPrivate::QSlotObjectBase*, Qt::ConnectionType, void*);
-    static Invoke* const invoke = next<Invoke>(
-        "_ZN11QMetaObject16invokeMethodImplEP7QObjectPN9QtPrivate15QSlotObjectBaseEN2Qt14ConnectionT"
-        "ypeEPv");
+    static Invoke* const invoke = next<Invoke>("_ZN11QMetaObject16invokeMethodImplEP7QObjectPN9QtPr"
+                                               "ivate15QSlotObjectBaseEN2Qt14ConnectionT"
+                                               "ypeEPv");
     return invoke(object, new SeenSlot(slot), type, answer);
 }
