@@ -32,7 +32,7 @@ bool isOurs(const fs::path& path)
         && status.st_uid == ::geteuid();
 }
 
-void remove(const fs::path& path)
+void removeFile(const fs::path& path)
 {
     std::error_code ignored;
     fs::remove(path, ignored);
@@ -78,7 +78,7 @@ PreviewSamples::~PreviewSamples()
     const bool isAlone = m_lock && m_lock->tryExclusive();
     if (m_atEnd == AtEnd::Remove) {
         for (const fs::path& sample : m_own) {
-            remove(sample);
+            removeFile(sample);
         }
         if (isAlone) {
             removeLeftOver(); // outcomes that nobody collected have samples too
@@ -108,7 +108,7 @@ void PreviewSamples::removeLeftOver() const
         }
     }
     for (const fs::path& sample : leftOver) {
-        remove(sample);
+        removeFile(sample);
     }
 }
 
