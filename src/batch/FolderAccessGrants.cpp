@@ -130,7 +130,7 @@ std::optional<QUrl> FolderAccessGrants::knownGrant(const QUrl& folder)
     return grant;
 }
 
-void FolderAccessGrants::requestSaveAccess(const QUrl& folder, PanelAnswer answer)
+void FolderAccessGrants::requestSaveAccess(const QUrl& folder, PanelAnswer answer) const
 {
     const QString name = platform::lastPathComponent(folder);
     const SaveAccessPanel panel {

@@ -57,7 +57,7 @@ public:
         const QList<QUrl>& urls, const OptimizerSettings& settings, Done done);
 
     /// Asks the user for access to the folder. The answer may be another folder: it is trusted.
-    void requestSaveAccess(const QUrl& folder, PanelAnswer answer);
+    void requestSaveAccess(const QUrl& folder, PanelAnswer answer) const;
 
 private:
     struct Request;

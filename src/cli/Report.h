@@ -28,7 +28,6 @@ public:
     [[nodiscard]] bool isEmpty() const { return m_succeeded + m_failed == 0; }
 
 private:
-    void print(const QByteArray& line) const;
     void showProgress() const;
     void hideProgress() const;
     [[nodiscard]] QString summary() const;
