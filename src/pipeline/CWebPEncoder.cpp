@@ -112,7 +112,7 @@ Outcome<void> ImageOptimizer::encodeWebPWithCWebP(imaging::Image&& image, const 
     }
     const auto exit = platform::runProcess(toPath(*encoder),
         encoderArguments(settings, pam.path(), webP.path()), environment.interruption);
-    if (const auto goesOn = checkInterruption(environment); !goesOn) {
+    if (auto goesOn = checkInterruption(environment); !goesOn) {
         return goesOn;
     }
     if (!exit) {

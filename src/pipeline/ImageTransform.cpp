@@ -10,7 +10,6 @@
 namespace vellumine {
 
 using imaging::BitmapContext;
-using imaging::ColorModel;
 using imaging::ColorSpace;
 using imaging::Image;
 using imaging::Size;

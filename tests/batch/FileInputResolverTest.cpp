@@ -25,7 +25,7 @@ protected:
     /// Makes an empty file and the folders on its way.
     fs::path file(const fs::path& relative) const
     {
-        const fs::path path = m_folder.path() / relative;
+        fs::path path = m_folder.path() / relative;
         fs::create_directories(path.parent_path());
         test::writeFile(path, std::string_view());
         return path;
@@ -33,7 +33,7 @@ protected:
 
     fs::path folder(const fs::path& relative) const
     {
-        const fs::path path = m_folder.path() / relative;
+        fs::path path = m_folder.path() / relative;
         fs::create_directories(path);
         return path;
     }

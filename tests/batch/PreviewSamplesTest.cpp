@@ -27,7 +27,7 @@ protected:
     fs::path sample(char digit) const
     {
         const std::string uuid = std::string(8, digit) + "-0000-4000-8000-000000000001";
-        const fs::path path = m_folder.path() / ("vellumine-preview-" + uuid + ".png");
+        fs::path path = m_folder.path() / ("vellumine-preview-" + uuid + ".png");
         test::writeFile(path, std::string_view("png"));
         return path;
     }
