@@ -36,11 +36,15 @@ QString resultLine(const ProcessingResult& result)
     return printable(line);
 }
 
-Report::Report(OutputStyle style, std::size_t fileCount)
+Report::Report(OutputStyle style)
     : m_style(style)
-    , m_fileCount(fileCount)
     , m_showsProgress(::isatty(STDERR_FILENO) != 0)
 {
+}
+
+void Report::setFileCount(std::size_t fileCount)
+{
+    m_fileCount = fileCount;
     showProgress();
 }
 
