@@ -22,6 +22,13 @@ QString filesText(std::size_t count)
     return count == 1 ? QStringLiteral("1 file") : QStringLiteral("%1 files").arg(count);
 }
 
+void print(const QByteArray& line)
+{
+    std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stdout);
+    std::fputc('\n', stdout);
+    std::fflush(stdout); // whoever reads it wants to see it now
+}
+
 } // namespace
 
 QString resultLine(const ProcessingResult& result)
@@ -36,11 +43,15 @@ QString resultLine(const ProcessingResult& result)
     return printable(line);
 }
 
-Report::Report(OutputStyle style, std::size_t fileCount)
+Report::Report(OutputStyle style)
     : m_style(style)
-    , m_fileCount(fileCount)
     , m_showsProgress(::isatty(STDERR_FILENO) != 0)
 {
+}
+
+void Report::setFileCount(std::size_t fileCount)
+{
+    m_fileCount = fileCount;
     showProgress();
 }
 
@@ -80,13 +91,6 @@ QString Report::summary() const
                     .arg(byteCountText(saved), QLocale().toString(percent, 'f', 1));
     }
     return text;
-}
-
-void Report::print(const QByteArray& line) const
-{
-    std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stdout);
-    std::fputc('\n', stdout);
-    std::fflush(stdout); // whoever reads it wants to see it now
 }
 
 void Report::showProgress() const

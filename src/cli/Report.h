@@ -15,22 +15,25 @@ namespace vellumine::cli {
 /// terminal.
 class Report {
 public:
-    Report(OutputStyle style, std::size_t fileCount);
+    explicit Report(OutputStyle style);
+
+    /// How many files there are, for the progress, once that is known.
+    void setFileCount(std::size_t fileCount);
 
     void add(const ProcessingResult& result);
     /// The line at the end, in text style.
     void finish();
 
     [[nodiscard]] bool hasFailures() const { return m_failed > 0; }
+    [[nodiscard]] bool isEmpty() const { return m_succeeded + m_failed == 0; }
 
 private:
-    void print(const QByteArray& line) const;
     void showProgress() const;
     void hideProgress() const;
     [[nodiscard]] QString summary() const;
 
     OutputStyle m_style;
-    std::size_t m_fileCount;
+    std::size_t m_fileCount = 0;
     bool m_showsProgress;
     std::size_t m_succeeded = 0;
     std::size_t m_failed = 0;

@@ -2,10 +2,13 @@
 
 #include "platform/FilePath.h"
 
+#include <poll.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
 #include <cstdio>
 #include <memory>
-
-#include <unistd.h>
 
 namespace vellumine::cli {
 
@@ -16,12 +19,27 @@ struct CloseStream {
 };
 using Stream = std::unique_ptr<std::FILE, CloseStream>;
 
+/// Whether there is something to read before the interruption comes. A terminal gives whole lines.
+bool waitForLine(std::FILE* input, int interruption)
+{
+    std::array<pollfd, 2> waiting {
+        pollfd { .fd = ::fileno(input), .events = POLLIN, .revents = 0 },
+        pollfd { .fd = interruption, .events = POLLIN, .revents = 0 },
+    };
+    while (::poll(waiting.data(), waiting.size(), -1) < 0 && errno == EINTR) { }
+    return waiting[1].revents == 0;
+}
+
 /// The answer to the question, read from `input`.
-QByteArray answer(std::FILE* input, std::FILE* output, const QString& question)
+QByteArray answer(std::FILE* input, std::FILE* output, const QString& question, int interruption)
 {
     std::fputs(question.toUtf8().constData(), output);
     std::fflush(output);
     QByteArray line;
+    if (!waitForLine(input, interruption)) {
+        std::fputc('\n', output);
+        return line;
+    }
     for (int c = std::fgetc(input); c != EOF && c != '\n'; c = std::fgetc(input)) {
         line.append(static_cast<char>(c));
     }
@@ -47,7 +65,7 @@ QString printable(const QString& text)
     return shown;
 }
 
-OverwriteDecision askOnTerminal(const QUrl& url)
+OverwriteDecision askOnTerminal(const QUrl& url, int interruption)
 {
     const QString question
         = QStringLiteral("Replace %1? A file with this name already exists. [y/N] ")
@@ -58,9 +76,9 @@ OverwriteDecision askOnTerminal(const QUrl& url)
     const Stream terminalInput(std::fopen("/dev/tty", "re"));
     const Stream terminalOutput(std::fopen("/dev/tty", "we"));
     if (terminalInput && terminalOutput) {
-        text = answer(terminalInput.get(), terminalOutput.get(), question);
+        text = answer(terminalInput.get(), terminalOutput.get(), question, interruption);
     } else if (::isatty(STDIN_FILENO) != 0) {
-        text = answer(stdin, stderr, question);
+        text = answer(stdin, stderr, question, interruption);
     }
     return text == "y" || text == "yes" ? OverwriteDecision::Replace : OverwriteDecision::Skip;
 }

@@ -12,7 +12,7 @@ namespace vellumine::cli {
 [[nodiscard]] QString printable(const QString& text);
 
 /// Asks on the terminal whether the file may be replaced. Anything but "y" or "yes" is "Skip", as
-/// is having no terminal.
-[[nodiscard]] OverwriteDecision askOnTerminal(const QUrl& url);
+/// is having no terminal, and as is `interruption` when that descriptor can be read from.
+[[nodiscard]] OverwriteDecision askOnTerminal(const QUrl& url, int interruption);
 
 } // namespace vellumine::cli

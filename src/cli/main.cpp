@@ -1,18 +1,23 @@
-#include "cli/BatchRun.h"
+#include "batch/FileInputResolver.h"
+#include "batch/PreviewSamples.h"
+#include "batch/ProcessingModel.h"
 #include "cli/CommandLine.h"
-#include "cli/InputFiles.h"
 #include "cli/Report.h"
 #include "cli/Terminal.h"
+#include "cli/TerminationSignals.h"
 #include "pipeline/OverwritePrompt.h"
 #include "platform/FilePath.h"
 
 #include <QCoreApplication>
-#include <QFile>
+#include <QThread>
 
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <filesystem>
 #include <string>
+#include <system_error>
 #include <vector>
 
 // vellumine-batch: the optimiser without a window, for scripts and servers.
@@ -22,44 +27,87 @@ namespace {
 
 enum ExitStatus { AllWell = 0, SomeFailed = 1, BadUsage = 2 };
 
-void removeSamples(const std::vector<ComparisonPreview>& previews)
+/// The given paths as URLs. Paths that do not exist are reported and left out, unless their names
+/// are pictures': those fail in the batch.
+QList<QUrl> inputURLs(const std::vector<std::filesystem::path>& paths, Report& report)
 {
-    for (const ComparisonPreview& preview : previews) {
-        QFile::remove(preview.sourceSampleURL.toLocalFile());
-        QFile::remove(preview.outputSampleURL.toLocalFile());
+    QList<QUrl> urls;
+    for (const std::filesystem::path& given : paths) {
+        std::error_code error;
+        const std::filesystem::path path = std::filesystem::absolute(given, error);
+        const QUrl url = platform::fileUrl(path);
+        if (FileInputResolver::hasSupportedExtension(url) || std::filesystem::exists(path, error)) {
+            urls.append(url);
+        } else {
+            report.add(failureResult(url, ImageOptimizerError(UnreadableImage {})));
+        }
     }
+    return urls;
 }
 
-int convert(const CommandLine& line)
+int convert(const CommandLine& line, TerminationSignals& signals)
 {
-    const std::vector<InputFile> files = inputFiles(line.paths);
-    if (files.empty()) {
-        std::fputs("No supported image files found\n", stderr);
-        return SomeFailed;
-    }
-    OverwritePrompt prompt(
-        [](const QUrl& url, const OverwritePrompt::Answer& answer) { answer(askOnTerminal(url)); });
+    OverwritePrompt prompt([&signals](const QUrl& url, const OverwritePrompt::Answer& answer) {
+        answer(askOnTerminal(url, signals.descriptor()));
+    });
     ConversionEnvironment environment;
     environment.confirmOverwrite = [&prompt](const QUrl& url) { return prompt.ask(url); };
     environment.executableFolder
         = platform::toPath(platform::fileUrl(QCoreApplication::applicationDirPath()));
 
-    Report report(line.style, files.size());
-    std::vector<ComparisonPreview> previews;
-    BatchRun run(files, line.settings, environment);
-    run.start(
-        [&](const ProcessingResult& result) {
-            report.add(result);
-            if (result.comparisonPreview) {
-                previews.push_back(*result.comparisonPreview);
-            }
-        },
-        [] { QCoreApplication::quit(); });
-    QCoreApplication::exec();
-    report.finish();
-    if (line.style == OutputStyle::Text) {
-        removeSamples(previews); // nobody was told of them
+    // The samples that JSON names are for whoever reads it.
+    PreviewSamples samples(environment.temporaryFolder,
+        line.style == OutputStyle::Json ? PreviewSamples::AtEnd::Keep
+                                        : PreviewSamples::AtEnd::Remove);
+    Report report(line.style);
+    // The preferences are those of the command line, and no statistics are kept.
+    ProcessingModel model({
+        .snapshot = [&line] { return line.settings; },
+        .record =
+            [&report, &samples](const ProcessingResult& result) {
+                samples.add(result);
+                report.add(result);
+            },
+        .optimize = optimizeIn(environment),
+        .folderAccess = { .securityScope = environment.securityScope },
+        .activeProcessorCount = QThread::idealThreadCount(),
+        .debounce = std::chrono::milliseconds(0),
+    });
+    QObject::connect(&model, &ProcessingModel::progressChanged, &model, [&] {
+        if (model.finishedCount() == 0 && model.totalCount() > 0) {
+            report.setFileCount(static_cast<std::size_t>(model.totalCount()));
+        }
+    });
+
+    bool isInterrupted = false;
+    signals.listen([&](int number) {
+        const bool isImpatient = isInterrupted || number != SIGINT;
+        isInterrupted = true;
+        prompt.close();
+        model.stop();
+        if (isImpatient) {
+            model.interrupt();
+        }
+        if (!model.isProcessing()) {
+            QCoreApplication::quit();
+        }
+    });
+    const QList<QUrl> urls = inputURLs(line.paths, report);
+    if (!urls.isEmpty()) {
+        model.setOnComplete([] { QCoreApplication::quit(); });
+        model.process(urls);
+        QCoreApplication::exec();
     }
+    if (isInterrupted) {
+        report.finish();
+        std::fprintf(stderr, "%s\n", model.statusText().toUtf8().constData());
+        return SomeFailed;
+    }
+    if (report.isEmpty()) {
+        std::fprintf(stderr, "%s\n", model.statusText().toUtf8().constData());
+        return SomeFailed;
+    }
+    report.finish();
     return report.hasFailures() ? SomeFailed : AllWell;
 }
 
@@ -69,6 +117,7 @@ int run(int argc, char** argv)
     std::signal(SIGPIPE, SIG_IGN);
     // Before the application sees them, which takes out what it thinks is its own.
     const std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+    TerminationSignals signals;
     const QCoreApplication application(argc, argv);
     const auto line = parseCommandLine(arguments);
     if (!line) {
@@ -84,7 +133,7 @@ int run(int argc, char** argv)
         std::puts("vellumine-batch " VELLUMINE_VERSION " (" VELLUMINE_BUILD_NUMBER ")");
         return AllWell;
     case Action::Convert:
-        return convert(*line);
+        return convert(*line, signals);
     }
     Q_UNREACHABLE();
 }

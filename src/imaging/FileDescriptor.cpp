@@ -68,6 +68,8 @@ Result<std::uint64_t> FileDescriptor::size() const
     return static_cast<std::uint64_t>(status.st_size);
 }
 
+// The position in the file changes, if not the handle.
+// NOLINTNEXTLINE(readability-make-member-function-const)
 Result<void> FileDescriptor::readInto(ByteBuffer& bytes, std::size_t count)
 {
     const std::size_t before = bytes.size();
@@ -97,6 +99,8 @@ Result<void> FileDescriptor::readInto(ByteBuffer& bytes, std::size_t count)
     return {};
 }
 
+// The file changes, if not the handle.
+// NOLINTNEXTLINE(readability-make-member-function-const)
 Result<void> FileDescriptor::write(ByteSpan bytes)
 {
     while (!bytes.empty()) {

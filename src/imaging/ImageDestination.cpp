@@ -10,9 +10,20 @@ namespace vellumine::imaging {
 
 namespace {
 
-bool storesCmyk(UniformType type)
+/// Whether a file of the type can say what the picture's numbers mean. Where it cannot, they have
+/// to become sRGB numbers.
+bool storesColors(UniformType type, const Image& image)
 {
-    return type == UniformType::Jpeg || type == UniformType::Tiff;
+    const ColorSpace& space = image.colorSpace();
+    switch (space.model()) {
+    case ColorModel::Cmyk:
+        return type == UniformType::Jpeg || type == UniformType::Tiff;
+    case ColorModel::Rgb:
+        return type != UniformType::Gif || space.isSRgbEquivalent();
+    case ColorModel::Grey: // palettes hold RGB, and so do their profiles
+        return (type != UniformType::Gif && type != UniformType::Bmp) || space.iccProfile().empty();
+    }
+    return true;
 }
 
 Result<Image> convertedToSRgb(const Image& image)
@@ -86,7 +97,7 @@ Result<void> ImageDestination::finalize()
         return failure(Error::Kind::EncodingFailed, "no picture was added");
     }
     Image image = *std::exchange(m_image, std::nullopt);
-    if (image.layout().model == ColorModel::Cmyk && !storesCmyk(m_type)) {
+    if (!storesColors(m_type, image)) {
         auto converted = convertedToSRgb(image);
         if (!converted) {
             return tl::unexpected(converted.error());

@@ -221,7 +221,7 @@ Result<ImageProperties> ImageSource::properties()
 
 Result<Image> ImageSource::thumbnailWithTransform(int maximumPixelSize)
 {
-    const auto stored = image();
+    auto stored = image();
     if (!stored) {
         return stored;
     }

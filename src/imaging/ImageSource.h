@@ -27,8 +27,8 @@ public:
     /// The same over bytes in memory.
     static Result<ImageSource> create(ByteBuffer file, const Limits& limits);
 
-    ImageSource(ImageSource&&) noexcept;
-    ImageSource& operator=(ImageSource&&) noexcept;
+    ImageSource(ImageSource&& other) noexcept;
+    ImageSource& operator=(ImageSource&& other) noexcept;
     ~ImageSource();
 
     /// The type, from the content alone.

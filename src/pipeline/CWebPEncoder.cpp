@@ -110,8 +110,11 @@ Outcome<void> ImageOptimizer::encodeWebPWithCWebP(imaging::Image&& image, const 
             return written;
         }
     }
-    const auto exit = platform::runProcess(
-        toPath(*encoder), encoderArguments(settings, pam.path(), webP.path()));
+    const auto exit = platform::runProcess(toPath(*encoder),
+        encoderArguments(settings, pam.path(), webP.path()), environment.interruption);
+    if (const auto goesOn = checkInterruption(environment); !goesOn) {
+        return goesOn;
+    }
     if (!exit) {
         return failed(
             UnsupportedFormat { QStringLiteral("WebP encoder at ") + encoder->toLocalFile()

@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <stop_token>
 
 namespace vellumine {
 
@@ -30,6 +31,10 @@ struct ConversionEnvironment {
     std::filesystem::path temporaryFolder = std::filesystem::temp_directory_path();
     /// Where the program's executable is, with the WebP encoder beside it.
     std::filesystem::path executableFolder;
+    /// Once a stop is requested, conversions give up before their next large step, and a running
+    /// WebP encoder is killed. They fail then and leave nothing behind; one that has written its
+    /// output ends as it would have.
+    std::stop_token interruption;
 };
 
 } // namespace vellumine

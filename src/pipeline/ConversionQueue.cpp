@@ -29,10 +29,10 @@ public:
             && m_settings.destinationFolderURL;
         const QUrl folder
             = selected ? *m_settings.destinationFolderURL : platform::parentFolder(url);
-        QString name
-            = (m_settings.filenamePrefix + SourceName::of(url).base + m_settings.filenameSuffix)
-                  .normalized(QString::NormalizationForm_C)
-                  .toCaseFolded();
+        QString name = (m_settings.filenamePrefix + QString::fromUtf8(SourceName::of(url).base)
+            + m_settings.filenameSuffix)
+                           .normalized(QString::NormalizationForm_C)
+                           .toCaseFolded();
         const QString marker = QStringLiteral("-optimized");
         while (name.endsWith(marker)) {
             name.chop(marker.size());
@@ -59,19 +59,19 @@ private:
 
 ConversionQueue::ConversionQueue(std::vector<QUrl> urls, const OptimizerSettings& settings)
     : m_urls(std::move(urls))
+    , m_nextInLine(m_urls.size(), nobody)
 {
     OutputGroup outputGroup(settings);
-    QHash<QString, std::size_t> groupOfKey;
+    QHash<QString, std::size_t> lastWithKey;
     for (std::size_t index = 0; index < m_urls.size(); ++index) {
         const QString key = outputGroup.key(m_urls[index]);
-        auto group = groupOfKey.constFind(key);
-        if (group == groupOfKey.constEnd()) {
-            group = groupOfKey.insert(key, m_groups.size());
-            m_groups.emplace_back();
-            m_ready.insert(index);
+        const std::size_t before = lastWithKey.value(key, nobody);
+        if (before == nobody) {
+            m_ready.push(index);
+        } else {
+            m_nextInLine[before] = index;
         }
-        m_groups[*group].push_back(index);
-        m_groupOf.push_back(*group);
+        lastWithKey.insert(key, index);
     }
 }
 
@@ -80,16 +80,16 @@ std::optional<std::size_t> ConversionQueue::takeNext()
     if (m_ready.empty()) {
         return std::nullopt;
     }
-    return m_ready.extract(m_ready.begin()).value();
+    const std::size_t index = m_ready.top();
+    m_ready.pop();
+    return index;
 }
 
 void ConversionQueue::finished(std::size_t index)
 {
-    auto& group = m_groups.at(m_groupOf.at(index));
-    Q_ASSERT(!group.empty() && group.front() == index);
-    group.pop_front();
-    if (!group.empty()) {
-        m_ready.insert(group.front());
+    const std::size_t next = std::exchange(m_nextInLine.at(index), nobody);
+    if (next != nobody) {
+        m_ready.push(next);
     }
 }
 

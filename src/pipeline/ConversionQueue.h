@@ -5,9 +5,9 @@
 #include <QUrl>
 
 #include <cstddef>
-#include <deque>
+#include <functional>
 #include <optional>
-#include <set>
+#include <queue>
 #include <vector>
 
 namespace vellumine {
@@ -29,10 +29,11 @@ public:
     void finished(std::size_t index);
 
 private:
+    static constexpr std::size_t nobody = static_cast<std::size_t>(-1);
+
     std::vector<QUrl> m_urls;
-    std::vector<std::size_t> m_groupOf; ///< by file
-    std::vector<std::deque<std::size_t>> m_groups; ///< files that exclude each other, in order
-    std::set<std::size_t> m_ready;
+    std::vector<std::size_t> m_nextInLine; ///< by file: who waits for its end, or nobody
+    std::priority_queue<std::size_t, std::vector<std::size_t>, std::greater<>> m_ready;
 };
 
 } // namespace vellumine

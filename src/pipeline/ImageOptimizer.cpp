@@ -5,6 +5,7 @@
 #include "platform/FilePath.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <utility>
 
 namespace vellumine {
@@ -160,6 +161,14 @@ OriginalInTrash trashOriginal(const QUrl& url, const QUrl& outputURL, bool isRea
 
 } // namespace
 
+Outcome<void> ImageOptimizer::checkInterruption(const ConversionEnvironment& environment)
+{
+    if (environment.interruption.stop_requested()) {
+        return tl::unexpected<OptimizeError>(platform::FileError::fromErrno(ECANCELED));
+    }
+    return {};
+}
+
 Outcome<ProcessingResult> ImageOptimizer::optimize(
     const QUrl& url, const OptimizerSettings& settings, const ConversionEnvironment& environment)
 {
@@ -174,9 +183,15 @@ Outcome<ProcessingResult> ImageOptimizer::optimize(
     }
     const auto lease
         = environment.memoryBudget->acquire(peakBytes(*source, originalBytes, settings));
+    if (const auto goesOn = checkInterruption(environment); !goesOn) {
+        return tl::unexpected(goesOn.error());
+    }
     auto prepared = prepare(std::move(*source), url, settings, environment);
     if (!prepared) {
         return tl::unexpected(prepared.error());
+    }
+    if (const auto goesOn = checkInterruption(environment); !goesOn) {
+        return tl::unexpected(goesOn.error());
     }
     if (const auto written = write(*prepared, settings, environment); !written) {
         return tl::unexpected(written.error());

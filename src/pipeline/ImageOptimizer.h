@@ -31,6 +31,9 @@ public:
     [[nodiscard]] static Outcome<ProcessingResult> optimize(const QUrl& url,
         const OptimizerSettings& settings, const ConversionEnvironment& environment);
 
+    /// Fails with the system's text for a canceled operation once the conversion is to give up.
+    [[nodiscard]] static Outcome<void> checkInterruption(const ConversionEnvironment& environment);
+
     // ImageTransform.cpp
 
     /// The first picture of the source in full size, turned upright; `fallback`, the picture as

@@ -14,9 +14,10 @@ using platform::toPath;
 
 namespace {
 
-QUrl fileIn(const QUrl& folder, const QString& name, const QString& extension)
+QUrl fileIn(const QUrl& folder, const QByteArray& name, const QString& extension)
 {
-    return platform::fileUrl(folder.toLocalFile() + u'/' + name + u'.' + extension);
+    return platform::fileUrl(std::filesystem::path(
+        toPath(folder).string() + '/' + (name + '.' + extension.toUtf8()).toStdString()));
 }
 
 } // namespace
@@ -56,8 +57,9 @@ Outcome<QUrl> ImageOptimizer::outputURL(
         folder = *settings.destinationFolderURL;
     }
     const QString extension = outputExtension(url, sourceType, settings);
-    const QString marker = QStringLiteral("-optimized");
-    QString name = settings.filenamePrefix + SourceName::of(url).base + settings.filenameSuffix;
+    const QByteArray marker = "-optimized";
+    QByteArray name = settings.filenamePrefix.toUtf8() + SourceName::of(url).base
+        + settings.filenameSuffix.toUtf8();
     QUrl candidate = fileIn(folder, name, extension);
     if (platform::standardized(candidate) == platform::standardized(url)) {
         name += marker;

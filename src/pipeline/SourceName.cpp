@@ -6,12 +6,12 @@ namespace vellumine {
 
 SourceName SourceName::of(const QUrl& url)
 {
-    const QString name = platform::lastPathComponent(url);
-    const qsizetype dot = name.lastIndexOf(u'.');
+    const QByteArray name = platform::lastPathComponentBytes(url);
+    const qsizetype dot = name.lastIndexOf('.');
     if (dot <= 0 || dot == name.size() - 1) {
         return { name, {} };
     }
-    return { name.first(dot), name.sliced(dot + 1) };
+    return { name.first(dot), QString::fromUtf8(name.sliced(dot + 1)) };
 }
 
 } // namespace vellumine

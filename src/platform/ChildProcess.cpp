@@ -37,7 +37,9 @@ public:
         posix_spawnattr_setsigmask(&m_attributes, &signals);
         sigaddset(&signals, SIGPIPE);
         posix_spawnattr_setsigdefault(&m_attributes, &signals);
-        posix_spawnattr_setflags(&m_attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+        posix_spawnattr_setflags(
+            &m_attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP);
+        posix_spawnattr_setpgroup(&m_attributes, 0);
     }
     ~SpawnSetup()
     {
@@ -71,7 +73,15 @@ QByteArray readToEnd(int descriptor)
     }
 }
 
-Result<int> waitForEnd(pid_t child)
+/// Waits without taking the status: the child's number stays its own.
+void waitUntilEnded(pid_t child)
+{
+    siginfo_t information {};
+    while (::waitid(P_PID, static_cast<id_t>(child), &information, WEXITED | WNOWAIT) < 0
+        && errno == EINTR) { }
+}
+
+Result<int> takeStatus(pid_t child)
 {
     int status = 0;
     while (::waitpid(child, &status, 0) < 0) {
@@ -84,8 +94,8 @@ Result<int> waitForEnd(pid_t child)
 
 } // namespace
 
-Result<ProcessExit> runProcess(
-    const std::filesystem::path& executable, const std::vector<std::string>& arguments)
+Result<ProcessExit> runProcess(const std::filesystem::path& executable,
+    const std::vector<std::string>& arguments, const std::stop_token& interruption)
 {
     std::array<int, 2> ends {};
     if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
@@ -110,8 +120,14 @@ Result<ProcessExit> runProcess(
     }
     // Only the child's copy may be left, or the end of its text would never come.
     writeEnd.reset();
-    QByteArray text = readToEnd(readEnd.get());
-    return waitForEnd(child).map([&text](int status) {
+    QByteArray text;
+    {
+        // Killing is over before the status is taken, after which the number may be another's.
+        const std::stop_callback kill(interruption, [child] { ::kill(-child, SIGKILL); });
+        text = readToEnd(readEnd.get());
+        waitUntilEnded(child);
+    }
+    return takeStatus(child).map([&text](int status) {
         return ProcessExit { status, std::move(text) };
     });
 }

@@ -5,6 +5,7 @@
 #include <QByteArray>
 
 #include <filesystem>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -20,9 +21,10 @@ struct ProcessExit {
 
 /// Runs a program, without a shell, and waits for its end. Its standard input and output are this
 /// process's own, no other descriptor reaches it, and its standard error is read all the time, so
-/// that it never waits for a reader. Fails when the program cannot be started. Safe to call from
-/// several threads at once.
-[[nodiscard]] Result<ProcessExit> runProcess(
-    const std::filesystem::path& executable, const std::vector<std::string>& arguments);
+/// that it never waits for a reader. It leads a process group of its own, so that an interruption
+/// typed at the terminal is not its business; when a stop is requested, the group is killed. Fails
+/// when the program cannot be started. Safe to call from several threads at once.
+[[nodiscard]] Result<ProcessExit> runProcess(const std::filesystem::path& executable,
+    const std::vector<std::string>& arguments, const std::stop_token& interruption = {});
 
 } // namespace vellumine::platform

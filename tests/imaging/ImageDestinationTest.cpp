@@ -281,6 +281,29 @@ TEST(ImageDestination, theQualityIsThatOfTheProperties)
     EXPECT_EQ(sizeAt(1.0), std::filesystem::file_size(folder / "without"));
 }
 
+// A pure green of linear light at half strength, so that the number must change.
+TEST(ImageDestination, whatCannotBeSaidInTheFileBecomesSRgb)
+{
+    const TemporaryFolder folder;
+    constexpr Primaries srgb { { 0.3127, 0.3290 }, { 0.64, 0.33 }, { 0.30, 0.60 }, { 0.15, 0.06 } };
+    const TransferCurve linear { TransferCurve::Kind::Gamma, 1.0 };
+    const Image green = test::flat(oddSize, rgb8, { 0.0, 0.5, 0.0 })
+                            .withColorSpace(ColorSpace::fromPrimaries(srgb, linear).value());
+    ASSERT_TRUE(write(folder / "green.gif", UniformType::Gif, green));
+    const Image gif = ImageSource::create(folder / "green.gif", Limits {})->image().value();
+    EXPECT_NEAR(test::sampleAt(gif, 20, 20, 1), 0.735, 0.01);
+
+    const Image grey
+        = test::flat(oddSize, { ColorModel::Grey, 8, AlphaInfo::None }, { 0.5 })
+              .withColorSpace(ColorSpace::fromPrimaries(srgb, linear, ColorModel::Grey).value());
+    for (const UniformType type : { UniformType::Gif, UniformType::Bmp }) {
+        const auto path = folder / (std::string("grey.") + std::string(preferredExtension(type)));
+        ASSERT_TRUE(write(path, type, grey));
+        EXPECT_NEAR(test::sampleAt(ImageSource::create(path, Limits {})->image().value(), 9, 9, 0),
+            0.735, 0.01);
+    }
+}
+
 TEST(ImageDestination, theProfilePolicyHolds)
 {
     TemporaryFolder folder;

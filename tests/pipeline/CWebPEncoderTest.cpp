@@ -6,7 +6,12 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
+#include <fstream>
+#include <future>
 #include <limits>
+#include <stop_token>
 
 namespace vellumine {
 namespace {
@@ -269,6 +274,35 @@ TEST_F(CWebP, encoderOfTheEnvironmentThatCannotBeExecutedGivesWay)
         urlOf(workplace.programs() / "cwebp"));
     workplace.removeEncoder();
     EXPECT_EQ(ImageOptimizer::bundledCWebPExecutableURL(workplace.programs()), std::nullopt);
+}
+
+TEST_F(CWebP, anInterruptionKillsTheEncoderAndLeavesNothingBehind)
+{
+    const std::filesystem::path started = workplace.programs() / "started";
+    ASSERT_EQ(::mkfifo(started.c_str(), 0600), 0);
+    workplace.replaceEncoder("while [ \"$1\" != \"-o\" ]; do shift; done\nprintf half > \"$2\"\n"
+                             "echo started > '"
+        + started.string() + "'\nsleep 1000\n");
+    writeFile(output(), "old");
+    std::stop_source stop;
+    auto environment = workplace.environment();
+    environment.interruption = stop.get_token();
+    auto outcome = std::async(std::launch::async, [&] {
+        return ImageOptimizer::encodeWebPWithCWebP(
+            test::gradient({ 47, 33 }, imaging::rgba8Premultiplied), urlOf(output()),
+            ExistingItem::Replace, settings, {}, environment);
+    });
+    std::ifstream reader(started);
+    std::string line;
+    std::getline(reader, line);
+    EXPECT_EQ(listing(workplace.temporary()).empty(), false);
+    stop.request_stop();
+    const auto encoded = outcome.get();
+    ASSERT_FALSE(encoded);
+    EXPECT_EQ(localizedDescription(encoded.error()), QStringLiteral("Operation canceled"));
+    EXPECT_EQ(listing(workplace.temporary()), "");
+    EXPECT_EQ(listing(workplace.pictures()), "out.webp");
+    EXPECT_EQ(textOf(output()), "old");
 }
 
 } // namespace

@@ -6,9 +6,13 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <fstream>
+#include <future>
+#include <stop_token>
 #include <string>
 
 namespace vellumine::platform {
@@ -104,6 +108,37 @@ TEST(ChildProcess, saysWhyAProgramCannotBeStarted)
     const auto missing = runProcess(folder / "missing", {});
     ASSERT_FALSE(missing);
     EXPECT_EQ(missing.error().text, QStringLiteral("No such file or directory"));
+}
+
+TEST(ChildProcess, isKilledWithItsOwnChildrenWhenAStopIsRequested)
+{
+    const TemporaryFolder folder;
+    const std::filesystem::path started = folder / "started";
+    ASSERT_EQ(::mkfifo(started.c_str(), 0600), 0);
+    // Two processes hold the standard error open.
+    writeProgram(folder / "program", "sleep 1000 &\necho started > \"$1\"\nwait\n");
+    std::stop_source stop;
+    auto exit = std::async(std::launch::async,
+        [&] { return runProcess(folder / "program", { started.string() }, stop.get_token()); });
+    std::ifstream reader(started); // opens when the program has come that far
+    std::string line;
+    std::getline(reader, line);
+    EXPECT_EQ(line, "started");
+    stop.request_stop();
+    const auto result = exit.get();
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->status, SIGKILL);
+}
+
+TEST(ChildProcess, isKilledAtOnceWhenTheStopWasRequestedBefore)
+{
+    const TemporaryFolder folder;
+    writeProgram(folder / "program", "sleep 1000\n");
+    std::stop_source stop;
+    stop.request_stop();
+    const auto result = runProcess(folder / "program", {}, stop.get_token());
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->status, SIGKILL);
 }
 
 } // namespace

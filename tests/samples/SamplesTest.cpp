@@ -201,14 +201,13 @@ private:
         return faultOf(sample, found->second);
     }
 
-    /// Whether the sample was skipped because another of its name was converted first.
+    /// Whether the sample was skipped because another sample, or its output, has the output's name.
     [[nodiscard]] bool wasTakenBefore(const Sample& sample, const QJsonObject& result) const
     {
         return messageOf(result) == "Skipped because the output file already exists."
-            && std::any_of(m_run.results.begin(), m_run.results.end(), [&](const auto& other) {
-                   const std::filesystem::path output = outputOf(other.second);
-                   return output.parent_path() == copyOf(sample).parent_path()
-                       && output.stem() == sample.path.stem();
+            && std::any_of(m_samples.begin(), m_samples.end(), [&](const Sample& other) {
+                   return other.path != sample.path && other.path.stem() == sample.path.stem()
+                       && other.path.parent_path() == sample.path.parent_path();
                });
     }
 

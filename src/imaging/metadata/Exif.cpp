@@ -131,7 +131,7 @@ void setColorSpace(TiffTree& tree, bool isSRgb)
     setIfPresent(tree, colorSpaceTag, isSRgb ? 1 : 0xFFFF);
     const TiffEntry* const index = tree.interoperability.find(interoperabilityIndexTag);
     if (isSRgb && index != nullptr) {
-        constexpr std::string_view sRgbIndex("R98", 4);
+        constexpr std::string_view sRgbIndex("R98\0", 4);
         const ByteSpan value = std::as_bytes(std::span(sRgbIndex));
         tree.interoperability.set(
             { interoperabilityIndexTag, fieldtype::ascii, 4, { value.begin(), value.end() } });

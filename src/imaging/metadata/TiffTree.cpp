@@ -75,8 +75,8 @@ public:
         // Of fields that are there twice, the first one counts.
         auto& entries = result.directory.entries;
         std::ranges::stable_sort(entries, {}, &TiffEntry::tag);
-        const auto repeated = std::ranges::unique(entries, {}, &TiffEntry::tag);
-        entries.erase(repeated.begin(), repeated.end());
+        const auto sameTag = [](const TiffEntry& a, const TiffEntry& b) { return a.tag == b.tag; };
+        entries.erase(std::unique(entries.begin(), entries.end(), sameTag), entries.end());
         const std::uint64_t end = first + count * m_shape.entryBytes;
         if (fits(end, m_shape.inlineBytes)) { // missing after the last directory of some cameras
             result.next = readOffset(at(end));

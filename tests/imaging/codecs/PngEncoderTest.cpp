@@ -179,6 +179,18 @@ TEST(PngEncoder, writesGreyInTheFewestBits)
         { 3, 1 });
 }
 
+/// The first of so many colours, each of which occurs, in enough pixels for a palette to pay.
+Image pictureOf(int colors)
+{
+    const Size size = colors > 100 ? Size { 260, 255 } : Size { 120, 100 };
+    return makeImage(size, rgb8, [colors](int x, int y, int channel) {
+        const int index = (x * x + x + y * 7) % colors;
+        return std::array { index % 16 * 17, index / 16 * 15, 80 }.at(
+                   static_cast<std::size_t>(channel))
+            / 255.0;
+    });
+}
+
 TEST(PngEncoder, writesFewColoursWithAPalette)
 {
     struct Row {
@@ -187,17 +199,13 @@ TEST(PngEncoder, writesFewColoursWithAPalette)
     };
     for (const auto& [colors, bitDepth] : { Row { 2, 1 }, Row { 3, 2 }, Row { 4, 2 }, Row { 5, 4 },
              Row { 16, 4 }, Row { 17, 8 }, Row { 256, 8 } }) {
-        const auto image = makeImage({ 260, 255 }, rgb8, [colors = colors](int x, int y, int c) {
-            return noise((x * x + y * 7) % colors, 0, c);
-        });
+        const Image image = pictureOf(colors);
         expectKind(image, { 3, bitDepth });
         const auto file = encoded(image);
         EXPECT_EQ(test::chunkContent(file, "PLTE").size(), 3U * static_cast<unsigned>(colors));
         EXPECT_TRUE(test::chunkContent(file, "tRNS").empty());
     }
-    const auto tooMany = makeImage(
-        { 260, 255 }, rgb8, [](int x, int y, int c) { return noise((x * x + y * 7) % 257, 0, c); });
-    expectKind(tooMany, { 2, 8 });
+    expectKind(pictureOf(257), { 2, 8 });
 }
 
 TEST(PngEncoder, listsTheTransparentColoursOfAPaletteFirst)

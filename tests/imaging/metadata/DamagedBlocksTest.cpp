@@ -105,7 +105,7 @@ TEST(DamagedExif, theFirstOfTwoFieldsCounts)
     EXPECT_EQ(orientation(blocks), Orientation::RightTop);
     const ByteBuffer result = travelling(blocks, everything, picture).exif;
     EXPECT_LT(result.size(), 1000U);
-    EXPECT_FALSE(std::ranges::search(result, test::cameraMakerNote()).empty());
+    EXPECT_NE(test::textOf(result).find(test::textOf(test::cameraMakerNote())), std::string::npos);
 }
 
 TEST(DamagedExif, fieldsThatShareTheirBytesDoNotUnfold)

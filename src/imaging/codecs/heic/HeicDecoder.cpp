@@ -57,7 +57,8 @@ Result<PixelBuffer> copyPixels(const heif_image* decoded, const ImageHeader& hea
     if (!pixels) {
         return pixels;
     }
-    const auto samples = static_cast<std::size_t>(size.width * layout.channels());
+    const std::size_t samples
+        = static_cast<std::size_t>(size.width) * static_cast<std::size_t>(layout.channels());
     for (int y = 0; y < size.height; ++y) {
         const std::uint8_t* const from = plane + static_cast<std::ptrdiff_t>(y) * stride;
         if (layout.bitsPerComponent == 8) {

@@ -17,13 +17,16 @@ namespace {
 
 /// The ancillary chunks that libpng knows and the picture does not need: what they say is read
 /// elsewhere, within limits, or not at all.
-constexpr std::array<png_byte, 17 * 5> ignoredChunks = [] {
+constexpr std::size_t ignoredCount = 17;
+constexpr std::size_t nameLength = 4; // each followed by a zero byte
+constexpr std::array<png_byte, ignoredCount*(nameLength + 1)> ignoredChunks = [] {
     constexpr std::string_view names = "bKGDcHRMeXIfgAMAhISTiCCPiTXtoFFspCALpHYssBITsCALsPLTsRGB"
                                        "tEXttIMEzTXt";
-    static_assert(names.size() == 17 * 4);
-    std::array<png_byte, 17 * 5> list {};
+    static_assert(names.size() == ignoredCount * nameLength);
+    std::array<png_byte, ignoredCount*(nameLength + 1)> list {};
     for (std::size_t i = 0; i < names.size(); ++i) {
-        list.at(i / 4 * 5 + i % 4) = static_cast<png_byte>(names[i]);
+        list.at(i / nameLength * (nameLength + 1) + i % nameLength)
+            = static_cast<png_byte>(names[i]);
     }
     return list;
 }();

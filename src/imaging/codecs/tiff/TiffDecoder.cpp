@@ -208,7 +208,7 @@ private:
             }
             return;
         }
-        constexpr Sample largest = static_cast<Sample>(-1);
+        constexpr auto largest = static_cast<Sample>(-1);
         const Sample flip = m_directory.colour == Colour::InvertedGrey ? largest : Sample { 0 };
         for (int sample = 0; sample < colours; ++sample) {
             routeSample(block, sample, row + sample,

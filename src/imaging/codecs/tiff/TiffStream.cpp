@@ -92,10 +92,10 @@ tmsize_t refuseToWrite(thandle_t /*handle*/, void* /*data*/, tmsize_t /*size*/)
 
 } // namespace
 
-Error TiffMessages::failureOf(std::string fallback) const
+Error TiffMessages::failureOf(const std::string& fallback) const
 {
     return { dataMissing ? Error::Kind::Truncated : Error::Kind::Malformed,
-        lastError.empty() ? std::move(fallback) : lastError };
+        lastError.empty() ? fallback : lastError };
 }
 
 struct TiffReaderCalls {

@@ -24,7 +24,7 @@ struct TiffMessages {
     bool dataMissing = false;
 
     /// The failure that the messages amount to.
-    [[nodiscard]] Error failureOf(std::string fallback) const;
+    [[nodiscard]] Error failureOf(const std::string& fallback) const;
 };
 
 /// A TIFF file in memory that is being read. Opening reads the header and the first directory, and

@@ -1,0 +1,156 @@
+#include "batch/FolderAccessGrants.h"
+
+#include "platform/FileOperations.h"
+#include "platform/FilePath.h"
+
+#include <QPointer>
+#include <QSet>
+
+#include <utility>
+
+namespace vellumine {
+
+struct FolderAccessGrants::Request {
+    QList<QUrl> folders;
+    qsizetype next = 0; ///< index of the folder that is up
+    QList<QUrl> grants;
+    Done done;
+};
+
+namespace {
+
+/// Answers once, at the latest with its end.
+class AnswerOnce {
+public:
+    explicit AnswerOnce(FolderAccessGrants::PanelAnswer answer)
+        : m_answer(std::move(answer))
+    {
+    }
+    ~AnswerOnce() { give(std::nullopt); }
+    AnswerOnce(const AnswerOnce&) = delete;
+    AnswerOnce& operator=(const AnswerOnce&) = delete;
+
+    void give(std::optional<QUrl> folder)
+    {
+        if (const auto answer = std::exchange(m_answer, nullptr)) {
+            answer(std::move(folder));
+        }
+    }
+
+private:
+    FolderAccessGrants::PanelAnswer m_answer;
+};
+
+} // namespace
+
+FolderAccessGrants::FolderAccessGrants(Dependencies dependencies, QObject* parent)
+    : QObject(parent)
+    , m_dependencies(std::move(dependencies))
+{
+}
+
+QList<QUrl> FolderAccessGrants::uniqueParentFolders(const QList<QUrl>& urls)
+{
+    QList<QUrl> folders;
+    QSet<QByteArray> seen;
+    QByteArray last;
+    for (const QUrl& url : urls) {
+        const QUrl folder = platform::parentFolder(url);
+        const QByteArray path = platform::standardizedPath(folder);
+        // The files of one folder mostly come one after the other.
+        if (path == last || seen.contains(path)) {
+            continue;
+        }
+        last = path;
+        seen.insert(path);
+        folders.append(platform::standardized(folder));
+    }
+    return folders;
+}
+
+void FolderAccessGrants::requestOriginalLocationAccessIfNeeded(
+    const QList<QUrl>& urls, const OptimizerSettings& settings, Done done)
+{
+    if (settings.destinationMode != DestinationMode::OriginalLocation) {
+        done(QList<QUrl>());
+        return;
+    }
+    proceed(std::make_shared<Request>(
+        Request { .folders = uniqueParentFolders(urls), .grants = {}, .done = std::move(done) }));
+}
+
+void FolderAccessGrants::proceed(const std::shared_ptr<Request>& request)
+{
+    while (request->next < request->folders.size()) {
+        const QUrl folder = request->folders.at(request->next);
+        const std::optional<QUrl> known = knownGrant(folder);
+        if (!known) {
+            requestSaveAccess(folder,
+                [self = QPointer(this), request, folder](const std::optional<QUrl>& chosen) {
+                    if (!self) {
+                        return;
+                    }
+                    if (!chosen) {
+                        request->done(std::nullopt);
+                        return;
+                    }
+                    self->m_dependencies.rememberOriginalLocationFolder(*chosen);
+                    self->m_originalLocationAccessFolders.insert(
+                        platform::standardizedPath(folder), *chosen);
+                    request->grants.append(*chosen);
+                    ++request->next;
+                    self->proceed(request);
+                });
+            return;
+        }
+        request->grants.append(*known);
+        ++request->next;
+    }
+    request->done(request->grants);
+}
+
+std::optional<QUrl> FolderAccessGrants::knownGrant(const QUrl& folder)
+{
+    const QByteArray key = platform::standardizedPath(folder);
+    const auto cached = m_originalLocationAccessFolders.constFind(key);
+    if (cached != m_originalLocationAccessFolders.constEnd()) {
+        if (isUsable(*cached)) {
+            return *cached;
+        }
+        m_originalLocationAccessFolders.erase(cached);
+    }
+    std::optional<QUrl> grant = m_dependencies.rememberedOriginalLocationFolder(folder);
+    if (!grant || !isUsable(*grant)) {
+        // What needs no grant is one to itself: outside a sandbox nobody is asked for anything.
+        grant = isUsable(folder) ? std::optional(folder) : std::nullopt;
+    }
+    if (grant) {
+        m_originalLocationAccessFolders.insert(key, *grant);
+    }
+    return grant;
+}
+
+void FolderAccessGrants::requestSaveAccess(const QUrl& folder, PanelAnswer answer) const
+{
+    const QString name = platform::lastPathComponent(folder);
+    const SaveAccessPanel panel {
+        .message = QStringLiteral("Allow Vellumine to save converted images in ")
+            + (name.isEmpty() ? folder.toLocalFile() : name) + u'.',
+        .prompt = QStringLiteral("Allow Save Access"),
+        .folder = folder,
+    };
+    const auto once = std::make_shared<AnswerOnce>(std::move(answer));
+    m_dependencies.showSaveAccessPanel(
+        panel, [once](std::optional<QUrl> chosen) { once->give(std::move(chosen)); });
+}
+
+bool FolderAccessGrants::isUsable(const QUrl& grant) const
+{
+    if (m_dependencies.securityScope->startAccessing(grant)) {
+        m_dependencies.securityScope->stopAccessing(grant);
+        return true;
+    }
+    return platform::checkWritableFolder(platform::toPath(grant)).has_value();
+}
+
+} // namespace vellumine

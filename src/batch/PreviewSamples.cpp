@@ -1,0 +1,115 @@
+#include "batch/PreviewSamples.h"
+
+#include "platform/FilePath.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+namespace vellumine {
+namespace {
+
+namespace fs = std::filesystem;
+
+bool isSampleName(std::string_view name)
+{
+    constexpr std::string_view prefix = "vellumine-preview-";
+    constexpr std::string_view extension = ".png";
+    constexpr std::size_t uuidLength = 36;
+    return name.size() == prefix.size() + uuidLength + extension.size() && name.starts_with(prefix)
+        && name.ends_with(extension);
+}
+
+/// A regular file of this user's. Others share the temporary folder.
+bool isOurs(const fs::path& path)
+{
+    struct stat status { };
+    return ::lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode)
+        && status.st_uid == ::geteuid();
+}
+
+void removeFile(const fs::path& path)
+{
+    std::error_code ignored;
+    fs::remove(path, ignored);
+}
+
+fs::path lockPath(const fs::path& folder)
+{
+    return folder / ("vellumine-preview-" + std::to_string(::geteuid()) + ".lock");
+}
+
+} // namespace
+
+PreviewSamples::PreviewSamples(fs::path temporaryFolder, AtEnd atEnd)
+    : m_folder(std::move(temporaryFolder))
+    , m_atEnd(atEnd)
+{
+    takeLock();
+}
+
+// Without a lock nothing is known about others, and nothing of theirs is touched.
+void PreviewSamples::takeLock()
+{
+    do {
+        auto lock = platform::FileLock::open(lockPath(m_folder));
+        m_lock.reset();
+        if (!lock) {
+            return;
+        }
+        m_lock.emplace(std::move(*lock));
+        if (m_lock->tryExclusive() && m_lock->isAtItsPath()) {
+            removeLeftOver();
+        }
+        // Giving the lock up for a moment on the way is harmless: there are no samples yet.
+        if (!m_lock->share()) {
+            m_lock.reset();
+            return;
+        }
+    } while (!m_lock->isAtItsPath());
+}
+
+PreviewSamples::~PreviewSamples()
+{
+    const bool isAlone = m_lock && m_lock->tryExclusive();
+    if (m_atEnd == AtEnd::Remove) {
+        for (const fs::path& sample : m_own) {
+            removeFile(sample);
+        }
+        if (isAlone) {
+            removeLeftOver(); // outcomes that nobody collected have samples too
+        }
+    }
+    if (isAlone) {
+        m_lock->removeFile();
+    }
+}
+
+void PreviewSamples::add(const ProcessingResult& result)
+{
+    if (result.comparisonPreview) {
+        m_own.push_back(platform::toPath(result.comparisonPreview->sourceSampleURL));
+        m_own.push_back(platform::toPath(result.comparisonPreview->outputSampleURL));
+    }
+}
+
+void PreviewSamples::removeLeftOver() const
+{
+    std::error_code error;
+    std::vector<fs::path> leftOver;
+    for (fs::directory_iterator entry(m_folder, error), end; !error && entry != end;
+         entry.increment(error)) {
+        if (isSampleName(entry->path().filename().string()) && isOurs(entry->path())) {
+            leftOver.push_back(entry->path());
+        }
+    }
+    for (const fs::path& sample : leftOver) {
+        removeFile(sample);
+    }
+}
+
+} // namespace vellumine

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "core/ProcessingResult.h"
+#include "platform/FileLock.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <vector>
+
+namespace vellumine {
+
+/// Keeps the temporary folder free of preview samples that nobody needs any more: this program's
+/// when it ends, and those that an earlier one left behind when it crashed.
+///
+/// A sample's name does not say whose it is. So every program that makes samples shares a lock for
+/// as long as it runs. Whoever can have the lock alone knows that no such program is running, and
+/// that every sample of this user's is left over. Make it before the first conversion.
+class PreviewSamples {
+public:
+    /// What is to become of this program's samples at its end.
+    enum class AtEnd : std::uint8_t { Remove, Keep };
+
+    PreviewSamples(std::filesystem::path temporaryFolder, AtEnd atEnd);
+    /// Conversions must have ended.
+    ~PreviewSamples();
+    PreviewSamples(const PreviewSamples&) = delete;
+    PreviewSamples& operator=(const PreviewSamples&) = delete;
+
+    /// Takes care of the result's samples, if it has any.
+    void add(const ProcessingResult& result);
+
+private:
+    void takeLock();
+    void removeLeftOver() const;
+
+    std::filesystem::path m_folder;
+    AtEnd m_atEnd;
+    std::optional<platform::FileLock> m_lock;
+    std::vector<std::filesystem::path> m_own;
+};
+
+} // namespace vellumine

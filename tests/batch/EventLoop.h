@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QTimer>
+
+#include <chrono>
+
+namespace vellumine::test {
+
+/// Lets the event loop run until the predicate holds, waking up for events alone; false when that
+/// takes longer than any test should.
+template <typename Predicate> [[nodiscard]] bool runUntil(Predicate predicate)
+{
+    const std::chrono::seconds limit(60);
+    const QDeadlineTimer deadline(limit);
+    QTimer wakeUp;
+    wakeUp.setSingleShot(true);
+    wakeUp.start(limit);
+    while (!predicate()) {
+        if (deadline.hasExpired()) {
+            return false;
+        }
+        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
+    }
+    return true;
+}
+
+/// Wakes the main thread's event loop from any thread.
+inline void wakeMainThread()
+{
+    QCoreApplication::postEvent(QCoreApplication::instance(), new QEvent(QEvent::None));
+}
+
+} // namespace vellumine::test

@@ -1,0 +1,156 @@
+#include "batch/PreviewSamples.h"
+
+#include "platform/FilePath.h"
+#include "support/TestImages.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <memory>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace vellumine {
+namespace {
+
+namespace fs = std::filesystem;
+
+class PreviewSamplesTest : public testing::Test {
+protected:
+    std::unique_ptr<PreviewSamples> start(
+        PreviewSamples::AtEnd atEnd = PreviewSamples::AtEnd::Remove) const
+    {
+        return std::make_unique<PreviewSamples>(m_folder.path(), atEnd);
+    }
+
+    fs::path sample(char digit) const
+    {
+        const std::string uuid = std::string(8, digit) + "-0000-4000-8000-000000000001";
+        const fs::path path = m_folder.path() / ("vellumine-preview-" + uuid + ".png");
+        test::writeFile(path, std::string_view("png"));
+        return path;
+    }
+
+    static ProcessingResult resultWith(const fs::path& source, const fs::path& output)
+    {
+        ProcessingResult result;
+        result.comparisonPreview.emplace();
+        result.comparisonPreview->sourceSampleURL = platform::fileUrl(source);
+        result.comparisonPreview->outputSampleURL = platform::fileUrl(output);
+        return result;
+    }
+
+    test::TemporaryFolder m_folder;
+};
+
+TEST_F(PreviewSamplesTest, itsOwnAreRemovedAtTheEnd)
+{
+    auto samples = start();
+    const fs::path source = sample('A');
+    const fs::path output = sample('B');
+    samples->add(resultWith(source, output));
+    samples->add(ProcessingResult());
+    EXPECT_TRUE(fs::exists(source));
+    samples.reset();
+    EXPECT_TRUE(fs::is_empty(m_folder.path()));
+}
+
+TEST_F(PreviewSamplesTest, thoseThatACrashLeftAreRemovedAtTheNextStart)
+{
+    const fs::path left = sample('A');
+    const auto samples = start();
+    EXPECT_FALSE(fs::exists(left));
+}
+
+TEST_F(PreviewSamplesTest, thoseOfAnotherRunningProgramStay)
+{
+    auto first = start();
+    const fs::path itsSample = sample('A');
+    const auto second = start();
+    EXPECT_TRUE(fs::exists(itsSample));
+}
+
+TEST_F(PreviewSamplesTest, theEndOfOneProgramLeavesTheOthersSamples)
+{
+    auto first = start();
+    auto second = start();
+    const fs::path firsts = sample('A');
+    const fs::path seconds = sample('B');
+    first->add(resultWith(firsts, firsts));
+    second->add(resultWith(seconds, seconds));
+    first.reset();
+    EXPECT_FALSE(fs::exists(firsts));
+    EXPECT_TRUE(fs::exists(seconds));
+}
+
+TEST_F(PreviewSamplesTest, aProgramThatWasKilledHoldsNothingBack)
+{
+    const fs::path left = m_folder.path() / "marker";
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        const auto samples = start();
+        sample('A');
+        test::writeFile(left, std::string_view("made"));
+        ::kill(::getpid(), SIGKILL);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    ASSERT_TRUE(fs::exists(left));
+    const auto samples = start();
+    const fs::path same
+        = m_folder.path() / "vellumine-preview-AAAAAAAA-0000-4000-8000-000000000001.png";
+    EXPECT_FALSE(fs::exists(same));
+}
+
+TEST_F(PreviewSamplesTest, outcomesThatNobodyCollectedLeaveNothing)
+{
+    auto samples = start();
+    const fs::path lost = sample('A');
+    samples.reset();
+    EXPECT_FALSE(fs::exists(lost));
+}
+
+TEST_F(PreviewSamplesTest, theyAreKeptWhereSomebodyWasToldOfThem)
+{
+    auto samples = start(PreviewSamples::AtEnd::Keep);
+    const fs::path told = sample('A');
+    samples->add(resultWith(told, told));
+    samples.reset();
+    EXPECT_TRUE(fs::exists(told));
+}
+
+TEST_F(PreviewSamplesTest, nothingElseIsTouched)
+{
+    for (const char* name : { "vellumine-preview-.png", "vellumine-preview-notes.png",
+             "vellumine-0A1B2C3D-0000-4000-8000-000000000001.pam", "photo.png" }) {
+        test::writeFile(m_folder / name, std::string_view("x"));
+    }
+    const fs::path folder = m_folder / "vellumine-preview-CCCCCCCC-0000-4000-8000-000000000001.png";
+    fs::create_directory(folder);
+    start().reset();
+    EXPECT_TRUE(fs::exists(m_folder / "vellumine-preview-.png"));
+    EXPECT_TRUE(fs::exists(m_folder / "vellumine-preview-notes.png"));
+    EXPECT_TRUE(fs::exists(m_folder / "vellumine-0A1B2C3D-0000-4000-8000-000000000001.pam"));
+    EXPECT_TRUE(fs::exists(m_folder / "photo.png"));
+    EXPECT_TRUE(fs::exists(folder));
+}
+
+TEST_F(PreviewSamplesTest, aLockThatCannotBeHadLeavesOthersAlone)
+{
+    const fs::path lock
+        = m_folder.path() / ("vellumine-preview-" + std::to_string(::geteuid()) + ".lock");
+    fs::create_symlink(m_folder / "elsewhere", lock);
+    const fs::path other = sample('A');
+    const fs::path own = sample('B');
+    auto samples = start();
+    samples->add(resultWith(own, own));
+    samples.reset();
+    EXPECT_TRUE(fs::exists(other));
+    EXPECT_FALSE(fs::exists(own));
+    EXPECT_FALSE(fs::exists(m_folder / "elsewhere"));
+}
+
+} // namespace
+} // namespace vellumine

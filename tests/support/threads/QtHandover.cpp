@@ -1,0 +1,90 @@
+// Tells ThreadSanitizer what it cannot see: Debian's Qt is not instrumented and locks with futexes
+// of its own. What starts on a thread pool happens after the call of start(), and what a thread
+// prepared for another one's event loop happens before it runs there. Nothing is suppressed: the
+// two calls that our code makes into Qt are wrapped, as these definitions come before the
+// library's.
+
+#include <QMetaObject>
+#include <QRunnable>
+#include <QThreadPool>
+
+#include <dlfcn.h>
+#include <sanitizer/tsan_interface.h>
+
+#include <memory>
+#include <utility>
+
+namespace {
+
+template <typename Function> Function* next(const char* symbol)
+{
+    // What the linker knows by that name has that type.
+    return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, symbol));
+}
+
+class SeenRunnable final : public QRunnable {
+public:
+    explicit SeenRunnable(QRunnable* runnable)
+        : m_runnable(runnable)
+    {
+        __tsan_release(m_runnable);
+    }
+
+    void run() override
+    {
+        __tsan_acquire(m_runnable);
+        const std::unique_ptr<QRunnable> owner(m_runnable->autoDelete() ? m_runnable : nullptr);
+        m_runnable->run();
+    }
+
+private:
+    QRunnable* m_runnable;
+};
+
+/// A slot in another's clothes. Qt owns it through its reference count.
+class SeenSlot final : public QtPrivate::QSlotObjectBase {
+public:
+    explicit SeenSlot(QtPrivate::QSlotObjectBase* slot)
+        : QSlotObjectBase(&SeenSlot::act)
+        , m_slot(slot)
+    {
+        __tsan_release(this);
+    }
+
+private:
+    static void act(
+        int which, QSlotObjectBase* self, QObject* receiver, void** arguments, bool* answer)
+    {
+        __tsan_acquire(self);
+        auto* seen = static_cast<SeenSlot*>(self);
+        if (which == Destroy) {
+            seen->m_slot->destroyIfLastRef();
+            delete seen;
+        } else if (which == Call) {
+            seen->m_slot->call(receiver, arguments);
+        } else {
+            *answer = false;
+        }
+    }
+
+    QtPrivate::QSlotObjectBase* m_slot;
+};
+
+} // namespace
+
+void QThreadPool::start(QRunnable* runnable, int priority)
+{
+    using Start = void(QThreadPool*, QRunnable*, int);
+    static Start* const start = next<Start>("_ZN11QThreadPool5startEP9QRunnablei");
+    start(this, new SeenRunnable(runnable), priority);
+}
+
+bool QMetaObject::invokeMethodImpl(
+    QObject* object, QtPrivate::QSlotObjectBase* slot, Qt::ConnectionType type, void* answer)
+{
+    using Invoke = bool(QObject*, QtPrivate::QSlotObjectBase*, Qt::ConnectionType, void*);
+    static Invoke* const invoke = next<Invoke>("_ZN11QMetaObject16invokeMethodImplEP7QObjectPN9QtPr"
+                                               "ivate15QSlotObjectBaseEN2Qt14ConnectionT"
+                                               "ypeEPv");
+    return invoke(object, new SeenSlot(slot), type, answer);
+}
