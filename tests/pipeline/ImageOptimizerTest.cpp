@@ -216,20 +216,15 @@ TEST_F(Optimize, webPInTheOriginalFormatIsRefused)
 
 TEST_F(Optimize, outputLargerThanTheInputIsKeptAndConverted)
 {
-    settings = test::plainSettings(OutputFormat::Jpeg);
-    ASSERT_TRUE(optimize(makeSource("a.bmp", { 300, 200 })));
-    settings = test::plainSettings(OutputFormat::Original);
-    settings.filenameSuffix = QStringLiteral("_b");
-    settings.outputFormat = OutputFormat::Png;
-    settings.filenamePrefix = QStringLiteral("p");
+    settings = test::plainSettings(OutputFormat::Png);
     // A picture of noise is larger as PNG than as JPEG.
-    test::writePicture(in("noise.jpg"), test::syntheticPhoto({ 300, 200 }), UniformType::Jpeg);
+    test::writePicture(in("noise.jpg"), test::syntheticPhoto({ 90, 60 }), UniformType::Jpeg);
     const auto result = optimize(in("noise.jpg"));
     ASSERT_TRUE(result);
     EXPECT_GT(result->outputBytes, result->originalBytes);
     EXPECT_EQ(result->message, QStringLiteral("Converted"));
     EXPECT_TRUE(result->isSuccess);
-    EXPECT_TRUE(std::filesystem::exists(in("pnoise_b.png")));
+    EXPECT_TRUE(std::filesystem::exists(in("noise.png")));
 }
 
 TEST_F(Optimize, whatIsNoPictureIsUnreadable)
