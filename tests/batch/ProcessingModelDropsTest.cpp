@@ -6,7 +6,6 @@ namespace vellumine {
 namespace {
 
 using test::pictures;
-using test::runUntil;
 
 /// Drops, the wait for more of them, and what completion means.
 class ProcessingModelDrops : public test::ModelHarness {

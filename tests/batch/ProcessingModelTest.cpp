@@ -8,7 +8,6 @@
 namespace vellumine {
 namespace {
 
-using test::FakeOptimizer;
 using test::pictures;
 using test::runUntil;
 using testing::ElementsAre;
