@@ -36,7 +36,7 @@ List readByTheLibrary(const QByteArray& bytes)
     EXPECT_EQ(plist_get_node_type(root), PLIST_ARRAY);
     List values;
     for (std::uint32_t i = 0; i < plist_array_get_size(root); ++i) {
-        const plist_t item = plist_array_get_item(root, i);
+        auto* const item = plist_array_get_item(root, i);
         EXPECT_EQ(plist_get_node_type(item), PLIST_DATA);
         std::uint64_t length = 0;
         const char* data = plist_get_data_ptr(item, &length);
@@ -198,7 +198,7 @@ TEST(PropertyList, deepNestingIsRefused)
     for (quint64 i = 1; i < depth; ++i) {
         objects.append("\xA1" + bigEndian(i, 4));
     }
-    objects.append("\x40");
+    objects.append(QByteArray(1, 0x40));
     EXPECT_EQ(decodePropertyList(propertyList(objects, 4)), std::nullopt);
 }
 
