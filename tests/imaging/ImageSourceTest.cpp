@@ -141,9 +141,9 @@ TEST(ImageSource, failsWithLimitExceededBeforeItDecodes)
         return source ? std::nullopt : std::optional(source.error().kind);
     };
     EXPECT_EQ(kindFor({ .maximumSide = 46 }), Error::Kind::LimitExceeded);
-    EXPECT_EQ(kindFor({ .maximumPixels = 47 * 33 - 1 }), Error::Kind::LimitExceeded);
-    EXPECT_EQ(kindFor({ .maximumBytes = 47 * 33 * 3 - 1 }), Error::Kind::LimitExceeded);
-    EXPECT_EQ(kindFor({ .maximumBytes = 47 * 33 * 3 }), std::nullopt);
+    EXPECT_EQ(kindFor({ .maximumPixels = 47ULL * 33 - 1 }), Error::Kind::LimitExceeded);
+    EXPECT_EQ(kindFor({ .maximumBytes = 47ULL * 33 * 3 - 1 }), Error::Kind::LimitExceeded);
+    EXPECT_EQ(kindFor({ .maximumBytes = 47ULL * 33 * 3 }), std::nullopt);
 }
 
 TEST(ImageSource, givesThePictureThatItDecodedOnce)

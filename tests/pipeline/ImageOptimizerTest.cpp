@@ -218,7 +218,7 @@ TEST_F(Optimize, outputLargerThanTheInputIsKeptAndConverted)
 {
     settings = test::plainSettings(OutputFormat::Png);
     // A picture of noise is larger as PNG than as JPEG.
-    test::writePicture(in("noise.jpg"), test::syntheticPhoto({ 90, 60 }), UniformType::Jpeg);
+    test::writePicture(in("noise.jpg"), test::syntheticPhoto({ 300, 200 }), UniformType::Jpeg);
     const auto result = optimize(in("noise.jpg"));
     ASSERT_TRUE(result);
     EXPECT_GT(result->outputBytes, result->originalBytes);
