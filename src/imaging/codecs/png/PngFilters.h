@@ -12,7 +12,7 @@ enum class FilterStrategy : std::uint8_t {
     Up,
     Average,
     Paeth,
-    SmallestSum, ///< of the filtered bytes taken as signed numbers: the specification's advice
+    SmallestSum, ///< of the filtered bytes taken as signed numbers: the advice of the PNG standard
     LeastEntropy, ///< of the filtered bytes
     FewestPairs, ///< distinct pairs of neighbouring filtered bytes
 };
