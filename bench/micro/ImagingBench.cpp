@@ -35,7 +35,7 @@ void drawAt(benchmark::State& state, Size size)
 {
     for ([[maybe_unused]] auto iteration : state) {
         BitmapContext context = BitmapContext::create(
-            size, 8, ColorSpace::sRgb(), imaging::AlphaInfo::PremultipliedLast)
+            size, 8, ColorSpace::sRgb(), imaging::AlphaInfo::premultipliedLast)
                                     .value();
         const bool drawn = context.draw(cameraPhoto()).has_value();
         benchmark::DoNotOptimize(drawn);
@@ -67,7 +67,7 @@ void decode(benchmark::State& state, UniformType type)
         }
     }
 }
-BENCHMARK_CAPTURE(decode, jpeg, UniformType::Jpeg)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(decode, jpeg, UniformType::jpeg)->Unit(benchmark::kMillisecond);
 
 void encode(benchmark::State& state, UniformType type)
 {
@@ -79,7 +79,7 @@ void encode(benchmark::State& state, UniformType type)
     }
     state.counters["bytes"] = static_cast<double>(bytes);
 }
-BENCHMARK_CAPTURE(encode, jpeg, UniformType::Jpeg)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(encode, png, UniformType::Png)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(encode, jpeg, UniformType::jpeg)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(encode, png, UniformType::png)->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -73,7 +73,7 @@ void appendFolder(const QUrl& url, QList<QUrl>& list, FileInputResolver::SeenPat
     const std::stop_token& stop)
 {
     std::vector<WaitingFolder> waiting { { platform::toPath(url).string(),
-        platform::standardizedPath(url).toStdString(), platform::FinalLink::Follow } };
+        platform::standardizedPath(url).toStdString(), platform::FinalLink::follow } };
     while (!waiting.empty() && !stop.stop_requested()) {
         const WaitingFolder folder = std::move(waiting.back());
         waiting.pop_back();
@@ -92,9 +92,9 @@ void appendFolder(const QUrl& url, QList<QUrl>& list, FileInputResolver::SeenPat
                         std::filesystem::path(joined(folder.listed, entry.name))));
                 }
             }
-            if (entry.kind == platform::EntryKind::Folder && !isPackage(entry.name)) {
+            if (entry.kind == platform::EntryKind::folder && !isPackage(entry.name)) {
                 waiting.push_back({ joined(folder.listed, entry.name),
-                    joined(folder.standardized, entry.name), platform::FinalLink::Refuse });
+                    joined(folder.standardized, entry.name), platform::FinalLink::refuse });
             }
         }
         std::reverse(waiting.begin() + static_cast<std::ptrdiff_t>(firstSubfolder), waiting.end());

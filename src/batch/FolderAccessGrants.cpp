@@ -71,7 +71,7 @@ QList<QUrl> FolderAccessGrants::uniqueParentFolders(const QList<QUrl>& urls)
 void FolderAccessGrants::requestOriginalLocationAccessIfNeeded(
     const QList<QUrl>& urls, const OptimizerSettings& settings, Done done)
 {
-    if (settings.destinationMode != DestinationMode::OriginalLocation) {
+    if (settings.destinationMode != DestinationMode::originalLocation) {
         done(QList<QUrl>());
         return;
     }

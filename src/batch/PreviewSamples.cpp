@@ -76,7 +76,7 @@ void PreviewSamples::takeLock()
 PreviewSamples::~PreviewSamples()
 {
     const bool isAlone = m_lock && m_lock->tryExclusive();
-    if (m_atEnd == AtEnd::Remove) {
+    if (m_atEnd == AtEnd::remove) {
         for (const fs::path& sample : m_own) {
             removeFile(sample);
         }

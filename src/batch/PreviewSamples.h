@@ -19,7 +19,7 @@ namespace vellumine {
 class PreviewSamples {
 public:
     /// What is to become of this program's samples at its end.
-    enum class AtEnd : std::uint8_t { Remove, Keep };
+    enum class AtEnd : std::uint8_t { remove, keep };
 
     PreviewSamples(std::filesystem::path temporaryFolder, AtEnd atEnd);
     /// Conversions must have ended.

@@ -22,11 +22,11 @@ struct ProcessingModel::ExpandedDrop {
 
 /// What lives as long as one batch.
 struct ProcessingModel::Batch {
-    enum class Ending { Regular, Stopped, Cancelled };
+    enum class Ending { regular, stopped, cancelled };
 
     OptimizerSettings settings;
     std::stop_source scan;
-    Ending ending = Ending::Regular;
+    Ending ending = Ending::regular;
     ExpandedDrop files;
     ConversionGroup* conversions = nullptr; ///< a child of the model; none before converting
     std::vector<std::unique_ptr<platform::ScopedAccess>> folders; ///< that are open for writing
@@ -110,13 +110,13 @@ void ProcessingModel::startPendingBatch()
 void ProcessingModel::processExpandedBatch(const ExpandedDrop& files)
 {
     switch (m_batch->ending) {
-    case Batch::Ending::Cancelled:
+    case Batch::Ending::cancelled:
         return;
-    case Batch::Ending::Stopped:
+    case Batch::Ending::stopped:
         // How many files there are was not found out to the end: the part that was is no total.
         finishConversions();
         return;
-    case Batch::Ending::Regular:
+    case Batch::Ending::regular:
         break;
     }
     if (files.urls.isEmpty()) {
@@ -124,7 +124,7 @@ void ProcessingModel::processExpandedBatch(const ExpandedDrop& files)
         return;
     }
     const OptimizerSettings& settings = m_batch->settings;
-    if (settings.destinationMode == DestinationMode::SelectedFolder
+    if (settings.destinationMode == DestinationMode::selectedFolder
         && !settings.destinationFolderURL) {
         completeBatch(QStringLiteral("Choose a destination folder"));
         return;
@@ -138,12 +138,12 @@ void ProcessingModel::processExpandedBatch(const ExpandedDrop& files)
 void ProcessingModel::processPermittedBatch(const std::optional<QList<QUrl>>& grants)
 {
     switch (m_batch->ending) {
-    case Batch::Ending::Cancelled:
+    case Batch::Ending::cancelled:
         return;
-    case Batch::Ending::Stopped:
+    case Batch::Ending::stopped:
         finishConversions();
         return;
-    case Batch::Ending::Regular:
+    case Batch::Ending::regular:
         break;
     }
     if (!grants) {
@@ -179,7 +179,7 @@ void ProcessingModel::processInParallel(qsizetype workerCount)
 
 void ProcessingModel::collect(const ProcessingResult& result)
 {
-    if (m_batch->ending == Batch::Ending::Cancelled) {
+    if (m_batch->ending == Batch::Ending::cancelled) {
         return;
     }
     m_results.prepend(result);
@@ -191,7 +191,7 @@ void ProcessingModel::collect(const ProcessingResult& result)
 
 void ProcessingModel::finishConversions()
 {
-    if (m_batch->ending == Batch::Ending::Cancelled) {
+    if (m_batch->ending == Batch::Ending::cancelled) {
         m_batch->folders.clear();
         return;
     }
@@ -224,10 +224,10 @@ void ProcessingModel::completeBatch(const QString& status)
 
 void ProcessingModel::stop()
 {
-    if (!m_batch || m_batch->ending == Batch::Ending::Cancelled) {
+    if (!m_batch || m_batch->ending == Batch::Ending::cancelled) {
         return;
     }
-    m_batch->ending = Batch::Ending::Stopped;
+    m_batch->ending = Batch::Ending::stopped;
     m_batch->scan.request_stop();
     if (m_batch->conversions) {
         m_batch->conversions->stop();
@@ -247,7 +247,7 @@ void ProcessingModel::cancel()
     if (!m_batch) {
         return;
     }
-    m_batch->ending = Batch::Ending::Cancelled;
+    m_batch->ending = Batch::Ending::cancelled;
     m_batch->scan.request_stop();
     if (m_batch->conversions) {
         m_batch->conversions->interrupt();

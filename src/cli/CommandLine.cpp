@@ -29,13 +29,13 @@ std::optional<UsageError> applyAssignment(OptimizerSettings& settings, const std
 
 std::optional<UsageError> contradiction(const CommandLine& line)
 {
-    if (line.action != Action::Convert) {
+    if (line.action != Action::convert) {
         return std::nullopt;
     }
     if (line.paths.empty()) {
         return UsageError { QStringLiteral("no files or folders are named") };
     }
-    if (line.settings.destinationMode == DestinationMode::SelectedFolder
+    if (line.settings.destinationMode == DestinationMode::selectedFolder
         && !line.settings.destinationFolderURL) {
         return UsageError { QStringLiteral("destinationMode=selectedFolder needs "
                                            "destinationFolderBookmark=FOLDER") };
@@ -56,11 +56,11 @@ tl::expected<CommandLine, UsageError> parseCommandLine(std::span<const std::stri
         } else if (argument == "--") {
             onlyPaths = true;
         } else if (argument == "--help" || argument == "-h") {
-            line.action = Action::ShowHelp;
+            line.action = Action::showHelp;
         } else if (argument == "--version") {
-            line.action = Action::ShowVersion;
+            line.action = Action::showVersion;
         } else if (argument == "--json") {
-            line.style = OutputStyle::Json;
+            line.style = OutputStyle::json;
         } else if (argument == "--set") {
             if (++i == arguments.size()) {
                 return usageError(QStringLiteral("--set wants KEY=VALUE"));

@@ -12,13 +12,13 @@
 
 namespace vellumine::cli {
 
-enum class Action { Convert, ShowHelp, ShowVersion };
-enum class OutputStyle { Text, Json };
+enum class Action { convert, showHelp, showVersion };
+enum class OutputStyle { text, json };
 
 /// What the program is asked to do.
 struct CommandLine {
-    Action action = Action::Convert;
-    OutputStyle style = OutputStyle::Text;
+    Action action = Action::convert;
+    OutputStyle style = OutputStyle::text;
     OptimizerSettings settings;
     std::vector<std::filesystem::path> paths;
 };

@@ -65,14 +65,14 @@ void Report::add(const ProcessingResult& result)
         ++m_failed;
     }
     hideProgress();
-    print(m_style == OutputStyle::Json ? resultJson(result) : resultLine(result).toUtf8());
+    print(m_style == OutputStyle::json ? resultJson(result) : resultLine(result).toUtf8());
     showProgress();
 }
 
 void Report::finish()
 {
     hideProgress();
-    if (m_style == OutputStyle::Text) {
+    if (m_style == OutputStyle::text) {
         print(summary().toUtf8());
     }
 }

@@ -80,7 +80,7 @@ OverwriteDecision askOnTerminal(const QUrl& url, int interruption)
     } else if (::isatty(STDIN_FILENO) != 0) {
         text = answer(stdin, stderr, question, interruption);
     }
-    return text == "y" || text == "yes" ? OverwriteDecision::Replace : OverwriteDecision::Skip;
+    return text == "y" || text == "yes" ? OverwriteDecision::replace : OverwriteDecision::skip;
 }
 
 } // namespace vellumine::cli

@@ -25,7 +25,7 @@
 namespace vellumine::cli {
 namespace {
 
-enum ExitStatus { AllWell = 0, SomeFailed = 1, BadUsage = 2 };
+enum ExitStatus { allWell = 0, someFailed = 1, badUsage = 2 };
 
 /// The given paths as URLs. Paths that do not exist are reported and left out, unless their names
 /// are pictures': those fail in the batch.
@@ -57,8 +57,8 @@ int convert(const CommandLine& line, TerminationSignals& signals)
 
     // The samples that JSON names are for whoever reads it.
     PreviewSamples samples(environment.temporaryFolder,
-        line.style == OutputStyle::Json ? PreviewSamples::AtEnd::Keep
-                                        : PreviewSamples::AtEnd::Remove);
+        line.style == OutputStyle::json ? PreviewSamples::AtEnd::keep
+                                        : PreviewSamples::AtEnd::remove);
     Report report(line.style);
     // The preferences are those of the command line, and no statistics are kept.
     ProcessingModel model({
@@ -101,14 +101,14 @@ int convert(const CommandLine& line, TerminationSignals& signals)
     if (isInterrupted) {
         report.finish();
         std::fprintf(stderr, "%s\n", model.statusText().toUtf8().constData());
-        return SomeFailed;
+        return someFailed;
     }
     if (report.isEmpty()) {
         std::fprintf(stderr, "%s\n", model.statusText().toUtf8().constData());
-        return SomeFailed;
+        return someFailed;
     }
     report.finish();
-    return report.hasFailures() ? SomeFailed : AllWell;
+    return report.hasFailures() ? someFailed : allWell;
 }
 
 int run(int argc, char** argv)
@@ -123,16 +123,16 @@ int run(int argc, char** argv)
     if (!line) {
         std::fprintf(stderr, "vellumine-batch: %s\n\n%s", line.error().text.toUtf8().constData(),
             usageText().toUtf8().constData());
-        return BadUsage;
+        return badUsage;
     }
     switch (line->action) {
-    case Action::ShowHelp:
+    case Action::showHelp:
         std::fputs(usageText().toUtf8().constData(), stdout);
-        return AllWell;
-    case Action::ShowVersion:
+        return allWell;
+    case Action::showVersion:
         std::puts("vellumine-batch " VELLUMINE_VERSION " (" VELLUMINE_BUILD_NUMBER ")");
-        return AllWell;
-    case Action::Convert:
+        return allWell;
+    case Action::convert:
         return convert(*line, signals);
     }
     Q_UNREACHABLE();

@@ -14,14 +14,14 @@ namespace vellumine {
 /// Every option of a conversion: taken once per batch, shared by all its conversions, never
 /// changed. The initial values are those of a fresh installation.
 struct OptimizerSettings {
-    ResizeMode resizeMode = ResizeMode::MaxWidth;
+    ResizeMode resizeMode = ResizeMode::maxWidth;
     qint64 maximumPixels = 2560;
-    OutputFormat outputFormat = OutputFormat::WebP;
+    OutputFormat outputFormat = OutputFormat::webp;
     double quality = 82.0; ///< percent; for lossy encodings only
     bool optimizeColorForSharing = true; ///< convert the colours to sRGB
     bool removeColorManagement = true; ///< write no colour profile
     bool removeMetadata = true;
-    DestinationMode destinationMode = DestinationMode::OriginalLocation;
+    DestinationMode destinationMode = DestinationMode::originalLocation;
     /// The folder of the preferences, whatever the mode; none when none is chosen or it is gone.
     std::optional<QUrl> destinationFolderURL;
     QString filenamePrefix;

@@ -8,35 +8,35 @@ namespace vellumine {
 
 /// The encoding of the written file.
 enum class OutputFormat : std::uint8_t {
-    WebP,
-    WebPLossless,
-    Jpeg,
-    Png,
-    Heic,
-    Original, ///< the format of the source
+    webp,
+    webpLossless,
+    jpeg,
+    png,
+    heic,
+    original, ///< the format of the source
 };
 
 template <>
 inline constexpr std::array choiceTable<OutputFormat> {
-    ChoiceTexts<OutputFormat> { OutputFormat::WebP, "webp", "WebP Lossy" },
-    ChoiceTexts<OutputFormat> { OutputFormat::WebPLossless, "webpLossless", "WebP Lossless" },
-    ChoiceTexts<OutputFormat> { OutputFormat::Jpeg, "jpeg", "JPEG" },
-    ChoiceTexts<OutputFormat> { OutputFormat::Png, "png", "PNG" },
-    ChoiceTexts<OutputFormat> { OutputFormat::Heic, "heic", "HEIC" },
-    ChoiceTexts<OutputFormat> { OutputFormat::Original, "original", "Original Format" },
+    ChoiceTexts<OutputFormat> { OutputFormat::webp, "webp", "WebP Lossy" },
+    ChoiceTexts<OutputFormat> { OutputFormat::webpLossless, "webpLossless", "WebP Lossless" },
+    ChoiceTexts<OutputFormat> { OutputFormat::jpeg, "jpeg", "JPEG" },
+    ChoiceTexts<OutputFormat> { OutputFormat::png, "png", "PNG" },
+    ChoiceTexts<OutputFormat> { OutputFormat::heic, "heic", "HEIC" },
+    ChoiceTexts<OutputFormat> { OutputFormat::original, "original", "Original Format" },
 };
 static_assert(isInDeclarationOrder<OutputFormat>());
 
 /// Whether the external WebP encoder writes the format.
 [[nodiscard]] constexpr bool isWebP(OutputFormat format)
 {
-    return format == OutputFormat::WebP || format == OutputFormat::WebPLossless;
+    return format == OutputFormat::webp || format == OutputFormat::webpLossless;
 }
 
 /// Whether the format has no quality setting.
 [[nodiscard]] constexpr bool isLosslessOnly(OutputFormat format)
 {
-    return format == OutputFormat::WebPLossless || format == OutputFormat::Png;
+    return format == OutputFormat::webpLossless || format == OutputFormat::png;
 }
 
 } // namespace vellumine

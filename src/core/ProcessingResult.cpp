@@ -12,7 +12,7 @@ QString successMessage(qint64 originalBytes, qint64 outputBytes, OriginalInTrash
     }
     QString message = saved < 1 ? QStringLiteral("Converted")
                                 : QStringLiteral("Saved ") + platform::byteCountText(saved);
-    if (original == OriginalInTrash::CouldNotBeMoved) {
+    if (original == OriginalInTrash::couldNotBeMoved) {
         message += QStringLiteral(". Original could not be moved to Trash");
     }
     return message;

@@ -55,7 +55,7 @@ struct ProcessingResult {
     friend bool operator==(const ProcessingResult&, const ProcessingResult&) = default;
 };
 
-enum class OriginalInTrash { AsWished, CouldNotBeMoved };
+enum class OriginalInTrash { asWished, couldNotBeMoved };
 
 /// The line for a written file: what was saved, or "Converted" when nothing was. A saving that
 /// does not fit 64 bits is a fatal error.

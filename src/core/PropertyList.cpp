@@ -23,7 +23,7 @@ constexpr QByteArrayView magic { "bplist00" };
 constexpr quint64 trailerSize = 32;
 
 /// High half of the byte that an object begins with.
-enum class ObjectType : quint8 { Integer = 1, Data = 4, Array = 10 };
+enum class ObjectType : quint8 { integer = 1, data = 4, array = 10 };
 
 /// The objects of a binary property list, which an array refers to by number.
 class BinaryPropertyList {
@@ -54,7 +54,7 @@ public:
 
     [[nodiscard]] std::optional<QList<QByteArray>> rootArray() const
     {
-        const std::optional<Object> array = object(m_root, ObjectType::Array);
+        const std::optional<Object> array = object(m_root, ObjectType::array);
         if (!array || array->count > (m_offsetTable - array->content) / m_referenceSize) {
             return std::nullopt;
         }
@@ -130,7 +130,7 @@ private:
         }
         const quint64 marker = byteAt(offset);
         const quint64 exponent = marker & 0xFU;
-        if (marker >> 4U != static_cast<quint64>(ObjectType::Integer) || exponent > 3) {
+        if (marker >> 4U != static_cast<quint64>(ObjectType::integer) || exponent > 3) {
             return std::nullopt;
         }
         const quint64 byteCount = quint64 { 1 } << exponent;
@@ -142,7 +142,7 @@ private:
 
     [[nodiscard]] std::optional<QByteArray> data(quint64 number) const
     {
-        const std::optional<Object> data = object(number, ObjectType::Data);
+        const std::optional<Object> data = object(number, ObjectType::data);
         if (!data || data->count > m_offsetTable - data->content) {
             return std::nullopt;
         }

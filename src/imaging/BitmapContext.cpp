@@ -17,16 +17,16 @@ namespace {
 ResampleFilter filterFor(InterpolationQuality quality)
 {
     switch (quality) {
-    case InterpolationQuality::None:
-        return ResampleFilter::Point;
-    case InterpolationQuality::Low:
-        return ResampleFilter::Bilinear;
-    case InterpolationQuality::Medium:
-        return ResampleFilter::Bicubic;
-    case InterpolationQuality::High:
-        return ResampleFilter::Lanczos3;
+    case InterpolationQuality::none:
+        return ResampleFilter::point;
+    case InterpolationQuality::low:
+        return ResampleFilter::bilinear;
+    case InterpolationQuality::medium:
+        return ResampleFilter::bicubic;
+    case InterpolationQuality::high:
+        return ResampleFilter::lanczos3;
     }
-    return ResampleFilter::Lanczos3;
+    return ResampleFilter::lanczos3;
 }
 
 /// Colours converted, size kept: every row goes through the planes, without a resampling between.
@@ -69,22 +69,22 @@ Result<BitmapContext> BitmapContext::create(
     Size size, int bitsPerComponent, const ColorSpace& colorSpace, AlphaInfo alpha)
 {
     if (size.width < 1 || size.height < 1) {
-        return failure(Error::Kind::Malformed, "the bitmap has no pixels");
+        return failure(Error::Kind::malformed, "the bitmap has no pixels");
     }
-    if (bitsPerComponent != 8 || alpha != AlphaInfo::PremultipliedLast
-        || colorSpace.model() != ColorModel::Rgb) {
-        return failure(Error::Kind::Unsupported, "only premultiplied 8-bit RGBA can be drawn into");
+    if (bitsPerComponent != 8 || alpha != AlphaInfo::premultipliedLast
+        || colorSpace.model() != ColorModel::rgb) {
+        return failure(Error::Kind::unsupported, "only premultiplied 8-bit RGBA can be drawn into");
     }
     return BitmapContext(size, colorSpace);
 }
 
 Result<void> BitmapContext::draw(const Image& image)
 {
-    if (image.layout().alpha == AlphaInfo::Only) {
-        return failure(Error::Kind::Unsupported, "a mask has no colour to draw");
+    if (image.layout().alpha == AlphaInfo::only) {
+        return failure(Error::Kind::unsupported, "a mask has no colour to draw");
     }
     const bool scales = image.size() != m_size;
-    if (!scales && image.layout().model == ColorModel::Rgb
+    if (!scales && image.layout().model == ColorModel::rgb
         && sameNumbers(image.colorSpace(), m_colorSpace)) {
         auto same = relayout(image, rgba8Premultiplied);
         if (!same) {
@@ -104,7 +104,7 @@ Result<void> BitmapContext::draw(const Image& image)
     if (!target) {
         return tl::unexpected(target.error());
     }
-    if (!scales && layout.alpha == AlphaInfo::None) {
+    if (!scales && layout.alpha == AlphaInfo::none) {
         convertRowsInPlace(image, *transform, *target);
     } else {
         const PlanarReader reader(image);

@@ -7,7 +7,7 @@
 
 namespace vellumine::imaging {
 
-enum class InterpolationQuality { None, Low, Medium, High };
+enum class InterpolationQuality { none, low, medium, high };
 
 /// A bitmap to draw a picture into: scaled to the bitmap's size, in the bitmap's colours.
 class BitmapContext {
@@ -15,7 +15,7 @@ public:
     /// A transparent bitmap. RGB with 8 bits and alpha last, premultiplied, is what it can be;
     /// anything else, and a colour space that is not RGB, fails with Unsupported.
     static Result<BitmapContext> create(Size size, int bitsPerComponent,
-        const ColorSpace& colorSpace, AlphaInfo alpha = AlphaInfo::PremultipliedLast);
+        const ColorSpace& colorSpace, AlphaInfo alpha = AlphaInfo::premultipliedLast);
 
     void setInterpolationQuality(InterpolationQuality quality) { m_quality = quality; }
 
@@ -34,7 +34,7 @@ private:
 
     Size m_size;
     ColorSpace m_colorSpace;
-    InterpolationQuality m_quality = InterpolationQuality::High;
+    InterpolationQuality m_quality = InterpolationQuality::high;
     std::optional<Image> m_drawn;
 };
 

@@ -9,14 +9,14 @@ namespace vellumine::imaging {
 /// for a developer to read; what a user sees is worded further up.
 struct Error {
     enum class Kind {
-        Io, ///< the file could not be opened, read or written
-        UnknownType, ///< the content is of no type that the service knows
-        Malformed, ///< the content contradicts its format
-        Truncated, ///< picture data is missing
-        Unsupported, ///< valid, but of a kind that the service does not handle
-        LimitExceeded, ///< larger than the limits allow; nothing was allocated
-        OutOfMemory,
-        EncodingFailed, ///< the library could not write the picture
+        io, ///< the file could not be opened, read or written
+        unknownType, ///< the content is of no type that the service knows
+        malformed, ///< the content contradicts its format
+        truncated, ///< picture data is missing
+        unsupported, ///< valid, but of a kind that the service does not handle
+        limitExceeded, ///< larger than the limits allow; nothing was allocated
+        outOfMemory,
+        encodingFailed, ///< the library could not write the picture
     };
 
     Kind kind;
@@ -27,7 +27,7 @@ struct Error {
 
 template <typename T> using Result = tl::expected<T, Error>;
 
-/// The failing half of a Result, for `return failure(Error::Kind::Malformed, "...")`.
+/// The failing half of a Result, for `return failure(Error::Kind::malformed, "...")`.
 [[nodiscard]] inline tl::unexpected<Error> failure(Error::Kind kind, std::string detail)
 {
     return tl::unexpected<Error>(Error { kind, std::move(detail) });

@@ -15,7 +15,7 @@ namespace {
 
 tl::unexpected<Error> systemFailure(int code)
 {
-    return failure(Error::Kind::Io, std::system_category().message(code));
+    return failure(Error::Kind::io, std::system_category().message(code));
 }
 
 // Linux moves at most this much in one call.
@@ -38,7 +38,7 @@ Result<FileDescriptor> FileDescriptor::openForReading(const std::filesystem::pat
         return systemFailure(EISDIR);
     }
     if (!S_ISREG(status.st_mode)) {
-        return failure(Error::Kind::Io, "not a regular file");
+        return failure(Error::Kind::io, "not a regular file");
     }
     return file;
 }
@@ -76,7 +76,7 @@ Result<void> FileDescriptor::readInto(ByteBuffer& bytes, std::size_t count)
     try {
         bytes.resize(before + count);
     } catch (const std::exception&) { // bad_alloc, or more than a vector can ever hold
-        return failure(Error::Kind::OutOfMemory, "no memory for the file");
+        return failure(Error::Kind::outOfMemory, "no memory for the file");
     }
     std::size_t done = before;
     while (done < bytes.size()) {

@@ -26,12 +26,12 @@ PixelBuffer::PixelBuffer(Size size, PixelLayout layout, std::shared_ptr<std::byt
 Result<PixelBuffer> PixelBuffer::create(Size size, PixelLayout layout)
 {
     if (size.width < 1 || size.height < 1) {
-        return failure(Error::Kind::Malformed, "the picture has no pixels");
+        return failure(Error::Kind::malformed, "the picture has no pixels");
     }
     const std::size_t total = tightRowBytes(size, layout) * static_cast<std::size_t>(size.height);
     std::shared_ptr<std::byte[]> bytes(new (std::nothrow) std::byte[total]);
     if (!bytes) {
-        return failure(Error::Kind::OutOfMemory, "no memory for the pixels");
+        return failure(Error::Kind::outOfMemory, "no memory for the pixels");
     }
     return PixelBuffer(size, layout, std::move(bytes));
 }

@@ -16,12 +16,12 @@ bool storesColors(UniformType type, const Image& image)
 {
     const ColorSpace& space = image.colorSpace();
     switch (space.model()) {
-    case ColorModel::Cmyk:
-        return type == UniformType::Jpeg || type == UniformType::Tiff;
-    case ColorModel::Rgb:
-        return type != UniformType::Gif || space.isSRgbEquivalent();
-    case ColorModel::Grey: // palettes hold RGB, and so do their profiles
-        return (type != UniformType::Gif && type != UniformType::Bmp) || space.iccProfile().empty();
+    case ColorModel::cmyk:
+        return type == UniformType::jpeg || type == UniformType::tiff;
+    case ColorModel::rgb:
+        return type != UniformType::gif || space.isSRgbEquivalent();
+    case ColorModel::grey: // palettes hold RGB, and so do their profiles
+        return (type != UniformType::gif && type != UniformType::bmp) || space.iccProfile().empty();
     }
     return true;
 }
@@ -61,7 +61,7 @@ Result<ImageDestination> ImageDestination::create(
     const std::filesystem::path& path, UniformType type)
 {
     if (codecForType(type).encode == nullptr) {
-        return failure(Error::Kind::Unsupported, "the type is only read");
+        return failure(Error::Kind::unsupported, "the type is only read");
     }
     return FileDescriptor::createForWriting(path).map(
         [type](FileDescriptor&& file) { return ImageDestination(std::move(file), type); });
@@ -76,25 +76,25 @@ void ImageDestination::addImage(Image image, ImageProperties properties)
 MetadataBlocks ImageDestination::metadataFor(const Image& image) const
 {
     const metadata::Groups kept {
-        .exif = m_properties.contains(PropertyKey::Exif),
-        .gps = m_properties.contains(PropertyKey::Gps),
-        .tiff = m_properties.contains(PropertyKey::Tiff),
-        .iptc = m_properties.contains(PropertyKey::Iptc),
-        .xmp = m_properties.contains(PropertyKey::Xmp),
+        .exif = m_properties.contains(PropertyKey::exif),
+        .gps = m_properties.contains(PropertyKey::gps),
+        .tiff = m_properties.contains(PropertyKey::tiff),
+        .iptc = m_properties.contains(PropertyKey::iptc),
+        .xmp = m_properties.contains(PropertyKey::xmp),
     };
     if (kept == metadata::Groups {}) {
         return {};
     }
     return metadata::travelling(m_properties.blocks(), kept,
         { .size = image.size(),
-            .wasTurned = m_properties.storedOrientation() != Orientation::TopLeft,
+            .wasTurned = m_properties.storedOrientation() != Orientation::topLeft,
             .isSRgb = image.colorSpace().isSRgbEquivalent() });
 }
 
 Result<void> ImageDestination::finalize()
 {
     if (!m_image) {
-        return failure(Error::Kind::EncodingFailed, "no picture was added");
+        return failure(Error::Kind::encodingFailed, "no picture was added");
     }
     Image image = *std::exchange(m_image, std::nullopt);
     if (!storesColors(m_type, image)) {
@@ -106,14 +106,14 @@ Result<void> ImageDestination::finalize()
     }
 
     EncodeOptions options {
-        .quality = m_properties.number(PropertyKey::LossyCompressionQuality).value_or(1.0),
+        .quality = m_properties.number(PropertyKey::lossyCompressionQuality).value_or(1.0),
         .profile = m_profile,
         .effort = m_effort,
         .metadata = metadataFor(image),
     };
     // A TIFF file gets its blocks when it is done: they are fields among its own.
     const MetadataBlocks appended
-        = m_type == UniformType::Tiff ? std::exchange(options.metadata, {}) : MetadataBlocks {};
+        = m_type == UniformType::tiff ? std::exchange(options.metadata, {}) : MetadataBlocks {};
     auto encoded = codecForType(m_type).encode(image, options);
     if (!encoded) {
         return tl::unexpected(encoded.error());

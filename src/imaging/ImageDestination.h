@@ -43,8 +43,8 @@ private:
 
     FileDescriptor m_file;
     UniformType m_type;
-    ProfilePolicy m_profile = ProfilePolicy::Embed;
-    Effort m_effort = Effort::Smallest;
+    ProfilePolicy m_profile = ProfilePolicy::embed;
+    Effort m_effort = Effort::smallest;
     std::optional<Image> m_image;
     ImageProperties m_properties;
 };

@@ -58,11 +58,11 @@ void ImageProperties::setBlocks(MetadataBlocks blocks, Orientation stored)
             remove(key);
         }
     };
-    setIf(groups.exif, PropertyKey::Exif);
-    setIf(groups.gps, PropertyKey::Gps);
-    setIf(groups.tiff, PropertyKey::Tiff);
-    setIf(groups.iptc, PropertyKey::Iptc);
-    setIf(groups.xmp, PropertyKey::Xmp);
+    setIf(groups.exif, PropertyKey::exif);
+    setIf(groups.gps, PropertyKey::gps);
+    setIf(groups.tiff, PropertyKey::tiff);
+    setIf(groups.iptc, PropertyKey::iptc);
+    setIf(groups.xmp, PropertyKey::xmp);
     m_blocks = std::make_shared<const MetadataBlocks>(std::move(blocks));
     m_storedOrientation = stored;
 }

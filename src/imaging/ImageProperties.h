@@ -14,20 +14,20 @@ namespace vellumine::imaging {
 
 /// The top-level entries of a picture's properties. The first eight stand for whole dictionaries.
 enum class PropertyKey : std::uint8_t {
-    Exif,
-    Gps,
-    Tiff,
-    Iptc,
-    Png,
-    Jfif,
-    Gif,
-    Xmp,
-    Orientation, ///< integer, 1 to 8
-    ColorModel, ///< text: "Gray", "RGB" or "CMYK"
-    ProfileName, ///< text, the ICC profile's description
-    LossyCompressionQuality, ///< number, 0 to 1
-    PixelWidth, ///< integer, as stored, before orientation
-    PixelHeight,
+    exif,
+    gps,
+    tiff,
+    iptc,
+    png,
+    jfif,
+    gif,
+    xmp,
+    orientation, ///< integer, 1 to 8
+    colorModel, ///< text: "Gray", "RGB" or "CMYK"
+    profileName, ///< text, the ICC profile's description
+    lossyCompressionQuality, ///< number, 0 to 1
+    pixelWidth, ///< integer, as stored, before orientation
+    pixelHeight,
 };
 
 /// Says that the picture has the dictionary; its content travels in the blocks.
@@ -66,7 +66,7 @@ private:
 
     std::map<PropertyKey, PropertyValue> m_values;
     std::shared_ptr<const MetadataBlocks> m_blocks;
-    Orientation m_storedOrientation = Orientation::TopLeft;
+    Orientation m_storedOrientation = Orientation::topLeft;
 };
 
 } // namespace vellumine::imaging

@@ -20,11 +20,11 @@ constexpr std::size_t sniffedBytes = 4096;
 std::string_view nameOf(ColorModel model)
 {
     switch (model) {
-    case ColorModel::Grey:
+    case ColorModel::grey:
         return "Gray";
-    case ColorModel::Rgb:
+    case ColorModel::rgb:
         return "RGB";
-    case ColorModel::Cmyk:
+    case ColorModel::cmyk:
         return "CMYK";
     }
     return {};
@@ -41,7 +41,7 @@ Size fitted(Size size, int maximumSide)
 Result<Image> scaledTo(const Image& image, Size size)
 {
     const ColorSpace colorSpace
-        = image.colorSpace().model() == ColorModel::Rgb ? image.colorSpace() : ColorSpace::sRgb();
+        = image.colorSpace().model() == ColorModel::rgb ? image.colorSpace() : ColorSpace::sRgb();
     auto context = BitmapContext::create(size, 8, colorSpace);
     if (!context) {
         return tl::unexpected(context.error());
@@ -54,7 +54,7 @@ Result<Image> scaledTo(const Image& image, Size size)
 
 tl::unexpected<Error> released()
 {
-    return failure(Error::Kind::Io, "the picture was given back");
+    return failure(Error::Kind::io, "the picture was given back");
 }
 
 } // namespace
@@ -66,7 +66,7 @@ struct ImageSource::State {
     ByteBuffer file; // until the picture is decoded
     std::optional<Result<Image>> decoded; // a failure is remembered like a picture
     std::optional<ImageProperties> properties;
-    Orientation orientation = Orientation::TopLeft;
+    Orientation orientation = Orientation::topLeft;
 
     void decode();
     void adopt(DecodedImage picture);
@@ -92,31 +92,31 @@ void ImageSource::State::decode()
 void ImageSource::State::adopt(DecodedImage picture)
 {
     MetadataBlocks blocks
-        = codec->type == UniformType::Tiff ? metadata::readTiff(file) : std::move(picture.metadata);
+        = codec->type == UniformType::tiff ? metadata::readTiff(file) : std::move(picture.metadata);
     file = {};
     const auto known = picture.orientation ? picture.orientation : metadata::orientation(blocks);
-    orientation = known.value_or(Orientation::TopLeft);
+    orientation = known.value_or(Orientation::topLeft);
 
     ImageProperties found;
     found.setBlocks(std::move(blocks), orientation);
-    found.set(PropertyKey::PixelWidth, std::int64_t { picture.storedSize.width });
-    found.set(PropertyKey::PixelHeight, std::int64_t { picture.storedSize.height });
+    found.set(PropertyKey::pixelWidth, std::int64_t { picture.storedSize.width });
+    found.set(PropertyKey::pixelHeight, std::int64_t { picture.storedSize.height });
     if (known) {
-        found.set(PropertyKey::Orientation, static_cast<std::int64_t>(*known));
+        found.set(PropertyKey::orientation, static_cast<std::int64_t>(*known));
     }
-    found.set(PropertyKey::ColorModel, std::string(nameOf(picture.image.layout().model)));
+    found.set(PropertyKey::colorModel, std::string(nameOf(picture.image.layout().model)));
     if (std::string name = picture.image.colorSpace().profileName(); !name.empty()) {
-        found.set(PropertyKey::ProfileName, std::move(name));
+        found.set(PropertyKey::profileName, std::move(name));
     }
     switch (codec->type) {
-    case UniformType::Png:
-        found.set(PropertyKey::Png, DictionaryPresent {});
+    case UniformType::png:
+        found.set(PropertyKey::png, DictionaryPresent {});
         break;
-    case UniformType::Jpeg:
-        found.set(PropertyKey::Jfif, DictionaryPresent {});
+    case UniformType::jpeg:
+        found.set(PropertyKey::jfif, DictionaryPresent {});
         break;
-    case UniformType::Gif:
-        found.set(PropertyKey::Gif, DictionaryPresent {});
+    case UniformType::gif:
+        found.set(PropertyKey::gif, DictionaryPresent {});
         break;
     default:
         break;
@@ -151,10 +151,10 @@ Result<ImageSource> ImageSource::create(const std::filesystem::path& path, const
         return tl::unexpected(done.error());
     }
     if (codecForContent(file) == nullptr) {
-        return failure(Error::Kind::UnknownType, "the content is of no known type");
+        return failure(Error::Kind::unknownType, "the content is of no known type");
     }
     if (*size > limits.maximumBytes) {
-        return failure(Error::Kind::LimitExceeded, "the file is too large");
+        return failure(Error::Kind::limitExceeded, "the file is too large");
     }
     // Read, not mapped: a mapped file that somebody cuts short meanwhile ends the program.
     if (const auto done = read(*size); !done) {
@@ -167,7 +167,7 @@ Result<ImageSource> ImageSource::create(ByteBuffer file, const Limits& limits)
 {
     const Codec* const codec = codecForContent(file);
     if (codec == nullptr) {
-        return failure(Error::Kind::UnknownType, "the content is of no known type");
+        return failure(Error::Kind::unknownType, "the content is of no known type");
     }
     const auto header = codec->readHeader(file);
     if (!header) {
@@ -237,7 +237,7 @@ Result<Image> ImageSource::thumbnailWithTransform(int maximumPixelSize)
 Result<Image> ImageSource::imageRegion(Rect region)
 {
     if (!contains(m_state->header.size, region)) {
-        return failure(Error::Kind::Malformed, "the part lies outside of the picture");
+        return failure(Error::Kind::malformed, "the part lies outside of the picture");
     }
     if (!m_state->decoded) {
         auto part = m_state->codec->decode(

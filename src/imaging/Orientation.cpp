@@ -25,36 +25,36 @@ void remap(const Image& stored, Orientation orientation, PixelBuffer& target)
     std::ptrdiff_t stepX = pixel;
     std::ptrdiff_t stepY = sourceStride;
     switch (orientation) {
-    case Orientation::TopLeft:
+    case Orientation::topLeft:
         break;
-    case Orientation::TopRight:
+    case Orientation::topRight:
         origin = lastColumn * pixel;
         stepX = -pixel;
         break;
-    case Orientation::BottomRight:
+    case Orientation::bottomRight:
         origin = lastColumn * pixel + lastRow * sourceStride;
         stepX = -pixel;
         stepY = -sourceStride;
         break;
-    case Orientation::BottomLeft:
+    case Orientation::bottomLeft:
         origin = lastRow * sourceStride;
         stepY = -sourceStride;
         break;
-    case Orientation::LeftTop:
+    case Orientation::leftTop:
         stepX = sourceStride;
         stepY = pixel;
         break;
-    case Orientation::RightTop:
+    case Orientation::rightTop:
         origin = lastColumn * sourceStride;
         stepX = -sourceStride;
         stepY = pixel;
         break;
-    case Orientation::RightBottom:
+    case Orientation::rightBottom:
         origin = lastColumn * sourceStride + lastRow * pixel;
         stepX = -sourceStride;
         stepY = -pixel;
         break;
-    case Orientation::LeftBottom:
+    case Orientation::leftBottom:
         origin = lastRow * pixel;
         stepX = sourceStride;
         stepY = -pixel;
@@ -90,7 +90,7 @@ std::optional<Orientation> orientationFromTag(std::int64_t value)
 
 Result<Image> upright(const Image& stored, Orientation orientation)
 {
-    if (orientation == Orientation::TopLeft) {
+    if (orientation == Orientation::topLeft) {
         return stored;
     }
     auto target = PixelBuffer::create(uprightSize(stored.size(), orientation), stored.layout());

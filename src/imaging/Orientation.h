@@ -10,14 +10,14 @@ namespace vellumine::imaging {
 /// The eight orientations of EXIF tag 0x0112: where the stored picture's first row and first
 /// column are, as seen by the viewer.
 enum class Orientation : std::uint8_t {
-    TopLeft = 1,
-    TopRight = 2,
-    BottomRight = 3,
-    BottomLeft = 4,
-    LeftTop = 5,
-    RightTop = 6,
-    RightBottom = 7,
-    LeftBottom = 8,
+    topLeft = 1,
+    topRight = 2,
+    bottomRight = 3,
+    bottomLeft = 4,
+    leftTop = 5,
+    rightTop = 6,
+    rightBottom = 7,
+    leftBottom = 8,
 };
 
 /// The orientation for a tag value; none outside 1 to 8.
@@ -26,7 +26,7 @@ enum class Orientation : std::uint8_t {
 /// Whether the upright picture has the stored one's sides exchanged (5 to 8).
 [[nodiscard]] constexpr bool swapsSides(Orientation orientation)
 {
-    return orientation >= Orientation::LeftTop;
+    return orientation >= Orientation::leftTop;
 }
 
 [[nodiscard]] constexpr Size uprightSize(Size stored, Orientation orientation)

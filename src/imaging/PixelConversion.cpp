@@ -18,14 +18,14 @@ struct Positions {
         , colors(layout.colorChannels())
         , premultiplied(isPremultiplied(layout.alpha))
     {
-        const bool first = layout.alpha == AlphaInfo::First
-            || layout.alpha == AlphaInfo::PremultipliedFirst
-            || layout.alpha == AlphaInfo::NoneSkipFirst;
+        const bool first = layout.alpha == AlphaInfo::first
+            || layout.alpha == AlphaInfo::premultipliedFirst
+            || layout.alpha == AlphaInfo::noneSkipFirst;
         color = first ? 1 : 0;
         if (layout.channels() != colors) {
             extra = first ? 0 : colors;
         }
-        if (imaging::hasAlpha(layout.alpha) || layout.alpha == AlphaInfo::Only) {
+        if (imaging::hasAlpha(layout.alpha) || layout.alpha == AlphaInfo::only) {
             alpha = extra;
         }
     }
@@ -89,7 +89,7 @@ bool convertRowFast(
     const Image& image, int y, PixelBuffer& target, PixelLayout from, PixelLayout to)
 {
     const int width = image.width();
-    if (from == PixelLayout { ColorModel::Rgb, 8, AlphaInfo::None } && to == rgba8Premultiplied) {
+    if (from == PixelLayout { ColorModel::rgb, 8, AlphaInfo::none } && to == rgba8Premultiplied) {
         const std::uint8_t* source = image.row8(y);
         std::uint8_t* out = target.row8(y);
         for (int x = 0; x < width; ++x, source += 3, out += 4) {
@@ -100,7 +100,7 @@ bool convertRowFast(
         }
         return true;
     }
-    if (from == rgba8Premultiplied && to == PixelLayout { ColorModel::Rgb, 8, AlphaInfo::None }) {
+    if (from == rgba8Premultiplied && to == PixelLayout { ColorModel::rgb, 8, AlphaInfo::none }) {
         const std::uint8_t* source = image.row8(y);
         std::uint8_t* out = target.row8(y);
         for (int x = 0; x < width; ++x, source += 4, out += 3) {
@@ -151,7 +151,7 @@ Result<Image> relayout(const Image& image, PixelLayout layout)
 {
     const PixelLayout from = image.layout();
     assert(from.model == layout.model
-        || (from.model == ColorModel::Grey && layout.model == ColorModel::Rgb));
+        || (from.model == ColorModel::grey && layout.model == ColorModel::rgb));
     if (from == layout) {
         return image;
     }
@@ -164,7 +164,7 @@ Result<Image> relayout(const Image& image, PixelLayout layout)
     const bool deepSource = from.bitsPerComponent == 16;
     const bool deepTarget = layout.bitsPerComponent == 16;
     // No ink is white; otherwise white is the largest number of the depth that is worked in.
-    const std::uint32_t white = layout.model == ColorModel::Cmyk ? 0U
+    const std::uint32_t white = layout.model == ColorModel::cmyk ? 0U
         : deepSource || deepTarget                               ? 65535U
                                                                  : 255U;
     for (int y = 0; y < image.height(); ++y) {
@@ -202,8 +202,8 @@ bool isOpaque(const Image& image)
 
 bool isGrey(const Image& image)
 {
-    if (image.layout().model != ColorModel::Rgb) {
-        return image.layout().model == ColorModel::Grey;
+    if (image.layout().model != ColorModel::rgb) {
+        return image.layout().model == ColorModel::grey;
     }
     const Positions at(image.layout());
     if (at.colors != 3) {

@@ -4,50 +4,50 @@
 
 namespace vellumine::imaging {
 
-enum class ColorModel : std::uint8_t { Grey, Rgb, Cmyk };
+enum class ColorModel : std::uint8_t { grey, rgb, cmyk };
 
 /// Where alpha sits in a pixel, and what it means for the colour beside it.
 enum class AlphaInfo : std::uint8_t {
-    None, ///< no alpha and no padding
-    PremultipliedLast,
-    PremultipliedFirst,
-    Last, ///< straight
-    First, ///< straight
-    NoneSkipLast, ///< a padding sample that means nothing
-    NoneSkipFirst,
-    Only, ///< an alpha channel without colour
+    none, ///< no alpha and no padding
+    premultipliedLast,
+    premultipliedFirst,
+    last, ///< straight
+    first, ///< straight
+    noneSkipLast, ///< a padding sample that means nothing
+    noneSkipFirst,
+    only, ///< an alpha channel without colour
 };
 
 /// True for the four layouts that carry colour and alpha.
 [[nodiscard]] constexpr bool hasAlpha(AlphaInfo alpha)
 {
-    return alpha == AlphaInfo::PremultipliedLast || alpha == AlphaInfo::PremultipliedFirst
-        || alpha == AlphaInfo::Last || alpha == AlphaInfo::First;
+    return alpha == AlphaInfo::premultipliedLast || alpha == AlphaInfo::premultipliedFirst
+        || alpha == AlphaInfo::last || alpha == AlphaInfo::first;
 }
 
 [[nodiscard]] constexpr bool isPremultiplied(AlphaInfo alpha)
 {
-    return alpha == AlphaInfo::PremultipliedLast || alpha == AlphaInfo::PremultipliedFirst;
+    return alpha == AlphaInfo::premultipliedLast || alpha == AlphaInfo::premultipliedFirst;
 }
 
 /// How the samples of one pixel lie in memory: interleaved, in the order grey, RGB or CMYK, 8 bits
 /// or 16 bits in the machine's byte order. CMYK counts ink: 0 is none, the maximum is full.
 struct PixelLayout {
-    ColorModel model = ColorModel::Rgb;
+    ColorModel model = ColorModel::rgb;
     int bitsPerComponent = 8; ///< 8 or 16
-    AlphaInfo alpha = AlphaInfo::None;
+    AlphaInfo alpha = AlphaInfo::none;
 
     [[nodiscard]] constexpr int colorChannels() const
     {
-        if (alpha == AlphaInfo::Only) {
+        if (alpha == AlphaInfo::only) {
             return 0;
         }
         switch (model) {
-        case ColorModel::Grey:
+        case ColorModel::grey:
             return 1;
-        case ColorModel::Rgb:
+        case ColorModel::rgb:
             return 3;
-        case ColorModel::Cmyk:
+        case ColorModel::cmyk:
             return 4;
         }
         return 0;
@@ -56,7 +56,7 @@ struct PixelLayout {
     /// Samples in a pixel, alpha or padding included.
     [[nodiscard]] constexpr int channels() const
     {
-        return colorChannels() + (alpha == AlphaInfo::None ? 0 : 1);
+        return colorChannels() + (alpha == AlphaInfo::none ? 0 : 1);
     }
 
     [[nodiscard]] constexpr int bytesPerPixel() const { return channels() * bitsPerComponent / 8; }
@@ -65,7 +65,7 @@ struct PixelLayout {
 };
 
 /// The layout of every bitmap that the product draws into.
-inline constexpr PixelLayout rgba8Premultiplied { ColorModel::Rgb, 8,
-    AlphaInfo::PremultipliedLast };
+inline constexpr PixelLayout rgba8Premultiplied { ColorModel::rgb, 8,
+    AlphaInfo::premultipliedLast };
 
 } // namespace vellumine::imaging

@@ -13,14 +13,14 @@ struct Entry {
 };
 
 constexpr std::array<Entry, allUniformTypes.size()> registry { {
-    { UniformType::Jpeg, "public.jpeg", "jpeg" },
-    { UniformType::Png, "public.png", "png" },
-    { UniformType::Heic, "public.heic", "heic" },
-    { UniformType::Heif, "public.heif", "heif" },
-    { UniformType::Tiff, "public.tiff", "tiff" },
-    { UniformType::Gif, "com.compuserve.gif", "gif" },
-    { UniformType::Bmp, "com.microsoft.bmp", "bmp" },
-    { UniformType::WebP, "org.webmproject.webp", "webp" },
+    { UniformType::jpeg, "public.jpeg", "jpeg" },
+    { UniformType::png, "public.png", "png" },
+    { UniformType::heic, "public.heic", "heic" },
+    { UniformType::heif, "public.heif", "heif" },
+    { UniformType::tiff, "public.tiff", "tiff" },
+    { UniformType::gif, "com.compuserve.gif", "gif" },
+    { UniformType::bmp, "com.microsoft.bmp", "bmp" },
+    { UniformType::webp, "org.webmproject.webp", "webp" },
 } };
 
 constexpr const Entry& entry(UniformType type)

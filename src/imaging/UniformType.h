@@ -7,11 +7,11 @@
 namespace vellumine::imaging {
 
 /// The picture formats that the service knows.
-enum class UniformType : std::uint8_t { Jpeg, Png, Heic, Heif, Tiff, Gif, Bmp, WebP };
+enum class UniformType : std::uint8_t { jpeg, png, heic, heif, tiff, gif, bmp, webp };
 
-inline constexpr std::array allUniformTypes { UniformType::Jpeg, UniformType::Png,
-    UniformType::Heic, UniformType::Heif, UniformType::Tiff, UniformType::Gif, UniformType::Bmp,
-    UniformType::WebP };
+inline constexpr std::array allUniformTypes { UniformType::jpeg, UniformType::png,
+    UniformType::heic, UniformType::heif, UniformType::tiff, UniformType::gif, UniformType::bmp,
+    UniformType::webp };
 
 /// The registered identifier, "public.jpeg" for example.
 [[nodiscard]] std::string_view identifier(UniformType type);

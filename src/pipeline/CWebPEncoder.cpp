@@ -127,7 +127,7 @@ Outcome<void> ImageOptimizer::encodeWebPWithCWebP(imaging::Image&& image, const 
                 ? QStringLiteral("cwebp exited with status ") + QString::number(exit->status)
                 : text });
     }
-    if (platform::itemAt(webP.path()) == platform::ItemKind::None) {
+    if (platform::itemAt(webP.path()) == platform::ItemKind::none) {
         return failed(
             CannotFinalize { outputURL, QStringLiteral("cwebp did not create an output file") });
     }

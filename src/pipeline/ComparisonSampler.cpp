@@ -63,11 +63,11 @@ std::optional<QUrl> ImageOptimizer::writePreviewSample(
     const Image& image, const std::filesystem::path& folder)
 {
     const std::filesystem::path path = uniquePath(folder, "vellumine-preview-", "png");
-    auto destination = imaging::ImageDestination::create(path, imaging::UniformType::Png);
+    auto destination = imaging::ImageDestination::create(path, imaging::UniformType::png);
     if (!destination) {
         return std::nullopt;
     }
-    destination->setEffort(imaging::Effort::Fastest); // looked at once, then thrown away
+    destination->setEffort(imaging::Effort::fastest); // looked at once, then thrown away
     destination->addImage(image, {});
     if (!destination->finalize()) {
         std::error_code ignored;
@@ -93,7 +93,7 @@ std::optional<ComparisonSampler::OutputSample> ComparisonSampler::OutputSample::
     const auto cropRect = [orientedSize](Size size) {
         return centredRect(size, smaller(smaller(orientedSize, size), largest));
     };
-    if (readBack == ReadBack::Whole) {
+    if (readBack == ReadBack::whole) {
         const auto image = ImageOptimizer::decoded(url, limits);
         if (!image) {
             return std::nullopt;

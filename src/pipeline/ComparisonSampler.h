@@ -19,8 +19,8 @@ public:
     static constexpr imaging::Size largest { 720, 460 };
 
     enum class ReadBack {
-        SampleOnly, ///< only the part that the sample shows, where the format allows
-        Whole, ///< all of it, as proof that the file can be read
+        sampleOnly, ///< only the part that the sample shows, where the format allows
+        whole, ///< all of it, as proof that the file can be read
     };
 
     struct Comparison {

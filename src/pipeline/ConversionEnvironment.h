@@ -20,7 +20,7 @@ namespace vellumine {
 struct ConversionEnvironment {
     /// Whether an existing file may be replaced; called on the conversion's thread, which waits.
     std::function<OverwriteDecision(const QUrl&)> confirmOverwrite
-        = [](const QUrl&) { return OverwriteDecision::Skip; };
+        = [](const QUrl&) { return OverwriteDecision::skip; };
     std::function<platform::Result<void>(const QUrl&)> moveToTrash = platform::moveToTrash;
     std::shared_ptr<platform::SecurityScope> securityScope
         = std::make_shared<platform::DesktopSecurityScope>();

@@ -25,7 +25,7 @@ public:
 
     QString key(const QUrl& url)
     {
-        const bool selected = m_settings.destinationMode == DestinationMode::SelectedFolder
+        const bool selected = m_settings.destinationMode == DestinationMode::selectedFolder
             && m_settings.destinationFolderURL;
         const QUrl folder
             = selected ? *m_settings.destinationFolderURL : platform::parentFolder(url);

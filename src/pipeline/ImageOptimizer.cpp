@@ -118,8 +118,8 @@ Outcome<void> encode(Image&& image, UniformType type, ImageProperties properties
             return failed(CannotCreateDestination { outputURL });
         }
         destination->setProfilePolicy(settings.removeColorManagement
-                ? imaging::ProfilePolicy::Omit
-                : imaging::ProfilePolicy::Embed);
+                ? imaging::ProfilePolicy::omit
+                : imaging::ProfilePolicy::embed);
         destination->addImage(std::move(image), std::move(properties));
         if (!destination->finalize()) {
             return failed(CannotFinalize { outputURL, std::nullopt });
@@ -144,7 +144,7 @@ Outcome<void> write(
     }
     return encode(std::move(prepared.encoded), *type,
         ImageOptimizer::destinationProperties(
-            settings, prepared.sourceProperties, CompressionQuality::Include),
+            settings, prepared.sourceProperties, CompressionQuality::include),
         prepared.outputURL, prepared.existing, settings);
 }
 
@@ -153,10 +153,10 @@ OriginalInTrash trashOriginal(const QUrl& url, const QUrl& outputURL, bool isRea
     const ConversionEnvironment& environment)
 {
     if (platform::standardized(url) == platform::standardized(outputURL)) {
-        return OriginalInTrash::AsWished;
+        return OriginalInTrash::asWished;
     }
-    return isReadBack && environment.moveToTrash(url) ? OriginalInTrash::AsWished
-                                                      : OriginalInTrash::CouldNotBeMoved;
+    return isReadBack && environment.moveToTrash(url) ? OriginalInTrash::asWished
+                                                      : OriginalInTrash::couldNotBeMoved;
 }
 
 } // namespace
@@ -202,10 +202,10 @@ Outcome<ProcessingResult> ImageOptimizer::optimize(
         preserveModificationDate(url, outputURL);
     }
     auto comparison = prepared->sampler.compare(url, outputURL,
-        settings.moveOriginalToTrash ? ComparisonSampler::ReadBack::Whole
-                                     : ComparisonSampler::ReadBack::SampleOnly,
+        settings.moveOriginalToTrash ? ComparisonSampler::ReadBack::whole
+                                     : ComparisonSampler::ReadBack::sampleOnly,
         environment.limits, environment.temporaryFolder);
-    OriginalInTrash original = OriginalInTrash::AsWished;
+    OriginalInTrash original = OriginalInTrash::asWished;
     if (settings.moveOriginalToTrash) {
         original = trashOriginal(url, outputURL, comparison.isReadBack, environment);
     }

@@ -17,7 +17,7 @@
 
 namespace vellumine {
 
-enum class CompressionQuality { Include, LeaveOut };
+enum class CompressionQuality { include, leaveOut };
 
 /// The conversion of one file and its steps. Nothing here keeps a state: all of it may run on
 /// several threads at once.

@@ -20,13 +20,13 @@ namespace {
 int referenceEdge(Size size, ResizeMode mode)
 {
     switch (mode) {
-    case ResizeMode::MaxWidth:
+    case ResizeMode::maxWidth:
         return size.width;
-    case ResizeMode::MaxHeight:
+    case ResizeMode::maxHeight:
         return size.height;
-    case ResizeMode::LongestEdge:
+    case ResizeMode::longestEdge:
         return std::max(size.width, size.height);
-    case ResizeMode::None:
+    case ResizeMode::none:
         return 0;
     }
     Q_UNREACHABLE();
@@ -82,7 +82,7 @@ Image ImageOptimizer::transformed(const Image& image, const OptimizerSettings& s
     if (!context) {
         return image; // grey or CMYK that is to keep its colours
     }
-    context->setInterpolationQuality(imaging::InterpolationQuality::High);
+    context->setInterpolationQuality(imaging::InterpolationQuality::high);
     if (!context->draw(image)) {
         return image;
     }

@@ -14,23 +14,23 @@ using imaging::UniformType;
 namespace {
 
 /// The properties that say something about who made the picture, where and with what.
-constexpr std::array metadataKeys { PropertyKey::Exif, PropertyKey::Gps, PropertyKey::Tiff,
-    PropertyKey::Iptc, PropertyKey::Png, PropertyKey::Jfif, PropertyKey::Gif };
+constexpr std::array metadataKeys { PropertyKey::exif, PropertyKey::gps, PropertyKey::tiff,
+    PropertyKey::iptc, PropertyKey::png, PropertyKey::jfif, PropertyKey::gif };
 
 UniformType typeFor(std::optional<UniformType> sourceType, OutputFormat format)
 {
     switch (format) {
-    case OutputFormat::WebP:
-    case OutputFormat::WebPLossless:
-        return UniformType::WebP;
-    case OutputFormat::Jpeg:
-        return UniformType::Jpeg;
-    case OutputFormat::Png:
-        return UniformType::Png;
-    case OutputFormat::Heic:
-        return UniformType::Heic;
-    case OutputFormat::Original:
-        return sourceType.value_or(UniformType::Png);
+    case OutputFormat::webp:
+    case OutputFormat::webpLossless:
+        return UniformType::webp;
+    case OutputFormat::jpeg:
+        return UniformType::jpeg;
+    case OutputFormat::png:
+        return UniformType::png;
+    case OutputFormat::heic:
+        return UniformType::heic;
+    case OutputFormat::original:
+        return sourceType.value_or(UniformType::png);
     }
     Q_UNREACHABLE();
 }
@@ -52,11 +52,11 @@ ImageProperties ImageOptimizer::destinationProperties(const OptimizerSettings& s
     const ImageProperties& sourceProperties, CompressionQuality compression)
 {
     ImageProperties properties = settings.removeMetadata ? ImageProperties() : sourceProperties;
-    if (compression == CompressionQuality::Include && settings.outputFormat != OutputFormat::Png) {
+    if (compression == CompressionQuality::include && settings.outputFormat != OutputFormat::png) {
         const double quality = settings.usesLossyCompression()
             ? std::clamp(settings.quality, 1.0, 100.0) / 100.0
             : 1.0;
-        properties.set(PropertyKey::LossyCompressionQuality, quality);
+        properties.set(PropertyKey::lossyCompressionQuality, quality);
     }
     if (settings.removeMetadata) {
         for (const PropertyKey key : metadataKeys) {
@@ -64,10 +64,10 @@ ImageProperties ImageOptimizer::destinationProperties(const OptimizerSettings& s
         }
     }
     // The picture is upright by now: a tag would turn it once more.
-    properties.remove(PropertyKey::Orientation);
+    properties.remove(PropertyKey::orientation);
     if (settings.removeColorManagement) {
-        properties.remove(PropertyKey::ColorModel);
-        properties.remove(PropertyKey::ProfileName);
+        properties.remove(PropertyKey::colorModel);
+        properties.remove(PropertyKey::profileName);
     }
     return properties;
 }
@@ -85,22 +85,22 @@ QString ImageOptimizer::inputFormatTitle(const QUrl& url, std::optional<UniformT
 QString ImageOptimizer::outputFormatTitle(
     const QUrl& url, std::optional<UniformType> sourceType, const OptimizerSettings& settings)
 {
-    return settings.outputFormat == OutputFormat::Original ? inputFormatTitle(url, sourceType)
+    return settings.outputFormat == OutputFormat::original ? inputFormatTitle(url, sourceType)
                                                            : displayTitle(settings.outputFormat);
 }
 
 bool ImageOptimizer::outputSupportsAlpha(OutputFormat format, std::optional<UniformType> sourceType)
 {
     switch (format) {
-    case OutputFormat::WebP:
-    case OutputFormat::WebPLossless:
-    case OutputFormat::Png:
+    case OutputFormat::webp:
+    case OutputFormat::webpLossless:
+    case OutputFormat::png:
         return true;
-    case OutputFormat::Jpeg:
-    case OutputFormat::Heic:
+    case OutputFormat::jpeg:
+    case OutputFormat::heic:
         return false;
-    case OutputFormat::Original:
-        return sourceType == UniformType::Png || sourceType == UniformType::WebP;
+    case OutputFormat::original:
+        return sourceType == UniformType::png || sourceType == UniformType::webp;
     }
     Q_UNREACHABLE();
 }

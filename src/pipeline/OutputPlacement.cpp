@@ -26,16 +26,16 @@ QString ImageOptimizer::outputExtension(
     const QUrl& url, std::optional<UniformType> sourceType, const OptimizerSettings& settings)
 {
     switch (settings.outputFormat) {
-    case OutputFormat::WebP:
-    case OutputFormat::WebPLossless:
+    case OutputFormat::webp:
+    case OutputFormat::webpLossless:
         return QStringLiteral("webp");
-    case OutputFormat::Jpeg:
+    case OutputFormat::jpeg:
         return QStringLiteral("jpg");
-    case OutputFormat::Png:
+    case OutputFormat::png:
         return QStringLiteral("png");
-    case OutputFormat::Heic:
+    case OutputFormat::heic:
         return QStringLiteral("heic");
-    case OutputFormat::Original:
+    case OutputFormat::original:
         break;
     }
     if (sourceType) {
@@ -50,7 +50,7 @@ Outcome<QUrl> ImageOptimizer::outputURL(
     const QUrl& url, std::optional<UniformType> sourceType, const OptimizerSettings& settings)
 {
     QUrl folder = platform::parentFolder(url);
-    if (settings.destinationMode == DestinationMode::SelectedFolder) {
+    if (settings.destinationMode == DestinationMode::selectedFolder) {
         if (!settings.destinationFolderURL) {
             return failed(MissingDestinationFolder {});
         }
@@ -79,22 +79,22 @@ Outcome<ExistingItem> ImageOptimizer::confirmOverwrite(const QUrl& outputURL,
 {
     const std::filesystem::path path = toPath(outputURL);
     switch (platform::itemAt(path)) {
-    case ItemKind::None:
+    case ItemKind::none:
         // Nothing was asked about, so nothing that turns up meanwhile may be replaced.
-        return settings.warnBeforeOverwrite ? ExistingItem::Keep : ExistingItem::Replace;
-    case ItemKind::Folder:
+        return settings.warnBeforeOverwrite ? ExistingItem::keep : ExistingItem::replace;
+    case ItemKind::folder:
         return tl::unexpected<OptimizeError>(platform::FileError::fromErrno(EISDIR));
-    case ItemKind::Other:
+    case ItemKind::other:
         break;
     }
     if (const auto writable = platform::checkWritableFolder(path.parent_path()); !writable) {
         return tl::unexpected<OptimizeError>(writable.error());
     }
     if (settings.warnBeforeOverwrite
-        && environment.confirmOverwrite(outputURL) == OverwriteDecision::Skip) {
+        && environment.confirmOverwrite(outputURL) == OverwriteDecision::skip) {
         return failed(OverwriteDeclined {});
     }
-    return ExistingItem::Replace;
+    return ExistingItem::replace;
 }
 
 void ImageOptimizer::preserveModificationDate(const QUrl& source, const QUrl& output)

@@ -42,7 +42,7 @@ public:
         : m_callback(std::move(callback))
     {
     }
-    ~AnswerOnce() { give(OverwriteDecision::Skip); }
+    ~AnswerOnce() { give(OverwriteDecision::skip); }
     AnswerOnce(const AnswerOnce&) = delete;
     AnswerOnce& operator=(const AnswerOnce&) = delete;
 
@@ -120,7 +120,7 @@ OverwriteDecision OverwritePrompt::ask(const QUrl& url) const
         State::scheduleNext(state);
         state->answered.wait(lock, [&] { return request->decision || state->isClosed; });
     }
-    return request->decision.value_or(OverwriteDecision::Skip);
+    return request->decision.value_or(OverwriteDecision::skip);
 }
 
 void OverwritePrompt::close()

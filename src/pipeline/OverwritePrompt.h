@@ -7,7 +7,7 @@
 
 namespace vellumine {
 
-enum class OverwriteDecision { Replace, Skip };
+enum class OverwriteDecision { replace, skip };
 
 /// Asks the user, on the thread that made it, whether a file may be replaced, for conversions that
 /// wait on threads of their own. One question at a time, in the order of asking. A question that

@@ -39,9 +39,9 @@ ItemKind itemAt(const std::filesystem::path& path)
 {
     struct stat status { };
     if (::lstat(path.c_str(), &status) != 0) {
-        return ItemKind::None;
+        return ItemKind::none;
     }
-    return S_ISDIR(status.st_mode) ? ItemKind::Folder : ItemKind::Other;
+    return S_ISDIR(status.st_mode) ? ItemKind::folder : ItemKind::other;
 }
 
 qint64 fileSize(const std::filesystem::path& path)

@@ -6,7 +6,7 @@
 
 namespace vellumine::platform {
 
-enum class ItemKind { None, Folder, Other };
+enum class ItemKind { none, folder, other };
 
 /// What stands at the path itself: a link counts as an item, whatever it points to. What cannot be
 /// looked at counts as None.

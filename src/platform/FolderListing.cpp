@@ -18,7 +18,7 @@ using FolderHandle = std::unique_ptr<DIR, CloseFolder>;
 
 FolderHandle open(const std::filesystem::path& path, FinalLink link)
 {
-    const int refuse = link == FinalLink::Refuse ? O_NOFOLLOW : 0;
+    const int refuse = link == FinalLink::refuse ? O_NOFOLLOW : 0;
     const int descriptor = ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | refuse);
     if (descriptor < 0) {
         return nullptr;
@@ -33,12 +33,12 @@ FolderHandle open(const std::filesystem::path& path, FinalLink link)
 EntryKind kindOf(DIR* folder, const dirent& entry)
 {
     if (entry.d_type != DT_UNKNOWN) {
-        return entry.d_type == DT_DIR ? EntryKind::Folder : EntryKind::Other;
+        return entry.d_type == DT_DIR ? EntryKind::folder : EntryKind::other;
     }
     // Some file systems keep no kinds in their folders.
     struct stat status { };
     const bool known = ::fstatat(::dirfd(folder), entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0;
-    return known && S_ISDIR(status.st_mode) ? EntryKind::Folder : EntryKind::Other;
+    return known && S_ISDIR(status.st_mode) ? EntryKind::folder : EntryKind::other;
 }
 
 } // namespace

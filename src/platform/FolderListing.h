@@ -7,7 +7,7 @@
 
 namespace vellumine::platform {
 
-enum class EntryKind : std::uint8_t { Folder, Other };
+enum class EntryKind : std::uint8_t { folder, other };
 
 /// One entry of a folder. A link is no folder, whatever it points to.
 struct FolderEntry {
@@ -15,7 +15,7 @@ struct FolderEntry {
     EntryKind kind;
 };
 
-enum class FinalLink : std::uint8_t { Follow, Refuse };
+enum class FinalLink : std::uint8_t { follow, refuse };
 
 /// Whether a folder stands at the path, links followed.
 [[nodiscard]] bool isFolder(const std::filesystem::path& path);

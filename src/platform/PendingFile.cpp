@@ -83,7 +83,7 @@ PendingFile::~PendingFile()
 Result<void> PendingFile::publish(ExistingItem existing) &&
 {
     int error = 0;
-    if (existing == ExistingItem::Keep) {
+    if (existing == ExistingItem::keep) {
         error = renameToFreeName(m_path.c_str(), m_target.c_str());
     } else if (::rename(m_path.c_str(), m_target.c_str()) != 0) {
         error = errno;

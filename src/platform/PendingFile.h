@@ -9,8 +9,8 @@ namespace vellumine::platform {
 
 /// What publishing does to an item that has the name already.
 enum class ExistingItem {
-    Replace, ///< a link is replaced itself, what it points to is not touched
-    Keep, ///< publishing fails
+    replace, ///< a link is replaced itself, what it points to is not touched
+    keep, ///< publishing fails
 };
 
 /// A file on its way to its place: it is written under a hidden name beside its target, and takes

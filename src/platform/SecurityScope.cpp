@@ -8,15 +8,15 @@ namespace vellumine::platform {
 
 DesktopSecurityScope::Sandbox DesktopSecurityScope::currentSandbox()
 {
-    return ::access("/.flatpak-info", F_OK) == 0 ? Sandbox::Flatpak : Sandbox::None;
+    return ::access("/.flatpak-info", F_OK) == 0 ? Sandbox::flatpak : Sandbox::none;
 }
 
 bool DesktopSecurityScope::startAccessing(const QUrl& url)
 {
     switch (m_sandbox) {
-    case Sandbox::None:
+    case Sandbox::none:
         return true;
-    case Sandbox::Flatpak:
+    case Sandbox::flatpak:
         return ::access(toPath(url).c_str(), W_OK) == 0;
     }
     Q_UNREACHABLE();

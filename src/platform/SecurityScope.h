@@ -21,7 +21,7 @@ public:
 /// What this desktop grants: everything outside a sandbox, inside one what can be written to.
 class DesktopSecurityScope final : public SecurityScope {
 public:
-    enum class Sandbox { None, Flatpak };
+    enum class Sandbox { none, flatpak };
 
     /// The sandbox that this process runs in.
     [[nodiscard]] static Sandbox currentSandbox();

@@ -21,10 +21,10 @@ namespace vellumine::test {
 /// is interrupted, so that the test says in which order files end.
 class FakeOptimizer {
 public:
-    enum class Mode { Hold, LetGo };
+    enum class Mode { hold, letGo };
 
     explicit FakeOptimizer(Mode mode)
-        : m_letAll(mode == Mode::LetGo)
+        : m_letAll(mode == Mode::letGo)
     {
     }
 

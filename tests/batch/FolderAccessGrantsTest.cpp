@@ -115,7 +115,7 @@ TEST_F(FolderAccessGrantsTest, aFileInTheRootFolderHasAParent)
 
 TEST_F(FolderAccessGrantsTest, aSelectedDestinationNeedsNothing)
 {
-    m_settings.destinationMode = DestinationMode::SelectedFolder;
+    m_settings.destinationMode = DestinationMode::selectedFolder;
     m_scope->refuseAll();
     EXPECT_EQ(request({ m_file }), QList<QUrl>());
     EXPECT_TRUE(m_panels.empty());

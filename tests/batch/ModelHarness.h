@@ -27,7 +27,7 @@ inline QList<QUrl> pictures(const QStringList& names)
 /// A model with fakes all around it, and what was seen of it.
 class ModelHarness : public testing::Test {
 protected:
-    explicit ModelHarness(FakeOptimizer::Mode mode = FakeOptimizer::Mode::Hold)
+    explicit ModelHarness(FakeOptimizer::Mode mode = FakeOptimizer::Mode::hold)
         : m_optimizer(mode)
     {
     }

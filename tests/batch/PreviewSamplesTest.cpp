@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 class PreviewSamplesTest : public testing::Test {
 protected:
     std::unique_ptr<PreviewSamples> start(
-        PreviewSamples::AtEnd atEnd = PreviewSamples::AtEnd::Remove) const
+        PreviewSamples::AtEnd atEnd = PreviewSamples::AtEnd::remove) const
     {
         return std::make_unique<PreviewSamples>(m_folder.path(), atEnd);
     }
@@ -114,7 +114,7 @@ TEST_F(PreviewSamplesTest, outcomesThatNobodyCollectedLeaveNothing)
 
 TEST_F(PreviewSamplesTest, theyAreKeptWhereSomebodyWasToldOfThem)
 {
-    auto samples = start(PreviewSamples::AtEnd::Keep);
+    auto samples = start(PreviewSamples::AtEnd::keep);
     const fs::path told = sample('A');
     samples->add(resultWith(told, told));
     samples.reset();

@@ -193,7 +193,7 @@ TEST_F(ProcessingModelDrops, aDropWhileScanningDoesNotJoinTheRunningBatch)
 
 TEST_F(ProcessingModelDrops, aDropDuringARefusedBatchReplacesTheRefusalsText)
 {
-    m_settings.destinationMode = DestinationMode::SelectedFolder;
+    m_settings.destinationMode = DestinationMode::selectedFolder;
     makeModel().process(pictures({ m_a }));
     countCompletion();
     ASSERT_TRUE(runUntilStatus("Scanning for images..."));

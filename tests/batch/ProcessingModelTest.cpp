@@ -250,17 +250,17 @@ TEST_P(Refusals, endTheBatchWithTheirTextBeforeAnyFileIsConverted)
 }
 
 INSTANTIATE_TEST_SUITE_P(ProcessingModel, Refusals,
-    testing::Values(RefusalRow { "nothingFound", "notes.txt", DestinationMode::OriginalLocation,
+    testing::Values(RefusalRow { "nothingFound", "notes.txt", DestinationMode::originalLocation,
                         "No supported image files found" },
-        RefusalRow { "noDestinationFolder", "a.png", DestinationMode::SelectedFolder,
+        RefusalRow { "noDestinationFolder", "a.png", DestinationMode::selectedFolder,
             "Choose a destination folder" },
-        RefusalRow { "accessRefused", "a.png", DestinationMode::OriginalLocation,
+        RefusalRow { "accessRefused", "a.png", DestinationMode::originalLocation,
             "Save permission needed" }),
     test::RowName());
 
 TEST_F(ProcessingModelTest, aSelectedFolderThatIsThereIsNoRefusal)
 {
-    m_settings.destinationMode = DestinationMode::SelectedFolder;
+    m_settings.destinationMode = DestinationMode::selectedFolder;
     m_settings.destinationFolderURL = platform::fileUrl(QStringLiteral("/out"));
     m_scope->refuseAll();
     m_optimizer.letAllGo();

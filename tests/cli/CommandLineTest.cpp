@@ -20,8 +20,8 @@ TEST(CommandLine, pathsAloneAreConvertedWithTheDefaults)
 {
     const auto line = parse({ "a.png", "folder" });
     ASSERT_TRUE(line);
-    EXPECT_EQ(line->action, Action::Convert);
-    EXPECT_EQ(line->style, OutputStyle::Text);
+    EXPECT_EQ(line->action, Action::convert);
+    EXPECT_EQ(line->style, OutputStyle::text);
     EXPECT_EQ(line->settings, OptimizerSettings());
     EXPECT_EQ(line->paths, (std::vector<std::filesystem::path> { "a.png", "folder" }));
 }
@@ -40,14 +40,14 @@ TEST(CommandLine, everyKeySetsItsField)
         "exitWhenComplete=true", "--json", "a.png" });
     ASSERT_TRUE(line) << line.error().text.toStdString();
     OptimizerSettings expected;
-    expected.resizeMode = ResizeMode::LongestEdge;
+    expected.resizeMode = ResizeMode::longestEdge;
     expected.maximumPixels = 1000;
-    expected.outputFormat = OutputFormat::Heic;
+    expected.outputFormat = OutputFormat::heic;
     expected.quality = 55.5;
     expected.optimizeColorForSharing = false;
     expected.removeColorManagement = false;
     expected.removeMetadata = false;
-    expected.destinationMode = DestinationMode::SelectedFolder;
+    expected.destinationMode = DestinationMode::selectedFolder;
     expected.destinationFolderURL
         = platform::fileUrl(QString::fromStdString(folder.path().string()));
     expected.filenamePrefix = QStringLiteral("p=q");
@@ -56,7 +56,7 @@ TEST(CommandLine, everyKeySetsItsField)
     expected.preserveModificationTime = false;
     expected.warnBeforeOverwrite = true;
     EXPECT_EQ(line->settings, expected);
-    EXPECT_EQ(line->style, OutputStyle::Json);
+    EXPECT_EQ(line->style, OutputStyle::json);
 }
 
 TEST(CommandLine, keysAreTheSixteenPreferences)
@@ -118,14 +118,14 @@ TEST(CommandLine, twoDashesEndTheOptions)
 {
     const auto line = parse({ "--", "--json", "-x.png" });
     ASSERT_TRUE(line);
-    EXPECT_EQ(line->style, OutputStyle::Text);
+    EXPECT_EQ(line->style, OutputStyle::text);
     EXPECT_EQ(line->paths, (std::vector<std::filesystem::path> { "--json", "-x.png" }));
 }
 
 TEST(CommandLine, helpAndVersionNeedNoPaths)
 {
-    EXPECT_EQ(parse({ "--help" })->action, Action::ShowHelp);
-    EXPECT_EQ(parse({ "--version" })->action, Action::ShowVersion);
+    EXPECT_EQ(parse({ "--help" })->action, Action::showHelp);
+    EXPECT_EQ(parse({ "--version" })->action, Action::showVersion);
 }
 
 TEST(CommandLine, theLastOfTwoAssignmentsHolds)

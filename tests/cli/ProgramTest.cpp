@@ -50,9 +50,9 @@ protected:
     void makePicture(std::string_view name, imaging::Size size = test::oddSize) const
     {
         auto destination
-            = imaging::ImageDestination::create(pictures() / name, UniformType::Bmp).value();
+            = imaging::ImageDestination::create(pictures() / name, UniformType::bmp).value();
         destination.addImage(
-            test::gradient(size, { imaging::ColorModel::Rgb, 8, imaging::AlphaInfo::None }), {});
+            test::gradient(size, { imaging::ColorModel::rgb, 8, imaging::AlphaInfo::none }), {});
         ASSERT_TRUE(destination.finalize());
     }
 

@@ -32,43 +32,43 @@ template <typename Choice> void expectTexts(std::initializer_list<Row<Choice>> r
 TEST(ResizeMode, textsOfEveryCase)
 {
     expectTexts<ResizeMode>({
-        { ResizeMode::MaxWidth, "maxWidth", "Max Width" },
-        { ResizeMode::MaxHeight, "maxHeight", "Max Height" },
-        { ResizeMode::LongestEdge, "longestEdge", "Longest Edge" },
-        { ResizeMode::None, "none", "No Resize" },
+        { ResizeMode::maxWidth, "maxWidth", "Max Width" },
+        { ResizeMode::maxHeight, "maxHeight", "Max Height" },
+        { ResizeMode::longestEdge, "longestEdge", "Longest Edge" },
+        { ResizeMode::none, "none", "No Resize" },
     });
     EXPECT_THAT(allCases<ResizeMode>(),
-        ElementsAre(ResizeMode::MaxWidth, ResizeMode::MaxHeight, ResizeMode::LongestEdge,
-            ResizeMode::None));
+        ElementsAre(ResizeMode::maxWidth, ResizeMode::maxHeight, ResizeMode::longestEdge,
+            ResizeMode::none));
 }
 
 TEST(OutputFormat, textsOfEveryCase)
 {
     expectTexts<OutputFormat>({
-        { OutputFormat::WebP, "webp", "WebP Lossy" },
-        { OutputFormat::WebPLossless, "webpLossless", "WebP Lossless" },
-        { OutputFormat::Jpeg, "jpeg", "JPEG" },
-        { OutputFormat::Png, "png", "PNG" },
-        { OutputFormat::Heic, "heic", "HEIC" },
-        { OutputFormat::Original, "original", "Original Format" },
+        { OutputFormat::webp, "webp", "WebP Lossy" },
+        { OutputFormat::webpLossless, "webpLossless", "WebP Lossless" },
+        { OutputFormat::jpeg, "jpeg", "JPEG" },
+        { OutputFormat::png, "png", "PNG" },
+        { OutputFormat::heic, "heic", "HEIC" },
+        { OutputFormat::original, "original", "Original Format" },
     });
 }
 
 TEST(OutputFormat, allCasesAreListedInOrder)
 {
     EXPECT_THAT(allCases<OutputFormat>(),
-        ElementsAre(OutputFormat::WebP, OutputFormat::WebPLossless, OutputFormat::Jpeg,
-            OutputFormat::Png, OutputFormat::Heic, OutputFormat::Original));
+        ElementsAre(OutputFormat::webp, OutputFormat::webpLossless, OutputFormat::jpeg,
+            OutputFormat::png, OutputFormat::heic, OutputFormat::original));
 }
 
 TEST(DestinationMode, textsOfEveryCase)
 {
     expectTexts<DestinationMode>({
-        { DestinationMode::OriginalLocation, "originalLocation", "Original Location" },
-        { DestinationMode::SelectedFolder, "selectedFolder", "Selected Folder" },
+        { DestinationMode::originalLocation, "originalLocation", "Original Location" },
+        { DestinationMode::selectedFolder, "selectedFolder", "Selected Folder" },
     });
     EXPECT_THAT(allCases<DestinationMode>(),
-        ElementsAre(DestinationMode::OriginalLocation, DestinationMode::SelectedFolder));
+        ElementsAre(DestinationMode::originalLocation, DestinationMode::selectedFolder));
 }
 
 TEST(OutputFormat, onlyExactRawValuesAreAccepted)
@@ -92,12 +92,12 @@ TEST(OutputFormat, webPAndLosslessOnly)
         bool losslessOnly;
     };
     for (const Properties& row : std::initializer_list<Properties> {
-             { OutputFormat::WebP, true, false },
-             { OutputFormat::WebPLossless, true, true },
-             { OutputFormat::Jpeg, false, false },
-             { OutputFormat::Png, false, true },
-             { OutputFormat::Heic, false, false },
-             { OutputFormat::Original, false, false },
+             { OutputFormat::webp, true, false },
+             { OutputFormat::webpLossless, true, true },
+             { OutputFormat::jpeg, false, false },
+             { OutputFormat::png, false, true },
+             { OutputFormat::heic, false, false },
+             { OutputFormat::original, false, false },
          }) {
         SCOPED_TRACE(rawValue(row.format).toStdString());
         EXPECT_EQ(isWebP(row.format), row.webP);
@@ -111,21 +111,21 @@ TEST(OutputFormat, webPAndLosslessOnly)
 TEST(OptimizerSettings, originalFormatUsesLossyCompression)
 {
     OptimizerSettings settings;
-    settings.outputFormat = OutputFormat::Original;
+    settings.outputFormat = OutputFormat::original;
     EXPECT_TRUE(settings.usesLossyCompression());
 }
 
 TEST(OptimizerSettings, defaultsOfAFreshInstallation)
 {
     const OptimizerSettings settings;
-    EXPECT_EQ(settings.resizeMode, ResizeMode::MaxWidth);
+    EXPECT_EQ(settings.resizeMode, ResizeMode::maxWidth);
     EXPECT_EQ(settings.maximumPixels, 2560);
-    EXPECT_EQ(settings.outputFormat, OutputFormat::WebP);
+    EXPECT_EQ(settings.outputFormat, OutputFormat::webp);
     EXPECT_EQ(settings.quality, 82.0);
     EXPECT_TRUE(settings.optimizeColorForSharing);
     EXPECT_TRUE(settings.removeColorManagement);
     EXPECT_TRUE(settings.removeMetadata);
-    EXPECT_EQ(settings.destinationMode, DestinationMode::OriginalLocation);
+    EXPECT_EQ(settings.destinationMode, DestinationMode::originalLocation);
     EXPECT_EQ(settings.destinationFolderURL, std::nullopt);
     EXPECT_EQ(settings.filenamePrefix, QString());
     EXPECT_EQ(settings.filenameSuffix, QString());

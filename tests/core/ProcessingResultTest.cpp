@@ -97,21 +97,21 @@ TEST_P(SuccessMessage, saysWhatWasSaved)
 
 INSTANTIATE_TEST_SUITE_P(ProcessingResult, SuccessMessage,
     testing::Values(
-        MessageRow { "saved", 2'000'000, 800'000, OriginalInTrash::AsWished, "Saved 1.2 MB" },
-        MessageRow { "savedOneByte", 2, 1, OriginalInTrash::AsWished, "Saved 1 byte" },
-        MessageRow { "equalSizes", 7, 7, OriginalInTrash::AsWished, "Converted" },
-        MessageRow { "oneByteLarger", 7, 8, OriginalInTrash::AsWished, "Converted" },
-        MessageRow { "unknownOriginal", 0, 1000, OriginalInTrash::AsWished, "Converted" },
-        MessageRow { "savedButNotTrashed", 340'000, 0, OriginalInTrash::CouldNotBeMoved,
+        MessageRow { "saved", 2'000'000, 800'000, OriginalInTrash::asWished, "Saved 1.2 MB" },
+        MessageRow { "savedOneByte", 2, 1, OriginalInTrash::asWished, "Saved 1 byte" },
+        MessageRow { "equalSizes", 7, 7, OriginalInTrash::asWished, "Converted" },
+        MessageRow { "oneByteLarger", 7, 8, OriginalInTrash::asWished, "Converted" },
+        MessageRow { "unknownOriginal", 0, 1000, OriginalInTrash::asWished, "Converted" },
+        MessageRow { "savedButNotTrashed", 340'000, 0, OriginalInTrash::couldNotBeMoved,
             "Saved 340 KB. Original could not be moved to Trash" },
-        MessageRow { "convertedButNotTrashed", 1, 1, OriginalInTrash::CouldNotBeMoved,
+        MessageRow { "convertedButNotTrashed", 1, 1, OriginalInTrash::couldNotBeMoved,
             "Converted. Original could not be moved to Trash" }),
     [](const auto& instance) { return std::string(instance.param.name); });
 
 TEST(SuccessMessageDeathTest, savingBeyond64BitsIsFatal)
 {
     EXPECT_DEATH(
-        (void)successMessage(std::numeric_limits<qint64>::max(), -1, OriginalInTrash::AsWished),
+        (void)successMessage(std::numeric_limits<qint64>::max(), -1, OriginalInTrash::asWished),
         "64 bits");
 }
 

@@ -78,14 +78,14 @@ TEST_F(Store, snapshotOfAnEmptyStoreIsTheDefault)
 {
     const OptimizerSettings snapshot = m_store.snapshot();
     EXPECT_EQ(snapshot, OptimizerSettings());
-    EXPECT_EQ(snapshot.resizeMode, ResizeMode::MaxWidth);
+    EXPECT_EQ(snapshot.resizeMode, ResizeMode::maxWidth);
     EXPECT_EQ(snapshot.maximumPixels, 2560);
-    EXPECT_EQ(snapshot.outputFormat, OutputFormat::WebP);
+    EXPECT_EQ(snapshot.outputFormat, OutputFormat::webp);
     EXPECT_EQ(snapshot.quality, 82.0);
     EXPECT_TRUE(snapshot.optimizeColorForSharing);
     EXPECT_TRUE(snapshot.removeColorManagement);
     EXPECT_TRUE(snapshot.removeMetadata);
-    EXPECT_EQ(snapshot.destinationMode, DestinationMode::OriginalLocation);
+    EXPECT_EQ(snapshot.destinationMode, DestinationMode::originalLocation);
     EXPECT_EQ(snapshot.destinationFolderURL, std::nullopt);
     EXPECT_EQ(snapshot.filenamePrefix, QString());
     EXPECT_EQ(snapshot.filenameSuffix, QString());
@@ -97,14 +97,14 @@ TEST_F(Store, snapshotOfAnEmptyStoreIsTheDefault)
 TEST_F(Store, snapshotHoldsEveryPreference)
 {
     VellumineSettings& settings = m_store.settings();
-    settings.setResizeMode(ResizeMode::LongestEdge);
+    settings.setResizeMode(ResizeMode::longestEdge);
     settings.setMaximumPixels(1200);
-    settings.setOutputFormat(OutputFormat::Png);
+    settings.setOutputFormat(OutputFormat::png);
     settings.setQuality(61.5);
     settings.setOptimizeColorForSharing(false);
     settings.setRemoveColorManagement(false);
     settings.setRemoveMetadata(false);
-    settings.setDestinationMode(DestinationMode::SelectedFolder);
+    settings.setDestinationMode(DestinationMode::selectedFolder);
     settings.setDestinationFolderBookmark("/out");
     settings.setFilenamePrefix(QStringLiteral("a-"));
     settings.setFilenameSuffix(QStringLiteral("-z"));
@@ -112,14 +112,14 @@ TEST_F(Store, snapshotHoldsEveryPreference)
     settings.setPreserveModificationTime(false);
     settings.setWarnBeforeOverwrite(true);
     const OptimizerSettings expected {
-        .resizeMode = ResizeMode::LongestEdge,
+        .resizeMode = ResizeMode::longestEdge,
         .maximumPixels = 1200,
-        .outputFormat = OutputFormat::Png,
+        .outputFormat = OutputFormat::png,
         .quality = 61.5,
         .optimizeColorForSharing = false,
         .removeColorManagement = false,
         .removeMetadata = false,
-        .destinationMode = DestinationMode::SelectedFolder,
+        .destinationMode = DestinationMode::selectedFolder,
         .destinationFolderURL = folder("/out"),
         .filenamePrefix = QStringLiteral("a-"),
         .filenameSuffix = QStringLiteral("-z"),
@@ -140,7 +140,7 @@ TEST_F(Store, snapshotDoesNotFollowLaterChanges)
 TEST_F(Store, snapshotFillsTheFolderWhateverTheMode)
 {
     m_store.settings().setDestinationFolderBookmark("/out");
-    ASSERT_EQ(m_store.settings().destinationMode(), DestinationMode::OriginalLocation);
+    ASSERT_EQ(m_store.settings().destinationMode(), DestinationMode::originalLocation);
     EXPECT_EQ(m_store.snapshot().destinationFolderURL, folder("/out"));
 }
 
@@ -323,7 +323,7 @@ TEST_F(Store, listThatIsNoPropertyListIsEmptyForALookup)
 TEST_F(Store, unknownStoredFormatReadsAsWebP)
 {
     m_file.open()->setValue(QStringLiteral("outputFormat"), QStringLiteral("gif"));
-    EXPECT_EQ(m_store.snapshot().outputFormat, OutputFormat::WebP);
+    EXPECT_EQ(m_store.snapshot().outputFormat, OutputFormat::webp);
 }
 
 TEST(StoreOnThisDesktop, remembersFoldersAcrossRuns)

@@ -47,15 +47,15 @@ Preference plain(const char* name, const QVariant& initial, const QVariant& othe
 const QList<Preference>& preferences()
 {
     static const QList<Preference> table {
-        choice("resizeMode", ResizeMode::MaxWidth, ResizeMode::LongestEdge),
+        choice("resizeMode", ResizeMode::maxWidth, ResizeMode::longestEdge),
         plain("maximumPixels", qint64 { 2560 }, std::numeric_limits<qint64>::max()),
-        choice("outputFormat", OutputFormat::WebP, OutputFormat::Heic),
+        choice("outputFormat", OutputFormat::webp, OutputFormat::heic),
         plain("quality", 82.0, 0.1 + 0.2),
         plain("optimizeColorForSharing", true, false),
         plain("removeColorManagement", true, false),
         plain("removeMetadata", true, false),
         choice(
-            "destinationMode", DestinationMode::OriginalLocation, DestinationMode::SelectedFolder),
+            "destinationMode", DestinationMode::originalLocation, DestinationMode::selectedFolder),
         plain("destinationFolderBookmark", QByteArray(), allBytes()),
         plain("originalLocationFolderBookmarks", QByteArray(), allBytes()),
         plain("filenamePrefix", QString(), QStringLiteral(" \"a,b\";=\\ %\n@[c] été \U0001F600 ")),
@@ -172,17 +172,17 @@ TEST_P(StoredByHand, isReadAs)
 
 INSTANTIATE_TEST_SUITE_P(Choices, StoredByHand,
     testing::Values(
-        StoredLine { "known", "outputFormat", "heic", QVariant::fromValue(OutputFormat::Heic) },
-        StoredLine { "unknown", "outputFormat", "gif", QVariant::fromValue(OutputFormat::WebP) },
-        StoredLine { "upperCase", "outputFormat", "HEIC", QVariant::fromValue(OutputFormat::WebP) },
-        StoredLine { "number", "outputFormat", "4", QVariant::fromValue(OutputFormat::WebP) },
-        StoredLine { "list", "outputFormat", "heic, png", QVariant::fromValue(OutputFormat::WebP) },
+        StoredLine { "known", "outputFormat", "heic", QVariant::fromValue(OutputFormat::heic) },
+        StoredLine { "unknown", "outputFormat", "gif", QVariant::fromValue(OutputFormat::webp) },
+        StoredLine { "upperCase", "outputFormat", "HEIC", QVariant::fromValue(OutputFormat::webp) },
+        StoredLine { "number", "outputFormat", "4", QVariant::fromValue(OutputFormat::webp) },
+        StoredLine { "list", "outputFormat", "heic, png", QVariant::fromValue(OutputFormat::webp) },
         StoredLine {
-            "bytes", "outputFormat", "@ByteArray(heic)", QVariant::fromValue(OutputFormat::WebP) },
+            "bytes", "outputFormat", "@ByteArray(heic)", QVariant::fromValue(OutputFormat::webp) },
         StoredLine {
-            "resize", "resizeMode", "smallest", QVariant::fromValue(ResizeMode::MaxWidth) },
+            "resize", "resizeMode", "smallest", QVariant::fromValue(ResizeMode::maxWidth) },
         StoredLine { "destination", "destinationMode", "",
-            QVariant::fromValue(DestinationMode::OriginalLocation) }),
+            QVariant::fromValue(DestinationMode::originalLocation) }),
     test::RowName());
 
 INSTANTIATE_TEST_SUITE_P(Integers, StoredByHand,

@@ -4,5 +4,5 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     using namespace vellumine;
-    return fuzz::fuzzDecoder(imaging::codecForType(imaging::UniformType::Gif), data, size);
+    return fuzz::fuzzDecoder(imaging::codecForType(imaging::UniformType::gif), data, size);
 }

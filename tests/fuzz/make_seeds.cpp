@@ -19,21 +19,21 @@ namespace {
 using namespace vellumine::imaging;
 
 constexpr std::array<std::pair<const char*, PixelLayout>, 5> kinds { {
-    { "rgb", { ColorModel::Rgb, 8, AlphaInfo::None } },
-    { "alpha", { ColorModel::Rgb, 8, AlphaInfo::Last } },
-    { "grey", { ColorModel::Grey, 8, AlphaInfo::None } },
-    { "deep", { ColorModel::Rgb, 16, AlphaInfo::None } },
-    { "cmyk", { ColorModel::Cmyk, 8, AlphaInfo::None } },
+    { "rgb", { ColorModel::rgb, 8, AlphaInfo::none } },
+    { "alpha", { ColorModel::rgb, 8, AlphaInfo::last } },
+    { "grey", { ColorModel::grey, 8, AlphaInfo::none } },
+    { "deep", { ColorModel::rgb, 16, AlphaInfo::none } },
+    { "cmyk", { ColorModel::cmyk, 8, AlphaInfo::none } },
 } };
 
 ColorSpace colorSpaceOf(ColorModel model)
 {
     switch (model) {
-    case ColorModel::Grey:
+    case ColorModel::grey:
         return ColorSpace::grey();
-    case ColorModel::Rgb:
+    case ColorModel::rgb:
         return ColorSpace::sRgb();
-    case ColorModel::Cmyk:
+    case ColorModel::cmyk:
         return ColorSpace::deviceCmyk();
     }
     std::abort();
@@ -69,7 +69,7 @@ bool writeSeeds(const Codec& codec, const std::filesystem::path& folder)
     for (const auto& [name, layout] : kinds) {
         const auto file = codec.encode(pattern(layout), {});
         const std::filesystem::path path = folder / format / (std::string(name) + "." + format);
-        if (!file && file.error().kind == Error::Kind::Unsupported) {
+        if (!file && file.error().kind == Error::Kind::unsupported) {
             continue; // a kind that the format cannot hold
         }
         if (!file || !write(path, *file)) {

@@ -19,8 +19,8 @@ using test::oddSize;
 using test::sampleAt;
 using test::syntheticPhoto;
 
-constexpr PixelLayout rgb8 { ColorModel::Rgb, 8, AlphaInfo::None };
-constexpr PixelLayout rgba8 { ColorModel::Rgb, 8, AlphaInfo::Last };
+constexpr PixelLayout rgb8 { ColorModel::rgb, 8, AlphaInfo::none };
+constexpr PixelLayout rgba8 { ColorModel::rgb, 8, AlphaInfo::last };
 
 Image drawn(const Image& image, Size size, const ColorSpace& space = ColorSpace::sRgb())
 {
@@ -169,10 +169,10 @@ TEST(BitmapContext, greyCmykAndOtherDepthsCannotHostRgba)
     for (const ColorSpace& space : { ColorSpace::grey(), ColorSpace::deviceCmyk() }) {
         const auto context = BitmapContext::create({ 4, 4 }, 8, space);
         ASSERT_FALSE(context);
-        EXPECT_EQ(context.error().kind, Error::Kind::Unsupported);
+        EXPECT_EQ(context.error().kind, Error::Kind::unsupported);
     }
     EXPECT_FALSE(BitmapContext::create({ 4, 4 }, 16, ColorSpace::sRgb()));
-    EXPECT_FALSE(BitmapContext::create({ 4, 4 }, 8, ColorSpace::sRgb(), AlphaInfo::Last));
+    EXPECT_FALSE(BitmapContext::create({ 4, 4 }, 8, ColorSpace::sRgb(), AlphaInfo::last));
     EXPECT_FALSE(BitmapContext::create({ 0, 4 }, 8, ColorSpace::sRgb()));
 }
 
@@ -224,8 +224,8 @@ TEST_P(DrawingAnyLayout, equalsItsPlainConversionDrawn)
 {
     const Image image = gradient({ 94, 66 }, GetParam().layout);
     const Image plain = relayout(image,
-        { ColorModel::Rgb, 8,
-            hasAlpha(GetParam().layout.alpha) ? AlphaInfo::Last : AlphaInfo::None })
+        { ColorModel::rgb, 8,
+            hasAlpha(GetParam().layout.alpha) ? AlphaInfo::last : AlphaInfo::none })
                             .value();
     const Image a = drawn(image, oddSize);
     const Image b = drawn(plain.withColorSpace(ColorSpace::sRgb()), oddSize);
@@ -237,20 +237,20 @@ TEST_P(DrawingAnyLayout, equalsItsPlainConversionDrawn)
 }
 
 INSTANTIATE_TEST_SUITE_P(Layouts, DrawingAnyLayout,
-    testing::Values(AnyLayout { "rgb16", { ColorModel::Rgb, 16, AlphaInfo::None } },
-        AnyLayout { "rgba16", { ColorModel::Rgb, 16, AlphaInfo::Last } },
-        AnyLayout { "argb8", { ColorModel::Rgb, 8, AlphaInfo::First } },
-        AnyLayout { "xrgb8", { ColorModel::Rgb, 8, AlphaInfo::NoneSkipFirst } },
-        AnyLayout { "premultiplied16", { ColorModel::Rgb, 16, AlphaInfo::PremultipliedLast } },
-        AnyLayout { "grey8", { ColorModel::Grey, 8, AlphaInfo::None } },
-        AnyLayout { "grey16", { ColorModel::Grey, 16, AlphaInfo::None } },
-        AnyLayout { "greyAlpha8", { ColorModel::Grey, 8, AlphaInfo::Last } },
-        AnyLayout { "greyAlpha16", { ColorModel::Grey, 16, AlphaInfo::PremultipliedLast } }),
+    testing::Values(AnyLayout { "rgb16", { ColorModel::rgb, 16, AlphaInfo::none } },
+        AnyLayout { "rgba16", { ColorModel::rgb, 16, AlphaInfo::last } },
+        AnyLayout { "argb8", { ColorModel::rgb, 8, AlphaInfo::first } },
+        AnyLayout { "xrgb8", { ColorModel::rgb, 8, AlphaInfo::noneSkipFirst } },
+        AnyLayout { "premultiplied16", { ColorModel::rgb, 16, AlphaInfo::premultipliedLast } },
+        AnyLayout { "grey8", { ColorModel::grey, 8, AlphaInfo::none } },
+        AnyLayout { "grey16", { ColorModel::grey, 16, AlphaInfo::none } },
+        AnyLayout { "greyAlpha8", { ColorModel::grey, 8, AlphaInfo::last } },
+        AnyLayout { "greyAlpha16", { ColorModel::grey, 16, AlphaInfo::premultipliedLast } }),
     test::RowName {});
 
 TEST(BitmapContext, inkBecomesLight)
 {
-    const PixelLayout cmyk { ColorModel::Cmyk, 8, AlphaInfo::None };
+    const PixelLayout cmyk { ColorModel::cmyk, 8, AlphaInfo::none };
     const Image paper = drawn(flat({ 40, 30 }, cmyk, { 0, 0, 0, 0 }), { 20, 15 });
     const Image black = drawn(flat({ 40, 30 }, cmyk, { 0, 0, 0, 1 }), { 20, 15 });
     const Image cyan = drawn(flat({ 40, 30 }, cmyk, { 1, 0, 0, 0 }), { 20, 15 });
@@ -262,11 +262,11 @@ TEST(BitmapContext, inkBecomesLight)
 
 TEST(BitmapContext, aMaskHasNoColorToDraw)
 {
-    const Image mask = flat({ 4, 4 }, { ColorModel::Grey, 8, AlphaInfo::Only }, { 0.5 });
+    const Image mask = flat({ 4, 4 }, { ColorModel::grey, 8, AlphaInfo::only }, { 0.5 });
     BitmapContext context = BitmapContext::create({ 4, 4 }, 8, ColorSpace::sRgb()).value();
     const auto result = context.draw(mask);
     ASSERT_FALSE(result);
-    EXPECT_EQ(result.error().kind, Error::Kind::Unsupported);
+    EXPECT_EQ(result.error().kind, Error::Kind::unsupported);
 }
 
 } // namespace

@@ -24,7 +24,7 @@ using testing::Key;
 using testing::Not;
 using testing::Pair;
 
-constexpr PixelLayout rgb8 { ColorModel::Rgb, 8, AlphaInfo::None };
+constexpr PixelLayout rgb8 { ColorModel::rgb, 8, AlphaInfo::none };
 
 ImageProperties cameraProperties(Orientation stored)
 {
@@ -33,12 +33,12 @@ ImageProperties cameraProperties(Orientation stored)
                              .xmp = test::xmpPacket(R"(xmp:Rating="3" tiff:Orientation="6")"),
                              .iptc = test::captionIptc("A caption") },
         stored);
-    properties.set(PropertyKey::Orientation, static_cast<std::int64_t>(stored));
+    properties.set(PropertyKey::orientation, static_cast<std::int64_t>(stored));
     return properties;
 }
 
 Result<void> write(const std::filesystem::path& path, UniformType type, const Image& image,
-    const ImageProperties& properties = {}, ProfilePolicy profile = ProfilePolicy::Embed)
+    const ImageProperties& properties = {}, ProfilePolicy profile = ProfilePolicy::embed)
 {
     auto destination = ImageDestination::create(path, type);
     if (!destination) {
@@ -52,23 +52,23 @@ Result<void> write(const std::filesystem::path& path, UniformType type, const Im
 TEST(ImageDestination, knowsItsTypes)
 {
     EXPECT_THAT(ImageDestination::encodableTypes(),
-        testing::UnorderedElementsAre(UniformType::Jpeg, UniformType::Png, UniformType::Heic,
-            UniformType::Heif, UniformType::Tiff, UniformType::Gif, UniformType::Bmp));
+        testing::UnorderedElementsAre(UniformType::jpeg, UniformType::png, UniformType::heic,
+            UniformType::heif, UniformType::tiff, UniformType::gif, UniformType::bmp));
 }
 
 TEST(ImageDestination, refusesWebPWithoutMakingAFile)
 {
     TemporaryFolder folder;
-    const auto destination = ImageDestination::create(folder / "a.webp", UniformType::WebP);
+    const auto destination = ImageDestination::create(folder / "a.webp", UniformType::webp);
     ASSERT_FALSE(destination);
-    EXPECT_EQ(destination.error().kind, Error::Kind::Unsupported);
+    EXPECT_EQ(destination.error().kind, Error::Kind::unsupported);
     EXPECT_FALSE(std::filesystem::exists(folder / "a.webp"));
 }
 
 TEST(ImageDestination, makesAnEmptyFileAtOnce)
 {
     TemporaryFolder folder;
-    const auto destination = ImageDestination::create(folder / "a.bmp", UniformType::Bmp);
+    const auto destination = ImageDestination::create(folder / "a.bmp", UniformType::bmp);
     ASSERT_TRUE(destination);
     EXPECT_EQ(std::filesystem::file_size(folder / "a.bmp"), 0U);
 }
@@ -77,9 +77,9 @@ TEST(ImageDestination, neverWritesOverAFile)
 {
     TemporaryFolder folder;
     test::writeFile(folder / "a.bmp", "dear");
-    const auto destination = ImageDestination::create(folder / "a.bmp", UniformType::Bmp);
+    const auto destination = ImageDestination::create(folder / "a.bmp", UniformType::bmp);
     ASSERT_FALSE(destination);
-    EXPECT_EQ(destination.error(), (Error { Error::Kind::Io, "File exists" }));
+    EXPECT_EQ(destination.error(), (Error { Error::Kind::io, "File exists" }));
     EXPECT_EQ(test::textOf(test::readFile(folder / "a.bmp")), "dear");
 }
 
@@ -87,23 +87,23 @@ TEST(ImageDestination, followsNoLink)
 {
     TemporaryFolder folder;
     std::filesystem::create_symlink(folder / "elsewhere.bmp", folder / "a.bmp");
-    EXPECT_FALSE(ImageDestination::create(folder / "a.bmp", UniformType::Bmp));
+    EXPECT_FALSE(ImageDestination::create(folder / "a.bmp", UniformType::bmp));
     EXPECT_FALSE(std::filesystem::exists(folder / "elsewhere.bmp"));
 }
 
 TEST(ImageDestination, failsWithTheSystemsTextWhereThereIsNoFolder)
 {
     TemporaryFolder folder;
-    const auto destination = ImageDestination::create(folder / "no/a.bmp", UniformType::Bmp);
+    const auto destination = ImageDestination::create(folder / "no/a.bmp", UniformType::bmp);
     ASSERT_FALSE(destination);
-    EXPECT_EQ(destination.error(), (Error { Error::Kind::Io, "No such file or directory" }));
+    EXPECT_EQ(destination.error(), (Error { Error::Kind::io, "No such file or directory" }));
 }
 
 TEST(ImageDestination, givesTheFileTheUsersModes)
 {
     TemporaryFolder folder;
     const mode_t mask = ::umask(0027);
-    const bool made = ImageDestination::create(folder / "a.bmp", UniformType::Bmp).has_value();
+    const bool made = ImageDestination::create(folder / "a.bmp", UniformType::bmp).has_value();
     ::umask(mask);
     ASSERT_TRUE(made);
     struct stat status { };
@@ -114,11 +114,11 @@ TEST(ImageDestination, givesTheFileTheUsersModes)
 TEST(ImageDestination, failsWithoutAPicture)
 {
     TemporaryFolder folder;
-    auto destination = ImageDestination::create(folder / "a.bmp", UniformType::Bmp);
-    EXPECT_EQ(destination->finalize().error().kind, Error::Kind::EncodingFailed);
+    auto destination = ImageDestination::create(folder / "a.bmp", UniformType::bmp);
+    EXPECT_EQ(destination->finalize().error().kind, Error::Kind::encodingFailed);
     destination->addImage(test::gradient(oddSize, rgb8), {});
     EXPECT_TRUE(destination->finalize());
-    EXPECT_EQ(destination->finalize().error().kind, Error::Kind::EncodingFailed);
+    EXPECT_EQ(destination->finalize().error().kind, Error::Kind::encodingFailed);
 }
 
 TEST(ImageDestination, reportsAFullDisk)
@@ -131,11 +131,11 @@ TEST(ImageDestination, reportsAFullDisk)
     tight.rlim_cur = 1000;
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &tight), 0);
     const auto written
-        = write(folder / "a.bmp", UniformType::Bmp, test::gradient({ 200, 200 }, rgb8));
+        = write(folder / "a.bmp", UniformType::bmp, test::gradient({ 200, 200 }, rgb8));
     ::setrlimit(RLIMIT_FSIZE, &before);
     std::signal(SIGXFSZ, handler);
     ASSERT_FALSE(written);
-    EXPECT_EQ(written.error(), (Error { Error::Kind::Io, "File too large" }));
+    EXPECT_EQ(written.error(), (Error { Error::Kind::io, "File too large" }));
 }
 
 struct TypeRow {
@@ -161,18 +161,18 @@ TEST_P(Destination, writesAFileThatASourceReads)
 TEST_P(Destination, writesCmyk)
 {
     TemporaryFolder folder;
-    const Image ink = test::flat(oddSize, { ColorModel::Cmyk, 8, AlphaInfo::None }, { 0, 1, 1, 0 });
+    const Image ink = test::flat(oddSize, { ColorModel::cmyk, 8, AlphaInfo::none }, { 0, 1, 1, 0 });
     const auto written = write(folder / "picture", GetParam().type, ink);
     ASSERT_TRUE(written) << written.error().detail;
     auto source = ImageSource::create(folder / "picture", Limits {});
     ASSERT_TRUE(source) << source.error().detail;
     const Image image = source->image().value();
-    if (GetParam().type == UniformType::Jpeg || GetParam().type == UniformType::Tiff) {
-        EXPECT_EQ(image.layout().model, ColorModel::Cmyk);
+    if (GetParam().type == UniformType::jpeg || GetParam().type == UniformType::tiff) {
+        EXPECT_EQ(image.layout().model, ColorModel::cmyk);
     } else {
-        ASSERT_EQ(image.layout().model, ColorModel::Rgb);
-        const int red = image.layout().alpha == AlphaInfo::First
-                || image.layout().alpha == AlphaInfo::PremultipliedFirst
+        ASSERT_EQ(image.layout().model, ColorModel::rgb);
+        const int red = image.layout().alpha == AlphaInfo::first
+                || image.layout().alpha == AlphaInfo::premultipliedFirst
             ? 1
             : 0;
         EXPECT_GT(test::sampleAt(image, 20, 20, red), 0.7);
@@ -182,9 +182,9 @@ TEST_P(Destination, writesCmyk)
 }
 
 INSTANTIATE_TEST_SUITE_P(ImageDestination, Destination,
-    testing::Values(TypeRow { "jpeg", UniformType::Jpeg, 35 },
-        TypeRow { "tiff", UniformType::Tiff, 99 }, TypeRow { "gif", UniformType::Gif, 30 },
-        TypeRow { "bmp", UniformType::Bmp, 99 }),
+    testing::Values(TypeRow { "jpeg", UniformType::jpeg, 35 },
+        TypeRow { "tiff", UniformType::tiff, 99 }, TypeRow { "gif", UniformType::gif, 30 },
+        TypeRow { "bmp", UniformType::bmp, 99 }),
     test::RowName {});
 
 class MetadataDestination : public testing::TestWithParam<TypeRow> { };
@@ -193,7 +193,7 @@ TEST_P(MetadataDestination, carriesWhatIsKeptAndNoOrientation)
 {
     TemporaryFolder folder;
     const Image image = test::gradient(oddSize, rgb8);
-    const ImageProperties properties = cameraProperties(Orientation::RightTop);
+    const ImageProperties properties = cameraProperties(Orientation::rightTop);
     ASSERT_TRUE(write(folder / "picture", GetParam().type, image, properties));
     const auto fields = test::fileFields(test::readFile(folder / "picture"));
     EXPECT_THAT(fields, Contains(Pair("Exif.Image.Make", "Kestrova")));
@@ -206,17 +206,17 @@ TEST_P(MetadataDestination, carriesWhatIsKeptAndNoOrientation)
     EXPECT_THAT(fields, Not(Contains(Key("Exif.Thumbnail.JPEGInterchangeFormat"))));
     EXPECT_THAT(fields, Not(Contains(Key("Xmp.tiff.Orientation"))));
     auto source = ImageSource::create(folder / "picture", Limits {});
-    EXPECT_EQ(source->properties()->integer(PropertyKey::Orientation).value_or(1), 1);
+    EXPECT_EQ(source->properties()->integer(PropertyKey::orientation).value_or(1), 1);
     EXPECT_EQ(source->thumbnailWithTransform(47)->size(), oddSize);
 }
 
 TEST_P(MetadataDestination, leavesOutWhatWasTakenAway)
 {
     TemporaryFolder folder;
-    ImageProperties properties = cameraProperties(Orientation::TopLeft);
-    properties.remove(PropertyKey::Gps);
-    properties.remove(PropertyKey::Iptc);
-    properties.remove(PropertyKey::Xmp);
+    ImageProperties properties = cameraProperties(Orientation::topLeft);
+    properties.remove(PropertyKey::gps);
+    properties.remove(PropertyKey::iptc);
+    properties.remove(PropertyKey::xmp);
     ASSERT_TRUE(
         write(folder / "picture", GetParam().type, test::gradient(oddSize, rgb8), properties));
     const auto fields = test::fileFields(test::readFile(folder / "picture"));
@@ -229,9 +229,9 @@ TEST_P(MetadataDestination, leavesOutWhatWasTakenAway)
 TEST_P(MetadataDestination, writesNoneWithoutKeys)
 {
     TemporaryFolder folder;
-    ImageProperties properties = cameraProperties(Orientation::TopLeft);
-    for (const PropertyKey key : { PropertyKey::Exif, PropertyKey::Gps, PropertyKey::Tiff,
-             PropertyKey::Iptc, PropertyKey::Xmp }) {
+    ImageProperties properties = cameraProperties(Orientation::topLeft);
+    for (const PropertyKey key : { PropertyKey::exif, PropertyKey::gps, PropertyKey::tiff,
+             PropertyKey::iptc, PropertyKey::xmp }) {
         properties.remove(key);
     }
     const Image image = test::gradient(oddSize, rgb8);
@@ -242,14 +242,14 @@ TEST_P(MetadataDestination, writesNoneWithoutKeys)
 
 INSTANTIATE_TEST_SUITE_P(ImageDestination, MetadataDestination,
     testing::Values(
-        TypeRow { "jpeg", UniformType::Jpeg, 0 }, TypeRow { "tiff", UniformType::Tiff, 0 }),
+        TypeRow { "jpeg", UniformType::jpeg, 0 }, TypeRow { "tiff", UniformType::tiff, 0 }),
     test::RowName {});
 
 TEST(ImageDestination, keepsTheThumbnailOfAnUprightPicture)
 {
     TemporaryFolder folder;
-    ASSERT_TRUE(write(folder / "a.jpg", UniformType::Jpeg, test::gradient(oddSize, rgb8),
-        cameraProperties(Orientation::TopLeft)));
+    ASSERT_TRUE(write(folder / "a.jpg", UniformType::jpeg, test::gradient(oddSize, rgb8),
+        cameraProperties(Orientation::topLeft)));
     const auto fields = test::fileFields(test::readFile(folder / "a.jpg"));
     EXPECT_THAT(fields, Contains(Pair("Exif.Thumbnail.JPEGInterchangeFormatLength", "400")));
     EXPECT_THAT(fields, Not(Contains(Key("Exif.Thumbnail.Orientation"))));
@@ -260,8 +260,8 @@ TEST(ImageDestination, leavesOutWhatTheTypeCannotCarry)
     TemporaryFolder folder;
     const Image image = test::gradient(oddSize, rgb8);
     ASSERT_TRUE(
-        write(folder / "a.bmp", UniformType::Bmp, image, cameraProperties(Orientation::RightTop)));
-    ASSERT_TRUE(write(folder / "b.bmp", UniformType::Bmp, image));
+        write(folder / "a.bmp", UniformType::bmp, image, cameraProperties(Orientation::rightTop)));
+    ASSERT_TRUE(write(folder / "b.bmp", UniformType::bmp, image));
     EXPECT_EQ(test::readFile(folder / "a.bmp"), test::readFile(folder / "b.bmp"));
 }
 
@@ -271,13 +271,13 @@ TEST(ImageDestination, theQualityIsThatOfTheProperties)
     const Image photo = test::syntheticPhoto({ 300, 200 });
     const auto sizeAt = [&](double quality) {
         ImageProperties properties;
-        properties.set(PropertyKey::LossyCompressionQuality, quality);
+        properties.set(PropertyKey::lossyCompressionQuality, quality);
         const auto path = folder / std::to_string(quality);
-        EXPECT_TRUE(write(path, UniformType::Jpeg, photo, properties));
+        EXPECT_TRUE(write(path, UniformType::jpeg, photo, properties));
         return std::filesystem::file_size(path);
     };
     EXPECT_LT(2 * sizeAt(0.3), sizeAt(0.95));
-    ASSERT_TRUE(write(folder / "without", UniformType::Jpeg, photo));
+    ASSERT_TRUE(write(folder / "without", UniformType::jpeg, photo));
     EXPECT_EQ(sizeAt(1.0), std::filesystem::file_size(folder / "without"));
 }
 
@@ -286,17 +286,17 @@ TEST(ImageDestination, whatCannotBeSaidInTheFileBecomesSRgb)
 {
     const TemporaryFolder folder;
     constexpr Primaries srgb { { 0.3127, 0.3290 }, { 0.64, 0.33 }, { 0.30, 0.60 }, { 0.15, 0.06 } };
-    const TransferCurve linear { TransferCurve::Kind::Gamma, 1.0 };
+    const TransferCurve linear { TransferCurve::Kind::gamma, 1.0 };
     const Image green = test::flat(oddSize, rgb8, { 0.0, 0.5, 0.0 })
                             .withColorSpace(ColorSpace::fromPrimaries(srgb, linear).value());
-    ASSERT_TRUE(write(folder / "green.gif", UniformType::Gif, green));
+    ASSERT_TRUE(write(folder / "green.gif", UniformType::gif, green));
     const Image gif = ImageSource::create(folder / "green.gif", Limits {})->image().value();
     EXPECT_NEAR(test::sampleAt(gif, 20, 20, 1), 0.735, 0.01);
 
     const Image grey
-        = test::flat(oddSize, { ColorModel::Grey, 8, AlphaInfo::None }, { 0.5 })
-              .withColorSpace(ColorSpace::fromPrimaries(srgb, linear, ColorModel::Grey).value());
-    for (const UniformType type : { UniformType::Gif, UniformType::Bmp }) {
+        = test::flat(oddSize, { ColorModel::grey, 8, AlphaInfo::none }, { 0.5 })
+              .withColorSpace(ColorSpace::fromPrimaries(srgb, linear, ColorModel::grey).value());
+    for (const UniformType type : { UniformType::gif, UniformType::bmp }) {
         const auto path = folder / (std::string("grey.") + std::string(preferredExtension(type)));
         ASSERT_TRUE(write(path, type, grey));
         EXPECT_NEAR(test::sampleAt(ImageSource::create(path, Limits {})->image().value(), 9, 9, 0),
@@ -308,8 +308,8 @@ TEST(ImageDestination, theProfilePolicyHolds)
 {
     TemporaryFolder folder;
     const Image image = test::gradient(oddSize, rgb8);
-    ASSERT_TRUE(write(folder / "with", UniformType::Jpeg, image, {}, ProfilePolicy::Embed));
-    ASSERT_TRUE(write(folder / "without", UniformType::Jpeg, image, {}, ProfilePolicy::Omit));
+    ASSERT_TRUE(write(folder / "with", UniformType::jpeg, image, {}, ProfilePolicy::embed));
+    ASSERT_TRUE(write(folder / "without", UniformType::jpeg, image, {}, ProfilePolicy::omit));
     const auto hasProfile = [&](std::string_view name) {
         const ByteBuffer file = test::readFile(folder / name);
         return test::textOf(file).find("ICC_PROFILE") != std::string_view::npos;

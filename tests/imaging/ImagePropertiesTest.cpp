@@ -19,54 +19,54 @@ TEST(ImageProperties, areEmptyAtFirst)
     const ImageProperties properties;
     EXPECT_TRUE(properties.empty());
     EXPECT_TRUE(properties.blocks().empty());
-    EXPECT_EQ(properties.storedOrientation(), Orientation::TopLeft);
-    EXPECT_FALSE(properties.contains(PropertyKey::Exif));
+    EXPECT_EQ(properties.storedOrientation(), Orientation::topLeft);
+    EXPECT_FALSE(properties.contains(PropertyKey::exif));
 }
 
 TEST(ImageProperties, giveAValueBackAsItsTypeOnly)
 {
     ImageProperties properties;
-    properties.set(PropertyKey::PixelWidth, std::int64_t { 4000 });
-    properties.set(PropertyKey::LossyCompressionQuality, 0.82);
-    properties.set(PropertyKey::ProfileName, std::string("Display P3"));
-    properties.set(PropertyKey::Png, DictionaryPresent {});
-    EXPECT_EQ(properties.integer(PropertyKey::PixelWidth), 4000);
-    EXPECT_EQ(properties.number(PropertyKey::PixelWidth), std::nullopt);
-    EXPECT_EQ(properties.number(PropertyKey::LossyCompressionQuality), 0.82);
-    EXPECT_EQ(properties.text(PropertyKey::ProfileName), "Display P3");
-    EXPECT_EQ(properties.text(PropertyKey::Png), std::nullopt);
-    EXPECT_TRUE(properties.contains(PropertyKey::Png));
-    EXPECT_EQ(properties.integer(PropertyKey::PixelHeight), std::nullopt);
+    properties.set(PropertyKey::pixelWidth, std::int64_t { 4000 });
+    properties.set(PropertyKey::lossyCompressionQuality, 0.82);
+    properties.set(PropertyKey::profileName, std::string("Display P3"));
+    properties.set(PropertyKey::png, DictionaryPresent {});
+    EXPECT_EQ(properties.integer(PropertyKey::pixelWidth), 4000);
+    EXPECT_EQ(properties.number(PropertyKey::pixelWidth), std::nullopt);
+    EXPECT_EQ(properties.number(PropertyKey::lossyCompressionQuality), 0.82);
+    EXPECT_EQ(properties.text(PropertyKey::profileName), "Display P3");
+    EXPECT_EQ(properties.text(PropertyKey::png), std::nullopt);
+    EXPECT_TRUE(properties.contains(PropertyKey::png));
+    EXPECT_EQ(properties.integer(PropertyKey::pixelHeight), std::nullopt);
 }
 
 TEST(ImageProperties, takeTheLastValueAndForgetARemovedOne)
 {
     ImageProperties properties;
-    properties.set(PropertyKey::Orientation, std::int64_t { 6 });
-    properties.set(PropertyKey::Orientation, std::int64_t { 3 });
-    EXPECT_EQ(properties.integer(PropertyKey::Orientation), 3);
-    properties.remove(PropertyKey::Orientation);
-    properties.remove(PropertyKey::Orientation);
+    properties.set(PropertyKey::orientation, std::int64_t { 6 });
+    properties.set(PropertyKey::orientation, std::int64_t { 3 });
+    EXPECT_EQ(properties.integer(PropertyKey::orientation), 3);
+    properties.remove(PropertyKey::orientation);
+    properties.remove(PropertyKey::orientation);
     EXPECT_TRUE(properties.empty());
 }
 
 TEST(ImageProperties, haveAKeyForEveryDictionaryOfTheirBlocks)
 {
     ImageProperties properties;
-    properties.setBlocks(cameraBlocks(), Orientation::RightTop);
-    for (const PropertyKey key : { PropertyKey::Exif, PropertyKey::Gps, PropertyKey::Tiff,
-             PropertyKey::Iptc, PropertyKey::Xmp }) {
+    properties.setBlocks(cameraBlocks(), Orientation::rightTop);
+    for (const PropertyKey key : { PropertyKey::exif, PropertyKey::gps, PropertyKey::tiff,
+             PropertyKey::iptc, PropertyKey::xmp }) {
         EXPECT_TRUE(properties.contains(key));
     }
-    EXPECT_FALSE(properties.contains(PropertyKey::Orientation));
+    EXPECT_FALSE(properties.contains(PropertyKey::orientation));
     EXPECT_EQ(properties.blocks(), cameraBlocks());
 }
 
 TEST(ImageProperties, loseTheKeysOfBlocksThatAreReplaced)
 {
     ImageProperties properties;
-    properties.setBlocks(cameraBlocks(), Orientation::RightTop);
-    properties.setBlocks({}, Orientation::TopLeft);
+    properties.setBlocks(cameraBlocks(), Orientation::rightTop);
+    properties.setBlocks({}, Orientation::topLeft);
     EXPECT_TRUE(properties.empty());
     EXPECT_TRUE(properties.blocks().empty());
 }
@@ -74,20 +74,20 @@ TEST(ImageProperties, loseTheKeysOfBlocksThatAreReplaced)
 TEST(ImageProperties, rememberHowThePictureWasStoredWithoutTheKey)
 {
     ImageProperties properties;
-    properties.setBlocks(cameraBlocks(), Orientation::RightTop);
-    properties.set(PropertyKey::Orientation, std::int64_t { 6 });
-    properties.remove(PropertyKey::Orientation);
-    EXPECT_EQ(properties.storedOrientation(), Orientation::RightTop);
+    properties.setBlocks(cameraBlocks(), Orientation::rightTop);
+    properties.set(PropertyKey::orientation, std::int64_t { 6 });
+    properties.remove(PropertyKey::orientation);
+    EXPECT_EQ(properties.storedOrientation(), Orientation::rightTop);
 }
 
 TEST(ImageProperties, copiesShareTheirBlocksButNotTheirKeys)
 {
     ImageProperties properties;
-    properties.setBlocks(cameraBlocks(), Orientation::TopLeft);
+    properties.setBlocks(cameraBlocks(), Orientation::topLeft);
     ImageProperties copy = properties;
     EXPECT_EQ(&copy.blocks(), &properties.blocks());
-    copy.remove(PropertyKey::Gps);
-    EXPECT_TRUE(properties.contains(PropertyKey::Gps));
+    copy.remove(PropertyKey::gps);
+    EXPECT_TRUE(properties.contains(PropertyKey::gps));
 }
 
 } // namespace

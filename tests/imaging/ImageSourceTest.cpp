@@ -18,14 +18,14 @@ namespace {
 using test::oddSize;
 using test::TemporaryFolder;
 
-constexpr PixelLayout rgb8 { ColorModel::Rgb, 8, AlphaInfo::None };
+constexpr PixelLayout rgb8 { ColorModel::rgb, 8, AlphaInfo::none };
 
 ByteBuffer encoded(UniformType type, const Image& image, const MetadataBlocks& blocks = {})
 {
     EncodeOptions options;
     options.metadata = blocks;
     ByteBuffer file = codecForType(type).encode(image, options).value();
-    return type == UniformType::Tiff ? metadata::writeTiff(std::move(file), blocks) : file;
+    return type == UniformType::tiff ? metadata::writeTiff(std::move(file), blocks) : file;
 }
 
 MetadataBlocks orientedBlocks(std::uint16_t tag)
@@ -44,17 +44,17 @@ Error::Kind kindOfFailure(const std::filesystem::path& path, const Limits& limit
 {
     const auto source = ImageSource::create(path, limits);
     EXPECT_FALSE(source);
-    return source ? Error::Kind::EncodingFailed : source.error().kind;
+    return source ? Error::Kind::encodingFailed : source.error().kind;
 }
 
 TEST(ImageSource, opensAFileByItsContentAlone)
 {
     TemporaryFolder folder;
     test::writeFile(
-        folder / "picture.jpg", encoded(UniformType::Bmp, test::gradient(oddSize, rgb8)));
+        folder / "picture.jpg", encoded(UniformType::bmp, test::gradient(oddSize, rgb8)));
     auto source = ImageSource::create(folder / "picture.jpg", Limits {});
     ASSERT_TRUE(source) << source.error().detail;
-    EXPECT_EQ(source->type(), UniformType::Bmp);
+    EXPECT_EQ(source->type(), UniformType::bmp);
     EXPECT_EQ(source->storedSize(), oddSize);
     const auto image = source->image();
     ASSERT_TRUE(image);
@@ -66,7 +66,7 @@ TEST(ImageSource, opensAFileLargerThanWhatIsSniffed)
 {
     TemporaryFolder folder;
     const Image large = test::syntheticPhoto({ 301, 199 });
-    test::writeFile(folder / "picture", encoded(UniformType::Bmp, large));
+    test::writeFile(folder / "picture", encoded(UniformType::bmp, large));
     const auto image = ImageSource::create(folder / "picture", Limits {})->image();
     ASSERT_TRUE(image);
     EXPECT_EQ(test::maximumDifference(*image, large), 0);
@@ -77,33 +77,33 @@ TEST(ImageSource, failsWithIoWhereThereIsNoFile)
     TemporaryFolder folder;
     const auto source = ImageSource::create(folder / "missing.png", Limits {});
     ASSERT_FALSE(source);
-    EXPECT_EQ(source.error().kind, Error::Kind::Io);
+    EXPECT_EQ(source.error().kind, Error::Kind::io);
     EXPECT_EQ(source.error().detail, "No such file or directory");
 }
 
 TEST(ImageSource, failsWithIoForAFolder)
 {
     TemporaryFolder folder;
-    EXPECT_EQ(kindOfFailure(folder.path()), Error::Kind::Io);
+    EXPECT_EQ(kindOfFailure(folder.path()), Error::Kind::io);
 }
 
 TEST(ImageSource, neverWaitsForAPipe)
 {
     TemporaryFolder folder;
     ASSERT_EQ(::mkfifo((folder / "pipe.png").c_str(), 0600), 0);
-    EXPECT_EQ(kindOfFailure(folder / "pipe.png"), Error::Kind::Io);
+    EXPECT_EQ(kindOfFailure(folder / "pipe.png"), Error::Kind::io);
 }
 
 TEST(ImageSource, failsWithIoForADevice)
 {
-    EXPECT_EQ(kindOfFailure("/dev/zero"), Error::Kind::Io);
+    EXPECT_EQ(kindOfFailure("/dev/zero"), Error::Kind::io);
 }
 
 TEST(ImageSource, failsWithIoForALinkThatLeadsNowhere)
 {
     TemporaryFolder folder;
     std::filesystem::create_symlink(folder / "missing.png", folder / "link.png");
-    EXPECT_EQ(kindOfFailure(folder / "link.png"), Error::Kind::Io);
+    EXPECT_EQ(kindOfFailure(folder / "link.png"), Error::Kind::io);
 }
 
 TEST(ImageSource, failsWithUnknownTypeForOtherContents)
@@ -111,8 +111,8 @@ TEST(ImageSource, failsWithUnknownTypeForOtherContents)
     TemporaryFolder folder;
     test::writeFile(folder / "empty.png", std::string_view {});
     test::writeFile(folder / "text.png", "not a picture at all, whatever it is called");
-    EXPECT_EQ(kindOfFailure(folder / "empty.png"), Error::Kind::UnknownType);
-    EXPECT_EQ(kindOfFailure(folder / "text.png"), Error::Kind::UnknownType);
+    EXPECT_EQ(kindOfFailure(folder / "empty.png"), Error::Kind::unknownType);
+    EXPECT_EQ(kindOfFailure(folder / "text.png"), Error::Kind::unknownType);
 }
 
 TEST(ImageSource, doesNotReadALargeFileOfAnUnknownType)
@@ -121,47 +121,47 @@ TEST(ImageSource, doesNotReadALargeFileOfAnUnknownType)
     test::writeFile(folder / "film.jpg", "a film");
     // A terabyte, of which the disk holds nothing.
     ASSERT_EQ(::truncate((folder / "film.jpg").c_str(), off_t { 1 } << 40U), 0);
-    EXPECT_EQ(kindOfFailure(folder / "film.jpg"), Error::Kind::UnknownType);
+    EXPECT_EQ(kindOfFailure(folder / "film.jpg"), Error::Kind::unknownType);
 }
 
 TEST(ImageSource, doesNotReadAFileThatDoesNotFitInMemory)
 {
     TemporaryFolder folder;
     const auto path = folder / "picture.bmp";
-    test::writeFile(path, encoded(UniformType::Bmp, test::gradient(oddSize, rgb8)));
+    test::writeFile(path, encoded(UniformType::bmp, test::gradient(oddSize, rgb8)));
     ASSERT_EQ(::truncate(path.c_str(), off_t { 1 } << 40U), 0);
-    EXPECT_EQ(kindOfFailure(path), Error::Kind::LimitExceeded);
+    EXPECT_EQ(kindOfFailure(path), Error::Kind::limitExceeded);
 }
 
 TEST(ImageSource, failsWithLimitExceededBeforeItDecodes)
 {
-    const ByteBuffer file = encoded(UniformType::Bmp, test::gradient(oddSize, rgb8));
+    const ByteBuffer file = encoded(UniformType::bmp, test::gradient(oddSize, rgb8));
     const auto kindFor = [&file](const Limits& limits) {
         const auto source = ImageSource::create(file, limits);
         return source ? std::nullopt : std::optional(source.error().kind);
     };
-    EXPECT_EQ(kindFor({ .maximumSide = 46 }), Error::Kind::LimitExceeded);
-    EXPECT_EQ(kindFor({ .maximumPixels = 47ULL * 33 - 1 }), Error::Kind::LimitExceeded);
-    EXPECT_EQ(kindFor({ .maximumBytes = 47ULL * 33 * 3 - 1 }), Error::Kind::LimitExceeded);
+    EXPECT_EQ(kindFor({ .maximumSide = 46 }), Error::Kind::limitExceeded);
+    EXPECT_EQ(kindFor({ .maximumPixels = 47ULL * 33 - 1 }), Error::Kind::limitExceeded);
+    EXPECT_EQ(kindFor({ .maximumBytes = 47ULL * 33 * 3 - 1 }), Error::Kind::limitExceeded);
     EXPECT_EQ(kindFor({ .maximumBytes = 47ULL * 33 * 3 }), std::nullopt);
 }
 
 TEST(ImageSource, givesThePictureThatItDecodedOnce)
 {
-    ImageSource source = sourceOf(encoded(UniformType::Bmp, test::gradient(oddSize, rgb8)));
+    ImageSource source = sourceOf(encoded(UniformType::bmp, test::gradient(oddSize, rgb8)));
     EXPECT_TRUE(source.image()->isSameAs(*source.image()));
     EXPECT_TRUE(source.thumbnailWithTransform(47)->isSameAs(*source.image()));
 }
 
 TEST(ImageSource, givesTheSameFailureTwice)
 {
-    ByteBuffer file = encoded(UniformType::Bmp, test::gradient(oddSize, rgb8));
+    ByteBuffer file = encoded(UniformType::bmp, test::gradient(oddSize, rgb8));
     file.resize(file.size() / 2);
     auto source = ImageSource::create(std::move(file), Limits {});
     ASSERT_TRUE(source);
     const auto first = source->image();
     ASSERT_FALSE(first);
-    EXPECT_EQ(first.error().kind, Error::Kind::Truncated);
+    EXPECT_EQ(first.error().kind, Error::Kind::truncated);
     EXPECT_EQ(source->image().error(), first.error());
     EXPECT_EQ(source->properties().error(), first.error());
     EXPECT_EQ(source->thumbnailWithTransform(10).error(), first.error());
@@ -172,7 +172,7 @@ TEST(ImageSource, keepsTheFilesPictureWhenTheFileIsCutMeanwhile)
     TemporaryFolder folder;
     const auto path = folder / "picture.bmp";
     const Image image = test::gradient({ 200, 100 }, rgb8);
-    test::writeFile(path, encoded(UniformType::Bmp, image));
+    test::writeFile(path, encoded(UniformType::bmp, image));
     auto source = ImageSource::create(path, Limits {});
     ASSERT_EQ(::truncate(path.c_str(), 60), 0);
     ASSERT_TRUE(source->image());
@@ -181,13 +181,13 @@ TEST(ImageSource, keepsTheFilesPictureWhenTheFileIsCutMeanwhile)
 
 TEST(ImageSource, givesNothingButPropertiesAfterARelease)
 {
-    ImageSource source = sourceOf(encoded(UniformType::Bmp, test::gradient(oddSize, rgb8)));
+    ImageSource source = sourceOf(encoded(UniformType::bmp, test::gradient(oddSize, rgb8)));
     const Image kept = *source.image();
     source.releaseImage();
-    EXPECT_EQ(source.image().error().kind, Error::Kind::Io);
-    EXPECT_EQ(source.thumbnailWithTransform(10).error().kind, Error::Kind::Io);
-    EXPECT_EQ(source.imageRegion({ 0, 0, 1, 1 }).error().kind, Error::Kind::Io);
-    EXPECT_EQ(source.properties()->integer(PropertyKey::PixelWidth), 47);
+    EXPECT_EQ(source.image().error().kind, Error::Kind::io);
+    EXPECT_EQ(source.thumbnailWithTransform(10).error().kind, Error::Kind::io);
+    EXPECT_EQ(source.imageRegion({ 0, 0, 1, 1 }).error().kind, Error::Kind::io);
+    EXPECT_EQ(source.properties()->integer(PropertyKey::pixelWidth), 47);
     EXPECT_EQ(test::maximumDifference(kept, test::gradient(oddSize, rgb8)), 0);
 }
 
@@ -197,53 +197,53 @@ TEST(ImageSource, hasThePropertiesOfAJpeg)
         .xmp = test::xmpPacket(R"(xmp:Rating="3")"),
         .iptc = test::captionIptc("A caption") };
     ImageSource source
-        = sourceOf(encoded(UniformType::Jpeg, test::gradient(oddSize, rgb8), blocks));
+        = sourceOf(encoded(UniformType::jpeg, test::gradient(oddSize, rgb8), blocks));
     const auto properties = source.properties();
     ASSERT_TRUE(properties);
-    EXPECT_EQ(properties->integer(PropertyKey::PixelWidth), 47);
-    EXPECT_EQ(properties->integer(PropertyKey::PixelHeight), 33);
-    EXPECT_EQ(properties->integer(PropertyKey::Orientation), 6);
-    EXPECT_EQ(properties->storedOrientation(), Orientation::RightTop);
-    EXPECT_EQ(properties->text(PropertyKey::ColorModel), "RGB");
-    EXPECT_FALSE(properties->text(PropertyKey::ProfileName).value_or("").empty());
-    for (const PropertyKey key : { PropertyKey::Exif, PropertyKey::Gps, PropertyKey::Tiff,
-             PropertyKey::Iptc, PropertyKey::Xmp, PropertyKey::Jfif }) {
+    EXPECT_EQ(properties->integer(PropertyKey::pixelWidth), 47);
+    EXPECT_EQ(properties->integer(PropertyKey::pixelHeight), 33);
+    EXPECT_EQ(properties->integer(PropertyKey::orientation), 6);
+    EXPECT_EQ(properties->storedOrientation(), Orientation::rightTop);
+    EXPECT_EQ(properties->text(PropertyKey::colorModel), "RGB");
+    EXPECT_FALSE(properties->text(PropertyKey::profileName).value_or("").empty());
+    for (const PropertyKey key : { PropertyKey::exif, PropertyKey::gps, PropertyKey::tiff,
+             PropertyKey::iptc, PropertyKey::xmp, PropertyKey::jfif }) {
         EXPECT_TRUE(properties->contains(key));
     }
-    EXPECT_FALSE(properties->contains(PropertyKey::Png));
-    EXPECT_FALSE(properties->contains(PropertyKey::Gif));
+    EXPECT_FALSE(properties->contains(PropertyKey::png));
+    EXPECT_FALSE(properties->contains(PropertyKey::gif));
     EXPECT_EQ(properties->blocks(), blocks);
 }
 
 TEST(ImageSource, hasTheProfilesNameWhereThereIsAProfile)
 {
     const auto nameIn = [](const Image& image) {
-        return sourceOf(encoded(UniformType::Jpeg, image))
+        return sourceOf(encoded(UniformType::jpeg, image))
             .properties()
-            ->text(PropertyKey::ProfileName);
+            ->text(PropertyKey::profileName);
     };
     ASSERT_FALSE(ColorSpace::sRgb().profileName().empty());
     EXPECT_EQ(nameIn(test::gradient(oddSize, rgb8)), ColorSpace::sRgb().profileName());
-    const PixelLayout grey { ColorModel::Grey, 8, AlphaInfo::None };
+    const PixelLayout grey { ColorModel::grey, 8, AlphaInfo::none };
     EXPECT_EQ(nameIn(test::gradient(oddSize, grey)), std::nullopt);
 }
 
 TEST(ImageSource, namesTheColourModels)
 {
     const auto modelOf = [](const Image& image) {
-        return sourceOf(encoded(UniformType::Tiff, image))
+        return sourceOf(encoded(UniformType::tiff, image))
             .properties()
-            ->text(PropertyKey::ColorModel);
+            ->text(PropertyKey::colorModel);
     };
-    EXPECT_EQ(modelOf(test::gradient(oddSize, { ColorModel::Grey, 8, AlphaInfo::None })), "Gray");
+    EXPECT_EQ(modelOf(test::gradient(oddSize, { ColorModel::grey, 8, AlphaInfo::none })), "Gray");
     EXPECT_EQ(modelOf(test::gradient(oddSize, rgb8)), "RGB");
-    EXPECT_EQ(modelOf(test::gradient(oddSize, { ColorModel::Cmyk, 8, AlphaInfo::None })), "CMYK");
+    EXPECT_EQ(modelOf(test::gradient(oddSize, { ColorModel::cmyk, 8, AlphaInfo::none })), "CMYK");
 }
 
 TEST(ImageSource, hasNoOrientationWhereTheFileSaysNothing)
 {
-    ImageSource source = sourceOf(encoded(UniformType::Bmp, test::gradient(oddSize, rgb8)));
-    EXPECT_EQ(source.properties()->integer(PropertyKey::Orientation), std::nullopt);
+    ImageSource source = sourceOf(encoded(UniformType::bmp, test::gradient(oddSize, rgb8)));
+    EXPECT_EQ(source.properties()->integer(PropertyKey::orientation), std::nullopt);
 }
 
 TEST(ImageSource, readsTheBlocksOfATiff)
@@ -252,10 +252,10 @@ TEST(ImageSource, readsTheBlocksOfATiff)
         { .exif = test::cameraExif(), .xmp = {}, .iptc = test::captionIptc("A caption") },
         { true, true, true, true, true }, { oddSize, true, true });
     ImageSource source
-        = sourceOf(encoded(UniformType::Tiff, test::gradient(oddSize, rgb8), blocks));
+        = sourceOf(encoded(UniformType::tiff, test::gradient(oddSize, rgb8), blocks));
     const auto properties = source.properties();
     ASSERT_TRUE(properties);
-    EXPECT_TRUE(properties->contains(PropertyKey::Gps));
+    EXPECT_TRUE(properties->contains(PropertyKey::gps));
     EXPECT_EQ(properties->blocks().iptc, blocks.iptc);
 }
 
@@ -265,7 +265,7 @@ TEST_P(OrientedSource, isTurnedUpright)
 {
     const Image stored = test::gradient(oddSize, rgb8);
     ImageSource source = sourceOf(
-        encoded(UniformType::Jpeg, stored, orientedBlocks(static_cast<std::uint16_t>(GetParam()))));
+        encoded(UniformType::jpeg, stored, orientedBlocks(static_cast<std::uint16_t>(GetParam()))));
     const auto turned = source.thumbnailWithTransform(47);
     ASSERT_TRUE(turned);
     const Image expected = upright(*source.image(), orientationFromTag(GetParam()).value()).value();
@@ -278,7 +278,7 @@ TEST_P(OrientedSource, isScaledAndTurned)
 {
     const Image stored = test::gradient({ 100, 50 }, rgb8);
     ImageSource source = sourceOf(
-        encoded(UniformType::Jpeg, stored, orientedBlocks(static_cast<std::uint16_t>(GetParam()))));
+        encoded(UniformType::jpeg, stored, orientedBlocks(static_cast<std::uint16_t>(GetParam()))));
     const auto turned = source.thumbnailWithTransform(41);
     ASSERT_TRUE(turned);
     EXPECT_EQ(turned->size(), GetParam() >= 5 ? (Size { 21, 41 }) : (Size { 41, 21 }));
@@ -307,8 +307,8 @@ TEST(ImageSource, aTiffsOwnTagHoldsAgainstXmp)
         .exif = builder.build(), .xmp = test::xmpPacket(R"(tiff:Orientation="6")"), .iptc = {}
     };
     ImageSource source
-        = sourceOf(encoded(UniformType::Tiff, test::gradient(oddSize, rgb8), blocks));
-    EXPECT_EQ(source.properties()->integer(PropertyKey::Orientation), 3);
+        = sourceOf(encoded(UniformType::tiff, test::gradient(oddSize, rgb8), blocks));
+    EXPECT_EQ(source.properties()->integer(PropertyKey::orientation), 3);
 }
 
 TEST(ImageSource, orientationOfXmpCounts)
@@ -317,8 +317,8 @@ TEST(ImageSource, orientationOfXmpCounts)
         .exif = {}, .xmp = test::xmpPacket(R"(tiff:Orientation="6")"), .iptc = {}
     };
     ImageSource source
-        = sourceOf(encoded(UniformType::Jpeg, test::gradient(oddSize, rgb8), blocks));
-    EXPECT_EQ(source.properties()->integer(PropertyKey::Orientation), 6);
+        = sourceOf(encoded(UniformType::jpeg, test::gradient(oddSize, rgb8), blocks));
+    EXPECT_EQ(source.properties()->integer(PropertyKey::orientation), 6);
     EXPECT_EQ(source.thumbnailWithTransform(47)->size(), (Size { 33, 47 }));
 }
 
@@ -347,26 +347,26 @@ TEST_P(SourceRegion, isThatPartOfThePicture)
 }
 
 INSTANTIATE_TEST_SUITE_P(ImageSource, SourceRegion,
-    testing::Values(RegionRow { "bmp", UniformType::Bmp }, RegionRow { "jpeg", UniformType::Jpeg },
-        RegionRow { "tiff", UniformType::Tiff }, RegionRow { "gif", UniformType::Gif }),
+    testing::Values(RegionRow { "bmp", UniformType::bmp }, RegionRow { "jpeg", UniformType::jpeg },
+        RegionRow { "tiff", UniformType::tiff }, RegionRow { "gif", UniformType::gif }),
     test::RowName {});
 
 TEST(ImageSource, refusesAPartOutsideOfThePicture)
 {
-    ImageSource source = sourceOf(encoded(UniformType::Bmp, test::gradient(oddSize, rgb8)));
+    ImageSource source = sourceOf(encoded(UniformType::bmp, test::gradient(oddSize, rgb8)));
     for (const Rect region : { Rect { -1, 0, 5, 5 }, Rect { 0, 0, 48, 33 }, Rect { 46, 32, 2, 1 },
              Rect { 5, 5, 0, 5 } }) {
         const auto part = source.imageRegion(region);
         ASSERT_FALSE(part);
-        EXPECT_EQ(part.error().kind, Error::Kind::Malformed);
+        EXPECT_EQ(part.error().kind, Error::Kind::malformed);
     }
 }
 
 TEST(ImageSource, scalesGreyAndCmykIntoSrgb)
 {
-    for (const ColorModel model : { ColorModel::Grey, ColorModel::Cmyk }) {
+    for (const ColorModel model : { ColorModel::grey, ColorModel::cmyk }) {
         ImageSource source = sourceOf(
-            encoded(UniformType::Tiff, test::gradient(oddSize, { model, 8, AlphaInfo::None })));
+            encoded(UniformType::tiff, test::gradient(oddSize, { model, 8, AlphaInfo::none })));
         const auto small = source.thumbnailWithTransform(10);
         ASSERT_TRUE(small) << small.error().detail;
         EXPECT_EQ(small->size(), (Size { 10, 7 }));
@@ -376,7 +376,7 @@ TEST(ImageSource, scalesGreyAndCmykIntoSrgb)
 
 TEST(ImageSource, scaledSidesAreNeverEmpty)
 {
-    ImageSource source = sourceOf(encoded(UniformType::Bmp, test::gradient({ 400, 1 }, rgb8)));
+    ImageSource source = sourceOf(encoded(UniformType::bmp, test::gradient({ 400, 1 }, rgb8)));
     EXPECT_EQ(source.thumbnailWithTransform(10)->size(), (Size { 10, 1 }));
     EXPECT_EQ(source.thumbnailWithTransform(0)->size(), (Size { 1, 1 }));
 }

@@ -23,21 +23,21 @@ Point placeOf(Orientation orientation, Point stored, Size size)
     const int fromRight = size.width - 1 - stored.x;
     const int fromBottom = size.height - 1 - stored.y;
     switch (orientation) {
-    case Orientation::TopLeft: // row 0 is the top, column 0 the left side
+    case Orientation::topLeft: // row 0 is the top, column 0 the left side
         return stored;
-    case Orientation::TopRight: // row 0 is the top, column 0 the right side
+    case Orientation::topRight: // row 0 is the top, column 0 the right side
         return { fromRight, stored.y };
-    case Orientation::BottomRight: // row 0 is the bottom, column 0 the right side
+    case Orientation::bottomRight: // row 0 is the bottom, column 0 the right side
         return { fromRight, fromBottom };
-    case Orientation::BottomLeft: // row 0 is the bottom, column 0 the left side
+    case Orientation::bottomLeft: // row 0 is the bottom, column 0 the left side
         return { stored.x, fromBottom };
-    case Orientation::LeftTop: // row 0 is the left side, column 0 the top
+    case Orientation::leftTop: // row 0 is the left side, column 0 the top
         return { stored.y, stored.x };
-    case Orientation::RightTop: // row 0 is the right side, column 0 the top
+    case Orientation::rightTop: // row 0 is the right side, column 0 the top
         return { fromBottom, stored.x };
-    case Orientation::RightBottom: // row 0 is the right side, column 0 the bottom
+    case Orientation::rightBottom: // row 0 is the right side, column 0 the bottom
         return { fromBottom, fromRight };
-    case Orientation::LeftBottom: // row 0 is the left side, column 0 the bottom
+    case Orientation::leftBottom: // row 0 is the left side, column 0 the bottom
         return { stored.y, fromRight };
     }
     return stored;
@@ -89,24 +89,24 @@ TEST_P(Upright, skipsTheGapsBetweenTheRowsOfACrop)
 }
 
 INSTANTIATE_TEST_SUITE_P(Orientation, Upright,
-    testing::Values(LayoutRow { "grey8", { ColorModel::Grey, 8, AlphaInfo::None } },
-        LayoutRow { "grey16", { ColorModel::Grey, 16, AlphaInfo::None } },
-        LayoutRow { "greyAlpha8", { ColorModel::Grey, 8, AlphaInfo::Last } },
-        LayoutRow { "greyAlpha16", { ColorModel::Grey, 16, AlphaInfo::Last } },
-        LayoutRow { "rgb8", { ColorModel::Rgb, 8, AlphaInfo::None } },
-        LayoutRow { "rgb16", { ColorModel::Rgb, 16, AlphaInfo::None } },
-        LayoutRow { "rgba8", { ColorModel::Rgb, 8, AlphaInfo::Last } },
-        LayoutRow { "argb8", { ColorModel::Rgb, 8, AlphaInfo::PremultipliedFirst } },
-        LayoutRow { "rgba16", { ColorModel::Rgb, 16, AlphaInfo::PremultipliedLast } },
-        LayoutRow { "cmyk8", { ColorModel::Cmyk, 8, AlphaInfo::None } },
-        LayoutRow { "cmyk16", { ColorModel::Cmyk, 16, AlphaInfo::None } },
-        LayoutRow { "cmykAlpha8", { ColorModel::Cmyk, 8, AlphaInfo::Last } },
-        LayoutRow { "cmykAlpha16", { ColorModel::Cmyk, 16, AlphaInfo::Last } }),
+    testing::Values(LayoutRow { "grey8", { ColorModel::grey, 8, AlphaInfo::none } },
+        LayoutRow { "grey16", { ColorModel::grey, 16, AlphaInfo::none } },
+        LayoutRow { "greyAlpha8", { ColorModel::grey, 8, AlphaInfo::last } },
+        LayoutRow { "greyAlpha16", { ColorModel::grey, 16, AlphaInfo::last } },
+        LayoutRow { "rgb8", { ColorModel::rgb, 8, AlphaInfo::none } },
+        LayoutRow { "rgb16", { ColorModel::rgb, 16, AlphaInfo::none } },
+        LayoutRow { "rgba8", { ColorModel::rgb, 8, AlphaInfo::last } },
+        LayoutRow { "argb8", { ColorModel::rgb, 8, AlphaInfo::premultipliedFirst } },
+        LayoutRow { "rgba16", { ColorModel::rgb, 16, AlphaInfo::premultipliedLast } },
+        LayoutRow { "cmyk8", { ColorModel::cmyk, 8, AlphaInfo::none } },
+        LayoutRow { "cmyk16", { ColorModel::cmyk, 16, AlphaInfo::none } },
+        LayoutRow { "cmykAlpha8", { ColorModel::cmyk, 8, AlphaInfo::last } },
+        LayoutRow { "cmykAlpha16", { ColorModel::cmyk, 16, AlphaInfo::last } }),
     test::RowName {});
 
 TEST(Orientation, turnsPicturesOfOneRowOrOneColumn)
 {
-    const PixelLayout layout { ColorModel::Rgb, 8, AlphaInfo::None };
+    const PixelLayout layout { ColorModel::rgb, 8, AlphaInfo::none };
     for (const Size size : { Size { 1, 1 }, Size { 1, 40 }, Size { 40, 1 } }) {
         for (int tag = 1; tag <= 8; ++tag) {
             expectTurned(test::gradient(size, layout), orientationFromTag(tag).value());
@@ -117,7 +117,7 @@ TEST(Orientation, turnsPicturesOfOneRowOrOneColumn)
 TEST(Orientation, topLeftGivesTheVerySamePicture)
 {
     const Image stored = test::gradient(test::oddSize, rgba8Premultiplied);
-    EXPECT_TRUE(upright(stored, Orientation::TopLeft)->isSameAs(stored));
+    EXPECT_TRUE(upright(stored, Orientation::topLeft)->isSameAs(stored));
 }
 
 TEST(Orientation, tagsOutsideOneToEightAreNone)

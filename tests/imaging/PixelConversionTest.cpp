@@ -12,7 +12,7 @@ using test::flat;
 using test::gradient;
 using test::oddSize;
 
-constexpr PixelLayout rgb8 { ColorModel::Rgb, 8, AlphaInfo::None };
+constexpr PixelLayout rgb8 { ColorModel::rgb, 8, AlphaInfo::none };
 
 TEST(PixelConversion, unpremultipliesWithRounding)
 {
@@ -49,23 +49,23 @@ TEST_P(PixelConversionRoundTrip, isLossless)
 
 INSTANTIATE_TEST_SUITE_P(Layouts, PixelConversionRoundTrip,
     testing::Values(RoundTrip { "rgb8ThroughRgba8", rgb8, rgba8Premultiplied },
-        RoundTrip { "rgb8ThroughRgb16", rgb8, { ColorModel::Rgb, 16, AlphaInfo::None } },
-        RoundTrip { "rgb8ThroughArgb16", rgb8, { ColorModel::Rgb, 16, AlphaInfo::First } },
-        RoundTrip { "rgba8ThroughArgb8", { ColorModel::Rgb, 8, AlphaInfo::Last },
-            { ColorModel::Rgb, 8, AlphaInfo::First } },
-        RoundTrip { "rgb8ThroughXrgb8", rgb8, { ColorModel::Rgb, 8, AlphaInfo::NoneSkipFirst } },
-        RoundTrip { "cmyk8ThroughCmyk16", { ColorModel::Cmyk, 8, AlphaInfo::None },
-            { ColorModel::Cmyk, 16, AlphaInfo::None } },
-        RoundTrip { "grey8ThroughGreyAlpha16", { ColorModel::Grey, 8, AlphaInfo::None },
-            { ColorModel::Grey, 16, AlphaInfo::Last } },
+        RoundTrip { "rgb8ThroughRgb16", rgb8, { ColorModel::rgb, 16, AlphaInfo::none } },
+        RoundTrip { "rgb8ThroughArgb16", rgb8, { ColorModel::rgb, 16, AlphaInfo::first } },
+        RoundTrip { "rgba8ThroughArgb8", { ColorModel::rgb, 8, AlphaInfo::last },
+            { ColorModel::rgb, 8, AlphaInfo::first } },
+        RoundTrip { "rgb8ThroughXrgb8", rgb8, { ColorModel::rgb, 8, AlphaInfo::noneSkipFirst } },
+        RoundTrip { "cmyk8ThroughCmyk16", { ColorModel::cmyk, 8, AlphaInfo::none },
+            { ColorModel::cmyk, 16, AlphaInfo::none } },
+        RoundTrip { "grey8ThroughGreyAlpha16", { ColorModel::grey, 8, AlphaInfo::none },
+            { ColorModel::grey, 16, AlphaInfo::last } },
         RoundTrip { "premultipliedFirstThroughLast",
-            { ColorModel::Rgb, 16, AlphaInfo::PremultipliedFirst },
-            { ColorModel::Rgb, 16, AlphaInfo::PremultipliedLast } }),
+            { ColorModel::rgb, 16, AlphaInfo::premultipliedFirst },
+            { ColorModel::rgb, 16, AlphaInfo::premultipliedLast } }),
     test::RowName {});
 
 TEST(PixelConversion, premultiplyingAndBackKeepsOpaqueAndClearsTransparentPixels)
 {
-    const Image image = gradient(oddSize, { ColorModel::Rgb, 8, AlphaInfo::Last });
+    const Image image = gradient(oddSize, { ColorModel::rgb, 8, AlphaInfo::last });
     const Image there = relayout(image, rgba8Premultiplied).value();
     EXPECT_EQ(test::sampleAt(there, 0, 5, 0), 0.0) << "alpha is 0 in the first column";
     const int last = oddSize.width - 1;
@@ -80,7 +80,7 @@ TEST(PixelConversion, premultiplyingAndBackKeepsOpaqueAndClearsTransparentPixels
 TEST(PixelConversion, takingAlphaAwayComposesOnWhite)
 {
     const Image straight
-        = flat({ 2, 2 }, { ColorModel::Rgb, 8, AlphaInfo::Last }, { 0, 0.2, 1, 0.6 });
+        = flat({ 2, 2 }, { ColorModel::rgb, 8, AlphaInfo::last }, { 0, 0.2, 1, 0.6 });
     const Image opaque = relayout(straight, rgb8).value();
     EXPECT_NEAR(test::sampleAt(opaque, 1, 1, 0), 0.4, 0.003);
     EXPECT_NEAR(test::sampleAt(opaque, 1, 1, 1), 0.52, 0.003);
@@ -92,9 +92,9 @@ TEST(PixelConversion, takingAlphaAwayComposesOnWhite)
 
 TEST(PixelConversion, sixteenBitsAreRoundedToEight)
 {
-    const Image deep = test::makeImage({ 256, 3 }, { ColorModel::Grey, 16, AlphaInfo::None },
+    const Image deep = test::makeImage({ 256, 3 }, { ColorModel::grey, 16, AlphaInfo::none },
         [](int x, int y, int /*channel*/) { return (x * 257 + (y - 1) * 128) / 65535.0; });
-    const Image shallow = relayout(deep, { ColorModel::Grey, 8, AlphaInfo::None }).value();
+    const Image shallow = relayout(deep, { ColorModel::grey, 8, AlphaInfo::none }).value();
     for (int x = 1; x < 255; ++x) {
         EXPECT_EQ(shallow.row8(0)[x], x);
         EXPECT_EQ(shallow.row8(1)[x], x);
@@ -104,7 +104,7 @@ TEST(PixelConversion, sixteenBitsAreRoundedToEight)
 
 TEST(PixelConversion, greySpreadsOverRgb)
 {
-    const Image grey = gradient(oddSize, { ColorModel::Grey, 8, AlphaInfo::None });
+    const Image grey = gradient(oddSize, { ColorModel::grey, 8, AlphaInfo::none });
     const Image rgb = relayout(grey, rgb8).value();
     EXPECT_TRUE(isGrey(rgb));
     EXPECT_EQ(test::sampleAt(rgb, 20, 9, 2), test::sampleAt(grey, 20, 9, 0));
@@ -114,8 +114,8 @@ TEST(PixelConversion, opacityIsSeenInEveryLayout)
 {
     EXPECT_TRUE(isOpaque(gradient(oddSize, rgb8)));
     EXPECT_FALSE(isOpaque(gradient(oddSize, rgba8Premultiplied)));
-    EXPECT_FALSE(isOpaque(gradient(oddSize, { ColorModel::Grey, 16, AlphaInfo::Last })));
-    EXPECT_TRUE(isOpaque(flat(oddSize, { ColorModel::Rgb, 8, AlphaInfo::First }, { 1, 0, 0, 0 })));
+    EXPECT_FALSE(isOpaque(gradient(oddSize, { ColorModel::grey, 16, AlphaInfo::last })));
+    EXPECT_TRUE(isOpaque(flat(oddSize, { ColorModel::rgb, 8, AlphaInfo::first }, { 1, 0, 0, 0 })));
     EXPECT_FALSE(isGrey(gradient(oddSize, rgb8)));
 }
 

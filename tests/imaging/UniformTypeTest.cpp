@@ -7,21 +7,21 @@ namespace {
 
 TEST(UniformType, preferredExtensionsAreTheRegisteredOnes)
 {
-    EXPECT_EQ(preferredExtension(UniformType::Jpeg), "jpeg");
-    EXPECT_EQ(preferredExtension(UniformType::Png), "png");
-    EXPECT_EQ(preferredExtension(UniformType::Heic), "heic");
-    EXPECT_EQ(preferredExtension(UniformType::Heif), "heif");
-    EXPECT_EQ(preferredExtension(UniformType::Tiff), "tiff");
-    EXPECT_EQ(preferredExtension(UniformType::Gif), "gif");
-    EXPECT_EQ(preferredExtension(UniformType::Bmp), "bmp");
-    EXPECT_EQ(preferredExtension(UniformType::WebP), "webp");
+    EXPECT_EQ(preferredExtension(UniformType::jpeg), "jpeg");
+    EXPECT_EQ(preferredExtension(UniformType::png), "png");
+    EXPECT_EQ(preferredExtension(UniformType::heic), "heic");
+    EXPECT_EQ(preferredExtension(UniformType::heif), "heif");
+    EXPECT_EQ(preferredExtension(UniformType::tiff), "tiff");
+    EXPECT_EQ(preferredExtension(UniformType::gif), "gif");
+    EXPECT_EQ(preferredExtension(UniformType::bmp), "bmp");
+    EXPECT_EQ(preferredExtension(UniformType::webp), "webp");
 }
 
 TEST(UniformType, identifiersAreTheRegisteredOnes)
 {
-    EXPECT_EQ(identifier(UniformType::Jpeg), "public.jpeg");
-    EXPECT_EQ(identifier(UniformType::Gif), "com.compuserve.gif");
-    EXPECT_EQ(identifier(UniformType::WebP), "org.webmproject.webp");
+    EXPECT_EQ(identifier(UniformType::jpeg), "public.jpeg");
+    EXPECT_EQ(identifier(UniformType::gif), "com.compuserve.gif");
+    EXPECT_EQ(identifier(UniformType::webp), "org.webmproject.webp");
 }
 
 } // namespace

@@ -32,7 +32,7 @@ class CWebP : public testing::Test {
 protected:
     [[nodiscard]] std::filesystem::path output() const { return workplace.pictures() / "out.webp"; }
 
-    Outcome<void> encode(ExistingItem existing = ExistingItem::Replace) const
+    Outcome<void> encode(ExistingItem existing = ExistingItem::replace) const
     {
         return ImageOptimizer::encodeWebPWithCWebP(
             test::gradient({ 47, 33 }, imaging::rgba8Premultiplied), urlOf(output()), existing,
@@ -55,7 +55,7 @@ protected:
 
 TEST_F(CWebP, writesAFileThatDecodesToThePicture)
 {
-    settings.outputFormat = OutputFormat::WebPLossless;
+    settings.outputFormat = OutputFormat::webpLossless;
     ASSERT_TRUE(encode());
     const auto picture = test::readPicture(output());
     EXPECT_EQ(picture.size(), test::oddSize);
@@ -103,17 +103,17 @@ TEST_P(CWebPArguments, areInThisOrder)
 }
 
 INSTANTIATE_TEST_SUITE_P(ImageOptimizer, CWebPArguments,
-    testing::Values(ArgumentRow { "lossyWithNothingKept", OutputFormat::WebP, 82.9, true, true,
+    testing::Values(ArgumentRow { "lossyWithNothingKept", OutputFormat::webp, 82.9, true, true,
                         "-quiet\n-metadata\nnone\n-q\n82\nPAM.pam\n-o\nWEBP.webp\n" },
-        ArgumentRow { "lossyWithTheProfile", OutputFormat::WebP, 100, true, false,
+        ArgumentRow { "lossyWithTheProfile", OutputFormat::webp, 100, true, false,
             "-quiet\n-metadata\nicc\n-q\n100\nPAM.pam\n-o\nWEBP.webp\n" },
-        ArgumentRow { "lossyWithMetadata", OutputFormat::WebP, 0.99, false, true,
+        ArgumentRow { "lossyWithMetadata", OutputFormat::webp, 0.99, false, true,
             "-quiet\n-metadata\nexif,xmp\n-q\n0\nPAM.pam\n-o\nWEBP.webp\n" },
-        ArgumentRow { "lossyWithAll", OutputFormat::WebP, -3.7, false, false,
+        ArgumentRow { "lossyWithAll", OutputFormat::webp, -3.7, false, false,
             "-quiet\n-metadata\nall\n-q\n-3\nPAM.pam\n-o\nWEBP.webp\n" },
-        ArgumentRow { "lossless", OutputFormat::WebPLossless, 82, true, true,
+        ArgumentRow { "lossless", OutputFormat::webpLossless, 82, true, true,
             "-quiet\n-metadata\nnone\n-lossless\nPAM.pam\n-o\nWEBP.webp\n" },
-        ArgumentRow { "losslessWithAll", OutputFormat::WebPLossless, 82, false, false,
+        ArgumentRow { "losslessWithAll", OutputFormat::webpLossless, 82, false, false,
             "-quiet\n-metadata\nall\n-lossless\nPAM.pam\n-o\nWEBP.webp\n" }),
     [](const auto& instance) { return std::string(instance.param.name); });
 
@@ -229,7 +229,7 @@ TEST_F(CWebP, aFileThatAppearedMeanwhileIsKept)
 {
     workplace.replaceEncoder(
         "printf other > '" + output().string() + "'\n" + std::string(copyingEncoder));
-    const auto encoded = encode(ExistingItem::Keep);
+    const auto encoded = encode(ExistingItem::keep);
     ASSERT_FALSE(encoded);
     EXPECT_EQ(localizedDescription(encoded.error()),
         QStringLiteral("Could not save out.webp: File exists"));
@@ -290,7 +290,7 @@ TEST_F(CWebP, anInterruptionKillsTheEncoderAndLeavesNothingBehind)
     auto outcome = std::async(std::launch::async, [&] {
         return ImageOptimizer::encodeWebPWithCWebP(
             test::gradient({ 47, 33 }, imaging::rgba8Premultiplied), urlOf(output()),
-            ExistingItem::Replace, settings, {}, environment);
+            ExistingItem::replace, settings, {}, environment);
     });
     std::ifstream reader(started);
     std::string line;

@@ -22,7 +22,7 @@ using imaging::UniformType;
 using test::urlOf;
 using ReadBack = ComparisonSampler::ReadBack;
 
-constexpr imaging::PixelLayout rgb8 { ColorModel::Rgb, 8, AlphaInfo::None };
+constexpr imaging::PixelLayout rgb8 { ColorModel::rgb, 8, AlphaInfo::none };
 
 /// A picture in which no two places near each other are alike, made faster than by a function.
 Image pattern(Size size)
@@ -54,7 +54,7 @@ bool areEqual(const Image& a, const Image& b)
 class Sampler : public testing::Test {
 protected:
     ComparisonSampler::Comparison compare(
-        const Image& oriented, const Image& encoded, ReadBack readBack = ReadBack::SampleOnly)
+        const Image& oriented, const Image& encoded, ReadBack readBack = ReadBack::sampleOnly)
     {
         return ComparisonSampler(oriented, encoded)
             .compare(
@@ -71,7 +71,7 @@ protected:
 TEST_F(Sampler, smallPictureIsSampledWhole)
 {
     const Image image = pattern({ 100, 50 });
-    test::writePicture(output(), image, UniformType::Bmp);
+    test::writePicture(output(), image, UniformType::bmp);
     const auto preview = compare(image, image).preview;
     ASSERT_TRUE(preview);
     EXPECT_EQ(preview->displaySize, QSizeF(100, 50));
@@ -86,7 +86,7 @@ TEST_F(Sampler, smallPictureIsSampledWhole)
 TEST_F(Sampler, largePictureIsSampledInTheMiddle)
 {
     const Image image = pattern({ 3000, 2000 });
-    test::writePicture(output(), image, UniformType::Bmp);
+    test::writePicture(output(), image, UniformType::bmp);
     const auto preview = compare(image, image).preview;
     ASSERT_TRUE(preview);
     EXPECT_EQ(preview->displaySize, QSizeF(720, 460));
@@ -99,7 +99,7 @@ TEST_F(Sampler, sampleIsNoLargerThanTheSmallerPicture)
 {
     const Image oriented = pattern({ 801, 601 });
     const Image encoded = pattern({ 200, 150 });
-    test::writePicture(output(), encoded, UniformType::Bmp);
+    test::writePicture(output(), encoded, UniformType::bmp);
     const auto preview = compare(oriented, encoded).preview;
     ASSERT_TRUE(preview);
     EXPECT_EQ(preview->displaySize, QSizeF(200, 150));
@@ -113,8 +113,8 @@ TEST_F(Sampler, fileOfAnotherSizeThanWasEncodedIsSampledAsItIs)
 {
     const Image oriented = pattern({ 301, 201 });
     const Image written = pattern({ 90, 61 });
-    test::writePicture(output(), written, UniformType::Bmp);
-    const auto comparison = compare(oriented, oriented, ReadBack::Whole);
+    test::writePicture(output(), written, UniformType::bmp);
+    const auto comparison = compare(oriented, oriented, ReadBack::whole);
     ASSERT_TRUE(comparison.preview);
     EXPECT_FALSE(comparison.isReadBack);
     EXPECT_EQ(comparison.preview->outputPixelSize, QSizeF(90, 61));
@@ -127,7 +127,7 @@ TEST_F(Sampler, unreadableOutputIsSampledFromTheEncodedPicture)
 {
     const Image image = pattern({ 100, 50 });
     test::writeFile(output(), "no picture");
-    for (const ReadBack readBack : { ReadBack::SampleOnly, ReadBack::Whole }) {
+    for (const ReadBack readBack : { ReadBack::sampleOnly, ReadBack::whole }) {
         const auto comparison = compare(image, image, readBack);
         ASSERT_TRUE(comparison.preview);
         EXPECT_FALSE(comparison.isReadBack);
@@ -139,15 +139,15 @@ TEST_F(Sampler, unreadableOutputIsSampledFromTheEncodedPicture)
 TEST_F(Sampler, onlyAWholeReadingIsAProof)
 {
     const Image image = pattern({ 100, 50 });
-    test::writePicture(output(), image, UniformType::Bmp);
-    EXPECT_TRUE(compare(image, image, ReadBack::Whole).isReadBack);
-    EXPECT_FALSE(compare(image, image, ReadBack::SampleOnly).isReadBack);
+    test::writePicture(output(), image, UniformType::bmp);
+    EXPECT_TRUE(compare(image, image, ReadBack::whole).isReadBack);
+    EXPECT_FALSE(compare(image, image, ReadBack::sampleOnly).isReadBack);
 }
 
 TEST_F(Sampler, withoutAFolderThereIsNoPreview)
 {
     const Image image = pattern({ 10, 5 });
-    test::writePicture(output(), image, UniformType::Bmp);
+    test::writePicture(output(), image, UniformType::bmp);
     std::filesystem::remove(workplace.temporary());
     EXPECT_EQ(compare(image, image).preview, std::nullopt);
 }

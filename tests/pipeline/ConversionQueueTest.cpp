@@ -70,7 +70,7 @@ TEST(ConversionQueue, foldersKeepOutputsApartUnlessOneIsSelected)
     EXPECT_EQ(apart.takeNext(), 0U);
     EXPECT_EQ(apart.takeNext(), 1U);
 
-    settings.destinationMode = DestinationMode::SelectedFolder;
+    settings.destinationMode = DestinationMode::selectedFolder;
     settings.destinationFolderURL = urlOf("/chosen");
     ConversionQueue together(urls({ "/n/a.png", "/m/a.png" }), settings);
     EXPECT_EQ(together.takeNext(), 0U);

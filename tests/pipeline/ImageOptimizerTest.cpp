@@ -32,8 +32,8 @@ using test::textOf;
 using test::urlOf;
 using test::writeFile;
 
-constexpr imaging::PixelLayout rgb8 { ColorModel::Rgb, 8, AlphaInfo::None };
-constexpr imaging::PixelLayout rgba8 { ColorModel::Rgb, 8, AlphaInfo::Last };
+constexpr imaging::PixelLayout rgb8 { ColorModel::rgb, 8, AlphaInfo::none };
+constexpr imaging::PixelLayout rgba8 { ColorModel::rgb, 8, AlphaInfo::last };
 
 /// A JPEG file with an EXIF block in front that says nothing but the orientation.
 std::string withOrientation(const std::string& jpeg, int tag)
@@ -87,7 +87,7 @@ protected:
     std::filesystem::path makeSource(
         std::string_view name = "a.bmp", imaging::Size size = test::oddSize) const
     {
-        test::writePicture(in(name), test::gradient(size, rgb8), UniformType::Bmp);
+        test::writePicture(in(name), test::gradient(size, rgb8), UniformType::bmp);
         return in(name);
     }
 
@@ -164,7 +164,7 @@ class OptimizeTo : public Optimize, public testing::WithParamInterface<FormatRow
 
 TEST_P(OptimizeTo, writesThatFormatAndSaysSo)
 {
-    test::writePicture(in("a.tiff"), test::gradient(test::oddSize, rgba8), UniformType::Tiff);
+    test::writePicture(in("a.tiff"), test::gradient(test::oddSize, rgba8), UniformType::tiff);
     settings.outputFormat = GetParam().format;
     const auto result = optimize(in("a.tiff"));
     ASSERT_TRUE(result) << localizedDescription(result.error()).toStdString();
@@ -181,20 +181,20 @@ TEST_P(OptimizeTo, writesThatFormatAndSaysSo)
 
 INSTANTIATE_TEST_SUITE_P(ImageOptimizer, OptimizeTo,
     testing::Values(
-        FormatRow { "webp", OutputFormat::WebP, "a.webp", UniformType::WebP, "WebP Lossy", true },
-        FormatRow { "webpLossless", OutputFormat::WebPLossless, "a.webp", UniformType::WebP,
+        FormatRow { "webp", OutputFormat::webp, "a.webp", UniformType::webp, "WebP Lossy", true },
+        FormatRow { "webpLossless", OutputFormat::webpLossless, "a.webp", UniformType::webp,
             "WebP Lossless", true },
-        FormatRow { "jpeg", OutputFormat::Jpeg, "a.jpg", UniformType::Jpeg, "JPEG", false },
-        FormatRow { "png", OutputFormat::Png, "a.png", UniformType::Png, "PNG", true },
-        FormatRow { "heic", OutputFormat::Heic, "a.heic", UniformType::Heic, "HEIC", false },
-        FormatRow { "original", OutputFormat::Original, "a-optimized.tiff", UniformType::Tiff,
+        FormatRow { "jpeg", OutputFormat::jpeg, "a.jpg", UniformType::jpeg, "JPEG", false },
+        FormatRow { "png", OutputFormat::png, "a.png", UniformType::png, "PNG", true },
+        FormatRow { "heic", OutputFormat::heic, "a.heic", UniformType::heic, "HEIC", false },
+        FormatRow { "original", OutputFormat::original, "a-optimized.tiff", UniformType::tiff,
             "TIFF", false }),
     [](const auto& instance) { return std::string(instance.param.name); });
 
 TEST_F(Optimize, misnamedFileGoesByItsContent)
 {
     makeSource("a.png");
-    settings.outputFormat = OutputFormat::Original;
+    settings.outputFormat = OutputFormat::original;
     const auto result = optimize(in("a.png"));
     ASSERT_TRUE(result);
     EXPECT_EQ(result->outputURL, urlOf(in("a.bmp")));
@@ -203,12 +203,12 @@ TEST_F(Optimize, misnamedFileGoesByItsContent)
 
 TEST_F(Optimize, webPInTheOriginalFormatIsRefused)
 {
-    settings.outputFormat = OutputFormat::WebPLossless;
+    settings.outputFormat = OutputFormat::webpLossless;
     ASSERT_TRUE(optimize(makeSource("a.bmp")));
     for (const auto& entry : std::filesystem::directory_iterator(workplace.temporary())) {
         std::filesystem::remove(entry.path());
     }
-    settings.outputFormat = OutputFormat::Original;
+    settings.outputFormat = OutputFormat::original;
     expectFailure(
         in("a.webp"), "Original Format is not supported by this macOS ImageIO installation.");
     EXPECT_EQ(listing(in("")), "a.bmp a.webp");
@@ -216,9 +216,9 @@ TEST_F(Optimize, webPInTheOriginalFormatIsRefused)
 
 TEST_F(Optimize, outputLargerThanTheInputIsKeptAndConverted)
 {
-    settings = test::plainSettings(OutputFormat::Png);
+    settings = test::plainSettings(OutputFormat::png);
     // A picture of noise is larger as PNG than as JPEG.
-    test::writePicture(in("noise.jpg"), test::syntheticPhoto({ 300, 200 }), UniformType::Jpeg);
+    test::writePicture(in("noise.jpg"), test::syntheticPhoto({ 300, 200 }), UniformType::jpeg);
     const auto result = optimize(in("noise.jpg"));
     ASSERT_TRUE(result);
     EXPECT_GT(result->outputBytes, result->originalBytes);
@@ -253,7 +253,7 @@ TEST_F(Optimize, pictureBeyondTheLimitsIsUnreadable)
 
 TEST_F(Optimize, unreadableImageComesBeforeTheMissingFolder)
 {
-    settings.destinationMode = DestinationMode::SelectedFolder;
+    settings.destinationMode = DestinationMode::selectedFolder;
     writeFile(in("text.png"), "hello");
     expectFailure(in("text.png"), "The image could not be read.");
     expectFailure(makeSource(), "The selected destination folder is no longer available.");
@@ -262,11 +262,11 @@ TEST_F(Optimize, unreadableImageComesBeforeTheMissingFolder)
 
 TEST_F(Optimize, vanishedDestinationFolderFailsByFormat)
 {
-    settings.destinationMode = DestinationMode::SelectedFolder;
+    settings.destinationMode = DestinationMode::selectedFolder;
     settings.destinationFolderURL = urlOf(in("vanished"));
-    settings.outputFormat = OutputFormat::Jpeg;
+    settings.outputFormat = OutputFormat::jpeg;
     expectFailure(makeSource("a.bmp"), "Could not create a.jpg.");
-    settings.outputFormat = OutputFormat::WebP;
+    settings.outputFormat = OutputFormat::webp;
     expectFailure(in("a.bmp"), "Could not save a.webp: No such file or directory");
 }
 
@@ -274,9 +274,9 @@ TEST_F(Optimize, nameThatIsTooLongFailsByFormat)
 {
     const std::string base(251, 'n');
     makeSource(base + ".bmp");
-    settings.outputFormat = OutputFormat::Heic;
+    settings.outputFormat = OutputFormat::heic;
     expectFailure(in(base + ".bmp"), "Could not create " + base + ".heic.");
-    settings.outputFormat = OutputFormat::WebP;
+    settings.outputFormat = OutputFormat::webp;
     expectFailure(in(base + ".bmp"), "Could not save " + base + ".webp: File name too long");
     EXPECT_EQ(listing(in("")), base + ".bmp");
 }
@@ -285,7 +285,7 @@ TEST_F(Optimize, skipLeavesTheExistingFileUntouched)
 {
     settings.warnBeforeOverwrite = true;
     writeFile(in("a.webp"), "old");
-    environment.confirmOverwrite = [](const QUrl&) { return OverwriteDecision::Skip; };
+    environment.confirmOverwrite = [](const QUrl&) { return OverwriteDecision::skip; };
     expectFailure(makeSource(), "Skipped because the output file already exists.");
     EXPECT_EQ(textOf(in("a.webp")), "old");
     EXPECT_EQ(listing(in("")), "a.bmp a.webp");
@@ -295,7 +295,7 @@ TEST_F(Optimize, replaceReplaces)
 {
     settings.warnBeforeOverwrite = true;
     writeFile(in("a.webp"), "old");
-    environment.confirmOverwrite = [](const QUrl&) { return OverwriteDecision::Replace; };
+    environment.confirmOverwrite = [](const QUrl&) { return OverwriteDecision::replace; };
     ASSERT_TRUE(optimize(makeSource()));
     EXPECT_EQ(test::readPicture(in("a.webp")).size(), test::oddSize);
 }
@@ -306,7 +306,7 @@ TEST_F(Optimize, fileThatVanishesAfterTheQuestionIsNoProblem)
     writeFile(in("a.webp"), "old");
     environment.confirmOverwrite = [this](const QUrl&) {
         std::filesystem::remove(in("a.webp"));
-        return OverwriteDecision::Replace;
+        return OverwriteDecision::replace;
     };
     ASSERT_TRUE(optimize(makeSource()));
     EXPECT_EQ(test::readPicture(in("a.webp")).size(), test::oddSize);
@@ -323,13 +323,13 @@ TEST_F(Optimize, existingFileStandsWhenTheEncoderFails)
 
 TEST_F(Optimize, folderInTheWayFailsWithTheSystemsText)
 {
-    for (const OutputFormat format : { OutputFormat::WebP, OutputFormat::Jpeg }) {
+    for (const OutputFormat format : { OutputFormat::webp, OutputFormat::jpeg }) {
         settings.outputFormat = format;
-        const char* name = format == OutputFormat::WebP ? "a.webp" : "a.jpg";
+        const char* name = format == OutputFormat::webp ? "a.webp" : "a.jpg";
         std::filesystem::create_directory(in(name));
         workplace.replaceEncoder("touch '" + (workplace.programs() / "ran").string() + "'\n");
         expectFailure(
-            makeSource(format == OutputFormat::WebP ? "a.bmp" : "a.tif"), "Is a directory");
+            makeSource(format == OutputFormat::webp ? "a.bmp" : "a.tif"), "Is a directory");
         EXPECT_TRUE(std::filesystem::is_directory(in(name)));
     }
     EXPECT_FALSE(std::filesystem::exists(workplace.programs() / "ran"));
@@ -418,7 +418,7 @@ printf garbage > "$2"
 
 TEST_F(Optimize, originalStaysWhenTheOutputHasAnotherSize)
 {
-    settings = test::plainSettings(OutputFormat::WebPLossless);
+    settings = test::plainSettings(OutputFormat::webpLossless);
     ASSERT_TRUE(optimize(makeSource("small.bmp", { 9, 9 })));
     settings.moveOriginalToTrash = true;
     workplace.replaceEncoder("while [ \"$1\" != \"-o\" ]; do shift; done\ncp '"
@@ -494,7 +494,7 @@ TEST_F(OptimizeDeathTest, folderThatCannotBeWrittenFailsByFormatAndKeepsWhatItHa
     const auto messages = [this] {
         QStringList texts;
         for (const char* name : { "a.bmp", "b.bmp" }) {
-            for (const OutputFormat format : { OutputFormat::Jpeg, OutputFormat::WebP }) {
+            for (const OutputFormat format : { OutputFormat::jpeg, OutputFormat::webp }) {
                 settings.outputFormat = format;
                 const auto result = optimize(in(name));
                 texts.append(result ? result->message : localizedDescription(result.error()));
@@ -524,7 +524,7 @@ TEST_F(Optimize, eightOrientationsGiveTheSameUprightPicture)
 {
     const Image picture = test::syntheticPhoto({ 161, 99 });
     settings.quality = 95;
-    settings.resizeMode = ResizeMode::None;
+    settings.resizeMode = ResizeMode::none;
     std::optional<Image> first;
     for (int tag = 1; tag <= 8; ++tag) {
         SCOPED_TRACE(tag);
@@ -533,7 +533,7 @@ TEST_F(Optimize, eightOrientationsGiveTheSameUprightPicture)
         const Image stored
             = imaging::upright(picture, *imaging::orientationFromTag(undoing)).value();
         const std::string name = "o" + std::to_string(tag);
-        test::writePicture(in(name + ".bare"), stored, UniformType::Jpeg);
+        test::writePicture(in(name + ".bare"), stored, UniformType::jpeg);
         writeFile(in(name + ".jpg"), withOrientation(textOf(in(name + ".bare")), tag));
         const auto result = optimize(in(name + ".jpg"));
         ASSERT_TRUE(result) << localizedDescription(result.error()).toStdString();
@@ -556,9 +556,9 @@ TEST_F(Optimize, namedPipeIsRefusedWithoutWaiting)
 TEST_F(Optimize, outputHasThePermissionsOfANewFile)
 {
     const mode_t before = ::umask(027);
-    settings.outputFormat = OutputFormat::WebP;
+    settings.outputFormat = OutputFormat::webp;
     const bool webP = optimize(makeSource()).has_value();
-    settings.outputFormat = OutputFormat::Jpeg;
+    settings.outputFormat = OutputFormat::jpeg;
     const bool jpeg = optimize(in("a.bmp")).has_value();
     ::umask(before);
     ASSERT_TRUE(webP && jpeg);
@@ -576,7 +576,7 @@ TEST_F(Optimize, eightConversionsAtOnceAreAllRight)
         makeSource("p" + std::to_string(i) + ".bmp", { 40 + i, 30 + i });
     }
     std::vector<std::future<Outcome<ProcessingResult>>> running;
-    settings.outputFormat = OutputFormat::WebPLossless;
+    settings.outputFormat = OutputFormat::webpLossless;
     for (int i = 0; i < count; ++i) {
         running.push_back(std::async(std::launch::async,
             [this, i] { return optimize(in("p" + std::to_string(i) + ".bmp")); }));

@@ -35,45 +35,45 @@ TEST_P(TransformedSize, followsTheLimit)
 
 INSTANTIATE_TEST_SUITE_P(ImageOptimizer, TransformedSize,
     testing::Values(
-        SizeRow { "maxWidth", { 4000, 3000 }, ResizeMode::MaxWidth, 1000, { 1000, 750 } },
-        SizeRow { "maxWidthOfAPortrait", { 300, 4000 }, ResizeMode::MaxWidth, 1000, { 300, 4000 } },
-        SizeRow { "maxHeight", { 4000, 3000 }, ResizeMode::MaxHeight, 1500, { 2000, 1500 } },
+        SizeRow { "maxWidth", { 4000, 3000 }, ResizeMode::maxWidth, 1000, { 1000, 750 } },
+        SizeRow { "maxWidthOfAPortrait", { 300, 4000 }, ResizeMode::maxWidth, 1000, { 300, 4000 } },
+        SizeRow { "maxHeight", { 4000, 3000 }, ResizeMode::maxHeight, 1500, { 2000, 1500 } },
         SizeRow {
-            "maxHeightOfALandscape", { 4000, 300 }, ResizeMode::MaxHeight, 1000, { 4000, 300 } },
+            "maxHeightOfALandscape", { 4000, 300 }, ResizeMode::maxHeight, 1000, { 4000, 300 } },
         SizeRow {
-            "longestEdgeIsWidth", { 4000, 3000 }, ResizeMode::LongestEdge, 2000, { 2000, 1500 } },
+            "longestEdgeIsWidth", { 4000, 3000 }, ResizeMode::longestEdge, 2000, { 2000, 1500 } },
         SizeRow {
-            "longestEdgeIsHeight", { 3000, 4000 }, ResizeMode::LongestEdge, 2000, { 1500, 2000 } },
-        SizeRow { "none", { 4000, 3000 }, ResizeMode::None, 10, { 4000, 3000 } },
+            "longestEdgeIsHeight", { 3000, 4000 }, ResizeMode::longestEdge, 2000, { 1500, 2000 } },
+        SizeRow { "none", { 4000, 3000 }, ResizeMode::none, 10, { 4000, 3000 } },
         SizeRow {
-            "limitEqualToTheEdge", { 4000, 3000 }, ResizeMode::MaxWidth, 4000, { 4000, 3000 } },
+            "limitEqualToTheEdge", { 4000, 3000 }, ResizeMode::maxWidth, 4000, { 4000, 3000 } },
         SizeRow {
-            "limitOneBelowTheEdge", { 4000, 3000 }, ResizeMode::MaxWidth, 3999, { 3999, 2999 } },
-        SizeRow { "neverEnlarged", { 40, 30 }, ResizeMode::LongestEdge, 4000, { 40, 30 } },
-        SizeRow { "fractionsAreCutOff", { 4000, 10 }, ResizeMode::LongestEdge, 1000, { 1000, 2 } },
-        SizeRow { "neverBelowOnePixel", { 4000, 1 }, ResizeMode::LongestEdge, 1000, { 1000, 1 } },
-        SizeRow { "limitZeroIsOne", { 4000, 3000 }, ResizeMode::MaxWidth, 0, { 1, 1 } },
-        SizeRow { "negativeLimitIsOne", { 4, 2 }, ResizeMode::MaxHeight, -7, { 2, 1 } },
-        SizeRow { "smallestLimit", { 4, 2 }, ResizeMode::MaxWidth,
+            "limitOneBelowTheEdge", { 4000, 3000 }, ResizeMode::maxWidth, 3999, { 3999, 2999 } },
+        SizeRow { "neverEnlarged", { 40, 30 }, ResizeMode::longestEdge, 4000, { 40, 30 } },
+        SizeRow { "fractionsAreCutOff", { 4000, 10 }, ResizeMode::longestEdge, 1000, { 1000, 2 } },
+        SizeRow { "neverBelowOnePixel", { 4000, 1 }, ResizeMode::longestEdge, 1000, { 1000, 1 } },
+        SizeRow { "limitZeroIsOne", { 4000, 3000 }, ResizeMode::maxWidth, 0, { 1, 1 } },
+        SizeRow { "negativeLimitIsOne", { 4, 2 }, ResizeMode::maxHeight, -7, { 2, 1 } },
+        SizeRow { "smallestLimit", { 4, 2 }, ResizeMode::maxWidth,
             std::numeric_limits<qint64>::min(), { 1, 1 } },
-        SizeRow { "largestLimit", { 4, 2 }, ResizeMode::MaxWidth,
+        SizeRow { "largestLimit", { 4, 2 }, ResizeMode::maxWidth,
             std::numeric_limits<qint64>::max(), { 4, 2 } }),
     [](const auto& instance) { return std::string(instance.param.name); });
 
 TEST(Transformed, withNothingToDoIsTheVerySamePicture)
 {
-    for (const ColorModel model : { ColorModel::Rgb, ColorModel::Grey, ColorModel::Cmyk }) {
-        const Image image = test::gradient({ 47, 33 }, { model, 8, AlphaInfo::None });
-        EXPECT_TRUE(ImageOptimizer::transformed(image, test::plainSettings(OutputFormat::Png))
+    for (const ColorModel model : { ColorModel::rgb, ColorModel::grey, ColorModel::cmyk }) {
+        const Image image = test::gradient({ 47, 33 }, { model, 8, AlphaInfo::none });
+        EXPECT_TRUE(ImageOptimizer::transformed(image, test::plainSettings(OutputFormat::png))
                         .isSameAs(image));
     }
 }
 
 TEST(Transformed, forSharingIsRedrawnAtTheSameSizeInSRgb)
 {
-    OptimizerSettings settings = test::plainSettings(OutputFormat::Png);
+    OptimizerSettings settings = test::plainSettings(OutputFormat::png);
     settings.optimizeColorForSharing = true;
-    const Image image = test::gradient({ 47, 33 }, { ColorModel::Rgb, 8, AlphaInfo::None });
+    const Image image = test::gradient({ 47, 33 }, { ColorModel::rgb, 8, AlphaInfo::none });
     const Image drawn = ImageOptimizer::transformed(image, settings);
     EXPECT_FALSE(drawn.isSameAs(image));
     EXPECT_EQ(drawn.size(), image.size());
@@ -83,18 +83,18 @@ TEST(Transformed, forSharingIsRedrawnAtTheSameSizeInSRgb)
 
 TEST(Transformed, sharingWinsOverRemovedColorManagement)
 {
-    OptimizerSettings settings = test::plainSettings(OutputFormat::Png);
+    OptimizerSettings settings = test::plainSettings(OutputFormat::png);
     settings.optimizeColorForSharing = true;
     settings.removeColorManagement = true;
-    const Image image = test::gradient({ 4, 3 }, { ColorModel::Rgb, 8, AlphaInfo::None });
+    const Image image = test::gradient({ 4, 3 }, { ColorModel::rgb, 8, AlphaInfo::none });
     EXPECT_EQ(ImageOptimizer::transformed(image, settings).colorSpace(), ColorSpace::sRgb());
 }
 
 TEST(Transformed, removedColorManagementAloneIsDeviceRgb)
 {
-    OptimizerSettings settings = test::plainSettings(OutputFormat::Png);
+    OptimizerSettings settings = test::plainSettings(OutputFormat::png);
     settings.removeColorManagement = true;
-    const Image image = test::gradient({ 4, 3 }, { ColorModel::Rgb, 8, AlphaInfo::None });
+    const Image image = test::gradient({ 4, 3 }, { ColorModel::rgb, 8, AlphaInfo::none });
     const Image drawn = ImageOptimizer::transformed(image, settings);
     EXPECT_EQ(drawn.colorSpace(), ColorSpace::deviceRgb());
     EXPECT_EQ(drawn.size(), image.size());
@@ -102,15 +102,15 @@ TEST(Transformed, removedColorManagementAloneIsDeviceRgb)
 
 TEST(Transformed, onlyResizedKeepsItsOwnColors)
 {
-    OptimizerSettings settings = test::plainSettings(OutputFormat::Png);
-    settings.resizeMode = ResizeMode::MaxWidth;
+    OptimizerSettings settings = test::plainSettings(OutputFormat::png);
+    settings.resizeMode = ResizeMode::maxWidth;
     settings.maximumPixels = 20;
     const auto wide = ColorSpace::fromPrimaries(
         { { 0.3127, 0.3290 }, { 0.680, 0.320 }, { 0.265, 0.690 }, { 0.150, 0.060 } },
-        { imaging::TransferCurve::Kind::SRgb, 1.0 });
+        { imaging::TransferCurve::Kind::sRgb, 1.0 });
     ASSERT_TRUE(wide);
     const Image image
-        = test::gradient({ 40, 30 }, { ColorModel::Rgb, 8, AlphaInfo::None }).withColorSpace(*wide);
+        = test::gradient({ 40, 30 }, { ColorModel::rgb, 8, AlphaInfo::none }).withColorSpace(*wide);
     const Image drawn = ImageOptimizer::transformed(image, settings);
     EXPECT_EQ(drawn.size(), (Size { 20, 15 }));
     EXPECT_EQ(drawn.colorSpace(), *wide);
@@ -118,11 +118,11 @@ TEST(Transformed, onlyResizedKeepsItsOwnColors)
 
 TEST(Transformed, greyAndCmykThatKeepTheirColorsAreNotResized)
 {
-    OptimizerSettings settings = test::plainSettings(OutputFormat::Png);
-    settings.resizeMode = ResizeMode::MaxWidth;
+    OptimizerSettings settings = test::plainSettings(OutputFormat::png);
+    settings.resizeMode = ResizeMode::maxWidth;
     settings.maximumPixels = 20;
-    for (const ColorModel model : { ColorModel::Grey, ColorModel::Cmyk }) {
-        const Image image = test::gradient({ 40, 30 }, { model, 8, AlphaInfo::None });
+    for (const ColorModel model : { ColorModel::grey, ColorModel::cmyk }) {
+        const Image image = test::gradient({ 40, 30 }, { model, 8, AlphaInfo::none });
         EXPECT_TRUE(ImageOptimizer::transformed(image, settings).isSameAs(image));
     }
 }
@@ -130,9 +130,9 @@ TEST(Transformed, greyAndCmykThatKeepTheirColorsAreNotResized)
 TEST(Transformed, transparencyStays)
 {
     OptimizerSettings settings;
-    settings.resizeMode = ResizeMode::MaxWidth;
+    settings.resizeMode = ResizeMode::maxWidth;
     settings.maximumPixels = 24;
-    const Image image = test::gradient({ 48, 32 }, { ColorModel::Rgb, 8, AlphaInfo::Last });
+    const Image image = test::gradient({ 48, 32 }, { ColorModel::rgb, 8, AlphaInfo::last });
     const Image drawn = ImageOptimizer::transformed(image, settings);
     EXPECT_EQ(drawn.size(), (Size { 24, 16 }));
     EXPECT_LT(test::sampleAt(drawn, 0, 8, 3), 0.1);

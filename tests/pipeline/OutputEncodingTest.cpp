@@ -23,32 +23,32 @@ OptimizerSettings settingsFor(OutputFormat format)
 TEST(OutputUTI, isTheTypeOfTheFormat)
 {
     for (const auto& [format, type] : std::initializer_list<std::pair<OutputFormat, UniformType>> {
-             { OutputFormat::Jpeg, UniformType::Jpeg },
-             { OutputFormat::Png, UniformType::Png },
-             { OutputFormat::Heic, UniformType::Heic },
+             { OutputFormat::jpeg, UniformType::jpeg },
+             { OutputFormat::png, UniformType::png },
+             { OutputFormat::heic, UniformType::heic },
          }) {
-        EXPECT_EQ(ImageOptimizer::outputUTI(UniformType::Gif, settingsFor(format)).value(), type);
+        EXPECT_EQ(ImageOptimizer::outputUTI(UniformType::gif, settingsFor(format)).value(), type);
     }
 }
 
 TEST(OutputUTI, ofTheOriginalFormatIsTheSourcesTypeOrPng)
 {
-    const OptimizerSettings settings = settingsFor(OutputFormat::Original);
-    for (const UniformType type : { UniformType::Jpeg, UniformType::Png, UniformType::Heic,
-             UniformType::Heif, UniformType::Tiff, UniformType::Gif, UniformType::Bmp }) {
+    const OptimizerSettings settings = settingsFor(OutputFormat::original);
+    for (const UniformType type : { UniformType::jpeg, UniformType::png, UniformType::heic,
+             UniformType::heif, UniformType::tiff, UniformType::gif, UniformType::bmp }) {
         EXPECT_EQ(ImageOptimizer::outputUTI(type, settings).value(), type);
     }
-    EXPECT_EQ(ImageOptimizer::outputUTI(std::nullopt, settings).value(), UniformType::Png);
+    EXPECT_EQ(ImageOptimizer::outputUTI(std::nullopt, settings).value(), UniformType::png);
 }
 
 TEST(OutputUTI, failsForWebPWhichTheImageServiceCannotWrite)
 {
     for (const auto& [format, text] : std::initializer_list<std::pair<OutputFormat, const char*>> {
-             { OutputFormat::WebP, "WebP Lossy" },
-             { OutputFormat::WebPLossless, "WebP Lossless" },
-             { OutputFormat::Original, "Original Format" },
+             { OutputFormat::webp, "WebP Lossy" },
+             { OutputFormat::webpLossless, "WebP Lossless" },
+             { OutputFormat::original, "Original Format" },
          }) {
-        const auto type = ImageOptimizer::outputUTI(UniformType::WebP, settingsFor(format));
+        const auto type = ImageOptimizer::outputUTI(UniformType::webp, settingsFor(format));
         ASSERT_FALSE(type);
         EXPECT_EQ(localizedDescription(type.error()),
             QString::fromLatin1(text)
@@ -60,56 +60,56 @@ ImageProperties everything()
 {
     ImageProperties properties;
     for (const PropertyKey key :
-        { PropertyKey::Exif, PropertyKey::Gps, PropertyKey::Tiff, PropertyKey::Iptc,
-            PropertyKey::Png, PropertyKey::Jfif, PropertyKey::Gif, PropertyKey::Xmp }) {
+        { PropertyKey::exif, PropertyKey::gps, PropertyKey::tiff, PropertyKey::iptc,
+            PropertyKey::png, PropertyKey::jfif, PropertyKey::gif, PropertyKey::xmp }) {
         properties.set(key, DictionaryPresent {});
     }
-    properties.set(PropertyKey::Orientation, std::int64_t { 6 });
-    properties.set(PropertyKey::ColorModel, std::string("RGB"));
-    properties.set(PropertyKey::ProfileName, std::string("Display P3"));
-    properties.set(PropertyKey::PixelWidth, std::int64_t { 47 });
+    properties.set(PropertyKey::orientation, std::int64_t { 6 });
+    properties.set(PropertyKey::colorModel, std::string("RGB"));
+    properties.set(PropertyKey::profileName, std::string("Display P3"));
+    properties.set(PropertyKey::pixelWidth, std::int64_t { 47 });
     return properties;
 }
 
 TEST(DestinationProperties, withoutMetadataHoldOnlyTheQuality)
 {
     const auto properties = ImageOptimizer::destinationProperties(
-        settingsFor(OutputFormat::Jpeg), everything(), CompressionQuality::Include);
-    for (const PropertyKey key : { PropertyKey::Exif, PropertyKey::Gps, PropertyKey::Tiff,
-             PropertyKey::Iptc, PropertyKey::Png, PropertyKey::Jfif, PropertyKey::Gif,
-             PropertyKey::Xmp, PropertyKey::Orientation, PropertyKey::ColorModel,
-             PropertyKey::ProfileName, PropertyKey::PixelWidth }) {
+        settingsFor(OutputFormat::jpeg), everything(), CompressionQuality::include);
+    for (const PropertyKey key : { PropertyKey::exif, PropertyKey::gps, PropertyKey::tiff,
+             PropertyKey::iptc, PropertyKey::png, PropertyKey::jfif, PropertyKey::gif,
+             PropertyKey::xmp, PropertyKey::orientation, PropertyKey::colorModel,
+             PropertyKey::profileName, PropertyKey::pixelWidth }) {
         EXPECT_FALSE(properties.contains(key)) << static_cast<int>(key);
     }
-    EXPECT_EQ(properties.number(PropertyKey::LossyCompressionQuality), 0.82);
+    EXPECT_EQ(properties.number(PropertyKey::lossyCompressionQuality), 0.82);
 }
 
 TEST(DestinationProperties, withMetadataKeepAllButTheOrientation)
 {
-    OptimizerSettings settings = settingsFor(OutputFormat::Jpeg);
+    OptimizerSettings settings = settingsFor(OutputFormat::jpeg);
     settings.removeMetadata = false;
     settings.removeColorManagement = false;
     const auto properties = ImageOptimizer::destinationProperties(
-        settings, everything(), CompressionQuality::Include);
+        settings, everything(), CompressionQuality::include);
     for (const PropertyKey key :
-        { PropertyKey::Exif, PropertyKey::Gps, PropertyKey::Tiff, PropertyKey::Iptc,
-            PropertyKey::Png, PropertyKey::Jfif, PropertyKey::Gif, PropertyKey::Xmp,
-            PropertyKey::ColorModel, PropertyKey::ProfileName, PropertyKey::PixelWidth }) {
+        { PropertyKey::exif, PropertyKey::gps, PropertyKey::tiff, PropertyKey::iptc,
+            PropertyKey::png, PropertyKey::jfif, PropertyKey::gif, PropertyKey::xmp,
+            PropertyKey::colorModel, PropertyKey::profileName, PropertyKey::pixelWidth }) {
         EXPECT_TRUE(properties.contains(key)) << static_cast<int>(key);
     }
-    EXPECT_FALSE(properties.contains(PropertyKey::Orientation));
+    EXPECT_FALSE(properties.contains(PropertyKey::orientation));
 }
 
 TEST(DestinationProperties, withoutColorManagementNameNoProfile)
 {
-    OptimizerSettings settings = settingsFor(OutputFormat::Jpeg);
+    OptimizerSettings settings = settingsFor(OutputFormat::jpeg);
     settings.removeMetadata = false;
     settings.removeColorManagement = true;
     const auto properties = ImageOptimizer::destinationProperties(
-        settings, everything(), CompressionQuality::Include);
-    EXPECT_FALSE(properties.contains(PropertyKey::ColorModel));
-    EXPECT_FALSE(properties.contains(PropertyKey::ProfileName));
-    EXPECT_TRUE(properties.contains(PropertyKey::Exif));
+        settings, everything(), CompressionQuality::include);
+    EXPECT_FALSE(properties.contains(PropertyKey::colorModel));
+    EXPECT_FALSE(properties.contains(PropertyKey::profileName));
+    EXPECT_TRUE(properties.contains(PropertyKey::exif));
 }
 
 struct QualityRow {
@@ -125,37 +125,37 @@ TEST_P(DestinationQuality, isAFractionOfOne)
 {
     OptimizerSettings settings = settingsFor(GetParam().format);
     settings.quality = GetParam().quality;
-    EXPECT_EQ(ImageOptimizer::destinationProperties(settings, {}, CompressionQuality::Include)
-                  .number(PropertyKey::LossyCompressionQuality),
+    EXPECT_EQ(ImageOptimizer::destinationProperties(settings, {}, CompressionQuality::include)
+                  .number(PropertyKey::lossyCompressionQuality),
         GetParam().expected);
     EXPECT_TRUE(
-        ImageOptimizer::destinationProperties(settings, {}, CompressionQuality::LeaveOut).empty());
+        ImageOptimizer::destinationProperties(settings, {}, CompressionQuality::leaveOut).empty());
 }
 
 INSTANTIATE_TEST_SUITE_P(ImageOptimizer, DestinationQuality,
-    testing::Values(QualityRow { "jpeg", OutputFormat::Jpeg, 82, 0.82 },
-        QualityRow { "heic", OutputFormat::Heic, 50, 0.5 },
-        QualityRow { "originalCountsAsLossy", OutputFormat::Original, 70, 0.7 },
-        QualityRow { "pngHasNone", OutputFormat::Png, 82, std::nullopt },
-        QualityRow { "losslessIsFull", OutputFormat::WebPLossless, 10, 1.0 },
-        QualityRow { "belowOneIsOne", OutputFormat::Jpeg, 0, 0.01 },
-        QualityRow { "negativeIsOne", OutputFormat::Jpeg, -5, 0.01 },
-        QualityRow { "hundredIsExactlyOne", OutputFormat::Jpeg, 100, 1.0 },
-        QualityRow { "aboveHundredIsExactlyOne", OutputFormat::Jpeg, 1000, 1.0 }),
+    testing::Values(QualityRow { "jpeg", OutputFormat::jpeg, 82, 0.82 },
+        QualityRow { "heic", OutputFormat::heic, 50, 0.5 },
+        QualityRow { "originalCountsAsLossy", OutputFormat::original, 70, 0.7 },
+        QualityRow { "pngHasNone", OutputFormat::png, 82, std::nullopt },
+        QualityRow { "losslessIsFull", OutputFormat::webpLossless, 10, 1.0 },
+        QualityRow { "belowOneIsOne", OutputFormat::jpeg, 0, 0.01 },
+        QualityRow { "negativeIsOne", OutputFormat::jpeg, -5, 0.01 },
+        QualityRow { "hundredIsExactlyOne", OutputFormat::jpeg, 100, 1.0 },
+        QualityRow { "aboveHundredIsExactlyOne", OutputFormat::jpeg, 1000, 1.0 }),
     [](const auto& instance) { return std::string(instance.param.name); });
 
 TEST(InputFormatTitle, isTheTypesExtensionInCapitals)
 {
     const QUrl url = test::urlOf("/a/picture.jpg");
     for (const auto& [type, title] : std::initializer_list<std::pair<UniformType, const char*>> {
-             { UniformType::Jpeg, "JPEG" },
-             { UniformType::Png, "PNG" },
-             { UniformType::Heic, "HEIC" },
-             { UniformType::Heif, "HEIF" },
-             { UniformType::Tiff, "TIFF" },
-             { UniformType::Gif, "GIF" },
-             { UniformType::Bmp, "BMP" },
-             { UniformType::WebP, "WEBP" },
+             { UniformType::jpeg, "JPEG" },
+             { UniformType::png, "PNG" },
+             { UniformType::heic, "HEIC" },
+             { UniformType::heif, "HEIF" },
+             { UniformType::tiff, "TIFF" },
+             { UniformType::gif, "GIF" },
+             { UniformType::bmp, "BMP" },
+             { UniformType::webp, "WEBP" },
          }) {
         EXPECT_EQ(ImageOptimizer::inputFormatTitle(url, type), QString::fromLatin1(title));
     }
@@ -173,30 +173,30 @@ TEST(OutputFormatTitle, isTheFormatsOrTheInputs)
 {
     const QUrl url = test::urlOf("/a/picture.jpg");
     for (const auto& [format, title] : std::initializer_list<std::pair<OutputFormat, const char*>> {
-             { OutputFormat::WebP, "WebP Lossy" },
-             { OutputFormat::WebPLossless, "WebP Lossless" },
-             { OutputFormat::Jpeg, "JPEG" },
-             { OutputFormat::Png, "PNG" },
-             { OutputFormat::Heic, "HEIC" },
-             { OutputFormat::Original, "TIFF" },
+             { OutputFormat::webp, "WebP Lossy" },
+             { OutputFormat::webpLossless, "WebP Lossless" },
+             { OutputFormat::jpeg, "JPEG" },
+             { OutputFormat::png, "PNG" },
+             { OutputFormat::heic, "HEIC" },
+             { OutputFormat::original, "TIFF" },
          }) {
-        EXPECT_EQ(ImageOptimizer::outputFormatTitle(url, UniformType::Tiff, settingsFor(format)),
+        EXPECT_EQ(ImageOptimizer::outputFormatTitle(url, UniformType::tiff, settingsFor(format)),
             QString::fromLatin1(title));
     }
 }
 
 TEST(OutputSupportsAlpha, byFormatAndForTheOriginalByType)
 {
-    EXPECT_TRUE(ImageOptimizer::outputSupportsAlpha(OutputFormat::WebP, UniformType::Jpeg));
-    EXPECT_TRUE(ImageOptimizer::outputSupportsAlpha(OutputFormat::WebPLossless, UniformType::Jpeg));
-    EXPECT_TRUE(ImageOptimizer::outputSupportsAlpha(OutputFormat::Png, UniformType::Jpeg));
-    EXPECT_FALSE(ImageOptimizer::outputSupportsAlpha(OutputFormat::Jpeg, UniformType::Png));
-    EXPECT_FALSE(ImageOptimizer::outputSupportsAlpha(OutputFormat::Heic, UniformType::Png));
-    EXPECT_TRUE(ImageOptimizer::outputSupportsAlpha(OutputFormat::Original, UniformType::Png));
-    EXPECT_TRUE(ImageOptimizer::outputSupportsAlpha(OutputFormat::Original, UniformType::WebP));
-    EXPECT_FALSE(ImageOptimizer::outputSupportsAlpha(OutputFormat::Original, UniformType::Tiff));
-    EXPECT_FALSE(ImageOptimizer::outputSupportsAlpha(OutputFormat::Original, UniformType::Gif));
-    EXPECT_FALSE(ImageOptimizer::outputSupportsAlpha(OutputFormat::Original, std::nullopt));
+    EXPECT_TRUE(ImageOptimizer::outputSupportsAlpha(OutputFormat::webp, UniformType::jpeg));
+    EXPECT_TRUE(ImageOptimizer::outputSupportsAlpha(OutputFormat::webpLossless, UniformType::jpeg));
+    EXPECT_TRUE(ImageOptimizer::outputSupportsAlpha(OutputFormat::png, UniformType::jpeg));
+    EXPECT_FALSE(ImageOptimizer::outputSupportsAlpha(OutputFormat::jpeg, UniformType::png));
+    EXPECT_FALSE(ImageOptimizer::outputSupportsAlpha(OutputFormat::heic, UniformType::png));
+    EXPECT_TRUE(ImageOptimizer::outputSupportsAlpha(OutputFormat::original, UniformType::png));
+    EXPECT_TRUE(ImageOptimizer::outputSupportsAlpha(OutputFormat::original, UniformType::webp));
+    EXPECT_FALSE(ImageOptimizer::outputSupportsAlpha(OutputFormat::original, UniformType::tiff));
+    EXPECT_FALSE(ImageOptimizer::outputSupportsAlpha(OutputFormat::original, UniformType::gif));
+    EXPECT_FALSE(ImageOptimizer::outputSupportsAlpha(OutputFormat::original, std::nullopt));
 }
 
 } // namespace

@@ -43,64 +43,64 @@ TEST_P(OutputName, isMadeOfPrefixBaseSuffixAndExtension)
 
 INSTANTIATE_TEST_SUITE_P(ImageOptimizer, OutputName,
     testing::Values(
-        NameRow { "webp", "a.jpg", UniformType::Jpeg, OutputFormat::WebP, "", "", "a.webp" },
-        NameRow { "webpLossless", "a.jpg", UniformType::Jpeg, OutputFormat::WebPLossless, "", "",
+        NameRow { "webp", "a.jpg", UniformType::jpeg, OutputFormat::webp, "", "", "a.webp" },
+        NameRow { "webpLossless", "a.jpg", UniformType::jpeg, OutputFormat::webpLossless, "", "",
             "a.webp" },
-        NameRow { "jpeg", "a.png", UniformType::Png, OutputFormat::Jpeg, "", "", "a.jpg" },
-        NameRow { "heic", "a.png", UniformType::Png, OutputFormat::Heic, "", "", "a.heic" },
-        NameRow { "pngOntoItself", "a.png", UniformType::Png, OutputFormat::Png, "", "",
+        NameRow { "jpeg", "a.png", UniformType::png, OutputFormat::jpeg, "", "", "a.jpg" },
+        NameRow { "heic", "a.png", UniformType::png, OutputFormat::heic, "", "", "a.heic" },
+        NameRow { "pngOntoItself", "a.png", UniformType::png, OutputFormat::png, "", "",
             "a-optimized.png" },
-        NameRow { "markerComesAfterTheSuffix", "xa_s.png", UniformType::Png, OutputFormat::Png, "",
+        NameRow { "markerComesAfterTheSuffix", "xa_s.png", UniformType::png, OutputFormat::png, "",
             "", "xa_s-optimized.png" },
         NameRow {
-            "suffix", "a.png", UniformType::Png, OutputFormat::Jpeg, "", "_small", "a_small.jpg" },
-        NameRow { "prefixInTheOriginalFormat", "a.heic", UniformType::Heic, OutputFormat::Original,
+            "suffix", "a.png", UniformType::png, OutputFormat::jpeg, "", "_small", "a_small.jpg" },
+        NameRow { "prefixInTheOriginalFormat", "a.heic", UniformType::heic, OutputFormat::original,
             "web-", "", "web-a.heic" },
-        NameRow { "onlyTheLastExtensionGoes", "holiday.photo.jpg", UniformType::Jpeg,
-            OutputFormat::WebP, "", "", "holiday.photo.webp" },
-        NameRow { "jpgInTheOriginalFormatLandsBesideIt", "a.jpg", UniformType::Jpeg,
-            OutputFormat::Original, "", "", "a.jpeg" },
-        NameRow { "jpegInTheOriginalFormatIsItself", "a.jpeg", UniformType::Jpeg,
-            OutputFormat::Original, "", "", "a-optimized.jpeg" },
-        NameRow { "pngInTheOriginalFormatIsItself", "a.png", UniformType::Png,
-            OutputFormat::Original, "", "", "a-optimized.png" },
-        NameRow { "misnamedFileGoesByItsContent", "a.png", UniformType::Tiff,
-            OutputFormat::Original, "", "", "a.tiff" },
-        NameRow { "unknownTypeKeepsItsExtension", "a.xyz", std::nullopt, OutputFormat::Original,
+        NameRow { "onlyTheLastExtensionGoes", "holiday.photo.jpg", UniformType::jpeg,
+            OutputFormat::webp, "", "", "holiday.photo.webp" },
+        NameRow { "jpgInTheOriginalFormatLandsBesideIt", "a.jpg", UniformType::jpeg,
+            OutputFormat::original, "", "", "a.jpeg" },
+        NameRow { "jpegInTheOriginalFormatIsItself", "a.jpeg", UniformType::jpeg,
+            OutputFormat::original, "", "", "a-optimized.jpeg" },
+        NameRow { "pngInTheOriginalFormatIsItself", "a.png", UniformType::png,
+            OutputFormat::original, "", "", "a-optimized.png" },
+        NameRow { "misnamedFileGoesByItsContent", "a.png", UniformType::tiff,
+            OutputFormat::original, "", "", "a.tiff" },
+        NameRow { "unknownTypeKeepsItsExtension", "a.xyz", std::nullopt, OutputFormat::original,
             "b", "", "ba.xyz" },
-        NameRow { "unknownTypeWithoutExtensionIsPng", "a", std::nullopt, OutputFormat::Original, "",
+        NameRow { "unknownTypeWithoutExtensionIsPng", "a", std::nullopt, OutputFormat::original, "",
             "", "a.png" },
-        NameRow { "noExtension", "a", UniformType::Jpeg, OutputFormat::WebP, "", "", "a.webp" },
-        NameRow { "hiddenName", ".a", UniformType::Jpeg, OutputFormat::WebP, "", "", ".a.webp" },
-        NameRow { "dotAtTheEnd", "a.", UniformType::Jpeg, OutputFormat::WebP, "", "", "a..webp" },
-        NameRow { "severalDots", "dots...png", UniformType::Png, OutputFormat::WebP, "", "",
+        NameRow { "noExtension", "a", UniformType::jpeg, OutputFormat::webp, "", "", "a.webp" },
+        NameRow { "hiddenName", ".a", UniformType::jpeg, OutputFormat::webp, "", "", ".a.webp" },
+        NameRow { "dotAtTheEnd", "a.", UniformType::jpeg, OutputFormat::webp, "", "", "a..webp" },
+        NameRow { "severalDots", "dots...png", UniformType::png, OutputFormat::webp, "", "",
             "dots...webp" },
-        NameRow { "percentSigns", "100%20 #1?.png", UniformType::Png, OutputFormat::WebP, "%", "#",
+        NameRow { "percentSigns", "100%20 #1?.png", UniformType::png, OutputFormat::webp, "%", "#",
             "%100%20 #1?#.webp" },
-        NameRow { "otherCaseIsAnotherFile", "A.PNG", UniformType::Png, OutputFormat::Png, "", "",
+        NameRow { "otherCaseIsAnotherFile", "A.PNG", UniformType::png, OutputFormat::png, "", "",
             "A.png" }),
     [](const auto& instance) { return std::string(instance.param.name); });
 
 TEST(OutputURL, goesToTheSelectedFolderWhereverTheSourceIs)
 {
     OptimizerSettings settings;
-    settings.outputFormat = OutputFormat::Png;
-    settings.destinationMode = DestinationMode::SelectedFolder;
+    settings.outputFormat = OutputFormat::png;
+    settings.destinationMode = DestinationMode::selectedFolder;
     settings.destinationFolderURL = urlOf("/chosen");
-    EXPECT_EQ(ImageOptimizer::outputURL(urlOf("/other/a.png"), UniformType::Png, settings).value(),
+    EXPECT_EQ(ImageOptimizer::outputURL(urlOf("/other/a.png"), UniformType::png, settings).value(),
         urlOf("/chosen/a.png"));
-    EXPECT_EQ(ImageOptimizer::outputURL(urlOf("/chosen/a.png"), UniformType::Png, settings).value(),
+    EXPECT_EQ(ImageOptimizer::outputURL(urlOf("/chosen/a.png"), UniformType::png, settings).value(),
         urlOf("/chosen/a-optimized.png"));
 }
 
 TEST(OutputURL, sourceAndOutputAreComparedWithDotsResolved)
 {
     OptimizerSettings settings;
-    settings.outputFormat = OutputFormat::Png;
-    settings.destinationMode = DestinationMode::SelectedFolder;
+    settings.outputFormat = OutputFormat::png;
+    settings.destinationMode = DestinationMode::selectedFolder;
     settings.destinationFolderURL = urlOf("/x/../chosen");
     EXPECT_EQ(platform::lastPathComponent(
-                  ImageOptimizer::outputURL(urlOf("/chosen/./a.png"), UniformType::Png, settings)
+                  ImageOptimizer::outputURL(urlOf("/chosen/./a.png"), UniformType::png, settings)
                       .value()),
         QStringLiteral("a-optimized.png"));
 }
@@ -109,15 +109,15 @@ TEST(OutputURL, selectedFolderIsIgnoredInTheOriginalLocation)
 {
     OptimizerSettings settings;
     settings.destinationFolderURL = urlOf("/chosen");
-    EXPECT_EQ(ImageOptimizer::outputURL(urlOf("/o/a.png"), UniformType::Png, settings).value(),
+    EXPECT_EQ(ImageOptimizer::outputURL(urlOf("/o/a.png"), UniformType::png, settings).value(),
         urlOf("/o/a.webp"));
 }
 
 TEST(OutputURL, failsWithoutAFolder)
 {
     OptimizerSettings settings;
-    settings.destinationMode = DestinationMode::SelectedFolder;
-    const auto url = ImageOptimizer::outputURL(urlOf("/a.png"), UniformType::Png, settings);
+    settings.destinationMode = DestinationMode::selectedFolder;
+    const auto url = ImageOptimizer::outputURL(urlOf("/a.png"), UniformType::png, settings);
     ASSERT_FALSE(url);
     EXPECT_EQ(url.error(), OptimizeError(ImageOptimizerError(MissingDestinationFolder {})));
 }
@@ -127,22 +127,22 @@ TEST(OutputURL, aLinkToTheSourceCountsAsTheSource)
     const TemporaryFolder folder;
     writeFile(folder / "a.png", "x");
     OptimizerSettings settings;
-    settings.outputFormat = OutputFormat::Jpeg;
+    settings.outputFormat = OutputFormat::jpeg;
 
     std::filesystem::create_hard_link(folder / "a.png", folder / "a.jpg");
     EXPECT_EQ(
-        ImageOptimizer::outputURL(urlOf(folder / "a.png"), UniformType::Png, settings).value(),
+        ImageOptimizer::outputURL(urlOf(folder / "a.png"), UniformType::png, settings).value(),
         urlOf(folder / "a-optimized.jpg"));
 
     std::filesystem::remove(folder / "a.jpg");
     std::filesystem::create_symlink("a.png", folder / "a.jpg");
     EXPECT_EQ(
-        ImageOptimizer::outputURL(urlOf(folder / "a.png"), UniformType::Png, settings).value(),
+        ImageOptimizer::outputURL(urlOf(folder / "a.png"), UniformType::png, settings).value(),
         urlOf(folder / "a-optimized.jpg"));
     // And the other way round: the source is given by the link's name.
-    settings.outputFormat = OutputFormat::Png;
+    settings.outputFormat = OutputFormat::png;
     EXPECT_EQ(
-        ImageOptimizer::outputURL(urlOf(folder / "a.jpg"), UniformType::Png, settings).value(),
+        ImageOptimizer::outputURL(urlOf(folder / "a.jpg"), UniformType::png, settings).value(),
         urlOf(folder / "a-optimized.png"));
 }
 
@@ -152,9 +152,9 @@ TEST(OutputURL, theMarkedNameIsNotTheSourceEither)
     writeFile(folder / "a-optimized.png", "x");
     std::filesystem::create_symlink("a-optimized.png", folder / "a.png");
     OptimizerSettings settings;
-    settings.outputFormat = OutputFormat::Png;
+    settings.outputFormat = OutputFormat::png;
     EXPECT_EQ(
-        ImageOptimizer::outputURL(urlOf(folder / "a.png"), UniformType::Png, settings).value(),
+        ImageOptimizer::outputURL(urlOf(folder / "a.png"), UniformType::png, settings).value(),
         urlOf(folder / "a-optimized-optimized.png"));
 }
 
@@ -164,16 +164,16 @@ TEST(OutputURL, anExistingFileWithTheMarkedNameIsNoReasonForAnotherName)
     writeFile(folder / "a.png", "x");
     writeFile(folder / "a-optimized.png", "y");
     OptimizerSettings settings;
-    settings.outputFormat = OutputFormat::Png;
+    settings.outputFormat = OutputFormat::png;
     EXPECT_EQ(
-        ImageOptimizer::outputURL(urlOf(folder / "a.png"), UniformType::Png, settings).value(),
+        ImageOptimizer::outputURL(urlOf(folder / "a.png"), UniformType::png, settings).value(),
         urlOf(folder / "a-optimized.png"));
 }
 
 class ConfirmOverwrite : public testing::Test {
 protected:
     Outcome<ExistingItem> confirm(const std::filesystem::path& path, bool warn,
-        OverwriteDecision decision = OverwriteDecision::Skip)
+        OverwriteDecision decision = OverwriteDecision::skip)
     {
         OptimizerSettings settings;
         settings.warnBeforeOverwrite = warn;
@@ -191,24 +191,24 @@ protected:
 
 TEST_F(ConfirmOverwrite, nobodyIsAskedWhereNothingStands)
 {
-    EXPECT_EQ(confirm(workplace.pictures() / "out", true).value(), ExistingItem::Keep);
-    EXPECT_EQ(confirm(workplace.pictures() / "out", false).value(), ExistingItem::Replace);
+    EXPECT_EQ(confirm(workplace.pictures() / "out", true).value(), ExistingItem::keep);
+    EXPECT_EQ(confirm(workplace.pictures() / "out", false).value(), ExistingItem::replace);
     EXPECT_TRUE(asked.empty());
 }
 
 TEST_F(ConfirmOverwrite, nobodyIsAskedWithoutTheWarning)
 {
     writeFile(workplace.pictures() / "out", "x");
-    EXPECT_EQ(confirm(workplace.pictures() / "out", false).value(), ExistingItem::Replace);
+    EXPECT_EQ(confirm(workplace.pictures() / "out", false).value(), ExistingItem::replace);
     EXPECT_TRUE(asked.empty());
 }
 
 TEST_F(ConfirmOverwrite, replaceGoesOnAndSkipFails)
 {
     writeFile(workplace.pictures() / "out", "x");
-    EXPECT_EQ(confirm(workplace.pictures() / "out", true, OverwriteDecision::Replace).value(),
-        ExistingItem::Replace);
-    const auto skipped = confirm(workplace.pictures() / "out", true, OverwriteDecision::Skip);
+    EXPECT_EQ(confirm(workplace.pictures() / "out", true, OverwriteDecision::replace).value(),
+        ExistingItem::replace);
+    const auto skipped = confirm(workplace.pictures() / "out", true, OverwriteDecision::skip);
     ASSERT_FALSE(skipped);
     EXPECT_EQ(localizedDescription(skipped.error()),
         QStringLiteral("Skipped because the output file already exists."));
@@ -219,14 +219,14 @@ TEST_F(ConfirmOverwrite, replaceGoesOnAndSkipFails)
 TEST_F(ConfirmOverwrite, aDanglingLinkIsSomethingToAskAbout)
 {
     std::filesystem::create_symlink("nowhere", workplace.pictures() / "out");
-    EXPECT_TRUE(confirm(workplace.pictures() / "out", true, OverwriteDecision::Replace));
+    EXPECT_TRUE(confirm(workplace.pictures() / "out", true, OverwriteDecision::replace));
     EXPECT_EQ(asked.size(), 1U);
 }
 
 TEST_F(ConfirmOverwrite, aFolderInTheWayFailsWithoutAQuestion)
 {
     std::filesystem::create_directory(workplace.pictures() / "out");
-    const auto result = confirm(workplace.pictures() / "out", true, OverwriteDecision::Replace);
+    const auto result = confirm(workplace.pictures() / "out", true, OverwriteDecision::replace);
     ASSERT_FALSE(result);
     EXPECT_EQ(localizedDescription(result.error()), QStringLiteral("Is a directory"));
     EXPECT_TRUE(asked.empty());

@@ -44,10 +44,10 @@ TEST_F(Prompt, asksOnItsOwnThread)
     OverwritePrompt prompt([&](const QUrl& about, const OverwritePrompt::Answer& answer) {
         asked = QThread::currentThread();
         url = about;
-        answer(OverwriteDecision::Replace);
+        answer(OverwriteDecision::replace);
     });
     auto decision = ask(prompt, "/a.png");
-    EXPECT_EQ(decisionOf(decision), OverwriteDecision::Replace);
+    EXPECT_EQ(decisionOf(decision), OverwriteDecision::replace);
     EXPECT_EQ(asked, QThread::currentThread());
     EXPECT_EQ(url, test::urlOf("/a.png"));
 }
@@ -55,27 +55,27 @@ TEST_F(Prompt, asksOnItsOwnThread)
 TEST_F(Prompt, skipIsSkip)
 {
     OverwritePrompt prompt([](const QUrl&, const OverwritePrompt::Answer& answer) {
-        answer(OverwriteDecision::Skip);
+        answer(OverwriteDecision::skip);
     });
     auto decision = ask(prompt, "/a.png");
-    EXPECT_EQ(decisionOf(decision), OverwriteDecision::Skip);
+    EXPECT_EQ(decisionOf(decision), OverwriteDecision::skip);
 }
 
 TEST_F(Prompt, aDismissedQuestionCountsAsSkip)
 {
     OverwritePrompt prompt([](const QUrl&, const OverwritePrompt::Answer&) {});
     auto decision = ask(prompt, "/a.png");
-    EXPECT_EQ(decisionOf(decision), OverwriteDecision::Skip);
+    EXPECT_EQ(decisionOf(decision), OverwriteDecision::skip);
 }
 
 TEST_F(Prompt, onlyTheFirstAnswerCounts)
 {
     OverwritePrompt prompt([](const QUrl&, const OverwritePrompt::Answer& answer) {
-        answer(OverwriteDecision::Replace);
-        answer(OverwriteDecision::Skip);
+        answer(OverwriteDecision::replace);
+        answer(OverwriteDecision::skip);
     });
     auto decision = ask(prompt, "/a.png");
-    EXPECT_EQ(decisionOf(decision), OverwriteDecision::Replace);
+    EXPECT_EQ(decisionOf(decision), OverwriteDecision::replace);
 }
 
 TEST_F(Prompt, questionsComeOneAfterAnother)
@@ -92,13 +92,13 @@ TEST_F(Prompt, questionsComeOneAfterAnother)
         QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
     }
     EXPECT_EQ(open.size(), 1U);
-    open.front()(OverwriteDecision::Replace);
+    open.front()(OverwriteDecision::replace);
     while (open.size() < 2) {
         QCoreApplication::processEvents();
     }
-    open.back()(OverwriteDecision::Replace);
-    EXPECT_EQ(decisionOf(first), OverwriteDecision::Replace);
-    EXPECT_EQ(decisionOf(second), OverwriteDecision::Replace);
+    open.back()(OverwriteDecision::replace);
+    EXPECT_EQ(decisionOf(first), OverwriteDecision::replace);
+    EXPECT_EQ(decisionOf(second), OverwriteDecision::replace);
 }
 
 TEST_F(Prompt, closingAnswersTheOpenQuestionAndTheWaitingOnes)
@@ -113,10 +113,10 @@ TEST_F(Prompt, closingAnswersTheOpenQuestionAndTheWaitingOnes)
     }
     prompt.close();
     // No event runs any more: this is a thread that is about to wait for its workers.
-    EXPECT_EQ(first.get(), OverwriteDecision::Skip);
-    EXPECT_EQ(second.get(), OverwriteDecision::Skip);
-    open.front()(OverwriteDecision::Replace); // too late, and harmless
-    EXPECT_EQ(prompt.ask(test::urlOf("/c.png")), OverwriteDecision::Skip);
+    EXPECT_EQ(first.get(), OverwriteDecision::skip);
+    EXPECT_EQ(second.get(), OverwriteDecision::skip);
+    open.front()(OverwriteDecision::replace); // too late, and harmless
+    EXPECT_EQ(prompt.ask(test::urlOf("/c.png")), OverwriteDecision::skip);
 }
 
 TEST_F(Prompt, questionThatWasNeverDeliveredIsSkippedAtTheEnd)
@@ -124,7 +124,7 @@ TEST_F(Prompt, questionThatWasNeverDeliveredIsSkippedAtTheEnd)
     std::future<OverwriteDecision> decision;
     {
         OverwritePrompt prompt([](const QUrl&, const OverwritePrompt::Answer& answer) {
-            answer(OverwriteDecision::Replace);
+            answer(OverwriteDecision::replace);
         });
         std::promise<void> started;
         decision = std::async(std::launch::async, [&] {
@@ -133,7 +133,7 @@ TEST_F(Prompt, questionThatWasNeverDeliveredIsSkippedAtTheEnd)
         });
         started.get_future().wait();
         prompt.close();
-        EXPECT_EQ(decision.get(), OverwriteDecision::Skip);
+        EXPECT_EQ(decision.get(), OverwriteDecision::skip);
     }
 }
 

@@ -35,14 +35,14 @@ TEST(WritePAM, transparentPixelsAreZeroAfterDrawing)
 {
     // Straight alpha has colour under its transparent pixels; drawing premultiplies it away.
     const auto image = test::flat(
-        { 2, 1 }, { ColorModel::Rgb, 8, imaging::AlphaInfo::Last }, { 1.0, 0.5, 0.25, 0.0 });
+        { 2, 1 }, { ColorModel::rgb, 8, imaging::AlphaInfo::last }, { 1.0, 0.5, 0.25, 0.0 });
     EXPECT_EQ(pamOf(image), std::string(smallHeader) + std::string(8, '\0'));
 }
 
 TEST(WritePAM, opaquePixelsOfAPictureWithoutAlphaAreCopied)
 {
     const auto image
-        = test::flat({ 2, 1 }, { ColorModel::Rgb, 8, imaging::AlphaInfo::None }, { 1.0, 0.0, 0.2 });
+        = test::flat({ 2, 1 }, { ColorModel::rgb, 8, imaging::AlphaInfo::none }, { 1.0, 0.0, 0.2 });
     EXPECT_EQ(pamOf(image),
         std::string(smallHeader) + std::string("\xff\x00\x33\xff\xff\x00\x33\xff", 8));
 }
@@ -50,7 +50,7 @@ TEST(WritePAM, opaquePixelsOfAPictureWithoutAlphaAreCopied)
 TEST(WritePAM, greyBecomesRgb)
 {
     const auto image
-        = test::flat({ 2, 1 }, { ColorModel::Grey, 8, imaging::AlphaInfo::None }, { 0.2 });
+        = test::flat({ 2, 1 }, { ColorModel::grey, 8, imaging::AlphaInfo::none }, { 0.2 });
     EXPECT_EQ(pamOf(image),
         std::string(smallHeader) + std::string("\x33\x33\x33\xff\x33\x33\x33\xff", 8));
 }

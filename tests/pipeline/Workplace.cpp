@@ -53,7 +53,7 @@ OptimizerSettings plainSettings(OutputFormat format)
 {
     OptimizerSettings settings;
     settings.outputFormat = format;
-    settings.resizeMode = ResizeMode::None;
+    settings.resizeMode = ResizeMode::none;
     settings.optimizeColorForSharing = false;
     settings.removeColorManagement = false;
     return settings;

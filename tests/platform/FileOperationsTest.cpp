@@ -20,11 +20,11 @@ TEST(ItemAt, looksAtTheLinkAndNotThroughIt)
     writeFile(folder / "file", "x");
     std::filesystem::create_directory_symlink(folder.path(), folder / "toFolder");
     std::filesystem::create_symlink(folder / "nowhere", folder / "dangling");
-    EXPECT_EQ(itemAt(folder / "none"), ItemKind::None);
-    EXPECT_EQ(itemAt(folder.path()), ItemKind::Folder);
-    EXPECT_EQ(itemAt(folder / "file"), ItemKind::Other);
-    EXPECT_EQ(itemAt(folder / "toFolder"), ItemKind::Other);
-    EXPECT_EQ(itemAt(folder / "dangling"), ItemKind::Other);
+    EXPECT_EQ(itemAt(folder / "none"), ItemKind::none);
+    EXPECT_EQ(itemAt(folder.path()), ItemKind::folder);
+    EXPECT_EQ(itemAt(folder / "file"), ItemKind::other);
+    EXPECT_EQ(itemAt(folder / "toFolder"), ItemKind::other);
+    EXPECT_EQ(itemAt(folder / "dangling"), ItemKind::other);
 }
 
 TEST(FileSize, followsLinksAndIsZeroWhenUnknown)
@@ -124,7 +124,7 @@ TEST(CopyToNewFile, copiesLargeContentAndNeverWritesOver)
     EXPECT_EQ(test::readFile(folder / "to"), test::readFile(folder / "from"));
     EXPECT_FALSE(copyToNewFile(folder / "from", folder / "to"));
     EXPECT_FALSE(copyToNewFile(folder / "none", folder / "other"));
-    EXPECT_EQ(itemAt(folder / "other"), ItemKind::None);
+    EXPECT_EQ(itemAt(folder / "other"), ItemKind::none);
 }
 
 TEST(CopyToNewFile, hasThePermissionsOfANewFile)

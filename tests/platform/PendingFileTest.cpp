@@ -34,7 +34,7 @@ TEST(PendingFile, isHiddenBesideItsTargetUntilItIsPublished)
         EXPECT_TRUE(name.ends_with(".part"));
         writeFile(pending->path(), "new");
         EXPECT_EQ(content(folder / "out.png"), "old");
-        ASSERT_TRUE(std::move(*pending).publish(ExistingItem::Replace));
+        ASSERT_TRUE(std::move(*pending).publish(ExistingItem::replace));
         EXPECT_EQ(content(folder / "out.png"), "new");
     }
     EXPECT_EQ(listing(folder.path()), "out.png");
@@ -61,7 +61,7 @@ TEST(PendingFile, keepsAnItemThatAppearedMeanwhile)
     ASSERT_TRUE(pending);
     writeFile(pending->path(), "new");
     writeFile(folder / "out.png", "somebody else's");
-    const auto published = std::move(*pending).publish(ExistingItem::Keep);
+    const auto published = std::move(*pending).publish(ExistingItem::keep);
     ASSERT_FALSE(published);
     EXPECT_EQ(published.error().text, QStringLiteral("File exists"));
     EXPECT_EQ(content(folder / "out.png"), "somebody else's");
@@ -74,7 +74,7 @@ TEST(PendingFile, takesAFreeName)
     auto pending = PendingFile::beside(folder / "out.png");
     ASSERT_TRUE(pending);
     writeFile(pending->path(), "new");
-    ASSERT_TRUE(std::move(*pending).publish(ExistingItem::Keep));
+    ASSERT_TRUE(std::move(*pending).publish(ExistingItem::keep));
     EXPECT_EQ(content(folder / "out.png"), "new");
     EXPECT_EQ(listing(folder.path()), "out.png");
 }
@@ -87,7 +87,7 @@ TEST(PendingFile, replacesALinkAndNotWhatItPointsTo)
     auto pending = PendingFile::beside(folder / "out.png");
     ASSERT_TRUE(pending);
     writeFile(pending->path(), "new");
-    ASSERT_TRUE(std::move(*pending).publish(ExistingItem::Replace));
+    ASSERT_TRUE(std::move(*pending).publish(ExistingItem::replace));
     EXPECT_FALSE(std::filesystem::is_symlink(folder / "out.png"));
     EXPECT_EQ(content(folder / "precious"), "precious");
 }
@@ -99,7 +99,7 @@ TEST(PendingFile, cannotReplaceAFolder)
     auto pending = PendingFile::beside(folder / "out.png");
     ASSERT_TRUE(pending);
     writeFile(pending->path(), "new");
-    const auto published = std::move(*pending).publish(ExistingItem::Replace);
+    const auto published = std::move(*pending).publish(ExistingItem::replace);
     ASSERT_FALSE(published);
     EXPECT_EQ(published.error().text, QStringLiteral("Is a directory"));
     EXPECT_EQ(listing(folder.path()), "out.png");

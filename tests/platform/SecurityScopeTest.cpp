@@ -34,14 +34,14 @@ QUrl url(const std::filesystem::path& path)
 
 TEST(SecurityScope, everythingIsGrantedOutsideASandbox)
 {
-    DesktopSecurityScope scope(DesktopSecurityScope::Sandbox::None);
+    DesktopSecurityScope scope(DesktopSecurityScope::Sandbox::none);
     EXPECT_TRUE(scope.startAccessing(url("/no/such/file")));
 }
 
 TEST(SecurityScope, aSandboxGrantsWhatCanBeWritten)
 {
     const test::TemporaryFolder folder;
-    DesktopSecurityScope scope(DesktopSecurityScope::Sandbox::Flatpak);
+    DesktopSecurityScope scope(DesktopSecurityScope::Sandbox::flatpak);
     EXPECT_TRUE(scope.startAccessing(url(folder.path())));
     EXPECT_FALSE(scope.startAccessing(url(folder / "none")));
 }

@@ -50,8 +50,8 @@ std::int64_t numberOf(const std::string& text)
 
 std::optional<Expected> expectedOf(const std::string& text)
 {
-    const std::map<std::string, Expected> values { { "decodes", Expected::Converted },
-        { "refuse", Expected::Refused }, { "either", Expected::Either } };
+    const std::map<std::string, Expected> values { { "decodes", Expected::converted },
+        { "refuse", Expected::refused }, { "either", Expected::either } };
     const auto found = values.find(text);
     return found == values.end() ? std::nullopt : std::optional(found->second);
 }

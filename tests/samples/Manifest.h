@@ -10,7 +10,7 @@
 namespace vellumine::test {
 
 /// What a conversion of a sample must end with. Either: whatever it likes but a crash.
-enum class Expected { Converted, Refused, Either };
+enum class Expected { converted, refused, either };
 
 /// One line of the samples' manifest.
 struct Sample {
@@ -18,7 +18,7 @@ struct Sample {
     std::string kind; ///< "jpeg" or "hostile" for example
     std::int64_t width = 0; ///< upright; as the file says, so possibly absurd
     std::int64_t height = 0;
-    Expected expected = Expected::Either;
+    Expected expected = Expected::either;
 };
 
 /// The folder that VELLUMINE_SAMPLES names, else the shared one beside the source tree; nothing

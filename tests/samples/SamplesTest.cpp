@@ -78,7 +78,7 @@ std::string faultOfSuccess(const Sample& sample, const QJsonObject& result)
 {
     const QJsonObject audit = result.value(QStringLiteral("audit")).toObject();
     const imaging::Size input = sizeOf(audit.value(QStringLiteral("inputDimensions")));
-    if (sample.expected == Expected::Converted
+    if (sample.expected == Expected::converted
         && (input.width != sample.width || input.height != sample.height)) {
         return "is " + std::to_string(sample.width) + "x" + std::to_string(sample.height)
             + ", was read as " + std::to_string(input.width) + "x" + std::to_string(input.height);
@@ -101,7 +101,7 @@ std::string faultOfSuccess(const Sample& sample, const QJsonObject& result)
 std::string faultOf(const Sample& sample, const QJsonObject& result)
 {
     if (isSuccess(result)) {
-        return sample.expected == Expected::Refused ? "was converted"
+        return sample.expected == Expected::refused ? "was converted"
                                                     : faultOfSuccess(sample, result);
     }
     if (messageOf(result).empty()) {
@@ -110,7 +110,7 @@ std::string faultOf(const Sample& sample, const QJsonObject& result)
     if (!outputOf(result).empty()) {
         return "failed with an output";
     }
-    return sample.expected == Expected::Converted ? "failed: " + messageOf(result) : std::string();
+    return sample.expected == Expected::converted ? "failed: " + messageOf(result) : std::string();
 }
 
 /// Copies of samples in a scratch folder, and what has become of them.
@@ -195,7 +195,7 @@ private:
         if (found == m_run.results.end()) {
             return hasSupportedExtension(sample.path) ? "has no result" : "";
         }
-        if (sample.expected == Expected::Converted && wasTakenBefore(sample, found->second)) {
+        if (sample.expected == Expected::converted && wasTakenBefore(sample, found->second)) {
             return {};
         }
         return faultOf(sample, found->second);

@@ -23,11 +23,11 @@ namespace {
 ColorSpace defaultSpace(ColorModel model)
 {
     switch (model) {
-    case ColorModel::Grey:
+    case ColorModel::grey:
         return ColorSpace::grey();
-    case ColorModel::Rgb:
+    case ColorModel::rgb:
         return ColorSpace::sRgb();
-    case ColorModel::Cmyk:
+    case ColorModel::cmyk:
         return ColorSpace::deviceCmyk();
     }
     throw std::logic_error("no such model");
@@ -70,9 +70,9 @@ Image makeImage(Size size, PixelLayout layout, const ColorSpace& colorSpace,
 
 Image gradient(Size size, PixelLayout layout)
 {
-    const bool alphaFirst = layout.alpha == imaging::AlphaInfo::First
-        || layout.alpha == imaging::AlphaInfo::PremultipliedFirst
-        || layout.alpha == imaging::AlphaInfo::NoneSkipFirst;
+    const bool alphaFirst = layout.alpha == imaging::AlphaInfo::first
+        || layout.alpha == imaging::AlphaInfo::premultipliedFirst
+        || layout.alpha == imaging::AlphaInfo::noneSkipFirst;
     const bool anyAlpha = layout.channels() != layout.colorChannels();
     const int alphaChannel = !anyAlpha ? -1 : (alphaFirst ? 0 : layout.channels() - 1);
     return makeImage(size, layout, [&](int x, int y, int channel) {
@@ -98,7 +98,7 @@ Image syntheticPhoto(Size size)
         return static_cast<double>(state >> 8U) / static_cast<double>(1U << 24U) - 0.5;
     };
     return makeImage(
-        size, { ColorModel::Rgb, 8, imaging::AlphaInfo::None }, [&](int x, int y, int channel) {
+        size, { ColorModel::rgb, 8, imaging::AlphaInfo::none }, [&](int x, int y, int channel) {
             const double u = static_cast<double>(x) / size.width;
             const double v = static_cast<double>(y) / size.height;
             double value = 0.35 + 0.3 * u * (channel == 0 ? 1.0 : 0.6) + 0.2 * v * (channel - 1);

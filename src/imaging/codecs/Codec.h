@@ -37,15 +37,15 @@ struct DecodedImage {
 };
 
 /// Whether the picture's profile is written into the file. Device spaces never have one.
-enum class ProfilePolicy { Embed, Omit };
+enum class ProfilePolicy { embed, omit };
 
 /// What to spend on making a lossless file small.
-enum class Effort { Smallest, Fastest };
+enum class Effort { smallest, fastest };
 
 struct EncodeOptions {
     double quality = 1.0; ///< lossy formats, 0.01 to 1
-    ProfilePolicy profile = ProfilePolicy::Embed;
-    Effort effort = Effort::Smallest;
+    ProfilePolicy profile = ProfilePolicy::embed;
+    Effort effort = Effort::smallest;
     /// Blocks that may travel as they are: already without orientation. What the format cannot
     /// carry is left out.
     MetadataBlocks metadata;

@@ -17,14 +17,14 @@ namespace vellumine::imaging {
 namespace {
 
 constexpr std::array table {
-    Codec { UniformType::Jpeg, jpeg::sniff, jpeg::readHeader, jpeg::decode, jpeg::encode },
-    Codec { UniformType::Png, png::sniff, png::readHeader, png::decode, png::encode },
-    Codec { UniformType::WebP, webp::sniff, webp::readHeader, webp::decode, nullptr },
-    Codec { UniformType::Heic, heic::sniffHeic, heic::readHeader, heic::decode, heic::encodeHeic },
-    Codec { UniformType::Heif, heic::sniffHeif, heic::readHeader, heic::decode, heic::encodeHeif },
-    Codec { UniformType::Gif, gif::sniff, gif::readHeader, gif::decode, gif::encode },
-    Codec { UniformType::Tiff, tiff::sniff, tiff::readHeader, tiff::decode, tiff::encode },
-    Codec { UniformType::Bmp, bmp::sniff, bmp::readHeader, bmp::decode, bmp::encode },
+    Codec { UniformType::jpeg, jpeg::sniff, jpeg::readHeader, jpeg::decode, jpeg::encode },
+    Codec { UniformType::png, png::sniff, png::readHeader, png::decode, png::encode },
+    Codec { UniformType::webp, webp::sniff, webp::readHeader, webp::decode, nullptr },
+    Codec { UniformType::heic, heic::sniffHeic, heic::readHeader, heic::decode, heic::encodeHeic },
+    Codec { UniformType::heif, heic::sniffHeif, heic::readHeader, heic::decode, heic::encodeHeif },
+    Codec { UniformType::gif, gif::sniff, gif::readHeader, gif::decode, gif::encode },
+    Codec { UniformType::tiff, tiff::sniff, tiff::readHeader, tiff::decode, tiff::encode },
+    Codec { UniformType::bmp, bmp::sniff, bmp::readHeader, bmp::decode, bmp::encode },
 };
 
 static_assert(table.size() == allUniformTypes.size());

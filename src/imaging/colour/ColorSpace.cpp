@@ -31,15 +31,15 @@ std::string description(cmsHPROFILE profile)
 Result<bool> matchesSRgb(cmsContext context, cmsHPROFILE profile, ColorModel model)
 {
     const colour::Profile srgb = colour::makeSRgbProfile(context);
-    const cmsUInt32Number format = model == ColorModel::Grey ? TYPE_GRAY_FLT
-        : model == ColorModel::Rgb                           ? TYPE_RGB_FLT
+    const cmsUInt32Number format = model == ColorModel::grey ? TYPE_GRAY_FLT
+        : model == ColorModel::rgb                           ? TYPE_RGB_FLT
                                                              : TYPE_CMYK_FLT;
     const colour::Transform transform(cmsCreateTransformTHR(context, profile, format, srgb.get(),
         TYPE_RGB_FLT, colour::renderingIntent(profile), cmsFLAGS_NOOPTIMIZE | cmsFLAGS_NOCACHE));
     if (!transform) {
-        return failure(Error::Kind::Unsupported, "the profile cannot be a source of colours");
+        return failure(Error::Kind::unsupported, "the profile cannot be a source of colours");
     }
-    if (model != ColorModel::Rgb) {
+    if (model != ColorModel::rgb) {
         return false;
     }
     constexpr std::size_t steps = 9;
@@ -73,7 +73,7 @@ ColorSpace ColorSpace::sRgb()
     static const auto data = [] {
         const colour::Context context = colour::makeContext();
         const colour::Profile profile = colour::makeSRgbProfile(context.get());
-        return std::make_shared<const Data>(Data { Kind::SRgb, ColorModel::Rgb,
+        return std::make_shared<const Data>(Data { Kind::sRgb, ColorModel::rgb,
             colour::serialised(profile.get()), description(profile.get()), true });
     }();
     return ColorSpace(data);
@@ -82,21 +82,21 @@ ColorSpace ColorSpace::sRgb()
 ColorSpace ColorSpace::deviceRgb()
 {
     static const auto data
-        = std::make_shared<const Data>(Data { Kind::DeviceRgb, ColorModel::Rgb, {}, {}, true });
+        = std::make_shared<const Data>(Data { Kind::deviceRgb, ColorModel::rgb, {}, {}, true });
     return ColorSpace(data);
 }
 
 ColorSpace ColorSpace::grey()
 {
     static const auto data
-        = std::make_shared<const Data>(Data { Kind::Grey, ColorModel::Grey, {}, {}, false });
+        = std::make_shared<const Data>(Data { Kind::grey, ColorModel::grey, {}, {}, false });
     return ColorSpace(data);
 }
 
 ColorSpace ColorSpace::deviceCmyk()
 {
     static const auto data
-        = std::make_shared<const Data>(Data { Kind::DeviceCmyk, ColorModel::Cmyk, {}, {}, false });
+        = std::make_shared<const Data>(Data { Kind::deviceCmyk, ColorModel::cmyk, {}, {}, false });
     return ColorSpace(data);
 }
 
@@ -105,21 +105,21 @@ Result<ColorSpace> ColorSpace::fromIcc(ByteSpan profile, ColorModel model)
     const colour::Context context = colour::makeContext();
     const colour::Profile opened = colour::openProfile(context.get(), profile);
     if (!opened) {
-        return failure(Error::Kind::Malformed, "the bytes are no ICC profile");
+        return failure(Error::Kind::malformed, "the bytes are no ICC profile");
     }
     if (colour::modelOf(opened.get()) != model) {
-        return failure(Error::Kind::Unsupported, "the profile is for another kind of picture");
+        return failure(Error::Kind::unsupported, "the profile is for another kind of picture");
     }
     const cmsProfileClassSignature deviceClass = cmsGetDeviceClass(opened.get());
     if (deviceClass == cmsSigLinkClass || deviceClass == cmsSigNamedColorClass
         || deviceClass == cmsSigAbstractClass) {
-        return failure(Error::Kind::Unsupported, "the profile describes no device");
+        return failure(Error::Kind::unsupported, "the profile describes no device");
     }
     const Result<bool> likeSRgb = matchesSRgb(context.get(), opened.get(), model);
     if (!likeSRgb) {
         return tl::unexpected(likeSRgb.error());
     }
-    return ColorSpace(std::make_shared<const Data>(Data { Kind::Icc, model,
+    return ColorSpace(std::make_shared<const Data>(Data { Kind::icc, model,
         ByteBuffer(profile.begin(), profile.end()), description(opened.get()), *likeSRgb }));
 }
 
@@ -129,9 +129,9 @@ Result<ColorSpace> ColorSpace::fromPrimaries(
     const colour::Context context = colour::makeContext();
     const colour::Profile profile = colour::makeProfile(context.get(), primaries, curve, model);
     if (!profile) {
-        return failure(Error::Kind::Malformed, "the numbers describe no colours");
+        return failure(Error::Kind::malformed, "the numbers describe no colours");
     }
-    if (model == ColorModel::Grey && curve.kind == TransferCurve::Kind::SRgb) {
+    if (model == ColorModel::grey && curve.kind == TransferCurve::Kind::sRgb) {
         return grey();
     }
     auto space = fromIcc(colour::serialised(profile.get()), model);

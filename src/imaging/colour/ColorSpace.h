@@ -26,8 +26,8 @@ struct Primaries {
 
 /// The curve that turns a sample of 0 to 1 into linear light.
 struct TransferCurve {
-    enum class Kind { SRgb, Rec709, Gamma, Pq, Hlg };
-    Kind kind = Kind::SRgb;
+    enum class Kind { sRgb, rec709, gamma, pq, hlg };
+    Kind kind = Kind::sRgb;
     double gamma = 1.0; ///< exponent of the power law, for Gamma only
 };
 
@@ -48,7 +48,7 @@ public:
     /// RGB (or, with `model` Grey, the curve alone) described by numbers, as PNG and HEIC files
     /// do. Numbers that describe sRGB give `sRgb()`. Fails with Malformed for degenerate numbers.
     static Result<ColorSpace> fromPrimaries(
-        const Primaries& primaries, TransferCurve curve, ColorModel model = ColorModel::Rgb);
+        const Primaries& primaries, TransferCurve curve, ColorModel model = ColorModel::rgb);
 
     [[nodiscard]] ColorModel model() const;
     /// The ICC profile to write into files; empty for the spaces without one.

@@ -7,10 +7,10 @@
 namespace vellumine::imaging {
 
 struct ColorSpace::Data {
-    enum class Kind { SRgb, DeviceRgb, Grey, DeviceCmyk, Icc };
+    enum class Kind { sRgb, deviceRgb, grey, deviceCmyk, icc };
 
-    Kind kind = Kind::SRgb;
-    ColorModel model = ColorModel::Rgb;
+    Kind kind = Kind::sRgb;
+    ColorModel model = ColorModel::rgb;
     ByteBuffer icc; ///< what is written into files
     std::string name;
     bool isSRgbEquivalent = false;

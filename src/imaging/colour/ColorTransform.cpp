@@ -15,14 +15,14 @@ using Kind = ColorSpace::Data::Kind;
 colour::Profile profileOf(cmsContext context, const ColorSpace& space)
 {
     switch (space.data().kind) {
-    case Kind::SRgb:
-    case Kind::DeviceRgb:
+    case Kind::sRgb:
+    case Kind::deviceRgb:
         return colour::makeSRgbProfile(context);
-    case Kind::Grey:
+    case Kind::grey:
         return colour::makeGreyProfile(context);
-    case Kind::DeviceCmyk:
+    case Kind::deviceCmyk:
         return colour::openProfile(context, colour::installedCmykProfile());
-    case Kind::Icc:
+    case Kind::icc:
         return colour::openProfile(context, space.iccProfile());
     }
     return nullptr;
@@ -31,11 +31,11 @@ colour::Profile profileOf(cmsContext context, const ColorSpace& space)
 cmsUInt32Number sampleFormat(ColorModel model, int bits)
 {
     switch (model) {
-    case ColorModel::Grey:
+    case ColorModel::grey:
         return bits == 16 ? TYPE_GRAY_16 : TYPE_GRAY_8;
-    case ColorModel::Rgb:
+    case ColorModel::rgb:
         return bits == 16 ? TYPE_RGB_16 : TYPE_RGB_8;
-    case ColorModel::Cmyk:
+    case ColorModel::cmyk:
         return bits == 16 ? TYPE_CMYK_16 : TYPE_CMYK_8;
     }
     return 0;
@@ -74,13 +74,13 @@ template <typename Sample> void plainCmyk(const Sample* from, std::uint8_t* to, 
     }
 }
 
-enum class Method { Rearrange, PlainCmyk, Profiles };
+enum class Method { rearrange, plainCmyk, profiles };
 
 } // namespace
 
 struct ColorTransform::State {
-    Method method = Method::Rearrange;
-    ColorModel model = ColorModel::Rgb;
+    Method method = Method::rearrange;
+    ColorModel model = ColorModel::rgb;
     int bits = 8;
     colour::Context context;
     colour::Transform transform;
@@ -103,40 +103,40 @@ bool sameNumbers(const ColorSpace& a, const ColorSpace& b)
 Result<ColorTransform> ColorTransform::create(
     const ColorSpace& from, int bitsPerComponent, const ColorSpace& to)
 {
-    assert(to.model() == ColorModel::Rgb);
+    assert(to.model() == ColorModel::rgb);
     auto state = std::make_unique<State>();
     state->model = from.model();
     state->bits = bitsPerComponent;
 
     // Grey without a profile has the sRGB curve: in an sRGB space its numbers are the colour's.
-    if (sameNumbers(from, to) || (from.data().kind == Kind::Grey && to.isSRgbEquivalent())) {
+    if (sameNumbers(from, to) || (from.data().kind == Kind::grey && to.isSRgbEquivalent())) {
         return ColorTransform(std::move(state));
     }
-    if (from.data().kind == Kind::DeviceCmyk && colour::installedCmykProfile().empty()
+    if (from.data().kind == Kind::deviceCmyk && colour::installedCmykProfile().empty()
         && to.isSRgbEquivalent()) {
-        state->method = Method::PlainCmyk;
+        state->method = Method::plainCmyk;
         return ColorTransform(std::move(state));
     }
 
-    state->method = Method::Profiles;
+    state->method = Method::profiles;
     state->context = colour::makeContext();
     const colour::Profile source = profileOf(state->context.get(), from);
     const colour::Profile target = profileOf(state->context.get(), to);
     if (!source || !target) {
-        return failure(Error::Kind::Unsupported, "there is no profile to convert with");
+        return failure(Error::Kind::unsupported, "there is no profile to convert with");
     }
     state->transform.reset(cmsCreateTransformTHR(state->context.get(), source.get(),
         sampleFormat(from.model(), bitsPerComponent), target.get(), TYPE_RGBA_8,
         colour::renderingIntent(source.get()), cmsFLAGS_HIGHRESPRECALC));
     if (!state->transform) {
-        return failure(Error::Kind::Unsupported, "the two profiles cannot be joined");
+        return failure(Error::Kind::unsupported, "the two profiles cannot be joined");
     }
     return ColorTransform(std::move(state));
 }
 
 bool ColorTransform::isIdentity() const
 {
-    return m_state->method == Method::Rearrange && m_state->model == ColorModel::Rgb;
+    return m_state->method == Method::rearrange && m_state->model == ColorModel::rgb;
 }
 
 void ColorTransform::apply(const void* samples, std::uint8_t* rgba, int count) const
@@ -144,15 +144,15 @@ void ColorTransform::apply(const void* samples, std::uint8_t* rgba, int count) c
     const auto* const shallow = static_cast<const std::uint8_t*>(samples);
     const auto* const deep = static_cast<const std::uint16_t*>(samples);
     switch (m_state->method) {
-    case Method::Profiles:
+    case Method::profiles:
         cmsDoTransform(
             m_state->transform.get(), samples, rgba, static_cast<cmsUInt32Number>(count));
         return;
-    case Method::PlainCmyk:
+    case Method::plainCmyk:
         m_state->bits == 16 ? plainCmyk(deep, rgba, count) : plainCmyk(shallow, rgba, count);
         return;
-    case Method::Rearrange:
-        const int channels = m_state->model == ColorModel::Grey ? 1 : 3;
+    case Method::rearrange:
+        const int channels = m_state->model == ColorModel::grey ? 1 : 3;
         m_state->bits == 16 ? rearrange(deep, rgba, count, channels)
                             : rearrange(shallow, rgba, count, channels);
         return;

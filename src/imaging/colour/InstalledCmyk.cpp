@@ -37,7 +37,7 @@ ByteSpan installedCmykProfile()
         for (const char* const path : candidates) {
             ByteBuffer bytes = read(path);
             const Profile opened = openProfile(context.get(), bytes);
-            if (opened && modelOf(opened.get()) == ColorModel::Cmyk) {
+            if (opened && modelOf(opened.get()) == ColorModel::cmyk) {
                 return bytes;
             }
         }

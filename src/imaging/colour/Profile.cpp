@@ -61,18 +61,18 @@ Curve parametric(cmsContext context, std::array<double, 5> parameters)
 Curve makeCurve(cmsContext context, TransferCurve curve)
 {
     switch (curve.kind) {
-    case TransferCurve::Kind::SRgb: // IEC 61966-2-1
+    case TransferCurve::Kind::sRgb: // IEC 61966-2-1
         return parametric(context, { 2.4, 1.0 / 1.055, 0.055 / 1.055, 1.0 / 12.92, 0.04045 });
-    case TransferCurve::Kind::Rec709: // ITU-R BT.709, the inverse of its camera curve
+    case TransferCurve::Kind::rec709: // ITU-R BT.709, the inverse of its camera curve
         return parametric(context, { 1.0 / 0.45, 1.0 / 1.099, 0.099 / 1.099, 1.0 / 4.5, 0.081 });
-    case TransferCurve::Kind::Gamma:
+    case TransferCurve::Kind::gamma:
         if (!std::isfinite(curve.gamma) || curve.gamma < 0.1 || curve.gamma > 10.0) {
             return nullptr;
         }
         return Curve(cmsBuildGamma(context, curve.gamma));
-    case TransferCurve::Kind::Pq:
+    case TransferCurve::Kind::pq:
         return tabulated(context, pqToLinear);
-    case TransferCurve::Kind::Hlg:
+    case TransferCurve::Kind::hlg:
         return tabulated(context, hlgToLinear);
     }
     return nullptr;
@@ -125,7 +125,7 @@ Profile makeSRgbProfile(cmsContext context)
 {
     constexpr Primaries srgb { { 0.3127, 0.3290 }, { 0.64, 0.33 }, { 0.30, 0.60 }, { 0.15, 0.06 } };
     Profile profile
-        = makeProfile(context, srgb, { TransferCurve::Kind::SRgb, 0.0 }, ColorModel::Rgb);
+        = makeProfile(context, srgb, { TransferCurve::Kind::sRgb, 0.0 }, ColorModel::rgb);
     if (profile) {
         describe(context, profile.get(), "sRGB");
     }
@@ -134,7 +134,7 @@ Profile makeSRgbProfile(cmsContext context)
 
 Profile makeGreyProfile(cmsContext context)
 {
-    const Curve curve = makeCurve(context, { TransferCurve::Kind::SRgb, 0.0 });
+    const Curve curve = makeCurve(context, { TransferCurve::Kind::sRgb, 0.0 });
     return curve ? Profile(cmsCreateGrayProfileTHR(context, cmsD50_xyY(), curve.get())) : nullptr;
 }
 
@@ -142,10 +142,10 @@ Profile makeProfile(
     cmsContext context, const Primaries& primaries, TransferCurve curve, ColorModel model)
 {
     const Curve tone = makeCurve(context, curve);
-    if (!tone || model == ColorModel::Cmyk) {
+    if (!tone || model == ColorModel::cmyk) {
         return nullptr;
     }
-    if (model == ColorModel::Grey) {
+    if (model == ColorModel::grey) {
         return Profile(cmsCreateGrayProfileTHR(context, cmsD50_xyY(), tone.get()));
     }
     if (!usable(primaries.white) || !usable(primaries.red) || !usable(primaries.green)
@@ -188,11 +188,11 @@ std::optional<ColorModel> modelOf(cmsHPROFILE profile)
 {
     switch (cmsGetColorSpace(profile)) {
     case cmsSigGrayData:
-        return ColorModel::Grey;
+        return ColorModel::grey;
     case cmsSigRgbData:
-        return ColorModel::Rgb;
+        return ColorModel::rgb;
     case cmsSigCmykData:
-        return ColorModel::Cmyk;
+        return ColorModel::cmyk;
     default:
         return std::nullopt;
     }

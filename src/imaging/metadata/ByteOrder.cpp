@@ -8,7 +8,7 @@ template <typename Integer> Integer readInteger(ByteSpan bytes, std::size_t at, 
 {
     std::uint64_t value = 0;
     for (std::size_t i = 0; i < sizeof(Integer); ++i) {
-        const std::size_t next = order == ByteOrder::Big ? i : sizeof(Integer) - 1 - i;
+        const std::size_t next = order == ByteOrder::big ? i : sizeof(Integer) - 1 - i;
         value = value << 8U | std::to_integer<std::uint64_t>(bytes[at + next]);
     }
     return static_cast<Integer>(value);
@@ -18,7 +18,7 @@ template <typename Integer>
 void writeInteger(std::span<std::byte> bytes, std::size_t at, Integer value, ByteOrder order)
 {
     for (std::size_t i = 0; i < sizeof(Integer); ++i) {
-        const std::size_t shift = 8 * (order == ByteOrder::Big ? sizeof(Integer) - 1 - i : i);
+        const std::size_t shift = 8 * (order == ByteOrder::big ? sizeof(Integer) - 1 - i : i);
         bytes[at + i] = static_cast<std::byte>(static_cast<std::uint64_t>(value) >> shift & 0xFFU);
     }
 }

@@ -6,7 +6,7 @@
 
 namespace vellumine::imaging::metadata {
 
-enum class ByteOrder : std::uint8_t { Little, Big };
+enum class ByteOrder : std::uint8_t { little, big };
 
 /// Integers at `at` in a structure; the caller has checked that they lie inside.
 [[nodiscard]] std::uint16_t read16(ByteSpan bytes, std::size_t at, ByteOrder order);

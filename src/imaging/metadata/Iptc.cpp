@@ -18,7 +18,7 @@ std::optional<std::size_t> datasetBytes(ByteSpan bytes)
     if (bytes.size() < headerBytes || bytes[0] != marker) {
         return std::nullopt;
     }
-    const unsigned count = read16(bytes, 3, ByteOrder::Big);
+    const unsigned count = read16(bytes, 3, ByteOrder::big);
     std::size_t start = headerBytes;
     std::size_t length = count;
     if ((count & extendedFlag) != 0) {

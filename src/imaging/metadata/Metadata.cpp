@@ -9,14 +9,14 @@ namespace vellumine::imaging::metadata {
 
 std::optional<Orientation> orientation(const MetadataBlocks& blocks)
 {
-    const auto tree = readTiffTree(blocks.exif, TiffKind::ExifBlock);
+    const auto tree = readTiffTree(blocks.exif, TiffKind::exifBlock);
     const auto found = tree ? exifOrientation(*tree) : std::nullopt;
     return found ? found : xmpOrientation(blocks.xmp);
 }
 
 Groups groups(const MetadataBlocks& blocks)
 {
-    const auto tree = readTiffTree(blocks.exif, TiffKind::ExifBlock);
+    const auto tree = readTiffTree(blocks.exif, TiffKind::exifBlock);
     Groups groups = tree ? exifGroups(*tree) : Groups {};
     groups.iptc = !soundIptc(blocks.iptc).empty();
     groups.xmp = isSoundXmp(blocks.xmp);
@@ -27,7 +27,7 @@ MetadataBlocks travelling(
     const MetadataBlocks& blocks, const Groups& kept, const NewPicture& picture)
 {
     MetadataBlocks result;
-    if (auto tree = readTiffTree(blocks.exif, TiffKind::ExifBlock)) {
+    if (auto tree = readTiffTree(blocks.exif, TiffKind::exifBlock)) {
         adjustToPicture(*tree, kept, picture);
         result.exif = writeExifBlock(*tree);
     }

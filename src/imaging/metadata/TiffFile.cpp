@@ -48,7 +48,7 @@ TiffEntry bytesEntry(std::uint16_t tag, std::uint16_t type, const ByteBuffer& by
 
 MetadataBlocks readTiff(ByteSpan file)
 {
-    auto tree = readTiffTree(file, TiffKind::PictureFile);
+    auto tree = readTiffTree(file, TiffKind::pictureFile);
     if (!tree) {
         return {};
     }
@@ -62,7 +62,7 @@ MetadataBlocks readTiff(ByteSpan file)
 
 ByteBuffer writeTiff(ByteBuffer file, const MetadataBlocks& blocks)
 {
-    auto tree = readTiffTree(blocks.exif, TiffKind::ExifBlock).value_or(TiffTree {});
+    auto tree = readTiffTree(blocks.exif, TiffKind::exifBlock).value_or(TiffTree {});
     if (!blocks.xmp.empty()) {
         tree.main.set(bytesEntry(xmpTag, fieldtype::byte, blocks.xmp));
     }

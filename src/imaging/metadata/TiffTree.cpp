@@ -154,7 +154,7 @@ std::optional<Header> readHeader(ByteSpan bytes)
     if (bytes.size() < 8 || bytes[0] != bytes[1] || (bytes[0] != little && bytes[0] != big)) {
         return std::nullopt;
     }
-    const ByteOrder order = bytes[0] == little ? ByteOrder::Little : ByteOrder::Big;
+    const ByteOrder order = bytes[0] == little ? ByteOrder::little : ByteOrder::big;
     switch (read16(bytes, 2, order)) {
     case 42:
         return Header { order, classicShape, read32(bytes, 4, order) };
@@ -293,7 +293,7 @@ std::optional<TiffTree> readTiffTree(ByteSpan bytes, TiffKind kind)
         }
     }
     tree.gps = inner(reader, *main, tag::gpsDirectory);
-    if (kind == TiffKind::ExifBlock && main->next != 0) {
+    if (kind == TiffKind::exifBlock && main->next != 0) {
         readThumbnail(reader, bytes, main->next, tree);
     }
     tree.main = std::move(main->directory);

@@ -56,7 +56,7 @@ struct TiffDirectory {
 /// fields that only point (at directories, at the thumbnail's data) are not among the entries:
 /// they are what the tree itself says.
 struct TiffTree {
-    ByteOrder order = ByteOrder::Little;
+    ByteOrder order = ByteOrder::little;
     TiffDirectory main;
     TiffDirectory exif;
     TiffDirectory interoperability;
@@ -78,7 +78,7 @@ struct TiffTree {
 
 /// What a structure is: in an EXIF block the second directory is the thumbnail's, in a file of
 /// pictures it is the second picture's and not read.
-enum class TiffKind { ExifBlock, PictureFile };
+enum class TiffKind { exifBlock, pictureFile };
 
 /// Reads the directories; classic TIFF, and BigTIFF for files. Fields that do not lie inside the
 /// bytes, or are of an unknown type, are left out, and so are inner directories that do not.

@@ -126,7 +126,7 @@ std::array<std::byte, headerBytes> header(ByteOrder order)
 {
     std::array<std::byte, headerBytes> bytes {};
     bytes[0] = bytes[1]
-        = std::byte { order == ByteOrder::Little ? std::uint8_t { 'I' } : std::uint8_t { 'M' } };
+        = std::byte { order == ByteOrder::little ? std::uint8_t { 'I' } : std::uint8_t { 'M' } };
     write16(bytes, 2, 42, order);
     return bytes;
 }
@@ -234,7 +234,7 @@ ByteBuffer writeExifBlock(const TiffTree& tree)
 
 ByteBuffer appendToTiffFile(ByteBuffer file, TiffTree tree)
 {
-    const auto fileTree = readTiffTree(file, TiffKind::PictureFile);
+    const auto fileTree = readTiffTree(file, TiffKind::pictureFile);
     if (!fileTree || read16(file, 2, fileTree->order) != 42
         || file.size() + upperBound(tree) > largestAddress) {
         return file;

@@ -55,10 +55,10 @@ PlanarReader::PlanarReader(const Image& image)
     , m_colors(image.layout().colorChannels())
 {
     const AlphaInfo alpha = image.layout().alpha;
-    const bool first = alpha == AlphaInfo::First || alpha == AlphaInfo::PremultipliedFirst
-        || alpha == AlphaInfo::NoneSkipFirst;
+    const bool first = alpha == AlphaInfo::first || alpha == AlphaInfo::premultipliedFirst
+        || alpha == AlphaInfo::noneSkipFirst;
     m_color = first ? 1 : 0;
-    if (imaging::hasAlpha(alpha) && image.layout().model != ColorModel::Cmyk) {
+    if (imaging::hasAlpha(alpha) && image.layout().model != ColorModel::cmyk) {
         m_alpha = first ? 0 : m_colors;
     }
 }

@@ -61,18 +61,18 @@ zimg_filter_graph* build(const ResampleJob& job)
     zimg_graph_builder_params parameters;
     zimg_graph_builder_params_default(&parameters, ZIMG_API_VERSION);
     switch (job.filter) {
-    case ResampleFilter::Point:
+    case ResampleFilter::point:
         parameters.resample_filter = ZIMG_RESIZE_POINT;
         break;
-    case ResampleFilter::Bilinear:
+    case ResampleFilter::bilinear:
         parameters.resample_filter = ZIMG_RESIZE_BILINEAR;
         break;
-    case ResampleFilter::Bicubic:
+    case ResampleFilter::bicubic:
         parameters.resample_filter = ZIMG_RESIZE_BICUBIC;
         parameters.filter_param_a = 1.0 / 3.0;
         parameters.filter_param_b = 1.0 / 3.0;
         break;
-    case ResampleFilter::Lanczos3:
+    case ResampleFilter::lanczos3:
         parameters.resample_filter = ZIMG_RESIZE_LANCZOS;
         parameters.filter_param_a = 3.0;
         break;
@@ -147,7 +147,7 @@ Result<void> resample(const ResampleJob& job)
     assert(job.planes >= 1 && job.planes <= 4);
     const Graph graph(build(job));
     if (!graph) {
-        return failure(Error::Kind::Unsupported, "the sizes cannot be resampled");
+        return failure(Error::Kind::unsupported, "the sizes cannot be resampled");
     }
     unsigned inputLines = 0;
     unsigned outputLines = 0;
@@ -155,7 +155,7 @@ Result<void> resample(const ResampleJob& job)
     if (zimg_filter_graph_get_input_buffering(graph.get(), &inputLines) != ZIMG_ERROR_SUCCESS
         || zimg_filter_graph_get_output_buffering(graph.get(), &outputLines) != ZIMG_ERROR_SUCCESS
         || zimg_filter_graph_get_tmp_size(graph.get(), &scratchBytes) != ZIMG_ERROR_SUCCESS) {
-        return failure(Error::Kind::Unsupported, "the sizes cannot be resampled");
+        return failure(Error::Kind::unsupported, "the sizes cannot be resampled");
     }
 
     const RowRing input(
@@ -164,7 +164,7 @@ Result<void> resample(const ResampleJob& job)
         job.target.width, job.planes, outputLines, static_cast<unsigned>(job.target.height));
     const AlignedMemory scratch = allocateAligned(scratchBytes);
     if (!input.isValid() || !output.isValid() || !scratch) {
-        return failure(Error::Kind::OutOfMemory, "no memory to resample in");
+        return failure(Error::Kind::outOfMemory, "no memory to resample in");
     }
 
     zimg_image_buffer_const from {};
@@ -185,7 +185,7 @@ Result<void> resample(const ResampleJob& job)
     if (zimg_filter_graph_process(
             graph.get(), &from, &to, scratch.get(), handOver, &source, handOver, &target)
         != ZIMG_ERROR_SUCCESS) {
-        return failure(Error::Kind::Unsupported, "the picture cannot be resampled");
+        return failure(Error::Kind::unsupported, "the picture cannot be resampled");
     }
     return {};
 }

@@ -10,10 +10,10 @@
 namespace vellumine::imaging {
 
 enum class ResampleFilter {
-    Point,
-    Bilinear,
-    Bicubic, ///< Mitchell and Netravali's, B = C = 1/3
-    Lanczos3,
+    point,
+    bilinear,
+    bicubic, ///< Mitchell and Netravali's, B = C = 1/3
+    lanczos3,
 };
 
 /// Part of one row of a picture whose channels lie in planes of 16-bit samples.

@@ -89,11 +89,11 @@ TEST(BmpColorSpace, WithoutAStatementIsSRgb)
 TEST(BmpColorSpace, TakesTheEmbeddedProfile)
 {
     const ColorSpace expected
-        = ColorSpace::fromPrimaries(displayP3, { TransferCurve::Kind::SRgb }).value();
+        = ColorSpace::fromPrimaries(displayP3, { TransferCurve::Kind::sRgb }).value();
     BmpFile file = plainFile(124);
     file.colorSpaceKind = 0x4D424544; // 'MBED'
     file.profile.assign(expected.iccProfile().begin(), expected.iccProfile().end());
-    EXPECT_EQ(spaceOf(file), ColorSpace::fromIcc(expected.iccProfile(), ColorModel::Rgb).value());
+    EXPECT_EQ(spaceOf(file), ColorSpace::fromIcc(expected.iccProfile(), ColorModel::rgb).value());
     EXPECT_NE(spaceOf(file), ColorSpace::sRgb());
 }
 
@@ -134,7 +134,7 @@ TEST(BmpColorSpace, TakesChromaticitiesAsTheyAre)
                                chromaticity(displayP3.blue) },
             2.2);
     expectSameColours(spaceOf(file),
-        ColorSpace::fromPrimaries(displayP3, { TransferCurve::Kind::Gamma, 2.2 }).value());
+        ColorSpace::fromPrimaries(displayP3, { TransferCurve::Kind::gamma, 2.2 }).value());
 }
 
 TEST(BmpColorSpace, TakesXyzWhoseSumIsTheWhitePoint)
@@ -147,7 +147,7 @@ TEST(BmpColorSpace, TakesXyzWhoseSumIsTheWhitePoint)
                                Xyz { 0.1982, 0.0793, 1.0439 } },
             2.2);
     expectSameColours(spaceOf(file),
-        ColorSpace::fromPrimaries(displayP3, { TransferCurve::Kind::Gamma, 2.2 }).value());
+        ColorSpace::fromPrimaries(displayP3, { TransferCurve::Kind::gamma, 2.2 }).value());
 }
 
 TEST(BmpColorSpace, TakesNoDegenerateNumbers)

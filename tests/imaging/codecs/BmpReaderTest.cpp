@@ -99,7 +99,7 @@ TEST_P(BmpHeaderVersion, ReadsTheSamePicture)
     const ByteBuffer file = smallFile(version.infoBytes, bits).bytes();
     const auto decoded = decode(file);
     ASSERT_TRUE(decoded) << decoded.error().detail;
-    EXPECT_EQ(decoded->image.layout(), (PixelLayout { ColorModel::Rgb, 8, AlphaInfo::None }));
+    EXPECT_EQ(decoded->image.layout(), (PixelLayout { ColorModel::rgb, 8, AlphaInfo::none }));
     expectSmallPicture(decoded->image);
     expectHeaderTellsTheTruth(file, *decoded);
 }

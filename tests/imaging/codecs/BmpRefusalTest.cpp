@@ -41,9 +41,9 @@ TEST_P(BmpRefusal, SaysWhy)
 }
 
 INSTANTIATE_TEST_SUITE_P(Headers, BmpRefusal,
-    testing::Values(Row { "Nothing", {}, Error::Kind::Truncated },
-        Row { "SignatureAlone", bytesOf({ 'B', 'M' }), Error::Kind::Truncated },
-        Row { "NoSignature", ByteBuffer(200), Error::Kind::Malformed },
+    testing::Values(Row { "Nothing", {}, Error::Kind::truncated },
+        Row { "SignatureAlone", bytesOf({ 'B', 'M' }), Error::Kind::truncated },
+        Row { "NoSignature", ByteBuffer(200), Error::Kind::malformed },
         Row { "HeaderOfUnknownSize",
             with(plainFile(2, 2, 24),
                 [](BmpFile& file) {
@@ -51,20 +51,20 @@ INSTANTIATE_TEST_SUITE_P(Headers, BmpRefusal,
                     file.pixels.resize(300);
                 })
                 .bytes(),
-            Error::Kind::Unsupported },
-        Row { "NoWidth", plainFile(0, 2, 24).bytes(), Error::Kind::Malformed },
-        Row { "NoHeight", plainFile(2, 0, 24).bytes(), Error::Kind::Malformed },
-        Row { "NegativeWidth", plainFile(-2, 2, 24).bytes(), Error::Kind::Malformed },
+            Error::Kind::unsupported },
+        Row { "NoWidth", plainFile(0, 2, 24).bytes(), Error::Kind::malformed },
+        Row { "NoHeight", plainFile(2, 0, 24).bytes(), Error::Kind::malformed },
+        Row { "NegativeWidth", plainFile(-2, 2, 24).bytes(), Error::Kind::malformed },
         Row { "LowestHeight", plainFile(2, std::numeric_limits<int>::min(), 24).bytes(),
-            Error::Kind::Malformed },
-        Row { "ThirtyThousandBits", plainFile(2, 2, 30000).bytes(), Error::Kind::Malformed },
-        Row { "NoBits", plainFile(2, 2, 0).bytes(), Error::Kind::Malformed },
+            Error::Kind::malformed },
+        Row { "ThirtyThousandBits", plainFile(2, 2, 30000).bytes(), Error::Kind::malformed },
+        Row { "NoBits", plainFile(2, 2, 0).bytes(), Error::Kind::malformed },
         Row { "EmbeddedJpeg",
             with(plainFile(2, 2, 0), [](BmpFile& file) { file.compression = 4; }).bytes(),
-            Error::Kind::Unsupported },
+            Error::Kind::unsupported },
         Row { "EmbeddedPng",
             with(plainFile(2, 2, 0), [](BmpFile& file) { file.compression = 5; }).bytes(),
-            Error::Kind::Unsupported },
+            Error::Kind::unsupported },
         Row { "Os2Huffman",
             with(plainFile(2, 2, 1),
                 [](BmpFile& file) {
@@ -72,11 +72,11 @@ INSTANTIATE_TEST_SUITE_P(Headers, BmpRefusal,
                     file.compression = 3;
                 })
                 .bytes(),
-            Error::Kind::Unsupported },
+            Error::Kind::unsupported },
         Row { "RunLengthsOfAnotherDepth",
             with(plainFile(2, 2, 4), [](BmpFile& file) { file.compression = 1; }).bytes(),
-            Error::Kind::Malformed },
-        Row { "NoPalette", plainFile(2, 2, 8).bytes(), Error::Kind::Malformed },
+            Error::Kind::malformed },
+        Row { "NoPalette", plainFile(2, 2, 8).bytes(), Error::Kind::malformed },
         Row { "PaletteLongerThanTheFile",
             with(plainFile(2, 2, 8),
                 [](BmpFile& file) {
@@ -84,7 +84,7 @@ INSTANTIATE_TEST_SUITE_P(Headers, BmpRefusal,
                     file.declaredColors = 305'402'420;
                 })
                 .bytes(),
-            Error::Kind::Malformed },
+            Error::Kind::malformed },
         Row { "MaskWithAHole",
             with(plainFile(2, 2, 32),
                 [](BmpFile& file) {
@@ -92,7 +92,7 @@ INSTANTIATE_TEST_SUITE_P(Headers, BmpRefusal,
                     file.masks = { 0xFF0000, 0xF0F0, 0xFF };
                 })
                 .bytes(),
-            Error::Kind::Malformed },
+            Error::Kind::malformed },
         Row { "MasksOfNothing",
             with(plainFile(2, 2, 32),
                 [](BmpFile& file) {
@@ -100,7 +100,7 @@ INSTANTIATE_TEST_SUITE_P(Headers, BmpRefusal,
                     file.masks = { 0, 0, 0 };
                 })
                 .bytes(),
-            Error::Kind::Malformed },
+            Error::Kind::malformed },
         Row { "MaskOutsideThePixel",
             with(plainFile(2, 2, 16),
                 [](BmpFile& file) {
@@ -108,20 +108,20 @@ INSTANTIATE_TEST_SUITE_P(Headers, BmpRefusal,
                     file.masks = { 0x1F0000, 0x7E0, 0x1F };
                 })
                 .bytes(),
-            Error::Kind::Malformed },
+            Error::Kind::malformed },
         Row { "OffsetBeyondTheFile",
             with(plainFile(2, 2, 24), [](BmpFile& file) { file.pixelOffset = 0xFFFFFFFF; }).bytes(),
-            Error::Kind::Truncated },
-        Row { "PixelsMissing", plainFile(100, 100, 24).bytes(), Error::Kind::Truncated }),
+            Error::Kind::truncated },
+        Row { "PixelsMissing", plainFile(100, 100, 24).bytes(), Error::Kind::truncated }),
     RowName());
 
 INSTANTIATE_TEST_SUITE_P(Limits, BmpRefusal,
-    testing::Values(Row { "Wide", plainFile(65'536, 1, 24).bytes(), Error::Kind::LimitExceeded },
-        Row { "Tall", plainFile(1, -65'536, 24).bytes(), Error::Kind::LimitExceeded },
-        Row { "Vast", plainFile(3'000'000, 2'000'000, 24).bytes(), Error::Kind::LimitExceeded },
-        Row { "TooManyPixels", plainFile(65'535, 65'535, 1).bytes(), Error::Kind::LimitExceeded },
+    testing::Values(Row { "Wide", plainFile(65'536, 1, 24).bytes(), Error::Kind::limitExceeded },
+        Row { "Tall", plainFile(1, -65'536, 24).bytes(), Error::Kind::limitExceeded },
+        Row { "Vast", plainFile(3'000'000, 2'000'000, 24).bytes(), Error::Kind::limitExceeded },
+        Row { "TooManyPixels", plainFile(65'535, 65'535, 1).bytes(), Error::Kind::limitExceeded },
         Row {
-            "Largest", plainFile(0x7FFFFFFF, 0x7FFFFFFF, 32).bytes(), Error::Kind::LimitExceeded }),
+            "Largest", plainFile(0x7FFFFFFF, 0x7FFFFFFF, 32).bytes(), Error::Kind::limitExceeded }),
     RowName());
 
 TEST(BmpLimits, CountTheBytesOfTheDecodedPicture)
@@ -134,7 +134,7 @@ TEST(BmpLimits, CountTheBytesOfTheDecodedPicture)
     options.limits.maximumBytes = 299;
     const auto decoded = bmp::decode(file.bytes(), options);
     ASSERT_FALSE(decoded);
-    EXPECT_EQ(decoded.error().kind, Error::Kind::LimitExceeded);
+    EXPECT_EQ(decoded.error().kind, Error::Kind::limitExceeded);
 }
 
 TEST(BmpHeader, IsReadWhereThePictureExceedsTheLimits)
@@ -160,7 +160,7 @@ TEST_P(BmpCut, AtAnyByteIsRefusedUnlessItOnlyCutsPadding)
         const auto decoded = bmp::decode(ByteSpan(whole).first(length), {});
         EXPECT_EQ(decoded.has_value(), length >= enough) << length;
         if (!decoded) {
-            EXPECT_EQ(decoded.error().kind, Error::Kind::Truncated) << length;
+            EXPECT_EQ(decoded.error().kind, Error::Kind::truncated) << length;
         }
     }
 }

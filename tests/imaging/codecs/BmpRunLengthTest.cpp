@@ -18,7 +18,7 @@ struct Row {
     ByteBuffer code;
     /// Five indexes by three rows from the top, "12345/00000/00000"; empty for a refusal.
     std::string_view expected;
-    Error::Kind kind = Error::Kind::Truncated;
+    Error::Kind kind = Error::Kind::truncated;
 };
 
 BmpFile fileFor(const Row& row)
@@ -94,10 +94,10 @@ INSTANTIATE_TEST_SUITE_P(Eight, BmpRunLength,
         Row { "CutInsideLiterals", 8, bytesOf({ 0, 5, 1, 2, 3, 4 }), "" },
         Row { "NothingAtAll", 8, {}, "" },
         Row {
-            "DeltaPastTheRightEdge", 8, bytesOf({ 0, 2, 6, 0, 0, 1 }), "", Error::Kind::Malformed },
-        Row { "DeltaAboveTheTop", 8, bytesOf({ 0, 2, 0, 4, 0, 1 }), "", Error::Kind::Malformed },
+            "DeltaPastTheRightEdge", 8, bytesOf({ 0, 2, 6, 0, 0, 1 }), "", Error::Kind::malformed },
+        Row { "DeltaAboveTheTop", 8, bytesOf({ 0, 2, 0, 4, 0, 1 }), "", Error::Kind::malformed },
         Row { "ManyDeltasPastTheEdge", 8, bytesOf({ 0, 2, 3, 0, 0, 2, 3, 0, 0, 1 }), "",
-            Error::Kind::Malformed }),
+            Error::Kind::malformed }),
     RowName());
 
 INSTANTIATE_TEST_SUITE_P(Four, BmpRunLength,

@@ -24,7 +24,7 @@ struct Row {
 EncodeOptions withoutProfile()
 {
     EncodeOptions options;
-    options.profile = ProfilePolicy::Omit;
+    options.profile = ProfilePolicy::omit;
     return options;
 }
 
@@ -43,8 +43,8 @@ TEST_P(BmpWriter, RoundTripsInTheSmallestForm)
 
     const auto decoded = bmp::decode(*file, {});
     ASSERT_TRUE(decoded);
-    const PixelLayout expected { ColorModel::Rgb, 8,
-        row.bits == 32 ? AlphaInfo::Last : AlphaInfo::None };
+    const PixelLayout expected { ColorModel::rgb, 8,
+        row.bits == 32 ? AlphaInfo::last : AlphaInfo::none };
     ASSERT_EQ(decoded->image.layout(), expected);
     EXPECT_EQ(test::maximumDifference(decoded->image, relayout(image, expected).value()), 0);
 }
@@ -52,14 +52,14 @@ TEST_P(BmpWriter, RoundTripsInTheSmallestForm)
 // 47 pixels a row: 48, 144 and 188 bytes, 33 rows
 INSTANTIATE_TEST_SUITE_P(Table, BmpWriter,
     testing::Values(
-        Row { "Grey8", { ColorModel::Grey, 8, AlphaInfo::None }, 8, 40, 54 + 1024 + 48 * 33 },
-        Row { "Grey16", { ColorModel::Grey, 16, AlphaInfo::None }, 8, 40, 54 + 1024 + 48 * 33 },
-        Row { "GreyAlpha", { ColorModel::Grey, 8, AlphaInfo::Last }, 32, 124, 138 + 188 * 33 },
-        Row { "Rgb8", { ColorModel::Rgb, 8, AlphaInfo::None }, 24, 40, 54 + 144 * 33 },
-        Row { "Rgb16", { ColorModel::Rgb, 16, AlphaInfo::None }, 24, 40, 54 + 144 * 33 },
-        Row { "Padded", { ColorModel::Rgb, 8, AlphaInfo::NoneSkipFirst }, 24, 40, 54 + 144 * 33 },
-        Row { "AlphaLast", { ColorModel::Rgb, 8, AlphaInfo::Last }, 32, 124, 138 + 188 * 33 },
-        Row { "AlphaFirst16", { ColorModel::Rgb, 16, AlphaInfo::First }, 32, 124, 138 + 188 * 33 },
+        Row { "Grey8", { ColorModel::grey, 8, AlphaInfo::none }, 8, 40, 54 + 1024 + 48 * 33 },
+        Row { "Grey16", { ColorModel::grey, 16, AlphaInfo::none }, 8, 40, 54 + 1024 + 48 * 33 },
+        Row { "GreyAlpha", { ColorModel::grey, 8, AlphaInfo::last }, 32, 124, 138 + 188 * 33 },
+        Row { "Rgb8", { ColorModel::rgb, 8, AlphaInfo::none }, 24, 40, 54 + 144 * 33 },
+        Row { "Rgb16", { ColorModel::rgb, 16, AlphaInfo::none }, 24, 40, 54 + 144 * 33 },
+        Row { "Padded", { ColorModel::rgb, 8, AlphaInfo::noneSkipFirst }, 24, 40, 54 + 144 * 33 },
+        Row { "AlphaLast", { ColorModel::rgb, 8, AlphaInfo::last }, 32, 124, 138 + 188 * 33 },
+        Row { "AlphaFirst16", { ColorModel::rgb, 16, AlphaInfo::first }, 32, 124, 138 + 188 * 33 },
         Row { "Premultiplied", rgba8Premultiplied, 32, 124, 138 + 188 * 33 }),
     RowName());
 
@@ -69,27 +69,27 @@ Image wideGamut(PixelLayout layout)
         { 0.150, 0.060 } };
     return test::gradient(oddSize, layout)
         .withColorSpace(
-            ColorSpace::fromPrimaries(displayP3, { TransferCurve::Kind::SRgb }).value());
+            ColorSpace::fromPrimaries(displayP3, { TransferCurve::Kind::sRgb }).value());
 }
 
 TEST(BmpWriterProfile, TravelsWhereItIsWanted)
 {
-    for (const AlphaInfo alpha : { AlphaInfo::None, AlphaInfo::Last }) {
-        const Image image = wideGamut({ ColorModel::Rgb, 8, alpha });
+    for (const AlphaInfo alpha : { AlphaInfo::none, AlphaInfo::last }) {
+        const Image image = wideGamut({ ColorModel::rgb, 8, alpha });
         const auto file = bmp::encode(image, {});
         ASSERT_TRUE(file);
         EXPECT_EQ(littleEndian32(*file, 2), file->size());
         const auto decoded = bmp::decode(*file, {});
         ASSERT_TRUE(decoded);
         EXPECT_EQ(decoded->image.colorSpace(),
-            ColorSpace::fromIcc(image.colorSpace().iccProfile(), ColorModel::Rgb).value());
+            ColorSpace::fromIcc(image.colorSpace().iccProfile(), ColorModel::rgb).value());
         EXPECT_EQ(test::maximumDifference(decoded->image, image), 0);
     }
 }
 
 TEST(BmpWriterProfile, StaysBehindWhereItIsNot)
 {
-    const Image image = wideGamut({ ColorModel::Rgb, 8, AlphaInfo::None });
+    const Image image = wideGamut({ ColorModel::rgb, 8, AlphaInfo::none });
     const auto file = bmp::encode(image, withoutProfile());
     ASSERT_TRUE(file);
     EXPECT_EQ(file->size(), 54U + 144U * 33U);
@@ -98,23 +98,23 @@ TEST(BmpWriterProfile, StaysBehindWhereItIsNot)
 
 TEST(BmpWriterProfile, DeviceColoursHaveNone)
 {
-    const Image image = test::gradient(oddSize, { ColorModel::Rgb, 8, AlphaInfo::None })
+    const Image image = test::gradient(oddSize, { ColorModel::rgb, 8, AlphaInfo::none })
                             .withColorSpace(ColorSpace::deviceRgb());
     EXPECT_EQ(bmp::encode(image, {})->size(), 54U + 144U * 33U);
 }
 
 TEST(BmpWriterRefusal, HasNoCmyk)
 {
-    const auto file = bmp::encode(test::gradient(oddSize, { ColorModel::Cmyk, 8 }), {});
+    const auto file = bmp::encode(test::gradient(oddSize, { ColorModel::cmyk, 8 }), {});
     ASSERT_FALSE(file);
-    EXPECT_EQ(file.error().kind, Error::Kind::Unsupported);
+    EXPECT_EQ(file.error().kind, Error::Kind::unsupported);
 }
 
 TEST(BmpWriterSize, OnePixel)
 {
-    for (const PixelLayout layout : { PixelLayout { ColorModel::Grey, 8, AlphaInfo::None },
-             PixelLayout { ColorModel::Rgb, 8, AlphaInfo::None },
-             PixelLayout { ColorModel::Rgb, 8, AlphaInfo::Last } }) {
+    for (const PixelLayout layout : { PixelLayout { ColorModel::grey, 8, AlphaInfo::none },
+             PixelLayout { ColorModel::rgb, 8, AlphaInfo::none },
+             PixelLayout { ColorModel::rgb, 8, AlphaInfo::last } }) {
         const auto file = bmp::encode(test::flat({ 1, 1 }, layout, { 0.2, 0.4, 0.6, 1.0 }), {});
         ASSERT_TRUE(file);
         EXPECT_TRUE(bmp::decode(*file, {}));

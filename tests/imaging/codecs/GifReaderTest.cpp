@@ -17,8 +17,8 @@ using test::GifFile;
 using test::GifPicture;
 using test::RowName;
 
-constexpr PixelLayout opaque { ColorModel::Rgb, 8, AlphaInfo::None };
-constexpr PixelLayout withAlpha { ColorModel::Rgb, 8, AlphaInfo::Last };
+constexpr PixelLayout opaque { ColorModel::rgb, 8, AlphaInfo::none };
+constexpr PixelLayout withAlpha { ColorModel::rgb, 8, AlphaInfo::last };
 
 /// Four colours whose red is 10 times their index.
 const test::GifColors fourColors { { 0, 100, 200 }, { 10, 101, 201 }, { 20, 102, 202 },
@@ -70,7 +70,7 @@ Error::Kind kindOfRefusal(ByteSpan file)
 {
     const auto decoded = gif::decode(file, {});
     EXPECT_FALSE(decoded);
-    return decoded ? Error::Kind::Io : decoded.error().kind;
+    return decoded ? Error::Kind::io : decoded.error().kind;
 }
 
 TEST(GifReader, APictureThatCoversTheScreenIsOpaque)
@@ -191,7 +191,7 @@ TEST(GifReader, CutsAreRefusedUpToTheLastPixel)
         const auto decoded = gif::decode(ByteSpan(whole).first(length), {});
         EXPECT_EQ(decoded.has_value(), length >= enough) << length;
         if (!decoded) {
-            EXPECT_EQ(decoded.error().kind, Error::Kind::Truncated) << length;
+            EXPECT_EQ(decoded.error().kind, Error::Kind::truncated) << length;
         }
     }
 }
@@ -238,25 +238,25 @@ INSTANTIATE_TEST_SUITE_P(Table, GifCodes,
         CodeRow { "TheCodeBeingMade", { gifClear, 0, 258, 1, gifEnd }, {} },
         CodeRow { "ClearedInBetween", { gifClear, 0, 1, gifClear, gifClear, 2, 3, gifEnd }, {} },
         CodeRow { "MoreThanThePicture", { gifClear, 0, 1, 2, 3, 0, 1, 2 }, {} },
-        CodeRow { "EndTooEarly", { gifClear, 0, 1, 2, gifEnd }, Error::Kind::Truncated },
-        CodeRow { "BlocksEndTooEarly", { gifClear, 0, 1 }, Error::Kind::Truncated },
-        CodeRow { "NoCodes", {}, Error::Kind::Truncated },
-        CodeRow { "CodeNotYetMade", { gifClear, 0, 259, 1, 2 }, Error::Kind::Malformed },
-        CodeRow { "CodeAfterClear", { gifClear, 258, 1, 2, 3 }, Error::Kind::Malformed },
+        CodeRow { "EndTooEarly", { gifClear, 0, 1, 2, gifEnd }, Error::Kind::truncated },
+        CodeRow { "BlocksEndTooEarly", { gifClear, 0, 1 }, Error::Kind::truncated },
+        CodeRow { "NoCodes", {}, Error::Kind::truncated },
+        CodeRow { "CodeNotYetMade", { gifClear, 0, 259, 1, 2 }, Error::Kind::malformed },
+        CodeRow { "CodeAfterClear", { gifClear, 258, 1, 2, 3 }, Error::Kind::malformed },
         CodeRow {
-            "CodeFromBeforeAClear", { gifClear, 0, 1, gifClear, 2, 259 }, Error::Kind::Malformed }),
+            "CodeFromBeforeAClear", { gifClear, 0, 1, gifClear, 2, 259 }, Error::Kind::malformed }),
     RowName());
 
 TEST(GifRefusal, NoPalette)
 {
     const GifFile file { .screen = { 1, 1 }, .pictures = { filled({ 0, 0, 1, 1 }, 0) } };
-    EXPECT_EQ(kindOfRefusal(file.bytes()), Error::Kind::Malformed);
+    EXPECT_EQ(kindOfRefusal(file.bytes()), Error::Kind::malformed);
 }
 
 TEST(GifRefusal, NoPicture)
 {
     const GifFile file { .screen = { 1, 1 }, .palette = fourColors };
-    EXPECT_EQ(kindOfRefusal(file.bytes()), Error::Kind::Malformed);
+    EXPECT_EQ(kindOfRefusal(file.bytes()), Error::Kind::malformed);
 }
 
 TEST(GifRefusal, NoPixels)
@@ -264,14 +264,14 @@ TEST(GifRefusal, NoPixels)
     GifFile file {
         .screen = { 1, 1 }, .palette = fourColors, .pictures = { filled({ 0, 0, 0, 1 }, 0) }
     };
-    EXPECT_EQ(kindOfRefusal(file.bytes()), Error::Kind::Malformed);
+    EXPECT_EQ(kindOfRefusal(file.bytes()), Error::Kind::malformed);
     file.pictures = { filled({ 0, 0, 1, 0 }, 0) };
-    EXPECT_EQ(kindOfRefusal(file.bytes()), Error::Kind::Malformed);
+    EXPECT_EQ(kindOfRefusal(file.bytes()), Error::Kind::malformed);
 }
 
 TEST(GifRefusal, NoGif)
 {
-    EXPECT_EQ(kindOfRefusal(ByteBuffer(100)), Error::Kind::Malformed);
+    EXPECT_EQ(kindOfRefusal(ByteBuffer(100)), Error::Kind::malformed);
     EXPECT_FALSE(gif::sniff(ByteBuffer(100)));
     EXPECT_FALSE(gif::sniff(bytesOf({ 'G', 'I', 'F', '8', '8', 'a', 0, 0 })));
     EXPECT_FALSE(gif::sniff(bytesOf({ 'G', 'I', 'F', '8', '9' })));
@@ -282,11 +282,11 @@ TEST(GifLimits, HoldBeforeAnyPixel)
     GifFile file { .screen = { 65'535, 65'535 },
         .palette = fourColors,
         .pictures = { filled({ 0, 0, 1, 1 }, 0) } };
-    EXPECT_EQ(kindOfRefusal(file.bytes()), Error::Kind::LimitExceeded);
+    EXPECT_EQ(kindOfRefusal(file.bytes()), Error::Kind::limitExceeded);
     // The screen grows to 65,536.
     file.screen = { 1, 1 };
     file.pictures = { filled({ 65'535, 0, 1, 1 }, 0) };
-    EXPECT_EQ(kindOfRefusal(file.bytes()), Error::Kind::LimitExceeded);
+    EXPECT_EQ(kindOfRefusal(file.bytes()), Error::Kind::limitExceeded);
 
     file = {
         .screen = { 10, 10 }, .palette = fourColors, .pictures = { filled({ 0, 0, 10, 10 }, 0) }

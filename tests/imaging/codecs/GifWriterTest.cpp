@@ -11,8 +11,8 @@ namespace {
 
 using test::oddSize;
 
-constexpr PixelLayout opaque { ColorModel::Rgb, 8, AlphaInfo::None };
-constexpr PixelLayout withAlpha { ColorModel::Rgb, 8, AlphaInfo::Last };
+constexpr PixelLayout opaque { ColorModel::rgb, 8, AlphaInfo::none };
+constexpr PixelLayout withAlpha { ColorModel::rgb, 8, AlphaInfo::last };
 
 /// A picture of so many colours, and of so many transparent pixels at its start.
 Image withColors(int count, int transparent)
@@ -119,26 +119,26 @@ TEST_P(GifLayout, IsConverted)
 }
 
 INSTANTIATE_TEST_SUITE_P(Every, GifLayout,
-    testing::Values(PixelLayout { ColorModel::Grey, 8, AlphaInfo::None },
-        PixelLayout { ColorModel::Grey, 16, AlphaInfo::Last },
-        PixelLayout { ColorModel::Rgb, 16, AlphaInfo::First }, rgba8Premultiplied,
-        PixelLayout { ColorModel::Rgb, 8, AlphaInfo::NoneSkipFirst }),
+    testing::Values(PixelLayout { ColorModel::grey, 8, AlphaInfo::none },
+        PixelLayout { ColorModel::grey, 16, AlphaInfo::last },
+        PixelLayout { ColorModel::rgb, 16, AlphaInfo::first }, rgba8Premultiplied,
+        PixelLayout { ColorModel::rgb, 8, AlphaInfo::noneSkipFirst }),
     [](const auto& row) { return "Layout" + std::to_string(row.index); });
 
 TEST(GifWriterRefusal, HasNoCmyk)
 {
-    const auto file = gif::encode(test::gradient(oddSize, { ColorModel::Cmyk, 8 }), {});
+    const auto file = gif::encode(test::gradient(oddSize, { ColorModel::cmyk, 8 }), {});
     ASSERT_FALSE(file);
-    EXPECT_EQ(file.error().kind, Error::Kind::Unsupported);
+    EXPECT_EQ(file.error().kind, Error::Kind::unsupported);
 }
 
 TEST(GifWriterRefusal, HoldsSidesOf65535)
 {
-    const PixelLayout grey { ColorModel::Grey, 8, AlphaInfo::None };
+    const PixelLayout grey { ColorModel::grey, 8, AlphaInfo::none };
     EXPECT_TRUE(gif::encode(test::flat({ 65'535, 1 }, grey, { 0.5 }), {}));
     const auto file = gif::encode(test::flat({ 1, 65'536 }, grey, { 0.5 }), {});
     ASSERT_FALSE(file);
-    EXPECT_EQ(file.error().kind, Error::Kind::EncodingFailed);
+    EXPECT_EQ(file.error().kind, Error::Kind::encodingFailed);
 }
 
 } // namespace

@@ -63,7 +63,7 @@ TEST_P(HeicReferences, mustComeToAnEnd)
     for (const int idBytes : { 2, 4 }) {
         const auto problem = problemWith(fileWith(GetParam().references, idBytes));
         EXPECT_EQ(
-            problem, GetParam().isSound ? std::nullopt : std::optional(Error::Kind::Malformed));
+            problem, GetParam().isSound ? std::nullopt : std::optional(Error::Kind::malformed));
     }
 }
 
@@ -106,12 +106,12 @@ INSTANTIATE_TEST_SUITE_P(Shapes, HeicReferences,
 TEST(HeicContainer, av1IsRefusedWhereverMetaStands)
 {
     const std::string meta = box("meta", std::string(4, '\0') + box("av1C", "x"));
-    EXPECT_EQ(problemWith(box("ftyp", "mif1") + meta), Error::Kind::Unsupported);
+    EXPECT_EQ(problemWith(box("ftyp", "mif1") + meta), Error::Kind::unsupported);
     const std::string toTheEnd = number(0, 4) + meta.substr(4);
-    EXPECT_EQ(problemWith(toTheEnd), Error::Kind::Unsupported);
+    EXPECT_EQ(problemWith(toTheEnd), Error::Kind::unsupported);
     const std::string longHeader
         = number(1, 4) + "meta" + number(meta.size() + 8, 8) + meta.substr(8);
-    EXPECT_EQ(problemWith(longHeader), Error::Kind::Unsupported);
+    EXPECT_EQ(problemWith(longHeader), Error::Kind::unsupported);
     EXPECT_EQ(problemWith(box("mdat", "av1C") + box("meta", std::string(4, '\0'))), std::nullopt);
 }
 
@@ -122,12 +122,12 @@ TEST(HeicContainer, damagedReferencesAreRefused)
     // The count of references, two bytes before the only one at the end, says more.
     std::string greedy = sound;
     greedy[greedy.size() - 3] = 9;
-    EXPECT_EQ(problemWith(greedy), Error::Kind::Malformed);
-    EXPECT_EQ(problemWith(box("meta", "")), Error::Kind::Malformed);
+    EXPECT_EQ(problemWith(greedy), Error::Kind::malformed);
+    EXPECT_EQ(problemWith(box("meta", "")), Error::Kind::malformed);
     EXPECT_EQ(problemWith(box("meta", std::string(4, '\0') + number(99, 4) + "iref")),
-        Error::Kind::Malformed);
+        Error::Kind::malformed);
     EXPECT_EQ(
-        problemWith(box("meta", std::string(4, '\0') + box("iref", "x"))), Error::Kind::Malformed);
+        problemWith(box("meta", std::string(4, '\0') + box("iref", "x"))), Error::Kind::malformed);
 }
 
 } // namespace

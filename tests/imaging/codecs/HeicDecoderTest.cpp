@@ -17,8 +17,8 @@ namespace {
 using namespace std::string_view_literals;
 using test::heicFile;
 
-constexpr PixelLayout rgb8 { ColorModel::Rgb, 8, AlphaInfo::None };
-constexpr PixelLayout rgb16 { ColorModel::Rgb, 16, AlphaInfo::None };
+constexpr PixelLayout rgb8 { ColorModel::rgb, 8, AlphaInfo::none };
+constexpr PixelLayout rgb16 { ColorModel::rgb, 16, AlphaInfo::none };
 
 Result<DecodedImage> decodeFile(const ByteBuffer& file)
 {
@@ -48,35 +48,35 @@ TEST_P(HeicBrands, decideTheType)
 {
     const auto bytes = std::as_bytes(std::span(GetParam().box));
     EXPECT_EQ(containerOf(bytes), GetParam().expected);
-    EXPECT_EQ(sniffHeic(bytes), GetParam().expected == Container::Heic);
-    EXPECT_EQ(sniffHeif(bytes), GetParam().expected == Container::Heif);
+    EXPECT_EQ(sniffHeic(bytes), GetParam().expected == Container::heic);
+    EXPECT_EQ(sniffHeif(bytes), GetParam().expected == Container::heif);
 }
 
 INSTANTIATE_TEST_SUITE_P(Boxes, HeicBrands,
     testing::Values(BrandRow { "heic",
                         "\0\0\0\x18"
                         "ftypheic\0\0\0\0mif1heic"sv,
-                        Container::Heic },
+                        Container::heic },
         BrandRow { "heix",
             "\0\0\0\x14"
             "ftypheix\0\0\0\0mif1"sv,
-            Container::Heic },
+            Container::heic },
         BrandRow { "hevc",
             "\0\0\0\x10"
             "ftyphevc\0\0\0\0"sv,
-            Container::Heic },
+            Container::heic },
         BrandRow { "mif1WithHeic",
             "\0\0\0\x18"
             "ftypmif1\0\0\0\0mif1heic"sv,
-            Container::Heif },
+            Container::heif },
         BrandRow { "mif1Alone",
             "\0\0\0\x14"
             "ftypmif1\0\0\0\0mif1"sv,
-            Container::Heif },
+            Container::heif },
         BrandRow { "msf1",
             "\0\0\0\x18"
             "ftypmsf1\0\0\0\0msf1hevc"sv,
-            Container::Heif },
+            Container::heif },
         BrandRow { "mif1WithAvifOnly",
             "\0\0\0\x18"
             "ftypmif1\0\0\0\0mif1avif"sv,
@@ -131,10 +131,10 @@ TEST(HeicDecoder, tenAndTwelveBitsFillSixteen)
 TEST(HeicDecoder, alphaIsWhatTheFileDeclares)
 {
     using Alpha = test::HeicRecipe::Alpha;
-    for (const auto& [declared, expected] : { std::pair { Alpha::Straight, AlphaInfo::Last },
-             std::pair { Alpha::Premultiplied, AlphaInfo::PremultipliedLast } }) {
+    for (const auto& [declared, expected] : { std::pair { Alpha::straight, AlphaInfo::last },
+             std::pair { Alpha::premultiplied, AlphaInfo::premultipliedLast } }) {
         for (const int bits : { 8, 10 }) {
-            const PixelLayout layout { ColorModel::Rgb, bits == 8 ? 8 : 16, expected };
+            const PixelLayout layout { ColorModel::rgb, bits == 8 ? 8 : 16, expected };
             const Image image = test::gradient({ 64, 64 }, layout);
             const auto file = heicFile(image, { .bits = bits, .alpha = declared });
             const auto decoded = decodeFile(file);
@@ -154,10 +154,10 @@ TEST(HeicDecoder, rotationOfTheContainerIsApplied)
     ASSERT_TRUE(header && decoded);
     EXPECT_EQ(header->size, (Size { 64, 96 }));
     EXPECT_EQ(decoded->storedSize, (Size { 64, 96 }));
-    const auto turned = upright(image, Orientation::RightTop);
+    const auto turned = upright(image, Orientation::rightTop);
     ASSERT_TRUE(turned);
     EXPECT_GT(test::psnr(decoded->image, *turned), 36.0);
-    EXPECT_EQ(decoded->orientation, Orientation::TopLeft);
+    EXPECT_EQ(decoded->orientation, Orientation::topLeft);
 }
 
 TEST(HeicDecoder, exifOrientationIsNeverApplied)
@@ -166,7 +166,7 @@ TEST(HeicDecoder, exifOrientationIsNeverApplied)
     const ByteBuffer exif = exifWithOrientation(6);
     const auto decoded = decodeFile(heicFile(image, { .exif = exif }));
     ASSERT_TRUE(decoded);
-    EXPECT_EQ(decoded->orientation, Orientation::TopLeft);
+    EXPECT_EQ(decoded->orientation, Orientation::topLeft);
     EXPECT_EQ(decoded->metadata.exif, exif);
     EXPECT_GT(test::psnr(decoded->image, image), 36.0);
 }
@@ -223,9 +223,9 @@ TEST(HeicDecoder, limitsHoldBeforeDecoding)
         const auto decoded = decode(file, { .limits = limits, .region = {} });
         return decoded ? std::nullopt : std::optional(decoded.error().kind);
     };
-    EXPECT_EQ(kindUnder({ .maximumSide = 199 }), Error::Kind::LimitExceeded);
-    EXPECT_EQ(kindUnder({ .maximumPixels = 19'999 }), Error::Kind::LimitExceeded);
-    EXPECT_EQ(kindUnder({ .maximumBytes = 59'999 }), Error::Kind::LimitExceeded);
+    EXPECT_EQ(kindUnder({ .maximumSide = 199 }), Error::Kind::limitExceeded);
+    EXPECT_EQ(kindUnder({ .maximumPixels = 19'999 }), Error::Kind::limitExceeded);
+    EXPECT_EQ(kindUnder({ .maximumBytes = 59'999 }), Error::Kind::limitExceeded);
     EXPECT_EQ(kindUnder({ .maximumPixels = 20'000, .maximumSide = 200, .maximumBytes = 60'000 }),
         std::nullopt);
 }

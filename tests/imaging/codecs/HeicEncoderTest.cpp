@@ -12,7 +12,7 @@ namespace {
 
 using namespace std::string_view_literals;
 
-constexpr PixelLayout rgb8 { ColorModel::Rgb, 8, AlphaInfo::None };
+constexpr PixelLayout rgb8 { ColorModel::rgb, 8, AlphaInfo::none };
 
 EncodeOptions atQuality(double quality)
 {
@@ -100,9 +100,9 @@ TEST(HeicEncoder, typeIsWhatWasAskedFor)
 
 TEST(HeicEncoder, alphaIsComposedOnWhite)
 {
-    for (const AlphaInfo alpha : { AlphaInfo::Last, AlphaInfo::PremultipliedLast, AlphaInfo::First,
-             AlphaInfo::PremultipliedFirst }) {
-        const Image image = test::gradient({ 96, 64 }, { ColorModel::Rgb, 8, alpha });
+    for (const AlphaInfo alpha : { AlphaInfo::last, AlphaInfo::premultipliedLast, AlphaInfo::first,
+             AlphaInfo::premultipliedFirst }) {
+        const Image image = test::gradient({ 96, 64 }, { ColorModel::rgb, 8, alpha });
         const auto decoded = roundTrip(image, atQuality(0.95));
         ASSERT_TRUE(decoded);
         EXPECT_EQ(decoded->image.layout(), rgb8);
@@ -113,8 +113,8 @@ TEST(HeicEncoder, alphaIsComposedOnWhite)
 
 TEST(HeicEncoder, greyAndSixteenBitsAreTaken)
 {
-    const Image grey = test::gradient({ 80, 64 }, { ColorModel::Grey, 8, AlphaInfo::None });
-    const Image deep = test::gradient({ 80, 64 }, { ColorModel::Rgb, 16, AlphaInfo::None });
+    const Image grey = test::gradient({ 80, 64 }, { ColorModel::grey, 8, AlphaInfo::none });
+    const Image deep = test::gradient({ 80, 64 }, { ColorModel::rgb, 16, AlphaInfo::none });
     for (const Image& image : { grey, deep }) {
         const auto decoded = roundTrip(image, atQuality(0.95));
         ASSERT_TRUE(decoded);
@@ -125,16 +125,16 @@ TEST(HeicEncoder, greyAndSixteenBitsAreTaken)
 TEST(HeicEncoder, cmykIsRefused)
 {
     const auto file
-        = encodeHeic(test::gradient({ 8, 8 }, { ColorModel::Cmyk, 8, AlphaInfo::None }), {});
+        = encodeHeic(test::gradient({ 8, 8 }, { ColorModel::cmyk, 8, AlphaInfo::none }), {});
     ASSERT_FALSE(file);
-    EXPECT_EQ(file.error().kind, Error::Kind::Unsupported);
+    EXPECT_EQ(file.error().kind, Error::Kind::unsupported);
 }
 
 TEST(HeicEncoder, profileIsWrittenAsAsked)
 {
     const Image image = test::gradient(test::oddSize, rgb8);
-    const auto with = encodeHeic(image, { .profile = ProfilePolicy::Embed, .metadata = {} });
-    const auto without = encodeHeic(image, { .profile = ProfilePolicy::Omit, .metadata = {} });
+    const auto with = encodeHeic(image, { .profile = ProfilePolicy::embed, .metadata = {} });
+    const auto without = encodeHeic(image, { .profile = ProfilePolicy::omit, .metadata = {} });
     const auto device = encodeHeic(image.withColorSpace(ColorSpace::deviceRgb()), {});
     ASSERT_TRUE(with && without && device);
     EXPECT_TRUE(containsText(*with, "colrprof"));

@@ -73,7 +73,7 @@ imaging::ByteBuffer heicFile(const imaging::Image& image, const HeicRecipe& reci
         picture, heif_channel_interleaved, image.width(), image.height(), recipe.bits));
     fill(picture, image, recipe.bits);
     heif_image_set_premultiplied_alpha(
-        picture, recipe.alpha == HeicRecipe::Alpha::Premultiplied ? 1 : 0);
+        picture, recipe.alpha == HeicRecipe::Alpha::premultiplied ? 1 : 0);
 
     const Owned<heif_encoding_options> options(
         heif_encoding_options_alloc(), heif_encoding_options_free);

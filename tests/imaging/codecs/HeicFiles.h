@@ -14,8 +14,8 @@ struct HeicRecipe {
     heif_orientation orientation = heif_orientation_normal; ///< as boxes of the container
     std::optional<heif_color_profile_nclx> description {};
     imaging::ByteBuffer exif {};
-    enum class Alpha { Straight, Premultiplied };
-    Alpha alpha = Alpha::Straight; ///< how alpha is declared, if there is any
+    enum class Alpha { straight, premultiplied };
+    Alpha alpha = Alpha::straight; ///< how alpha is declared, if there is any
     int quality = 95;
 };
 

@@ -17,10 +17,10 @@ using test::oddSize;
 using test::psnr;
 using test::syntheticPhoto;
 
-constexpr PixelLayout grey8 { ColorModel::Grey, 8, AlphaInfo::None };
-constexpr PixelLayout rgb8 { ColorModel::Rgb, 8, AlphaInfo::None };
-constexpr PixelLayout rgba8 { ColorModel::Rgb, 8, AlphaInfo::Last };
-constexpr PixelLayout cmyk8 { ColorModel::Cmyk, 8, AlphaInfo::None };
+constexpr PixelLayout grey8 { ColorModel::grey, 8, AlphaInfo::none };
+constexpr PixelLayout rgb8 { ColorModel::rgb, 8, AlphaInfo::none };
+constexpr PixelLayout rgba8 { ColorModel::rgb, 8, AlphaInfo::last };
+constexpr PixelLayout cmyk8 { ColorModel::cmyk, 8, AlphaInfo::none };
 
 ByteBuffer encoded(const Image& image, const EncodeOptions& options = {})
 {
@@ -124,7 +124,7 @@ TEST(JpegEncoder, writesGreyRgbWithOneComponentUnlessAProfileSaysRgb)
     const Image grey = test::makeImage(oddSize, grey8, sample);
     const EncodeOptions embed { .quality = 0.95, .metadata = {} };
     EncodeOptions omit = embed;
-    omit.profile = ProfilePolicy::Omit;
+    omit.profile = ProfilePolicy::omit;
 
     EXPECT_EQ(structureOf(encoded(tagged, embed)).components, 3);
     EXPECT_EQ(structureOf(encoded(tagged, omit)).components, 1);
@@ -143,7 +143,7 @@ TEST(JpegEncoder, composesAlphaOnWhite)
 
 TEST(JpegEncoder, takesSixteenBits)
 {
-    const Image deep = gradient(oddSize, { ColorModel::Rgb, 16, AlphaInfo::None });
+    const Image deep = gradient(oddSize, { ColorModel::rgb, 16, AlphaInfo::none });
     EXPECT_GT(psnr(deep, decoded(encoded(deep)).image), 42.0);
 }
 
@@ -161,7 +161,7 @@ TEST(JpegEncoder, refusesSidesThatTheFormatCannotHold)
 {
     const auto result = jpeg::encode(test::flat({ 65'501, 1 }, grey8, { 0.5 }), {});
     ASSERT_FALSE(result.has_value());
-    EXPECT_EQ(result.error().kind, Error::Kind::EncodingFailed);
+    EXPECT_EQ(result.error().kind, Error::Kind::encodingFailed);
 }
 
 } // namespace

@@ -16,11 +16,11 @@ constexpr std::array separateScans { jpeg_scan_info { 1, { 0 }, 0, 63, 0, 0 },
 J_COLOR_SPACE inputSpace(imaging::ColorModel model)
 {
     switch (model) {
-    case imaging::ColorModel::Grey:
+    case imaging::ColorModel::grey:
         return JCS_GRAYSCALE;
-    case imaging::ColorModel::Rgb:
+    case imaging::ColorModel::rgb:
         return JCS_RGB;
-    case imaging::ColorModel::Cmyk:
+    case imaging::ColorModel::cmyk:
         break;
     }
     return JCS_CMYK;
@@ -29,15 +29,15 @@ J_COLOR_SPACE inputSpace(imaging::ColorModel model)
 void setCoding(jpeg_compress_struct& library, JpegRecipe::Coding coding)
 {
     switch (coding) {
-    case JpegRecipe::Coding::Baseline:
+    case JpegRecipe::Coding::baseline:
         break;
-    case JpegRecipe::Coding::Progressive:
+    case JpegRecipe::Coding::progressive:
         jpeg_simple_progression(&library);
         break;
-    case JpegRecipe::Coding::Arithmetic:
+    case JpegRecipe::Coding::arithmetic:
         library.arith_code = TRUE;
         break;
-    case JpegRecipe::Coding::SeparateScans:
+    case JpegRecipe::Coding::separateScans:
         library.scan_info = separateScans.data();
         library.num_scans = static_cast<int>(separateScans.size());
         break;
@@ -68,7 +68,7 @@ imaging::ByteBuffer jpegFile(const imaging::Image& image, const JpegRecipe& reci
         library.comp_info[i].v_samp_factor = i == 0 ? recipe.verticalSampling : 1;
     }
     library.restart_interval = recipe.restartInterval;
-    if (recipe.adobe == JpegRecipe::Adobe::Without) {
+    if (recipe.adobe == JpegRecipe::Adobe::without) {
         library.write_Adobe_marker = FALSE;
     }
     setCoding(library, recipe.coding);

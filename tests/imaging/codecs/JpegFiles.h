@@ -18,12 +18,12 @@ struct JpegRecipe {
     /// Sampling factors of the first component; the others have 1 x 1.
     int horizontalSampling = 1;
     int verticalSampling = 1;
-    enum class Coding { Baseline, Progressive, Arithmetic, SeparateScans };
-    Coding coding = Coding::Baseline;
+    enum class Coding { baseline, progressive, arithmetic, separateScans };
+    Coding coding = Coding::baseline;
     int quality = 92;
     unsigned restartInterval = 0; ///< in MCUs, 0 for none
-    enum class Adobe { LibraryDefault, Without };
-    Adobe adobe = Adobe::LibraryDefault;
+    enum class Adobe { libraryDefault, without };
+    Adobe adobe = Adobe::libraryDefault;
     std::vector<std::pair<int, std::string>> markers {}; ///< number (0xE0 + n) and content
 };
 

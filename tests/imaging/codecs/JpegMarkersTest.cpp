@@ -14,7 +14,7 @@ using test::JpegRecipe;
 using test::oddSize;
 using namespace std::string_literals;
 
-constexpr PixelLayout rgb8 { ColorModel::Rgb, 8, AlphaInfo::None };
+constexpr PixelLayout rgb8 { ColorModel::rgb, 8, AlphaInfo::none };
 
 ByteBuffer bytesOf(std::string_view text)
 {
@@ -32,7 +32,7 @@ ColorSpace wideSpace()
 {
     return ColorSpace::fromPrimaries(
         { { 0.3127, 0.3290 }, { 0.680, 0.320 }, { 0.265, 0.690 }, { 0.150, 0.060 } },
-        { TransferCurve::Kind::SRgb, 1.0 })
+        { TransferCurve::Kind::sRgb, 1.0 })
         .value();
 }
 
@@ -96,7 +96,7 @@ TEST(JpegProfile, ofBrokenPiecesIsLeftOut)
 
 TEST(JpegProfile, ofAnotherModelIsLeftOut)
 {
-    const Image ink = test::gradient(oddSize, { ColorModel::Cmyk, 8, AlphaInfo::None });
+    const Image ink = test::gradient(oddSize, { ColorModel::cmyk, 8, AlphaInfo::none });
     const auto file = jpegFile(
         ink, { .fileSpace = JCS_CMYK, .markers = { profilePiece(1, 1, wideProfile()) } });
     EXPECT_EQ(jpeg::decode(file, {}).value().image.colorSpace(), ColorSpace::deviceCmyk());
@@ -108,7 +108,7 @@ TEST(JpegProfile, isWrittenUnlessLeftOut)
     EncodeOptions options;
     const auto with = jpeg::encode(picture, options).value();
     EXPECT_EQ(jpeg::decode(with, {}).value().image.colorSpace(), wideSpace());
-    options.profile = ProfilePolicy::Omit;
+    options.profile = ProfilePolicy::omit;
     const auto without = jpeg::encode(picture, options).value();
     EXPECT_EQ(jpeg::decode(without, {}).value().image.colorSpace(), ColorSpace::sRgb());
 }
@@ -123,7 +123,7 @@ TEST(JpegProfile, ofManySegmentsSurvivesARoundTrip)
         profile[static_cast<std::size_t>(i)]
             = static_cast<std::byte>(profile.size() >> static_cast<unsigned>(24 - 8 * i));
     }
-    const auto space = ColorSpace::fromIcc(profile, ColorModel::Rgb);
+    const auto space = ColorSpace::fromIcc(profile, ColorModel::rgb);
     ASSERT_TRUE(space.has_value());
     const Image picture = test::gradient(oddSize, rgb8).withColorSpace(*space);
     const auto file = jpeg::encode(picture, {}).value();

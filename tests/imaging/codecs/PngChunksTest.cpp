@@ -12,8 +12,8 @@ using test::oddSize;
 using test::zlibStream;
 using namespace std::string_literals;
 
-constexpr PixelLayout grey8 { ColorModel::Grey, 8, AlphaInfo::None };
-constexpr PixelLayout rgb8 { ColorModel::Rgb, 8, AlphaInfo::None };
+constexpr PixelLayout grey8 { ColorModel::grey, 8, AlphaInfo::none };
+constexpr PixelLayout rgb8 { ColorModel::rgb, 8, AlphaInfo::none };
 
 constexpr Primaries rec709 { { 0.3127, 0.3290 }, { 0.64, 0.33 }, { 0.30, 0.60 }, { 0.15, 0.06 } };
 constexpr Primaries displayP3 { { 0.3127, 0.3290 }, { 0.680, 0.320 }, { 0.265, 0.690 },
@@ -30,22 +30,22 @@ ByteBuffer bytesOf(std::string_view text)
     return { bytes.begin(), bytes.end() };
 }
 
-enum class Place { BeforeThePicture, BehindThePicture };
+enum class Place { beforeThePicture, behindThePicture };
 
 DecodedImage decodedWith(
-    const std::string& chunks, Place place = Place::BeforeThePicture, int colorType = 2)
+    const std::string& chunks, Place place = Place::beforeThePicture, int colorType = 2)
 {
     test::PngRecipe recipe;
     recipe.size = { 5, 4 };
     recipe.colorType = colorType;
-    (place == Place::BeforeThePicture ? recipe.chunks : recipe.chunksBehind) = chunks;
+    (place == Place::beforeThePicture ? recipe.chunks : recipe.chunksBehind) = chunks;
     recipe.sample = [](int x, int y, int c) { return static_cast<unsigned>(x * 40 + y * 9 + c); };
     return png::decode(test::pngFile(recipe), {}).value();
 }
 
 ColorSpace spaceWith(const std::string& chunks, int colorType = 2)
 {
-    return decodedWith(chunks, Place::BeforeThePicture, colorType).image.colorSpace();
+    return decodedWith(chunks, Place::beforeThePicture, colorType).image.colorSpace();
 }
 
 std::string bigEndian(std::uint32_t value)
@@ -80,12 +80,12 @@ std::string profileChunk(std::string_view profile)
 
 ColorSpace wideSpace()
 {
-    return ColorSpace::fromPrimaries(displayP3, { TransferCurve::Kind::SRgb, 1.0 }).value();
+    return ColorSpace::fromPrimaries(displayP3, { TransferCurve::Kind::sRgb, 1.0 }).value();
 }
 
-ColorSpace gammaSpace(const Primaries& primaries, double gamma, ColorModel model = ColorModel::Rgb)
+ColorSpace gammaSpace(const Primaries& primaries, double gamma, ColorModel model = ColorModel::rgb)
 {
-    return ColorSpace::fromPrimaries(primaries, { TransferCurve::Kind::Gamma, gamma }, model)
+    return ColorSpace::fromPrimaries(primaries, { TransferCurve::Kind::gamma, gamma }, model)
         .value();
 }
 
@@ -133,7 +133,7 @@ TEST(PngColour, ofNumbersHasThatCurveAndThosePrimaries)
     EXPECT_EQ(
         spaceWith(gammaChunk(50'000) + primariesChunk(displayP3)), gammaSpace(displayP3, 2.0));
     EXPECT_EQ(spaceWith(primariesChunk(displayP3)), wideSpace());
-    EXPECT_EQ(spaceWith(gammaChunk(50'000), 0), gammaSpace(rec709, 2.0, ColorModel::Grey));
+    EXPECT_EQ(spaceWith(gammaChunk(50'000), 0), gammaSpace(rec709, 2.0, ColorModel::grey));
 }
 
 TEST(PngColour, ofTheUsualNumbersIsSRgb)
@@ -159,7 +159,7 @@ TEST(PngColour, travelsAsAProfileUnlessItIsLeftOut)
     EncodeOptions options;
     const auto with = png::encode(picture, options).value();
     EXPECT_EQ(png::decode(with, {}).value().image.colorSpace(), wideSpace());
-    options.profile = ProfilePolicy::Omit;
+    options.profile = ProfilePolicy::omit;
     const auto without = png::encode(picture, options).value();
     EXPECT_EQ(test::findChunk(without, "iCCP"), without.size());
     EXPECT_EQ(png::decode(without, {}).value().image.colorSpace(), ColorSpace::sRgb());
@@ -177,18 +177,18 @@ TEST(PngColour, keepsTheColourTypeThatItsProfileIsFor)
     const Image greyInRgb = test::makeImage({ 300, 250 }, rgb8, wideSpace(), level);
     EncodeOptions options;
     EXPECT_EQ(colorTypeOf(png::encode(greyInRgb, options).value()), 3) << "a palette counts as RGB";
-    options.profile = ProfilePolicy::Omit;
+    options.profile = ProfilePolicy::omit;
     EXPECT_EQ(colorTypeOf(png::encode(greyInRgb, options).value()), 0);
 
     // Two greys would be a palette; under a grey profile they may not.
     const auto two = [](int x, int y, int /*c*/) { return (x * x + y) % 3 == 0 ? 0.2 : 0.4; };
     const Image grey
-        = test::makeImage({ 200, 200 }, grey8, gammaSpace(rec709, 2.0, ColorModel::Grey), two);
-    options.profile = ProfilePolicy::Embed;
+        = test::makeImage({ 200, 200 }, grey8, gammaSpace(rec709, 2.0, ColorModel::grey), two);
+    options.profile = ProfilePolicy::embed;
     const auto embedded = png::encode(grey, options).value();
     EXPECT_EQ(colorTypeOf(embedded), 0);
     EXPECT_EQ(png::decode(embedded, {}).value().image.colorSpace(), grey.colorSpace());
-    options.profile = ProfilePolicy::Omit;
+    options.profile = ProfilePolicy::omit;
     EXPECT_EQ(colorTypeOf(png::encode(grey, options).value()), 3);
 }
 
@@ -264,7 +264,7 @@ TEST(PngMetadata, isReadFromEveryPlaceThatItIsWrittenTo)
              Row { "another text", chunk("tEXt", "Comment\0hello"s), {} },
          }) {
         EXPECT_EQ(decodedWith(chunks).metadata, blocks) << name;
-        EXPECT_EQ(decodedWith(chunks, Place::BehindThePicture).metadata, blocks) << name;
+        EXPECT_EQ(decodedWith(chunks, Place::behindThePicture).metadata, blocks) << name;
     }
 }
 

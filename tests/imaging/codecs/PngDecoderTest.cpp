@@ -29,7 +29,7 @@ Error::Kind refusal(ByteSpan file, const DecodeOptions& options = {})
 {
     const auto result = png::decode(file, options);
     EXPECT_FALSE(result.has_value());
-    return result ? Error::Kind::Io : result.error().kind;
+    return result ? Error::Kind::io : result.error().kind;
 }
 
 /// Something that differs between neighbours in every direction and channel.
@@ -70,10 +70,10 @@ void PrintTo(const KindCase& kind, std::ostream* stream)
     *stream << kind.name;
 }
 
-constexpr auto grey = ColorModel::Grey;
-constexpr auto rgb = ColorModel::Rgb;
-constexpr auto none = AlphaInfo::None;
-constexpr auto last = AlphaInfo::Last;
+constexpr auto grey = ColorModel::grey;
+constexpr auto rgb = ColorModel::rgb;
+constexpr auto none = AlphaInfo::none;
+constexpr auto last = AlphaInfo::last;
 
 class PngKinds : public testing::TestWithParam<KindCase> { };
 
@@ -107,7 +107,7 @@ TEST_P(PngKinds, decodesTheSameInterlacedInEverySize)
         for (int width = 1; width <= 17; ++width) {
             auto made = recipe(GetParam().colorType, GetParam().bitDepth, { width, height });
             const Image plain = decoded(pngFile(made));
-            made.interlacing = PngRecipe::Interlacing::Adam7;
+            made.interlacing = PngRecipe::Interlacing::adam7;
             const auto interlaced = png::decode(pngFile(made), {});
             ASSERT_TRUE(interlaced.has_value()) << width << ' ' << height;
             ASSERT_EQ(maximumDifference(plain, interlaced->image), 0.0) << width << ' ' << height;
@@ -117,7 +117,7 @@ TEST_P(PngKinds, decodesTheSameInterlacedInEverySize)
 
 TEST_P(PngKinds, regionEqualsTheFullDecode)
 {
-    for (const auto interlacing : { PngRecipe::Interlacing::None, PngRecipe::Interlacing::Adam7 }) {
+    for (const auto interlacing : { PngRecipe::Interlacing::none, PngRecipe::Interlacing::adam7 }) {
         auto made = recipe(GetParam().colorType, GetParam().bitDepth);
         made.interlacing = interlacing;
         const auto file = pngFile(made);
@@ -137,7 +137,7 @@ TEST_P(PngKinds, regionEqualsTheFullDecode)
 
 TEST_P(PngKinds, refusesEveryCutOfThePictureDataAndPassesWithoutTheEnd)
 {
-    for (const auto interlacing : { PngRecipe::Interlacing::None, PngRecipe::Interlacing::Adam7 }) {
+    for (const auto interlacing : { PngRecipe::Interlacing::none, PngRecipe::Interlacing::adam7 }) {
         auto made = recipe(GetParam().colorType, GetParam().bitDepth);
         made.interlacing = interlacing;
         const auto file = pngFile(made);
@@ -148,7 +148,7 @@ TEST_P(PngKinds, refusesEveryCutOfThePictureDataAndPassesWithoutTheEnd)
         for (std::size_t cut = 0; cut < dataEnd; ++cut) {
             const auto result = png::decode(ByteSpan(file).first(cut), {});
             ASSERT_FALSE(result.has_value()) << cut << " of " << file.size();
-            ASSERT_EQ(result.error().kind, Error::Kind::Truncated) << cut;
+            ASSERT_EQ(result.error().kind, Error::Kind::truncated) << cut;
         }
         for (std::size_t cut = end; cut < file.size(); ++cut) {
             const auto result = png::decode(ByteSpan(file).first(cut), {});
@@ -270,7 +270,7 @@ TEST(PngDecoder, checksTheLimitsBeforeItAllocates)
              Limits { .maximumPixels = 4096, .maximumSide = 63, .maximumBytes = 4096 * 6 },
              Limits { .maximumPixels = 4096, .maximumSide = 64, .maximumBytes = 4096 * 6 - 1 },
          }) {
-        EXPECT_EQ(refusal(file, { .limits = tight, .region = {} }), Error::Kind::LimitExceeded);
+        EXPECT_EQ(refusal(file, { .limits = tight, .region = {} }), Error::Kind::limitExceeded);
     }
 }
 
@@ -283,7 +283,7 @@ TEST(PngDecoder, countsTheAlphaOfATransparencyChunkAgainstTheLimits)
     limits.maximumBytes = 4096 * 4;
     EXPECT_TRUE(png::decode(file, { .limits = limits, .region = {} }).has_value());
     --limits.maximumBytes;
-    EXPECT_EQ(refusal(file, { .limits = limits, .region = {} }), Error::Kind::LimitExceeded);
+    EXPECT_EQ(refusal(file, { .limits = limits, .region = {} }), Error::Kind::limitExceeded);
 }
 
 TEST(PngDecoder, givesNoOtherPictureForAChangedByte)
@@ -335,7 +335,7 @@ TEST(PngDecoder, refusesPictureDataThatIsTooShortForThePicture)
     const std::string rest = chunk("IDAT", test::zlibStream(rows)) + chunk("IEND", "");
     const auto bytes = std::as_bytes(std::span(rest));
     made.insert(made.end(), bytes.begin(), bytes.end());
-    EXPECT_EQ(refusal(made), Error::Kind::Truncated);
+    EXPECT_EQ(refusal(made), Error::Kind::truncated);
 }
 
 TEST(PngDecoder, refusesAStreamThatIsDamagedUnderARightChecksum)
@@ -381,39 +381,39 @@ TEST_P(PngMalformed, isRefused)
 }
 
 INSTANTIATE_TEST_SUITE_P(Png, PngMalformed,
-    testing::Values(MalformedCase { "empty", "", Error::Kind::Truncated },
-        MalformedCase { "halfASignature", "\x89PNG"s, Error::Kind::Truncated },
-        MalformedCase { "signatureOnly", "\x89PNG\r\n\x1A\n"s, Error::Kind::Truncated },
+    testing::Values(MalformedCase { "empty", "", Error::Kind::truncated },
+        MalformedCase { "halfASignature", "\x89PNG"s, Error::Kind::truncated },
+        MalformedCase { "signatureOnly", "\x89PNG\r\n\x1A\n"s, Error::Kind::truncated },
         MalformedCase {
-            "otherSignature", "\x89PNG\n\n\x1A\n"s + std::string(60, 'x'), Error::Kind::Malformed },
+            "otherSignature", "\x89PNG\n\n\x1A\n"s + std::string(60, 'x'), Error::Kind::malformed },
         MalformedCase { "otherFirstChunk",
-            "\x89PNG\r\n\x1A\n"s + chunk("tEXt", "keyword\0some text"s), Error::Kind::Malformed },
+            "\x89PNG\r\n\x1A\n"s + chunk("tEXt", "keyword\0some text"s), Error::Kind::malformed },
         MalformedCase {
-            "shortHeader", withHeader("\0\0\0\x01\0\0\0\x01\x08\0\0\0"s), Error::Kind::Malformed },
+            "shortHeader", withHeader("\0\0\0\x01\0\0\0\x01\x08\0\0\0"s), Error::Kind::malformed },
         MalformedCase {
-            "noWidth", withHeader("\0\0\0\0\0\0\0\x01\x08\0\0\0\0"s), Error::Kind::Malformed },
+            "noWidth", withHeader("\0\0\0\0\0\0\0\x01\x08\0\0\0\0"s), Error::Kind::malformed },
         MalformedCase {
-            "noHeight", withHeader("\0\0\0\x01\0\0\0\0\x08\0\0\0\0"s), Error::Kind::Malformed },
+            "noHeight", withHeader("\0\0\0\x01\0\0\0\0\x08\0\0\0\0"s), Error::Kind::malformed },
         MalformedCase { "negativeWidth", withHeader("\x80\0\0\x01\0\0\0\x01\x08\0\0\0\0"s),
-            Error::Kind::Malformed },
+            Error::Kind::malformed },
         MalformedCase {
-            "depth3", withHeader("\0\0\0\x01\0\0\0\x01\x03\0\0\0\0"s), Error::Kind::Malformed },
+            "depth3", withHeader("\0\0\0\x01\0\0\0\x01\x03\0\0\0\0"s), Error::Kind::malformed },
         MalformedCase { "rgbOf4Bits", withHeader("\0\0\0\x01\0\0\0\x01\x04\x02\0\0\0"s),
-            Error::Kind::Malformed },
+            Error::Kind::malformed },
         MalformedCase { "paletteOf16Bits", withHeader("\0\0\0\x01\0\0\0\x01\x10\x03\0\0\0"s),
-            Error::Kind::Malformed },
+            Error::Kind::malformed },
         MalformedCase { "colorType1", withHeader("\0\0\0\x01\0\0\0\x01\x08\x01\0\0\0"s),
-            Error::Kind::Malformed },
+            Error::Kind::malformed },
         MalformedCase { "compression1", withHeader("\0\0\0\x01\0\0\0\x01\x08\0\x01\0\0"s),
-            Error::Kind::Malformed },
+            Error::Kind::malformed },
         MalformedCase { "interlacing2", withHeader("\0\0\0\x01\0\0\0\x01\x08\0\0\0\x02"s),
-            Error::Kind::Malformed }),
+            Error::Kind::malformed }),
     test::RowName());
 
 TEST(PngDecoder, refusesAPaletteThatIsMissing)
 {
     const std::string file = withHeader("\0\0\0\x01\0\0\0\x01\x08\x03\0\0\0"s);
-    EXPECT_EQ(refusal(std::as_bytes(std::span(file))), Error::Kind::Malformed);
+    EXPECT_EQ(refusal(std::as_bytes(std::span(file))), Error::Kind::malformed);
 }
 
 } // namespace

@@ -16,17 +16,17 @@ using test::makeImage;
 using test::maximumDifference;
 using test::oddSize;
 
-constexpr PixelLayout grey8 { ColorModel::Grey, 8, AlphaInfo::None };
-constexpr PixelLayout greyAlpha8 { ColorModel::Grey, 8, AlphaInfo::Last };
-constexpr PixelLayout grey16 { ColorModel::Grey, 16, AlphaInfo::None };
-constexpr PixelLayout rgb8 { ColorModel::Rgb, 8, AlphaInfo::None };
-constexpr PixelLayout rgb16 { ColorModel::Rgb, 16, AlphaInfo::None };
-constexpr PixelLayout rgba8 { ColorModel::Rgb, 8, AlphaInfo::Last };
-constexpr PixelLayout rgba16 { ColorModel::Rgb, 16, AlphaInfo::Last };
+constexpr PixelLayout grey8 { ColorModel::grey, 8, AlphaInfo::none };
+constexpr PixelLayout greyAlpha8 { ColorModel::grey, 8, AlphaInfo::last };
+constexpr PixelLayout grey16 { ColorModel::grey, 16, AlphaInfo::none };
+constexpr PixelLayout rgb8 { ColorModel::rgb, 8, AlphaInfo::none };
+constexpr PixelLayout rgb16 { ColorModel::rgb, 16, AlphaInfo::none };
+constexpr PixelLayout rgba8 { ColorModel::rgb, 8, AlphaInfo::last };
+constexpr PixelLayout rgba16 { ColorModel::rgb, 16, AlphaInfo::last };
 
-const EncodeOptions smallest { .profile = ProfilePolicy::Omit, .metadata = {} };
+const EncodeOptions smallest { .profile = ProfilePolicy::omit, .metadata = {} };
 const EncodeOptions fastest {
-    .profile = ProfilePolicy::Omit, .effort = Effort::Fastest, .metadata = {}
+    .profile = ProfilePolicy::omit, .effort = Effort::fastest, .metadata = {}
 };
 
 ByteBuffer encoded(const Image& image, const EncodeOptions& options = smallest)
@@ -81,11 +81,11 @@ double noise(int x, int y, int channel)
 TEST(PngEncoder, keepsEveryStraightPictureExactly)
 {
     for (const PixelLayout layout :
-        { grey8, greyAlpha8, grey16, PixelLayout { ColorModel::Grey, 16, AlphaInfo::Last }, rgb8,
-            rgb16, rgba8, rgba16, PixelLayout { ColorModel::Rgb, 8, AlphaInfo::First },
-            PixelLayout { ColorModel::Rgb, 16, AlphaInfo::First },
-            PixelLayout { ColorModel::Rgb, 8, AlphaInfo::NoneSkipLast },
-            PixelLayout { ColorModel::Rgb, 16, AlphaInfo::NoneSkipFirst } }) {
+        { grey8, greyAlpha8, grey16, PixelLayout { ColorModel::grey, 16, AlphaInfo::last }, rgb8,
+            rgb16, rgba8, rgba16, PixelLayout { ColorModel::rgb, 8, AlphaInfo::first },
+            PixelLayout { ColorModel::rgb, 16, AlphaInfo::first },
+            PixelLayout { ColorModel::rgb, 8, AlphaInfo::noneSkipLast },
+            PixelLayout { ColorModel::rgb, 16, AlphaInfo::noneSkipFirst } }) {
         for (const Image& image :
             { gradient(oddSize, layout), makeImage(oddSize, layout, noise) }) {
             EXPECT_EQ(visibleDifference(image, decoded(encoded(image, smallest))), 0.0);
@@ -109,8 +109,8 @@ TEST(PngEncoder, keepsEverySize)
 
 TEST(PngEncoder, dividesPremultipliedColourOut)
 {
-    for (const AlphaInfo alpha : { AlphaInfo::PremultipliedLast, AlphaInfo::PremultipliedFirst }) {
-        const Image image = gradient(oddSize, { ColorModel::Rgb, 8, alpha });
+    for (const AlphaInfo alpha : { AlphaInfo::premultipliedLast, AlphaInfo::premultipliedFirst }) {
+        const Image image = gradient(oddSize, { ColorModel::rgb, 8, alpha });
         const Image straight = relayout(image, rgba8).value();
         for (const EncodeOptions& options : { smallest, fastest }) {
             EXPECT_EQ(maximumDifference(straight, decoded(encoded(image, options))), 0.0);
@@ -252,9 +252,9 @@ TEST(PngEncoder, isSmallerWhenItMayTakeItsTime)
 TEST(PngEncoder, refusesCmyk)
 {
     const auto result
-        = png::encode(gradient(oddSize, { ColorModel::Cmyk, 8, AlphaInfo::None }), {});
+        = png::encode(gradient(oddSize, { ColorModel::cmyk, 8, AlphaInfo::none }), {});
     ASSERT_FALSE(result.has_value());
-    EXPECT_EQ(result.error().kind, Error::Kind::Unsupported);
+    EXPECT_EQ(result.error().kind, Error::Kind::unsupported);
 }
 
 } // namespace

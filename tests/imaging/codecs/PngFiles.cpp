@@ -91,7 +91,7 @@ imaging::ByteBuffer pngFile(const PngRecipe& recipe)
         nullptr);
     png_set_IHDR(library, info, static_cast<png_uint_32>(recipe.size.width),
         static_cast<png_uint_32>(recipe.size.height), recipe.bitDepth, recipe.colorType,
-        recipe.interlacing == PngRecipe::Interlacing::Adam7 ? PNG_INTERLACE_ADAM7
+        recipe.interlacing == PngRecipe::Interlacing::adam7 ? PNG_INTERLACE_ADAM7
                                                             : PNG_INTERLACE_NONE,
         PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
     if (!recipe.palette.empty()) {

@@ -16,8 +16,8 @@ struct PngRecipe {
     imaging::Size size;
     int colorType = 0; ///< as in the file
     int bitDepth = 8;
-    enum class Interlacing { None, Adam7 };
-    Interlacing interlacing = Interlacing::None;
+    enum class Interlacing { none, adam7 };
+    Interlacing interlacing = Interlacing::none;
     std::vector<std::uint8_t> palette {}; ///< red, green, blue
     std::string chunks {}; ///< whole chunks to put before the picture data, see chunk()
     std::string chunksBehind {}; ///< whole chunks to put behind it

@@ -54,31 +54,31 @@ constexpr std::uint16_t unspecified = EXTRASAMPLE_UNSPECIFIED;
 INSTANTIATE_TEST_SUITE_P(Declarations, TiffAlpha,
     testing::Values(AlphaRow { "rgbAssociated",
                         { .samples = 4, .photometric = rgb, .extraSamples = { associated } },
-                        AlphaInfo::PremultipliedLast },
+                        AlphaInfo::premultipliedLast },
         AlphaRow { "rgbUnassociated",
             { .samples = 4, .photometric = rgb, .extraSamples = { unassociated } },
-            AlphaInfo::Last },
+            AlphaInfo::last },
         AlphaRow { "rgbUnspecified",
             { .samples = 4, .photometric = rgb, .extraSamples = { unspecified } },
-            AlphaInfo::None },
+            AlphaInfo::none },
         AlphaRow { "greyUnassociated", { .samples = 2, .extraSamples = { unassociated } },
-            AlphaInfo::Last },
+            AlphaInfo::last },
         AlphaRow {
-            "greyUnspecified", { .samples = 2, .extraSamples = { unspecified } }, AlphaInfo::None },
+            "greyUnspecified", { .samples = 2, .extraSamples = { unspecified } }, AlphaInfo::none },
         AlphaRow { "cmykUnassociated",
             { .samples = 5,
                 .photometric = PHOTOMETRIC_SEPARATED,
                 .extraSamples = { unassociated } },
-            AlphaInfo::Last },
+            AlphaInfo::last },
         AlphaRow { "secondExtraSample",
             { .samples = 5, .photometric = rgb, .extraSamples = { unspecified, unassociated } },
-            AlphaInfo::Last },
+            AlphaInfo::last },
         AlphaRow { "planar",
             { .samples = 4,
                 .photometric = rgb,
                 .planar = separate,
                 .extraSamples = { associated } },
-            AlphaInfo::PremultipliedLast }),
+            AlphaInfo::premultipliedLast }),
     [](const auto& row) { return row.param.name; });
 
 TEST(TiffColour, palettesGiveTheirColours)
@@ -95,7 +95,7 @@ TEST(TiffColour, palettesGiveTheirColours)
     const auto decoded
         = decodeFile(tiffFile(recipe, [](int x, int, int) { return static_cast<unsigned>(x); }));
     ASSERT_TRUE(decoded);
-    ASSERT_EQ(decoded->image.layout(), (PixelLayout { ColorModel::Rgb, 8, AlphaInfo::None }));
+    ASSERT_EQ(decoded->image.layout(), (PixelLayout { ColorModel::rgb, 8, AlphaInfo::none }));
     for (int x = 0; x < 16; ++x) {
         EXPECT_EQ(decoded->image.row8(1)[3 * x], x * 17);
         EXPECT_EQ(decoded->image.row8(1)[3 * x + 1], 255 - x * 17);
@@ -172,7 +172,7 @@ TEST(TiffColour, jpegInsideComesOutAsRgb)
                 TIFFSetField(tiff, TIFFTAG_JPEGQUALITY, 95);
                 TIFFSetField(tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
             } };
-        const Image original = test::gradient(recipe.size, { ColorModel::Rgb, 8, AlphaInfo::None });
+        const Image original = test::gradient(recipe.size, { ColorModel::rgb, 8, AlphaInfo::none });
         const auto decoded = decodeFile(
             tiffFile(recipe, [&](int x, int y, int s) { return original.row8(y)[3 * x + s]; }));
         ASSERT_TRUE(decoded) << decoded.error().detail;
@@ -196,7 +196,7 @@ TEST(TiffColour, subsampledYCbCrIsConverted)
         return redBlock.at(static_cast<std::size_t>((y * 16 + x) * 3 + s) % redBlock.size());
     }));
     ASSERT_TRUE(decoded) << decoded.error().detail;
-    ASSERT_EQ(decoded->image.layout(), (PixelLayout { ColorModel::Rgb, 8, AlphaInfo::None }));
+    ASSERT_EQ(decoded->image.layout(), (PixelLayout { ColorModel::rgb, 8, AlphaInfo::none }));
     for (const int x : { 0, 7, 15 }) {
         EXPECT_NEAR(decoded->image.row8(15)[3 * x], 254, 2);
         EXPECT_NEAR(decoded->image.row8(15)[3 * x + 1], 0, 2);

@@ -51,7 +51,7 @@ TEST(TiffDamage, missingStripIsRefused)
     }
     const auto decoded = decodeFile(test::readFile(path));
     ASSERT_FALSE(decoded);
-    EXPECT_EQ(decoded.error().kind, Error::Kind::Truncated);
+    EXPECT_EQ(decoded.error().kind, Error::Kind::truncated);
 }
 
 class TiffCut : public testing::TestWithParam<Row> { };
@@ -127,7 +127,7 @@ TEST(TiffDamage, limitsHoldBeforeAnythingIsAllocated)
     const auto wide = tiffFile({ .size = { 5000, 40 } }, nothing);
     const auto refused = [](const ByteBuffer& file, const Limits& limits) {
         const auto decoded = decode(file, { .limits = limits, .region = {} });
-        return !decoded && decoded.error().kind == Error::Kind::LimitExceeded;
+        return !decoded && decoded.error().kind == Error::Kind::limitExceeded;
     };
     EXPECT_TRUE(refused(wide, { .maximumSide = 4999 }));
     EXPECT_TRUE(refused(wide, { .maximumPixels = 199'999 }));

@@ -21,7 +21,7 @@ TEST_P(TiffRoundTrip, isLossless)
 {
     const auto& [name, given, written] = GetParam();
     const Image image = test::gradient(test::oddSize, given);
-    for (const Effort effort : { Effort::Smallest, Effort::Fastest }) {
+    for (const Effort effort : { Effort::smallest, Effort::fastest }) {
         const auto file = encode(image, { .effort = effort, .metadata = {} });
         ASSERT_TRUE(file) << file.error().detail;
         EXPECT_TRUE(sniff(*file));
@@ -34,9 +34,9 @@ TEST_P(TiffRoundTrip, isLossless)
     }
 }
 
-constexpr auto grey = ColorModel::Grey;
-constexpr auto rgb = ColorModel::Rgb;
-constexpr auto cmyk = ColorModel::Cmyk;
+constexpr auto grey = ColorModel::grey;
+constexpr auto rgb = ColorModel::rgb;
+constexpr auto cmyk = ColorModel::cmyk;
 
 LayoutRow same(const char* name, PixelLayout layout)
 {
@@ -44,34 +44,34 @@ LayoutRow same(const char* name, PixelLayout layout)
 }
 
 INSTANTIATE_TEST_SUITE_P(Layouts, TiffRoundTrip,
-    testing::Values(same("grey8", { grey, 8, AlphaInfo::None }),
-        same("grey16", { grey, 16, AlphaInfo::None }),
-        same("grey8Last", { grey, 8, AlphaInfo::Last }),
-        same("grey16Premultiplied", { grey, 16, AlphaInfo::PremultipliedLast }),
-        same("rgb8", { rgb, 8, AlphaInfo::None }), same("rgb16", { rgb, 16, AlphaInfo::None }),
-        same("rgb8Last", { rgb, 8, AlphaInfo::Last }),
-        same("rgb16Last", { rgb, 16, AlphaInfo::Last }),
-        same("rgb8Premultiplied", { rgb, 8, AlphaInfo::PremultipliedLast }),
-        same("rgb16Premultiplied", { rgb, 16, AlphaInfo::PremultipliedLast }),
-        LayoutRow { "rgb8First", { rgb, 8, AlphaInfo::First }, { rgb, 8, AlphaInfo::Last } },
-        LayoutRow { "rgb16PremultipliedFirst", { rgb, 16, AlphaInfo::PremultipliedFirst },
-            { rgb, 16, AlphaInfo::PremultipliedLast } },
+    testing::Values(same("grey8", { grey, 8, AlphaInfo::none }),
+        same("grey16", { grey, 16, AlphaInfo::none }),
+        same("grey8Last", { grey, 8, AlphaInfo::last }),
+        same("grey16Premultiplied", { grey, 16, AlphaInfo::premultipliedLast }),
+        same("rgb8", { rgb, 8, AlphaInfo::none }), same("rgb16", { rgb, 16, AlphaInfo::none }),
+        same("rgb8Last", { rgb, 8, AlphaInfo::last }),
+        same("rgb16Last", { rgb, 16, AlphaInfo::last }),
+        same("rgb8Premultiplied", { rgb, 8, AlphaInfo::premultipliedLast }),
+        same("rgb16Premultiplied", { rgb, 16, AlphaInfo::premultipliedLast }),
+        LayoutRow { "rgb8First", { rgb, 8, AlphaInfo::first }, { rgb, 8, AlphaInfo::last } },
+        LayoutRow { "rgb16PremultipliedFirst", { rgb, 16, AlphaInfo::premultipliedFirst },
+            { rgb, 16, AlphaInfo::premultipliedLast } },
         LayoutRow {
-            "rgb8SkipLast", { rgb, 8, AlphaInfo::NoneSkipLast }, { rgb, 8, AlphaInfo::None } },
+            "rgb8SkipLast", { rgb, 8, AlphaInfo::noneSkipLast }, { rgb, 8, AlphaInfo::none } },
         LayoutRow {
-            "rgb16SkipFirst", { rgb, 16, AlphaInfo::NoneSkipFirst }, { rgb, 16, AlphaInfo::None } },
-        same("cmyk8", { cmyk, 8, AlphaInfo::None }), same("cmyk16", { cmyk, 16, AlphaInfo::None })),
+            "rgb16SkipFirst", { rgb, 16, AlphaInfo::noneSkipFirst }, { rgb, 16, AlphaInfo::none } },
+        same("cmyk8", { cmyk, 8, AlphaInfo::none }), same("cmyk16", { cmyk, 16, AlphaInfo::none })),
     [](const auto& row) { return row.param.name; });
 
 TEST(TiffEncoder, profileIsWrittenAsAsked)
 {
-    const Image image = test::gradient(test::oddSize, { rgb, 8, AlphaInfo::None });
+    const Image image = test::gradient(test::oddSize, { rgb, 8, AlphaInfo::none });
     const ByteSpan profile = ColorSpace::sRgb().iccProfile();
     ASSERT_FALSE(profile.empty());
     const auto contains
         = [profile](const ByteBuffer& file) { return !std::ranges::search(file, profile).empty(); };
-    const auto with = encode(image, { .profile = ProfilePolicy::Embed, .metadata = {} });
-    const auto without = encode(image, { .profile = ProfilePolicy::Omit, .metadata = {} });
+    const auto with = encode(image, { .profile = ProfilePolicy::embed, .metadata = {} });
+    const auto without = encode(image, { .profile = ProfilePolicy::omit, .metadata = {} });
     const auto device = encode(image.withColorSpace(ColorSpace::deviceRgb()), {});
     ASSERT_TRUE(with && without && device);
     EXPECT_TRUE(contains(*with));
@@ -92,9 +92,9 @@ TEST(TiffEncoder, aPhotographShrinksLosslessly)
 TEST(TiffEncoder, severalStripsAreJoined)
 {
     const Size size { 1200, 700 }; // 2.5 MB, three strips
-    const Image image = test::makeImage(size, { rgb, 8, AlphaInfo::None },
+    const Image image = test::makeImage(size, { rgb, 8, AlphaInfo::none },
         [](int x, int y, int c) { return (x * 3 + y * 5 + c * 70) % 256 / 255.0; });
-    const auto file = encode(image, { .effort = Effort::Fastest, .metadata = {} });
+    const auto file = encode(image, { .effort = Effort::fastest, .metadata = {} });
     ASSERT_TRUE(file);
     const auto decoded = decode(*file, {});
     ASSERT_TRUE(decoded);

@@ -14,8 +14,8 @@ namespace {
 using test::oddSize;
 using test::webPFile;
 
-constexpr PixelLayout opaque { ColorModel::Rgb, 8, AlphaInfo::None };
-constexpr PixelLayout withAlpha { ColorModel::Rgb, 8, AlphaInfo::Last };
+constexpr PixelLayout opaque { ColorModel::rgb, 8, AlphaInfo::none };
+constexpr PixelLayout withAlpha { ColorModel::rgb, 8, AlphaInfo::last };
 
 const std::vector<std::string> lossy { "-q", "90" };
 
@@ -203,7 +203,7 @@ TEST(WebPAnimation, MayNotLeaveItsCanvas)
     const ByteBuffer frame
         = test::animationFrame(webPFile(opaquePicture({ 20, 12 })), { 6, 0, 20, 12 });
     EXPECT_EQ(webp::decode(test::animation(0, { 24, 12 }, { frame }), {}).error().kind,
-        Error::Kind::Malformed);
+        Error::Kind::malformed);
 }
 
 ByteBuffer textBytes(std::string_view text)
@@ -230,11 +230,11 @@ TEST(WebPChunks, TheProfileIsTheColourSpace)
     const Primaries displayP3 { { 0.3127, 0.3290 }, { 0.680, 0.320 }, { 0.265, 0.690 },
         { 0.150, 0.060 } };
     const ColorSpace space
-        = ColorSpace::fromPrimaries(displayP3, { TransferCurve::Kind::SRgb }).value();
+        = ColorSpace::fromPrimaries(displayP3, { TransferCurve::Kind::sRgb }).value();
     const DecodedImage decoded = decodeWell(
         extendedFile(test::webPProfile, { test::webPChunk("ICCP", space.iccProfile()) }, {}));
     EXPECT_EQ(decoded.image.colorSpace(),
-        ColorSpace::fromIcc(space.iccProfile(), ColorModel::Rgb).value());
+        ColorSpace::fromIcc(space.iccProfile(), ColorModel::rgb).value());
 }
 
 TEST(WebPChunks, ADamagedProfileIsIgnored)

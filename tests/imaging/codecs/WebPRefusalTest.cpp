@@ -28,7 +28,7 @@ TEST_P(WebPCut, AtAnyByteIsRefused)
     for (std::size_t length = 0; length < whole.size(); ++length) {
         const auto decoded = webp::decode(ByteSpan(whole).first(length), {});
         ASSERT_FALSE(decoded) << length << " of " << whole.size();
-        EXPECT_EQ(decoded.error().kind, Error::Kind::Truncated) << length;
+        EXPECT_EQ(decoded.error().kind, Error::Kind::truncated) << length;
     }
 }
 
@@ -54,7 +54,7 @@ INSTANTIATE_TEST_SUITE_P(Table, WebPCut,
             } },
         CutRow { "LossyWithAlpha",
             [] {
-                return webPFile(test::gradient({ 64, 48 }, { ColorModel::Rgb, 8, AlphaInfo::Last }),
+                return webPFile(test::gradient({ 64, 48 }, { ColorModel::rgb, 8, AlphaInfo::last }),
                     { "-q", "60" });
             } },
         CutRow { "Animation",
@@ -77,8 +77,8 @@ TEST(WebPRefusal, PictureDataMissingInsideAWholeFile)
         const ByteBuffer file = test::riffFile({ test::webPChunk(name, chunk.subspan(8, half)) });
         return webp::decode(file, {}).error().kind;
     };
-    EXPECT_EQ(kindOfHalf({ "-q", "70" }), Error::Kind::Truncated);
-    EXPECT_EQ(kindOfHalf({ "-lossless" }), Error::Kind::Malformed);
+    EXPECT_EQ(kindOfHalf({ "-q", "70" }), Error::Kind::truncated);
+    EXPECT_EQ(kindOfHalf({ "-lossless" }), Error::Kind::malformed);
 }
 
 TEST(WebPRefusal, DamagedData)
@@ -87,7 +87,7 @@ TEST(WebPRefusal, DamagedData)
         = test::riffFile({ test::webPChunk("VP8L", ByteBuffer(100, std::byte { 0x13 })) });
     const auto decoded = webp::decode(file, {});
     ASSERT_FALSE(decoded);
-    EXPECT_EQ(decoded.error().kind, Error::Kind::Malformed);
+    EXPECT_EQ(decoded.error().kind, Error::Kind::malformed);
 }
 
 TEST(WebPRefusal, ACanvasOfAnotherSizeThanItsPicture)
@@ -98,7 +98,7 @@ TEST(WebPRefusal, ACanvasOfAnotherSizeThanItsPicture)
         { test::extendedHeader(0, { 32, 32 }), ByteBuffer(picture.begin(), picture.end()) });
     const auto decoded = webp::decode(file, {});
     ASSERT_FALSE(decoded);
-    EXPECT_EQ(decoded.error().kind, Error::Kind::Malformed);
+    EXPECT_EQ(decoded.error().kind, Error::Kind::malformed);
 }
 
 TEST(WebPLimits, CountTheWholePicture)
@@ -111,7 +111,7 @@ TEST(WebPLimits, CountTheWholePicture)
     options.limits.maximumBytes -= 1;
     const auto decoded = webp::decode(file, options);
     ASSERT_FALSE(decoded);
-    EXPECT_EQ(decoded.error().kind, Error::Kind::LimitExceeded);
+    EXPECT_EQ(decoded.error().kind, Error::Kind::limitExceeded);
 }
 
 TEST(WebPLimits, HoldForTheCanvasOfAnAnimation)
@@ -121,7 +121,7 @@ TEST(WebPLimits, HoldForTheCanvasOfAnAnimation)
         = test::animationFrame(webPFile(test::syntheticPhoto({ 16, 12 })), { 0, 0, 16, 12 });
     const auto decoded = webp::decode(test::animation(0, { 60'000, 60'000 }, { frame }), {});
     ASSERT_FALSE(decoded);
-    EXPECT_EQ(decoded.error().kind, Error::Kind::LimitExceeded);
+    EXPECT_EQ(decoded.error().kind, Error::Kind::limitExceeded);
 }
 
 TEST(WebPSniff, LooksAtBothNames)

@@ -33,7 +33,7 @@ TEST(ColorSpace, sRgbHasAProfileToWriteAndDeviceRgbHasNone)
 
 TEST(ColorSpace, theWrittenSRgbProfileIsReadBackAsSRgb)
 {
-    const auto space = ColorSpace::fromIcc(ColorSpace::sRgb().iccProfile(), ColorModel::Rgb);
+    const auto space = ColorSpace::fromIcc(ColorSpace::sRgb().iccProfile(), ColorModel::rgb);
     ASSERT_TRUE(space);
     EXPECT_TRUE(space->isSRgbEquivalent());
     EXPECT_EQ(space->profileName(), "sRGB");
@@ -64,7 +64,7 @@ TEST(ColorSpace, displayP3IsNotSRgb)
 TEST(ColorSpace, aPlainGammaIsNotTheSRgbCurve)
 {
     const auto space
-        = ColorSpace::fromPrimaries(srgbPrimaries, { TransferCurve::Kind::Gamma, 1.8 });
+        = ColorSpace::fromPrimaries(srgbPrimaries, { TransferCurve::Kind::gamma, 1.8 });
     ASSERT_TRUE(space);
     EXPECT_FALSE(space->isSRgbEquivalent());
 }
@@ -72,23 +72,23 @@ TEST(ColorSpace, aPlainGammaIsNotTheSRgbCurve)
 TEST(ColorSpace, greyFromNumbersIsGrey)
 {
     const auto space = ColorSpace::fromPrimaries(
-        srgbPrimaries, { TransferCurve::Kind::Gamma, 1.0 }, ColorModel::Grey);
+        srgbPrimaries, { TransferCurve::Kind::gamma, 1.0 }, ColorModel::grey);
     ASSERT_TRUE(space);
-    EXPECT_EQ(space->model(), ColorModel::Grey);
+    EXPECT_EQ(space->model(), ColorModel::grey);
 }
 
 TEST(ColorSpace, aProfileOfAnotherModelIsUnsupported)
 {
-    const auto space = ColorSpace::fromIcc(ColorSpace::sRgb().iccProfile(), ColorModel::Cmyk);
+    const auto space = ColorSpace::fromIcc(ColorSpace::sRgb().iccProfile(), ColorModel::cmyk);
     ASSERT_FALSE(space);
-    EXPECT_EQ(space.error().kind, Error::Kind::Unsupported);
+    EXPECT_EQ(space.error().kind, Error::Kind::unsupported);
 }
 
 TEST(ColorSpace, everyCutOfAProfileIsRefusedOrStillAProfile)
 {
     const ByteBuffer whole = copied(ColorSpace::sRgb().iccProfile());
     for (std::size_t length = 0; length < whole.size(); ++length) {
-        const auto space = ColorSpace::fromIcc(std::span(whole).first(length), ColorModel::Rgb);
+        const auto space = ColorSpace::fromIcc(std::span(whole).first(length), ColorModel::rgb);
         if (length < 300) {
             EXPECT_FALSE(space) << length;
         }
@@ -107,14 +107,14 @@ TEST_P(DegenerateNumbers, areMalformed)
 {
     const auto space = ColorSpace::fromPrimaries(GetParam().primaries, GetParam().curve);
     ASSERT_FALSE(space);
-    EXPECT_EQ(space.error().kind, Error::Kind::Malformed);
+    EXPECT_EQ(space.error().kind, Error::Kind::malformed);
 }
 
 INSTANTIATE_TEST_SUITE_P(Numbers, DegenerateNumbers,
     testing::Values(Degenerate { "allZero", {}, {} },
         Degenerate { "oneLine", { { 0.3, 0.3 }, { 0.1, 0.1 }, { 0.2, 0.2 }, { 0.3, 0.3 } }, {} },
-        Degenerate { "gammaZero", srgbPrimaries, { TransferCurve::Kind::Gamma, 0.0 } },
-        Degenerate { "gammaHuge", srgbPrimaries, { TransferCurve::Kind::Gamma, 1e9 } }),
+        Degenerate { "gammaZero", srgbPrimaries, { TransferCurve::Kind::gamma, 0.0 } },
+        Degenerate { "gammaHuge", srgbPrimaries, { TransferCurve::Kind::gamma, 1e9 } }),
     test::RowName {});
 
 } // namespace

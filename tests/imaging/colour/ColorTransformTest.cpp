@@ -46,7 +46,7 @@ ColorSpace tableCmyk()
     cmsPipelineInsertStage(pipeline, cmsAT_END, table);
     cmsWriteTag(profile.get(), cmsSigAToB0Tag, pipeline);
     cmsPipelineFree(pipeline);
-    return ColorSpace::fromIcc(colour::serialised(profile.get()), ColorModel::Cmyk).value();
+    return ColorSpace::fromIcc(colour::serialised(profile.get()), ColorModel::cmyk).value();
 }
 
 /// The same conversion in floating point, unoptimised.
@@ -56,14 +56,14 @@ Image reference(const Image& image)
     const colour::Profile source
         = colour::openProfile(context.get(), image.colorSpace().iccProfile());
     const colour::Profile srgb = colour::makeSRgbProfile(context.get());
-    const bool cmyk = image.layout().model == ColorModel::Cmyk;
+    const bool cmyk = image.layout().model == ColorModel::cmyk;
     // Floating-point CMYK is counted in percent of ink.
     const colour::Transform transform(cmsCreateTransformTHR(context.get(), source.get(),
         cmyk ? TYPE_CMYK_DBL : TYPE_RGB_DBL, srgb.get(), TYPE_RGB_DBL,
         colour::renderingIntent(source.get()), cmsFLAGS_NOOPTIMIZE | cmsFLAGS_NOCACHE));
     const int channels = image.layout().channels();
     return test::makeImage(
-        image.size(), { ColorModel::Rgb, 16, AlphaInfo::None }, [&](int x, int y, int channel) {
+        image.size(), { ColorModel::rgb, 16, AlphaInfo::none }, [&](int x, int y, int channel) {
             std::array<double, 4> in {};
             for (int c = 0; c < channels; ++c) {
                 in.at(static_cast<std::size_t>(c))
@@ -96,7 +96,7 @@ double percentile99(const Image& a, const Image& b)
 /// Every colour of a coarse cube, so that no corner of the space is left out.
 Image cube(const ColorSpace& space, int bits)
 {
-    const PixelLayout layout { space.model(), bits, AlphaInfo::None };
+    const PixelLayout layout { space.model(), bits, AlphaInfo::none };
     return test::makeImage({ 96, 96 }, layout, space, [](int x, int y, int channel) {
         const int index = y * 96 + x;
         constexpr std::array<int, 4> divisors { 1, 10, 100, 1000 };
@@ -118,7 +118,7 @@ TEST_P(ConvertingToSRgb, isWithinTwoStepsOfTheFloatingPointReference)
     BitmapContext context = BitmapContext::create(image.size(), 8, ColorSpace::sRgb()).value();
     ASSERT_TRUE(context.draw(image));
     const Image rgba = std::move(context).makeImage().value();
-    const Image rgb = relayout(rgba, { ColorModel::Rgb, 8, AlphaInfo::None }).value();
+    const Image rgb = relayout(rgba, { ColorModel::rgb, 8, AlphaInfo::none }).value();
     EXPECT_LE(percentile99(rgb, reference(image)), 2.0);
 }
 
@@ -131,17 +131,17 @@ INSTANTIATE_TEST_SUITE_P(Spaces, ConvertingToSRgb,
     testing::Values(Source { "displayP3", ColorSpace::fromPrimaries(p3, {}).value(), 8 },
         Source { "displayP3Deep", ColorSpace::fromPrimaries(p3, {}).value(), 16 },
         Source { "adobeRgb",
-            ColorSpace::fromPrimaries(adobeRgb, { TransferCurve::Kind::Gamma, 2.19921875 }).value(),
+            ColorSpace::fromPrimaries(adobeRgb, { TransferCurve::Kind::gamma, 2.19921875 }).value(),
             8 },
         Source { "rec2020",
-            ColorSpace::fromPrimaries(rec2020, { TransferCurve::Kind::Rec709, 0 }).value(), 8 },
+            ColorSpace::fromPrimaries(rec2020, { TransferCurve::Kind::rec709, 0 }).value(), 8 },
         Source { "cmyk", tableCmyk(), 8 }, Source { "cmykDeep", tableCmyk(), 16 }),
     test::RowName {});
 
 TEST(ColorTransform, sRgbLookAlikesAreOnlyRearranged)
 {
     const ColorSpace repackaged
-        = ColorSpace::fromIcc(ColorSpace::sRgb().iccProfile(), ColorModel::Rgb).value();
+        = ColorSpace::fromIcc(ColorSpace::sRgb().iccProfile(), ColorModel::rgb).value();
     EXPECT_TRUE(ColorTransform::create(repackaged, 8, ColorSpace::deviceRgb())->isIdentity());
     EXPECT_FALSE(ColorTransform::create(
         ColorSpace::fromPrimaries(p3, {}).value(), 8, ColorSpace::deviceRgb())
@@ -180,7 +180,7 @@ TEST(ColorTransform, greyWithTheSRgbCurveKeepsItsNumbers)
 TEST(ColorTransform, linearGreyIsBrightened)
 {
     const ColorSpace linear
-        = ColorSpace::fromPrimaries({}, { TransferCurve::Kind::Gamma, 1.0 }, ColorModel::Grey)
+        = ColorSpace::fromPrimaries({}, { TransferCurve::Kind::gamma, 1.0 }, ColorModel::grey)
               .value();
     const auto transform = ColorTransform::create(linear, 8, ColorSpace::sRgb());
     ASSERT_TRUE(transform);

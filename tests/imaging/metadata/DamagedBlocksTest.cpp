@@ -42,14 +42,14 @@ void readEverything(const MetadataBlocks& blocks)
 
 TEST(DamagedExif, canBeCutAnywhere)
 {
-    for (const ByteOrder order : { ByteOrder::Little, ByteOrder::Big }) {
+    for (const ByteOrder order : { ByteOrder::little, ByteOrder::big }) {
         const ByteBuffer whole = cameraExif(order);
         for (std::size_t length = 0; length < whole.size(); ++length) {
             const MetadataBlocks blocks
                 = exifOnly({ whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length) });
             readEverything(blocks);
             const auto found = orientation(blocks);
-            EXPECT_TRUE(!found || *found == Orientation::RightTop) << "cut to " << length;
+            EXPECT_TRUE(!found || *found == Orientation::rightTop) << "cut to " << length;
         }
     }
 }
@@ -102,7 +102,7 @@ TEST(DamagedExif, theFirstOfTwoFieldsCounts)
         ExifBuilder::undefined(0x927C, ByteBuffer(5000)) };
     const MetadataBlocks blocks = exifOnly(builder.build());
     readEverything(blocks);
-    EXPECT_EQ(orientation(blocks), Orientation::RightTop);
+    EXPECT_EQ(orientation(blocks), Orientation::rightTop);
     const ByteBuffer result = travelling(blocks, everything, picture).exif;
     EXPECT_LT(result.size(), 1000U);
     EXPECT_NE(test::textOf(result).find(test::textOf(test::cameraMakerNote())), std::string::npos);

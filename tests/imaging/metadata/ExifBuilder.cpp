@@ -13,7 +13,7 @@ namespace {
 template <typename Integer> void append(ByteBuffer& bytes, Integer value, ByteOrder order)
 {
     for (std::size_t i = 0; i < sizeof(Integer); ++i) {
-        const std::size_t shift = 8 * (order == ByteOrder::Little ? i : sizeof(Integer) - 1 - i);
+        const std::size_t shift = 8 * (order == ByteOrder::little ? i : sizeof(Integer) - 1 - i);
         bytes.push_back(static_cast<std::byte>(std::uint64_t { value } >> shift & 0xFFU));
     }
 }
@@ -112,7 +112,7 @@ ByteBuffer ExifBuilder::build() const
             last.push_back(longs(0x0201, { thumbnailDataAt }));
             last.push_back(longs(0x0202, { static_cast<std::uint32_t>(thumbnailData.size()) }));
         }
-        bytes = bytesOf(m_order == Order::Little ? "II" : "MM");
+        bytes = bytesOf(m_order == Order::little ? "II" : "MM");
         append(bytes, std::uint16_t { 42 }, m_order);
         append(bytes, std::uint32_t { 8 }, m_order);
         const auto add = [&](const Directory& directory, std::uint32_t next) {
@@ -193,7 +193,7 @@ ByteBuffer cameraExif(ByteOrder order)
 ByteBuffer captionIptc(std::string_view caption)
 {
     ByteBuffer bytes { std::byte { 0x1C }, std::byte { 2 }, std::byte { 120 } };
-    append(bytes, static_cast<std::uint16_t>(caption.size()), ByteOrder::Big);
+    append(bytes, static_cast<std::uint16_t>(caption.size()), ByteOrder::big);
     const ByteBuffer text = bytesOf(caption);
     bytes.insert(bytes.end(), text.begin(), text.end());
     return bytes;

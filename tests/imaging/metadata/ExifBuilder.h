@@ -24,7 +24,7 @@ public:
     using Order = imaging::metadata::ByteOrder;
     using Directory = std::vector<ExifField>;
 
-    explicit ExifBuilder(Order order = Order::Little)
+    explicit ExifBuilder(Order order = Order::little)
         : m_order(order)
     {
     }
@@ -51,7 +51,7 @@ private:
 
 /// A block as a camera writes it: all five directories, a maker note, a thumbnail, orientation 6.
 [[nodiscard]] imaging::ByteBuffer cameraExif(
-    imaging::metadata::ByteOrder order = imaging::metadata::ByteOrder::Little);
+    imaging::metadata::ByteOrder order = imaging::metadata::ByteOrder::little);
 
 /// What cameraExif() has as its thumbnail and as its maker note.
 [[nodiscard]] imaging::ByteBuffer cameraThumbnail();

@@ -49,16 +49,16 @@ ByteBuffer exifWithOrientation(std::uint16_t value)
 
 TEST(MetadataOrientation, isReadFromExifInBothByteOrders)
 {
-    EXPECT_EQ(orientation(exifOnly(cameraExif(ByteOrder::Little))), Orientation::RightTop);
-    EXPECT_EQ(orientation(exifOnly(cameraExif(ByteOrder::Big))), Orientation::RightTop);
+    EXPECT_EQ(orientation(exifOnly(cameraExif(ByteOrder::little))), Orientation::rightTop);
+    EXPECT_EQ(orientation(exifOnly(cameraExif(ByteOrder::big))), Orientation::rightTop);
 }
 
 TEST(MetadataOrientation, isReadFromAFieldOfTypeLongToo)
 {
-    for (const ByteOrder order : { ByteOrder::Little, ByteOrder::Big }) {
+    for (const ByteOrder order : { ByteOrder::little, ByteOrder::big }) {
         ExifBuilder builder(order);
         builder.main = { builder.longs(0x0112, { 8 }) };
-        EXPECT_EQ(orientation(exifOnly(builder.build())), Orientation::LeftBottom);
+        EXPECT_EQ(orientation(exifOnly(builder.build())), Orientation::leftBottom);
     }
 }
 
@@ -76,7 +76,7 @@ TEST(MetadataOrientation, ofExifHoldsAgainstXmp)
     const MetadataBlocks both {
         .exif = exifWithOrientation(3), .xmp = xmpPacket(R"(tiff:Orientation="6")"), .iptc = {}
     };
-    EXPECT_EQ(orientation(both), Orientation::BottomRight);
+    EXPECT_EQ(orientation(both), Orientation::bottomRight);
 }
 
 TEST(MetadataOrientation, ofXmpCountsWhereExifHasNone)
@@ -84,13 +84,13 @@ TEST(MetadataOrientation, ofXmpCountsWhereExifHasNone)
     ExifBuilder builder;
     builder.main = { ExifBuilder::ascii(0x010F, "Kestrova") };
     MetadataBlocks blocks = xmpOnly(xmpPacket(R"(tiff:Orientation="6")"));
-    EXPECT_EQ(orientation(blocks), Orientation::RightTop);
+    EXPECT_EQ(orientation(blocks), Orientation::rightTop);
     blocks.exif = builder.build();
-    EXPECT_EQ(orientation(blocks), Orientation::RightTop);
+    EXPECT_EQ(orientation(blocks), Orientation::rightTop);
     blocks.exif = exifWithOrientation(0);
-    EXPECT_EQ(orientation(blocks), Orientation::RightTop);
+    EXPECT_EQ(orientation(blocks), Orientation::rightTop);
     blocks.exif = bytesOf("II*");
-    EXPECT_EQ(orientation(blocks), Orientation::RightTop);
+    EXPECT_EQ(orientation(blocks), Orientation::rightTop);
 }
 
 TEST(MetadataOrientation, ofTheThumbnailIsNotThePictures)
@@ -249,8 +249,8 @@ TEST_P(TravellingExif, keepsThePlaceOfTheSubjectWhileItIsTrue)
 }
 
 INSTANTIATE_TEST_SUITE_P(Metadata, TravellingExif,
-    testing::Values(ByteOrder::Little, ByteOrder::Big),
-    [](const auto& row) { return row.param == ByteOrder::Little ? "little" : "big"; });
+    testing::Values(ByteOrder::little, ByteOrder::big),
+    [](const auto& row) { return row.param == ByteOrder::little ? "little" : "big"; });
 
 TEST(Travelling, anAdobeRgbIndexGoesWithTheColours)
 {
@@ -392,7 +392,7 @@ TEST(TravellingXmp, aForeignMeaningOfAPrefixEndsWithItsPacket)
     foreign.replace(foreign.find("adobe.com/tiff"), 9, "other.com");
     EXPECT_EQ(orientation(xmpOnly(bytesOf(foreign))), std::nullopt);
     const ByteBuffer packet = xmpPacket(R"(tiff:Orientation="6" tiff:Make="Kestrova")");
-    EXPECT_EQ(orientation(xmpOnly(packet)), Orientation::RightTop);
+    EXPECT_EQ(orientation(xmpOnly(packet)), Orientation::rightTop);
     const MetadataBlocks result = travelling(xmpOnly(packet), everything, turnedPicture);
     EXPECT_THAT(std::string(test::textOf(result.xmp)), HasSubstr("http://ns.adobe.com/tiff/1.0/"));
     EXPECT_THAT(std::string(test::textOf(result.xmp)), Not(HasSubstr("Orientation")));
@@ -438,7 +438,7 @@ TEST(Metadata, servesEightThreadsAtOnce)
             blocks.xmp = xmpPacket(R"(tiff:Orientation="6" xmlns:)" + own
                 + R"(="http://own.example/)" + own + R"(/" )" + own + R"(:key="value")");
             const MetadataBlocks result = travelling(blocks, everything, turnedPicture);
-            if (orientation(blocks) != Orientation::RightTop || groups(result) != everything
+            if (orientation(blocks) != Orientation::rightTop || groups(result) != everything
                 || test::textOf(result.xmp).find(own + ":key=\"value\"")
                     == std::string_view::npos) {
                 return false;

@@ -34,7 +34,7 @@ constexpr NewPicture picture { test::oddSize, false, true };
 const Image& sample()
 {
     static const Image image
-        = test::gradient(test::oddSize, { ColorModel::Rgb, 8, AlphaInfo::None });
+        = test::gradient(test::oddSize, { ColorModel::rgb, 8, AlphaInfo::none });
     return image;
 }
 
@@ -43,7 +43,7 @@ ByteBuffer encodedTiff()
     return tiff::encode(sample(), {}).value();
 }
 
-MetadataBlocks travellingBlocks(ByteOrder order = ByteOrder::Little)
+MetadataBlocks travellingBlocks(ByteOrder order = ByteOrder::little)
 {
     return travelling({ .exif = cameraExif(order),
                           .xmp = xmpPacket(R"(xmp:Rating="3")"),
@@ -65,7 +65,7 @@ ByteBuffer tinyTiff(ExifBuilder builder)
 
 TEST(WriteTiff, letsAnIndependentReaderFindEverything)
 {
-    for (const ByteOrder order : { ByteOrder::Little, ByteOrder::Big }) {
+    for (const ByteOrder order : { ByteOrder::little, ByteOrder::big }) {
         const auto fields = fileFields(writeTiff(encodedTiff(), travellingBlocks(order)));
         EXPECT_THAT(fields, Contains(Pair("Exif.Image.Make", "Kestrova")));
         EXPECT_THAT(fields, Contains(Pair("Exif.Image.XResolution", "72/1")));
@@ -138,7 +138,7 @@ TEST(WriteTiff, givesAFileItCannotReadBack)
 
 TEST(ReadTiff, takesTheDescriptionAndLeavesTheStructure)
 {
-    for (const ByteOrder order : { ByteOrder::Little, ByteOrder::Big }) {
+    for (const ByteOrder order : { ByteOrder::little, ByteOrder::big }) {
         ExifBuilder builder(order);
         builder.main = { ExifBuilder::ascii(0x010F, "Kestrova"), builder.shorts(0x0112, { 8 }),
             ExifBuilder::undefined(0x8773, ByteBuffer(200)) };
@@ -147,7 +147,7 @@ TEST(ReadTiff, takesTheDescriptionAndLeavesTheStructure)
         const auto fields = exifFields(blocks.exif);
         EXPECT_THAT(fields, Contains(Pair("Exif.Image.Make", "Kestrova")));
         EXPECT_THAT(fields, Contains(Pair("Exif.Photo.LensModel", "A lens")));
-        EXPECT_EQ(orientation(blocks), Orientation::LeftBottom);
+        EXPECT_EQ(orientation(blocks), Orientation::leftBottom);
         for (const char* const gone : { "Exif.Image.ImageWidth", "Exif.Image.StripOffsets",
                  "Exif.Image.Compression", "Exif.Image.InterColorProfile" }) {
             EXPECT_THAT(fields, Not(Contains(Key(gone))));
@@ -174,7 +174,7 @@ TEST(ReadTiff, leavesASecondPictureAlone)
 TEST(ReadTiff, readsIptcUnderEveryTypeItIsWrittenAs)
 {
     const ByteBuffer caption = captionIptc("A caption of 27 bytes, all"); // 31 bytes in all
-    for (const ByteOrder order : { ByteOrder::Little, ByteOrder::Big }) {
+    for (const ByteOrder order : { ByteOrder::little, ByteOrder::big }) {
         ExifBuilder builder(order);
         ByteBuffer padded = caption;
         padded.resize((padded.size() + 3) / 4 * 4);
@@ -231,7 +231,7 @@ TEST(ReadTiff, readsBigTiff)
     ASSERT_EQ(file.at(2), std::byte { 43 });
     const MetadataBlocks blocks = readTiff(file);
     const auto fields = exifFields(blocks.exif);
-    EXPECT_EQ(orientation(blocks), Orientation::RightTop);
+    EXPECT_EQ(orientation(blocks), Orientation::rightTop);
     EXPECT_THAT(fields, Contains(Pair("Exif.Image.Make", "Kestrova of the long name")));
     EXPECT_THAT(fields, Contains(Pair("Exif.Image.Model", "short")));
     EXPECT_THAT(fields, Contains(Pair("Exif.Photo.UserComment", HasSubstr("text"))));

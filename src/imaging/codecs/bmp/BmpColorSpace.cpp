@@ -38,7 +38,7 @@ Result<ColorSpace> calibrated(ByteSpan info)
     const std::array endpoints { readEndpoint(info, 60), readEndpoint(info, 72),
         readEndpoint(info, 84) };
     if (std::ranges::any_of(endpoints, [](const Endpoint& e) { return e.sum() <= 0; })) {
-        return failure(Error::Kind::Malformed, "endpoints without light");
+        return failure(Error::Kind::malformed, "endpoints without light");
     }
     // The field is defined as the XYZ of full red, green and blue, whose sum is the white point.
     // Most writers put chromaticities there (x + y + z is 1), which leave the white point open.
@@ -51,7 +51,7 @@ Result<ColorSpace> calibrated(ByteSpan info)
         endpoints[0].chromaticity(), endpoints[1].chromaticity(), endpoints[2].chromaticity() };
     // 16.16 fixed point, for red, green and blue; a file with three different ones was never seen.
     const double gamma = littleEndian32(info, 100) / 65536.0;
-    return ColorSpace::fromPrimaries(primaries, { TransferCurve::Kind::Gamma, gamma });
+    return ColorSpace::fromPrimaries(primaries, { TransferCurve::Kind::gamma, gamma });
 }
 
 Result<ColorSpace> stated(ByteSpan info, const Header& header)
@@ -67,9 +67,9 @@ Result<ColorSpace> stated(ByteSpan info, const Header& header)
         const std::size_t offset = littleEndian32(info, 112);
         const std::size_t length = littleEndian32(info, 116);
         if (offset > info.size() || length > info.size() - offset) {
-            return failure(Error::Kind::Truncated, "the file ends inside its profile");
+            return failure(Error::Kind::truncated, "the file ends inside its profile");
         }
-        return ColorSpace::fromIcc(info.subspan(offset, length), ColorModel::Rgb);
+        return ColorSpace::fromIcc(info.subspan(offset, length), ColorModel::rgb);
     }
     return ColorSpace::sRgb();
 }

@@ -56,35 +56,35 @@ Result<Compression> compressionOf(std::uint32_t code, const Header& header)
     const int bits = header.bitsPerPixel;
     switch (code) {
     case codeNone:
-        return Compression::None;
+        return Compression::none;
     case codeRunLength8:
         if (bits == 8) {
-            return Compression::RunLength8;
+            return Compression::runLength8;
         }
         break;
     case codeRunLength4:
         if (bits == 4) {
-            return Compression::RunLength4;
+            return Compression::runLength4;
         }
         break;
     case codeBitFields:
     case codeAlphaBitFields:
         if (!isOs2 && (bits == 16 || bits == 32)) {
-            return Compression::BitFields;
+            return Compression::bitFields;
         }
-        return failure(Error::Kind::Unsupported, "Huffman coding, or bit fields of odd pixels");
+        return failure(Error::Kind::unsupported, "Huffman coding, or bit fields of odd pixels");
     case codeJpeg:
         // OS/2 also writes headers of 40 bytes. A JPEG inside has no bits of its own: 0.
         if (bits == 24 && (isOs2 || header.infoBytes == infoHeader)) {
-            return Compression::RunLength24;
+            return Compression::runLength24;
         }
-        return failure(Error::Kind::Unsupported, "an embedded JPEG");
+        return failure(Error::Kind::unsupported, "an embedded JPEG");
     case codePng:
-        return failure(Error::Kind::Unsupported, "an embedded PNG");
+        return failure(Error::Kind::unsupported, "an embedded PNG");
     default:
-        return failure(Error::Kind::Unsupported, "an unknown compression");
+        return failure(Error::Kind::unsupported, "an unknown compression");
     }
-    return failure(Error::Kind::Malformed, "run lengths of another depth than the pixels");
+    return failure(Error::Kind::malformed, "run lengths of another depth than the pixels");
 }
 
 bool isKnownDepth(int bits)
@@ -134,9 +134,9 @@ Result<Size> readSize(ByteSpan info, Header& header)
     const auto width = static_cast<std::int32_t>(littleEndian32(info, 4));
     const auto height = static_cast<std::int32_t>(littleEndian32(info, 8));
     if (width <= 0 || height == 0 || height == std::numeric_limits<std::int32_t>::min()) {
-        return failure(Error::Kind::Malformed, "the picture has no pixels");
+        return failure(Error::Kind::malformed, "the picture has no pixels");
     }
-    header.rowOrder = height < 0 ? RowOrder::TopDown : RowOrder::BottomUp;
+    header.rowOrder = height < 0 ? RowOrder::topDown : RowOrder::bottomUp;
     return Size { width, height < 0 ? -height : height };
 }
 
@@ -153,20 +153,20 @@ Result<Header> parseHeader(ByteSpan file)
 {
     const std::size_t start = bitmapOffset(file);
     if (file.size() < start + fileHeaderBytes + 4) {
-        return failure(Error::Kind::Truncated, "the file ends inside its header");
+        return failure(Error::Kind::truncated, "the file ends inside its header");
     }
     if (!startsWith(file, start, 'B', 'M')) {
-        return failure(Error::Kind::Malformed, "no bitmap");
+        return failure(Error::Kind::malformed, "no bitmap");
     }
     Header header;
     header.infoOffset = start + fileHeaderBytes;
     const ByteSpan info = file.subspan(header.infoOffset);
     header.infoBytes = littleEndian32(info, 0);
     if (!isKnownHeader(header.infoBytes)) {
-        return failure(Error::Kind::Unsupported, "an unknown version of the header");
+        return failure(Error::Kind::unsupported, "an unknown version of the header");
     }
     if (info.size() < header.infoBytes) {
-        return failure(Error::Kind::Truncated, "the file ends inside its header");
+        return failure(Error::Kind::truncated, "the file ends inside its header");
     }
     // OS/2 headers may be cut short; a field that is missing is 0.
     const auto field
@@ -185,16 +185,16 @@ Result<Header> parseHeader(ByteSpan file)
     }
     header.compression = *compression;
     if (!isKnownDepth(header.bitsPerPixel)) {
-        return failure(Error::Kind::Malformed, "no such number of bits");
+        return failure(Error::Kind::malformed, "no such number of bits");
     }
     header.declaredColors = field(32);
 
     std::size_t headerEnd = header.infoBytes;
-    if (header.compression == Compression::BitFields) {
+    if (header.compression == Compression::bitFields) {
         const std::size_t count = maskCount(header.infoBytes, code);
         headerEnd = std::max(headerEnd, masksAt + count * 4);
         if (info.size() < headerEnd) {
-            return failure(Error::Kind::Truncated, "the file ends inside its colour masks");
+            return failure(Error::Kind::truncated, "the file ends inside its colour masks");
         }
         header.masks = readMasks(info, count);
     } else if (header.bitsPerPixel == 16) {
@@ -219,14 +219,14 @@ Result<Palette> readPalette(ByteSpan file, const Header& header)
     const std::size_t entryBytes = paletteEntryBytes(header);
     const std::size_t inFile = (file.size() - header.paletteOffset) / entryBytes;
     if (header.declaredColors > inFile) {
-        return failure(Error::Kind::Malformed, "the palette is longer than the file");
+        return failure(Error::Kind::malformed, "the palette is longer than the file");
     }
     // More colours than the pixels can name are skipped, and a palette whose writer thought it
     // longer than it is ends where the pixels start.
     const std::size_t room = (header.pixelOffset - header.paletteOffset) / entryBytes;
     const std::size_t count = std::min({ expectedPaletteBytes(header) / entryBytes, room, inFile });
     if (count == 0) {
-        return failure(Error::Kind::Malformed, "no palette");
+        return failure(Error::Kind::malformed, "no palette");
     }
     Palette palette {};
     for (std::size_t i = 0; i < count; ++i) {

@@ -21,9 +21,9 @@ inline constexpr std::uint32_t os2Header = 64; ///< OS/2 2.x; may be cut down to
 inline constexpr std::uint32_t v4Header = 108; ///< with a colour space
 inline constexpr std::uint32_t v5Header = 124; ///< with a profile
 
-enum class Compression { None, RunLength4, RunLength8, RunLength24, BitFields };
+enum class Compression { none, runLength4, runLength8, runLength24, bitFields };
 
-enum class RowOrder { BottomUp, TopDown };
+enum class RowOrder { bottomUp, topDown };
 
 /// Which bits of a 16-bit or 32-bit pixel belong to which channel; 0 is an absent channel.
 struct ChannelMasks {
@@ -44,9 +44,9 @@ struct Header {
     std::size_t infoOffset = 0; ///< where the information header starts in the file
     std::uint32_t infoBytes = 0; ///< its size, one of those above
     Size size;
-    RowOrder rowOrder = RowOrder::BottomUp;
+    RowOrder rowOrder = RowOrder::bottomUp;
     int bitsPerPixel = 0; ///< 1, 2, 4, 8, 16, 24 or 32
-    Compression compression = Compression::None;
+    Compression compression = Compression::none;
     ChannelMasks masks; ///< for 16 and 32 bits
     std::size_t paletteOffset = 0; ///< from the start of the file
     std::uint32_t declaredColors = 0; ///< in the palette, as the file says; 0 means all
@@ -55,7 +55,7 @@ struct Header {
     [[nodiscard]] bool isIndexed() const { return bitsPerPixel <= 8; }
     [[nodiscard]] bool isRunLength() const
     {
-        return compression != Compression::None && compression != Compression::BitFields;
+        return compression != Compression::none && compression != Compression::bitFields;
     }
 };
 

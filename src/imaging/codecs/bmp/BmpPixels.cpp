@@ -144,14 +144,14 @@ Result<void> readMasked(const Header& header, ByteSpan pixels, PixelBuffer& targ
     const std::uint32_t together = masks.red | masks.green | masks.blue | masks.alpha;
     if ((masks.red | masks.green | masks.blue) == 0
         || (header.bitsPerPixel == 16 && together > 0xFFFF)) {
-        return failure(Error::Kind::Malformed, "colour masks without pixels");
+        return failure(Error::Kind::malformed, "colour masks without pixels");
     }
     const auto red = ChannelMask::create(masks.red);
     const auto green = ChannelMask::create(masks.green);
     const auto blue = ChannelMask::create(masks.blue);
     const auto alpha = ChannelMask::create(masks.alpha);
     if (!red || !green || !blue || !alpha) {
-        return failure(Error::Kind::Malformed, "a colour mask with holes");
+        return failure(Error::Kind::malformed, "a colour mask with holes");
     }
     const Channels channels { *red, *green, *blue, *alpha };
     if (header.bitsPerPixel == 16) {

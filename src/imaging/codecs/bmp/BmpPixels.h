@@ -8,7 +8,7 @@ namespace vellumine::imaging::bmp {
 /// The row of the picture that the file's row `fileRow` is.
 [[nodiscard]] inline int pictureRow(const Header& header, int fileRow)
 {
-    return header.rowOrder == RowOrder::TopDown ? fileRow : header.size.height - 1 - fileRow;
+    return header.rowOrder == RowOrder::topDown ? fileRow : header.size.height - 1 - fileRow;
 }
 
 /// The bytes that pixels without run lengths take, without the padding behind the last row.

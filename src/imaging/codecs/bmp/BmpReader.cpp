@@ -10,7 +10,7 @@ namespace {
 
 PixelLayout layoutOf(const Header& header)
 {
-    return { ColorModel::Rgb, 8, header.masks.alpha != 0 ? AlphaInfo::Last : AlphaInfo::None };
+    return { ColorModel::rgb, 8, header.masks.alpha != 0 ? AlphaInfo::last : AlphaInfo::none };
 }
 
 Result<void> readPixels(
@@ -59,7 +59,7 @@ Result<DecodedImage> decode(ByteSpan file, const DecodeOptions& options)
         return tl::unexpected(checked.error());
     }
     if (header->pixelOffset > file.size()) {
-        return failure(Error::Kind::Truncated, "the file ends before its pixels");
+        return failure(Error::Kind::truncated, "the file ends before its pixels");
     }
     Palette palette {};
     if (header->isIndexed()) {
@@ -71,7 +71,7 @@ Result<DecodedImage> decode(ByteSpan file, const DecodeOptions& options)
     }
     const ByteSpan pixels = file.subspan(header->pixelOffset);
     if (!header->isRunLength() && pixels.size() < plainBytes(*header)) {
-        return failure(Error::Kind::Truncated, "the file ends inside its pixels");
+        return failure(Error::Kind::truncated, "the file ends inside its pixels");
     }
     auto target = PixelBuffer::create(header->size, layout);
     if (!target) {

@@ -52,7 +52,7 @@ public:
                 m_x += next();
                 m_y += next();
                 if (m_x > m_header.size.width || m_y > m_header.size.height) {
-                    return failure(Error::Kind::Malformed, "a jump out of the picture");
+                    return failure(Error::Kind::malformed, "a jump out of the picture");
                 }
                 break;
             }
@@ -76,20 +76,20 @@ private:
         if (m_y == m_header.size.height - 1 && m_x >= m_header.size.width) {
             return {};
         }
-        return failure(Error::Kind::Truncated, "the run lengths end before the picture");
+        return failure(Error::Kind::truncated, "the run lengths end before the picture");
     }
 
     [[nodiscard]] std::size_t runBytes() const
     {
-        return m_header.compression == Compression::RunLength24 ? 3 : 1;
+        return m_header.compression == Compression::runLength24 ? 3 : 1;
     }
 
     [[nodiscard]] std::size_t literalBytes(std::size_t count) const
     {
         switch (m_header.compression) {
-        case Compression::RunLength4:
+        case Compression::runLength4:
             return (count + 1) / 2;
-        case Compression::RunLength24:
+        case Compression::runLength24:
             return count * 3;
         default:
             return count;
@@ -123,14 +123,14 @@ private:
         PaletteColor even;
         PaletteColor odd;
         switch (m_header.compression) {
-        case Compression::RunLength4: {
+        case Compression::runLength4: {
             // The two halves of the byte take turns.
             const std::uint8_t pair = next();
             even = m_palette[pair >> 4U];
             odd = m_palette[pair & 0x0FU];
             break;
         }
-        case Compression::RunLength24:
+        case Compression::runLength24:
             even = odd = nextTrueColor();
             break;
         default:
@@ -145,7 +145,7 @@ private:
     {
         const std::size_t start = m_at;
         switch (m_header.compression) {
-        case Compression::RunLength4:
+        case Compression::runLength4:
             for (int i = 0; i < count; i += 2) {
                 const std::uint8_t pair = next();
                 put(m_palette[pair >> 4U]);
@@ -154,7 +154,7 @@ private:
                 }
             }
             break;
-        case Compression::RunLength24:
+        case Compression::runLength24:
             for (int i = 0; i < count; ++i) {
                 put(nextTrueColor());
             }

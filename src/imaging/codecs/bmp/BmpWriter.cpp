@@ -16,38 +16,38 @@ constexpr std::uint32_t intentImages = 4; // perceptual, what pictures commonly 
 constexpr std::uint32_t pixelsPerMetre = 2835; // 72 dpi
 constexpr std::size_t greyPaletteBytes = std::size_t { 256 } * 4;
 
-enum class Form { Grey8, Rgb24, Rgba32 };
+enum class Form { grey8, rgb24, rgba32 };
 
 Form formFor(const Image& image)
 {
-    if (image.hasAlpha() || image.layout().alpha == AlphaInfo::Only) {
-        return Form::Rgba32;
+    if (image.hasAlpha() || image.layout().alpha == AlphaInfo::only) {
+        return Form::rgba32;
     }
-    return image.layout().model == ColorModel::Grey ? Form::Grey8 : Form::Rgb24;
+    return image.layout().model == ColorModel::grey ? Form::grey8 : Form::rgb24;
 }
 
 PixelLayout layoutFor(Form form)
 {
     switch (form) {
-    case Form::Grey8:
-        return { ColorModel::Grey, 8, AlphaInfo::None };
-    case Form::Rgb24:
-        return { ColorModel::Rgb, 8, AlphaInfo::None };
-    case Form::Rgba32:
+    case Form::grey8:
+        return { ColorModel::grey, 8, AlphaInfo::none };
+    case Form::rgb24:
+        return { ColorModel::rgb, 8, AlphaInfo::none };
+    case Form::rgba32:
         break;
     }
-    return { ColorModel::Rgb, 8, AlphaInfo::Last };
+    return { ColorModel::rgb, 8, AlphaInfo::last };
 }
 
 std::size_t strideOf(Size size, Form form)
 {
     const auto width = static_cast<std::size_t>(size.width);
     switch (form) {
-    case Form::Grey8:
+    case Form::grey8:
         return (width + 3) / 4 * 4;
-    case Form::Rgb24:
+    case Form::rgb24:
         return (width * 3 + 3) / 4 * 4;
-    case Form::Rgba32:
+    case Form::rgba32:
         break;
     }
     return width * 4;
@@ -103,15 +103,15 @@ Plan planFor(const Image& image, const EncodeOptions& options)
     Plan plan {};
     plan.form = formFor(image);
     // The numbers of a palette are RGB, which a grey profile cannot explain.
-    if (options.profile == ProfilePolicy::Embed && image.layout().model == ColorModel::Rgb) {
+    if (options.profile == ProfilePolicy::embed && image.layout().model == ColorModel::rgb) {
         plan.profile = image.colorSpace().iccProfile();
     }
-    const bool needsVersion5 = plan.form == Form::Rgba32 || !plan.profile.empty();
+    const bool needsVersion5 = plan.form == Form::rgba32 || !plan.profile.empty();
     plan.infoBytes = needsVersion5 ? v5Header : infoHeader;
     plan.stride = strideOf(image.size(), plan.form);
     plan.pixelBytes = plan.stride * static_cast<std::size_t>(image.height());
     plan.pixelOffset
-        = fileHeaderBytes + plan.infoBytes + (plan.form == Form::Grey8 ? greyPaletteBytes : 0);
+        = fileHeaderBytes + plan.infoBytes + (plan.form == Form::grey8 ? greyPaletteBytes : 0);
     return plan;
 }
 
@@ -126,18 +126,18 @@ void writeHeaders(Writer& out, Size size, const Plan& plan)
     out.add32(size.width);
     out.add32(size.height);
     out.add16(1); // planes
-    out.add16(plan.form == Form::Grey8 ? 8 : (plan.form == Form::Rgb24 ? 24 : 32));
-    out.add32(plan.form == Form::Rgba32 ? bitFields : 0U);
+    out.add16(plan.form == Form::grey8 ? 8 : (plan.form == Form::rgb24 ? 24 : 32));
+    out.add32(plan.form == Form::rgba32 ? bitFields : 0U);
     out.add32(plan.pixelBytes);
     out.add32(pixelsPerMetre);
     out.add32(pixelsPerMetre);
-    out.add32(plan.form == Form::Grey8 ? 256U : 0U);
+    out.add32(plan.form == Form::grey8 ? 256U : 0U);
     out.add32(0U); // all colours are important
     if (plan.infoBytes == infoHeader) {
         return;
     }
 
-    const bool hasMasks = plan.form == Form::Rgba32;
+    const bool hasMasks = plan.form == Form::rgba32;
     out.add32(hasMasks ? 0x00FF0000U : 0U);
     out.add32(hasMasks ? 0x0000FF00U : 0U);
     out.add32(hasMasks ? 0x000000FFU : 0U);
@@ -162,17 +162,17 @@ void writeRow(const Image& image, int y, Form form, std::uint8_t* to)
 {
     const std::uint8_t* from = image.row8(y);
     switch (form) {
-    case Form::Grey8:
+    case Form::grey8:
         std::copy_n(from, image.width(), to);
         break;
-    case Form::Rgb24:
+    case Form::rgb24:
         for (int x = 0; x < image.width(); ++x, from += 3, to += 3) {
             to[0] = from[2];
             to[1] = from[1];
             to[2] = from[0];
         }
         break;
-    case Form::Rgba32:
+    case Form::rgba32:
         for (int x = 0; x < image.width(); ++x, from += 4, to += 4) {
             to[0] = from[2];
             to[1] = from[1];
@@ -187,12 +187,12 @@ void writeRow(const Image& image, int y, Form form, std::uint8_t* to)
 
 Result<ByteBuffer> encode(const Image& image, const EncodeOptions& options)
 {
-    if (image.layout().model == ColorModel::Cmyk) {
-        return failure(Error::Kind::Unsupported, "a bitmap holds no CMYK");
+    if (image.layout().model == ColorModel::cmyk) {
+        return failure(Error::Kind::unsupported, "a bitmap holds no CMYK");
     }
     const Plan plan = planFor(image, options);
     if (plan.fileBytes() > std::numeric_limits<std::uint32_t>::max()) {
-        return failure(Error::Kind::EncodingFailed, "a bitmap's file is 4 GB at most");
+        return failure(Error::Kind::encodingFailed, "a bitmap's file is 4 GB at most");
     }
     const auto converted = relayout(image, layoutFor(plan.form));
     if (!converted) {
@@ -202,7 +202,7 @@ Result<ByteBuffer> encode(const Image& image, const EncodeOptions& options)
     Writer out;
     out.reserve(plan.fileBytes());
     writeHeaders(out, image.size(), plan);
-    if (plan.form == Form::Grey8) {
+    if (plan.form == Form::grey8) {
         writeGreyPalette(out);
     }
     for (int y = image.height() - 1; y >= 0; --y) {

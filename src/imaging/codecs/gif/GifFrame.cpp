@@ -42,9 +42,9 @@ int FrameReader::readInput(GifFileType* file, std::uint8_t* target, int count)
 tl::unexpected<Error> FrameReader::inputFailure(const char* detail) const
 {
     if (m_file && m_file->Error == D_GIF_ERR_NOT_ENOUGH_MEM) {
-        return failure(Error::Kind::OutOfMemory, detail);
+        return failure(Error::Kind::outOfMemory, detail);
     }
-    return failure(m_input->ranOut ? Error::Kind::Truncated : Error::Kind::Malformed, detail);
+    return failure(m_input->ranOut ? Error::Kind::truncated : Error::Kind::malformed, detail);
 }
 
 Result<FrameReader> FrameReader::open(ByteSpan file)
@@ -79,7 +79,7 @@ Result<void> FrameReader::readUntilPicture()
             }
             break;
         default:
-            return failure(Error::Kind::Malformed, "no picture");
+            return failure(Error::Kind::malformed, "no picture");
         }
     }
 }
@@ -138,10 +138,10 @@ Result<void> FrameReader::readDescriptor()
     const GifImageDesc& image = m_file->Image;
     m_frame = { image.Left, image.Top, image.Width, image.Height };
     if (m_frame.width < 1 || m_frame.height < 1) {
-        return failure(Error::Kind::Malformed, "the picture has no pixels");
+        return failure(Error::Kind::malformed, "the picture has no pixels");
     }
     if (image.ColorMap == nullptr && m_file->SColorMap == nullptr) {
-        return failure(Error::Kind::Malformed, "no palette");
+        return failure(Error::Kind::malformed, "no palette");
     }
     int codeSize = 0;
     GifByteType* block = nullptr;
@@ -149,7 +149,7 @@ Result<void> FrameReader::readDescriptor()
         return inputFailure("no pixels");
     }
     if (codeSize < 1 || codeSize > 8) {
-        return failure(Error::Kind::Malformed, "no such size of codes");
+        return failure(Error::Kind::malformed, "no such size of codes");
     }
     m_decoder = std::make_unique<LzwDecoder>(static_cast<unsigned>(codeSize));
     if (block != nullptr) {
@@ -163,8 +163,8 @@ Result<void> FrameReader::readDescriptor()
 PixelLayout FrameReader::layout() const
 {
     const bool coversScreen = m_frame.size() == m_screen;
-    return { ColorModel::Rgb, 8,
-        coversScreen && !m_transparent ? AlphaInfo::None : AlphaInfo::Last };
+    return { ColorModel::rgb, 8,
+        coversScreen && !m_transparent ? AlphaInfo::none : AlphaInfo::last };
 }
 
 bool FrameReader::isInterlaced() const
@@ -203,14 +203,14 @@ Result<void> FrameReader::decodeMore()
 {
     while (true) {
         switch (m_decoder->decode(m_compressed)) {
-        case LzwDecoder::Status::Pixels:
+        case LzwDecoder::Status::pixels:
             m_pixels = m_decoder->pixels();
             return {};
-        case LzwDecoder::Status::Damaged:
-            return failure(Error::Kind::Malformed, "damaged pixels");
-        case LzwDecoder::Status::End:
-            return failure(Error::Kind::Truncated, "the pixels end before the picture");
-        case LzwDecoder::Status::NeedsBytes:
+        case LzwDecoder::Status::damaged:
+            return failure(Error::Kind::malformed, "damaged pixels");
+        case LzwDecoder::Status::end:
+            return failure(Error::Kind::truncated, "the pixels end before the picture");
+        case LzwDecoder::Status::needsBytes:
             break;
         }
         GifByteType* block = nullptr;
@@ -218,7 +218,7 @@ Result<void> FrameReader::decodeMore()
             return inputFailure("missing pixels");
         }
         if (block == nullptr) {
-            return failure(Error::Kind::Truncated, "the pixels end before the picture");
+            return failure(Error::Kind::truncated, "the pixels end before the picture");
         }
         m_compressed = { block + 1, block[0] };
     }

@@ -105,7 +105,7 @@ void rowForQuantiser(liq_color* row, int y, int width, void* image)
 tl::unexpected<Error> quantiserFailure(liq_error error)
 {
     return failure(
-        error == LIQ_OUT_OF_MEMORY ? Error::Kind::OutOfMemory : Error::Kind::EncodingFailed,
+        error == LIQ_OUT_OF_MEMORY ? Error::Kind::outOfMemory : Error::Kind::encodingFailed,
         "no palette could be made");
 }
 
@@ -131,7 +131,7 @@ Result<void> quantise(const Image& rgba, std::size_t capacity, IndexedImage& res
 {
     const Owned<liq_attr> attributes(liq_attr_create());
     if (!attributes) {
-        return failure(Error::Kind::OutOfMemory, "no palette could be made");
+        return failure(Error::Kind::outOfMemory, "no palette could be made");
     }
     liq_set_max_colors(attributes.get(), static_cast<int>(capacity));
     liq_set_quality(attributes.get(), 0, 100);
@@ -139,7 +139,7 @@ Result<void> quantise(const Image& rgba, std::size_t capacity, IndexedImage& res
     const Owned<liq_image> picture(liq_image_create_custom(attributes.get(), rowForQuantiser,
         const_cast<Image*>(&rgba), rgba.width(), rgba.height(), 0));
     if (!picture) {
-        return failure(Error::Kind::OutOfMemory, "no palette could be made");
+        return failure(Error::Kind::outOfMemory, "no palette could be made");
     }
     liq_result* raw = nullptr;
     if (const liq_error error = liq_image_quantize(picture.get(), attributes.get(), &raw);

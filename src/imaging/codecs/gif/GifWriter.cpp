@@ -84,13 +84,13 @@ bool writePicture(GifFileType* file, IndexedImage& image)
 
 Result<ByteBuffer> encode(const Image& image, const EncodeOptions& /*options*/)
 {
-    if (image.layout().model == ColorModel::Cmyk) {
-        return failure(Error::Kind::Unsupported, "a GIF holds no CMYK");
+    if (image.layout().model == ColorModel::cmyk) {
+        return failure(Error::Kind::unsupported, "a GIF holds no CMYK");
     }
     if (image.width() > maximumSide || image.height() > maximumSide) {
-        return failure(Error::Kind::EncodingFailed, "a GIF's sides are 65,535 at most");
+        return failure(Error::Kind::encodingFailed, "a GIF's sides are 65,535 at most");
     }
-    const auto rgba = relayout(image, { ColorModel::Rgb, 8, AlphaInfo::Last });
+    const auto rgba = relayout(image, { ColorModel::rgb, 8, AlphaInfo::last });
     if (!rgba) {
         return tl::unexpected(rgba.error());
     }
@@ -104,7 +104,7 @@ Result<ByteBuffer> encode(const Image& image, const EncodeOptions& /*options*/)
     File file(EGifOpen(&output, appendOutput, &error));
     if (!file || !writePicture(file.get(), *picture)
         || EGifCloseFile(file.release(), &error) == GIF_ERROR) {
-        return failure(Error::Kind::EncodingFailed, "the GIF could not be written");
+        return failure(Error::Kind::encodingFailed, "the GIF could not be written");
     }
     return output;
 }

@@ -27,7 +27,7 @@ LzwDecoder::Status LzwDecoder::decode(std::span<const std::uint8_t>& bytes)
     while (true) {
         while (m_bitCount < m_width) {
             if (bytes.empty()) {
-                return Status::NeedsBytes;
+                return Status::needsBytes;
             }
             m_bits |= static_cast<std::uint32_t>(bytes.front()) << m_bitCount;
             m_bitCount += 8;
@@ -47,18 +47,18 @@ LzwDecoder::Status LzwDecoder::decodeCode(std::uint16_t code)
 {
     const auto endCode = static_cast<std::uint16_t>(m_clearCode + 1);
     if (code == endCode) {
-        return Status::End;
+        return Status::end;
     }
     if (m_previous == none) {
         if (code > endCode) {
-            return Status::Damaged;
+            return Status::damaged;
         }
         expand(code);
         m_previous = code;
-        return Status::Pixels;
+        return Status::pixels;
     }
     if (code > m_next) {
-        return Status::Damaged;
+        return Status::damaged;
     }
     if (code == m_next) {
         // The code that is being made: the previous pixels and the first of them again.
@@ -80,7 +80,7 @@ LzwDecoder::Status LzwDecoder::decodeCode(std::uint16_t code)
         }
     }
     m_previous = code;
-    return Status::Pixels;
+    return Status::pixels;
 }
 
 void LzwDecoder::expand(std::uint16_t code)

@@ -11,10 +11,10 @@ namespace vellumine::imaging::gif {
 class LzwDecoder {
 public:
     enum class Status {
-        Pixels, ///< some were decoded
-        NeedsBytes, ///< the bytes are used up
-        End, ///< the end code
-        Damaged,
+        pixels, ///< some were decoded
+        needsBytes, ///< the bytes are used up
+        end, ///< the end code
+        damaged,
     };
 
     /// `codeSize` is the number of bits that pixels have, 1 to 8.

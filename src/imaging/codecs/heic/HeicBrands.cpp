@@ -48,7 +48,7 @@ std::optional<Container> containerOf(ByteSpan file)
     }
     const std::string_view major = textAt(file, majorBrandOffset);
     if (isOneOf(major, hevcBrands)) {
-        return Container::Heic;
+        return Container::heic;
     }
     if (!isOneOf(major, generalBrands)) {
         return std::nullopt;
@@ -59,7 +59,7 @@ std::optional<Container> containerOf(ByteSpan file)
         hasHevc |= isOneOf(textAt(file, at), hevcBrands);
         hasAv1 |= isOneOf(textAt(file, at), av1Brands);
     }
-    return hasAv1 && !hasHevc ? std::nullopt : std::optional(Container::Heif);
+    return hasAv1 && !hasHevc ? std::nullopt : std::optional(Container::heif);
 }
 
 void makeHeif(std::span<std::byte> file)

@@ -11,8 +11,8 @@ namespace vellumine::imaging::heic {
 
 /// What a file's first box says that the file is.
 enum class Container : std::uint8_t {
-    Heic, ///< the major brand is one of HEVC pictures
-    Heif, ///< the major brand is one of HEIF in general, and the file is not for AV1 only
+    heic, ///< the major brand is one of HEVC pictures
+    heif, ///< the major brand is one of HEIF in general, and the file is not for AV1 only
 };
 
 /// By the major brand of a sound `ftyp` box; none for anything else.

@@ -18,7 +18,7 @@ auto guarded(Error::Kind otherwise, const Operation& operation) -> decltype(oper
     try {
         return operation();
     } catch (const std::bad_alloc&) {
-        return failure(Error::Kind::OutOfMemory, "no memory for the picture");
+        return failure(Error::Kind::outOfMemory, "no memory for the picture");
     } catch (const std::exception& exception) {
         return failure(otherwise, exception.what());
     }
@@ -28,17 +28,17 @@ auto guarded(Error::Kind otherwise, const Operation& operation) -> decltype(oper
 
 bool sniffHeic(ByteSpan file)
 {
-    return containerOf(file) == Container::Heic;
+    return containerOf(file) == Container::heic;
 }
 
 bool sniffHeif(ByteSpan file)
 {
-    return containerOf(file) == Container::Heif;
+    return containerOf(file) == Container::heif;
 }
 
 Result<ImageHeader> readHeader(ByteSpan file)
 {
-    return guarded(Error::Kind::Malformed, [file]() -> Result<ImageHeader> {
+    return guarded(Error::Kind::malformed, [file]() -> Result<ImageHeader> {
         const auto picture = HeicPicture::open(file, Limits {}.maximumSide);
         return picture ? picture->header() : tl::unexpected(picture.error());
     });
@@ -46,7 +46,7 @@ Result<ImageHeader> readHeader(ByteSpan file)
 
 Result<DecodedImage> decode(ByteSpan file, const DecodeOptions& options)
 {
-    return guarded(Error::Kind::Malformed, [file, &options]() -> Result<DecodedImage> {
+    return guarded(Error::Kind::malformed, [file, &options]() -> Result<DecodedImage> {
         const auto picture = HeicPicture::open(file, options.limits.maximumSide);
         return picture ? picture->decode(options.limits) : tl::unexpected(picture.error());
     });
@@ -55,7 +55,7 @@ Result<DecodedImage> decode(ByteSpan file, const DecodeOptions& options)
 Result<ByteBuffer> encodeHeic(const Image& image, const EncodeOptions& options)
 {
     return guarded(
-        Error::Kind::EncodingFailed, [&image, &options] { return encodePicture(image, options); });
+        Error::Kind::encodingFailed, [&image, &options] { return encodePicture(image, options); });
 }
 
 Result<ByteBuffer> encodeHeif(const Image& image, const EncodeOptions& options)

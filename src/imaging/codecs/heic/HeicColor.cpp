@@ -45,19 +45,19 @@ TransferCurve curveFor(heif_transfer_characteristics code)
     case 6:
     case 14:
     case 15:
-        return { TransferCurve::Kind::Rec709, 1.0 };
+        return { TransferCurve::Kind::rec709, 1.0 };
     case 4:
-        return { TransferCurve::Kind::Gamma, 2.2 };
+        return { TransferCurve::Kind::gamma, 2.2 };
     case 5:
-        return { TransferCurve::Kind::Gamma, 2.8 };
+        return { TransferCurve::Kind::gamma, 2.8 };
     case 8:
-        return { TransferCurve::Kind::Gamma, 1.0 };
+        return { TransferCurve::Kind::gamma, 1.0 };
     case 16:
-        return { TransferCurve::Kind::Pq, 1.0 };
+        return { TransferCurve::Kind::pq, 1.0 };
     case 18:
-        return { TransferCurve::Kind::Hlg, 1.0 };
+        return { TransferCurve::Kind::hlg, 1.0 };
     default:
-        return { TransferCurve::Kind::SRgb, 1.0 };
+        return { TransferCurve::Kind::sRgb, 1.0 };
     }
 }
 
@@ -71,7 +71,7 @@ std::optional<ColorSpace> embeddedProfile(const heif_image_handle* picture)
     if (!isOk(heif_image_handle_get_raw_color_profile(picture, profile.data()))) {
         return std::nullopt;
     }
-    auto space = ColorSpace::fromIcc(profile, ColorModel::Rgb);
+    auto space = ColorSpace::fromIcc(profile, ColorModel::rgb);
     return space ? std::optional(*std::move(space)) : std::nullopt;
 }
 

@@ -22,7 +22,7 @@ struct Dependency {
 
 tl::unexpected<Error> malformed()
 {
-    return failure(Error::Kind::Malformed, "a damaged box of metadata or references");
+    return failure(Error::Kind::malformed, "a damaged box of metadata or references");
 }
 
 /// One kind of reference of one item: its number, the count of the others, their numbers.
@@ -129,14 +129,14 @@ Result<void> checkContainer(ByteSpan file)
         }
         // Inside this box, the letters are that box: pixels stand elsewhere.
         if (asText(box->content).find("av1C") != std::string_view::npos) {
-            return failure(Error::Kind::Unsupported, "a picture coded as AV1");
+            return failure(Error::Kind::unsupported, "a picture coded as AV1");
         }
         const auto dependencies = readDependencies(box->content);
         if (!dependencies) {
             return tl::unexpected(dependencies.error());
         }
         if (!comeToAnEnd(*dependencies)) {
-            return failure(Error::Kind::Malformed, "pictures that are made of each other");
+            return failure(Error::Kind::malformed, "pictures that are made of each other");
         }
     }
     return {};

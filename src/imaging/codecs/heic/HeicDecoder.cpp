@@ -47,11 +47,11 @@ Result<PixelBuffer> copyPixels(const heif_image* decoded, const ImageHeader& hea
     const PixelLayout layout = header.layout;
     if (plane == nullptr || size != header.size
         || stride / layout.bytesPerPixel() < header.size.width) {
-        return failure(Error::Kind::Malformed, "the coded picture is not of the stated size");
+        return failure(Error::Kind::malformed, "the coded picture is not of the stated size");
     }
     const int bits = heif_image_get_bits_per_pixel_range(decoded, channel);
     if (layout.bitsPerComponent == 8 ? bits != 8 : (bits < 9 || bits > 16)) {
-        return failure(Error::Kind::Malformed, "the coded picture is not of the stated depth");
+        return failure(Error::Kind::malformed, "the coded picture is not of the stated depth");
     }
     auto pixels = PixelBuffer::create(size, layout);
     if (!pixels) {
@@ -85,7 +85,7 @@ Result<HeicPicture> HeicPicture::open(ByteSpan file, std::uint32_t maximumSide)
     HeicPicture picture;
     picture.m_context.reset(heif_context_alloc());
     if (!picture.m_context) {
-        return failure(Error::Kind::OutOfMemory, "no memory for the HEIF reader");
+        return failure(Error::Kind::outOfMemory, "no memory for the HEIF reader");
     }
     heif_context* const context = picture.m_context.get();
     constexpr std::uint32_t largest = std::numeric_limits<int>::max();
@@ -112,15 +112,15 @@ Result<ImageHeader> HeicPicture::header() const
     const heif_image_handle* const handle = m_handle.get();
     const Size size { heif_image_handle_get_width(handle), heif_image_handle_get_height(handle) };
     if (size.width < 1 || size.height < 1) {
-        return failure(Error::Kind::Malformed, "the picture has no pixels");
+        return failure(Error::Kind::malformed, "the picture has no pixels");
     }
     const int bits = std::max(heif_image_handle_get_luma_bits_per_pixel(handle),
         heif_image_handle_get_chroma_bits_per_pixel(handle));
-    PixelLayout layout { ColorModel::Rgb, bits > 8 ? 16 : 8, AlphaInfo::None };
+    PixelLayout layout { ColorModel::rgb, bits > 8 ? 16 : 8, AlphaInfo::none };
     if (heif_image_handle_has_alpha_channel(handle) != 0) {
         layout.alpha = heif_image_handle_is_premultiplied_alpha(handle) != 0
-            ? AlphaInfo::PremultipliedLast
-            : AlphaInfo::Last;
+            ? AlphaInfo::premultipliedLast
+            : AlphaInfo::last;
     }
     return ImageHeader { size, layout };
 }
@@ -138,7 +138,7 @@ Result<DecodedImage> HeicPicture::decode(const Limits& limits) const
     }
     const HeifPointer<heif_decoding_options> options(heif_decoding_options_alloc());
     if (!options) {
-        return failure(Error::Kind::OutOfMemory, "no memory for the HEIF reader");
+        return failure(Error::Kind::outOfMemory, "no memory for the HEIF reader");
     }
     options->strict_decoding = 1;
     heif_image* decoded = nullptr;
@@ -154,7 +154,7 @@ Result<DecodedImage> HeicPicture::decode(const Limits& limits) const
     }
     image.reset();
     return DecodedImage { Image(*std::move(pixels), colorSpaceOf(m_handle.get())), stated->size,
-        false, readMetadata(m_handle.get()), Orientation::TopLeft };
+        false, readMetadata(m_handle.get()), Orientation::topLeft };
 }
 
 } // namespace vellumine::imaging::heic

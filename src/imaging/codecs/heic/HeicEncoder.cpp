@@ -28,7 +28,7 @@ constexpr std::array parameters { Parameter { "preset", "superfast" },
 
 bool hasProfileToWrite(const Image& image, const EncodeOptions& options)
 {
-    return options.profile == ProfilePolicy::Embed && !image.colorSpace().iccProfile().empty();
+    return options.profile == ProfilePolicy::embed && !image.colorSpace().iccProfile().empty();
 }
 
 /// Grey is written as grey only where a grey profile goes with it, which RGB could not have:
@@ -36,13 +36,13 @@ bool hasProfileToWrite(const Image& image, const EncodeOptions& options)
 PixelLayout layoutFor(const Image& image, const EncodeOptions& options)
 {
     const bool isGrey
-        = image.layout().model == ColorModel::Grey && hasProfileToWrite(image, options);
-    return { isGrey ? ColorModel::Grey : ColorModel::Rgb, 8, AlphaInfo::None };
+        = image.layout().model == ColorModel::grey && hasProfileToWrite(image, options);
+    return { isGrey ? ColorModel::grey : ColorModel::rgb, 8, AlphaInfo::none };
 }
 
 Result<HeifPointer<heif_image>> libraryImage(const Image& image)
 {
-    const bool isGrey = image.layout().model == ColorModel::Grey;
+    const bool isGrey = image.layout().model == ColorModel::grey;
     const heif_channel channel = isGrey ? heif_channel_Y : heif_channel_interleaved;
     heif_image* created = nullptr;
     heif_error error = heif_image_create(image.width(), image.height(),
@@ -117,8 +117,8 @@ Result<void> describeColour(
 
 Result<ByteBuffer> encodePicture(const Image& image, const EncodeOptions& options)
 {
-    if (image.layout().model == ColorModel::Cmyk) {
-        return failure(Error::Kind::Unsupported, "HEIC has no CMYK");
+    if (image.layout().model == ColorModel::cmyk) {
+        return failure(Error::Kind::unsupported, "HEIC has no CMYK");
     }
     const auto picture = relayout(image, layoutFor(image, options));
     if (!picture) {
@@ -128,7 +128,7 @@ Result<ByteBuffer> encodePicture(const Image& image, const EncodeOptions& option
     const auto description = sRgbDescription();
     const HeifPointer<heif_encoding_options> encoding(heif_encoding_options_alloc());
     if (!context || !description || !encoding) {
-        return failure(Error::Kind::OutOfMemory, "no memory for the HEIC writer");
+        return failure(Error::Kind::outOfMemory, "no memory for the HEIC writer");
     }
     const auto encoder = makeEncoder(context.get(), options.quality);
     const auto pixels = libraryImage(*picture);

@@ -30,19 +30,19 @@ inline tl::unexpected<Error> readFailure(const heif_error& error)
 {
     const auto kind = [&error] {
         if (error.subcode == heif_suberror_Security_limit_exceeded) {
-            return Error::Kind::LimitExceeded;
+            return Error::Kind::limitExceeded;
         }
         if (error.subcode == heif_suberror_End_of_data) {
-            return Error::Kind::Truncated;
+            return Error::Kind::truncated;
         }
         switch (error.code) {
         case heif_error_Unsupported_feature:
         case heif_error_Unsupported_filetype:
-            return Error::Kind::Unsupported;
+            return Error::Kind::unsupported;
         case heif_error_Memory_allocation_error:
-            return Error::Kind::OutOfMemory;
+            return Error::Kind::outOfMemory;
         default:
-            return Error::Kind::Malformed;
+            return Error::Kind::malformed;
         }
     }();
     return failure(kind, error.message != nullptr ? error.message : "");
@@ -51,8 +51,8 @@ inline tl::unexpected<Error> readFailure(const heif_error& error)
 /// What went wrong while writing.
 inline tl::unexpected<Error> writeFailure(const heif_error& error)
 {
-    return failure(error.code == heif_error_Memory_allocation_error ? Error::Kind::OutOfMemory
-                                                                    : Error::Kind::EncodingFailed,
+    return failure(error.code == heif_error_Memory_allocation_error ? Error::Kind::outOfMemory
+                                                                    : Error::Kind::encodingFailed,
         error.message != nullptr ? error.message : "");
 }
 

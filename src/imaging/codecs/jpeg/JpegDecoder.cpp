@@ -24,7 +24,7 @@ public:
     Reader& operator=(const Reader&) = delete;
     ~Reader() { jpeg_destroy_decompress(&m_library); }
 
-    enum class Markers { Ignore, Keep };
+    enum class Markers { ignore, keep };
     Result<ImageHeader> readHeader(Markers markers);
     Result<DecodedImage> decode(const DecodeOptions& options);
 
@@ -53,26 +53,26 @@ Result<PixelLayout> layoutOf(const jpeg_decompress_struct& library)
 {
     switch (library.jpeg_color_space) {
     case JCS_GRAYSCALE:
-        return PixelLayout { ColorModel::Grey, 8, AlphaInfo::None };
+        return PixelLayout { ColorModel::grey, 8, AlphaInfo::none };
     case JCS_RGB:
     case JCS_YCbCr:
-        return PixelLayout { ColorModel::Rgb, 8, AlphaInfo::None };
+        return PixelLayout { ColorModel::rgb, 8, AlphaInfo::none };
     case JCS_CMYK:
     case JCS_YCCK:
-        return PixelLayout { ColorModel::Cmyk, 8, AlphaInfo::None };
+        return PixelLayout { ColorModel::cmyk, 8, AlphaInfo::none };
     default:
-        return failure(Error::Kind::Unsupported, "not grey, RGB or CMYK");
+        return failure(Error::Kind::unsupported, "not grey, RGB or CMYK");
     }
 }
 
 J_COLOR_SPACE outputSpace(ColorModel model)
 {
     switch (model) {
-    case ColorModel::Grey:
+    case ColorModel::grey:
         return JCS_GRAYSCALE;
-    case ColorModel::Rgb:
+    case ColorModel::rgb:
         return JCS_RGB;
-    case ColorModel::Cmyk:
+    case ColorModel::cmyk:
         return JCS_CMYK;
     }
     return JCS_UNKNOWN;
@@ -83,7 +83,7 @@ Result<ImageHeader> Reader::readHeader(Markers markers)
     const auto read = m_errors.run([this, markers] {
         jpeg_create_decompress(&m_library);
         m_library.src = &m_source;
-        if (markers == Markers::Keep) {
+        if (markers == Markers::keep) {
             keepMarkers(m_library);
         }
         jpeg_read_header(&m_library, TRUE);
@@ -123,7 +123,7 @@ Result<void> Reader::checkLimits(const ImageHeader& header, const Limits& limits
 /// rows itself.
 Reader::Window Reader::start(const std::optional<Rect>& region)
 {
-    m_source.setAtEnd(m_library.arith_code ? AtEnd::Fail : AtEnd::PretendEndMarker);
+    m_source.setAtEnd(m_library.arith_code ? AtEnd::fail : AtEnd::pretendEndMarker);
     m_library.progress = &m_scans;
     jpeg_start_decompress(&m_library);
 
@@ -171,11 +171,11 @@ void invert(PixelBuffer& pixels)
 ColorSpace defaultSpace(ColorModel model)
 {
     switch (model) {
-    case ColorModel::Grey:
+    case ColorModel::grey:
         return ColorSpace::grey();
-    case ColorModel::Rgb:
+    case ColorModel::rgb:
         return ColorSpace::sRgb();
-    case ColorModel::Cmyk:
+    case ColorModel::cmyk:
         break;
     }
     return ColorSpace::deviceCmyk();
@@ -194,7 +194,7 @@ ColorSpace Reader::colorSpace(ColorModel model) const
 
 Result<DecodedImage> Reader::decode(const DecodeOptions& options)
 {
-    const auto header = readHeader(Markers::Keep);
+    const auto header = readHeader(Markers::keep);
     if (!header) {
         return tl::unexpected(header.error());
     }
@@ -224,7 +224,7 @@ Result<DecodedImage> Reader::decode(const DecodeOptions& options)
     if (const auto done = m_errors.run([&] { readRows(window, *pixels); }); !done) {
         return tl::unexpected(done.error());
     }
-    if (header->layout.model == ColorModel::Cmyk && m_library.saw_Adobe_marker) {
+    if (header->layout.model == ColorModel::cmyk && m_library.saw_Adobe_marker) {
         invert(*pixels);
     }
 
@@ -246,7 +246,7 @@ bool sniff(ByteSpan file)
 
 Result<ImageHeader> readHeader(ByteSpan file)
 {
-    return Reader(file).readHeader(Reader::Markers::Ignore);
+    return Reader(file).readHeader(Reader::Markers::ignore);
 }
 
 Result<DecodedImage> decode(ByteSpan file, const DecodeOptions& options)

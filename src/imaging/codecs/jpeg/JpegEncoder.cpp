@@ -49,7 +49,7 @@ private:
     {
         if (!grow(std::max(m_firstRoom, 2 * used))) {
             static_cast<Errors*>(library->err)
-                ->fail(Error::Kind::OutOfMemory, "no memory for the file");
+                ->fail(Error::Kind::outOfMemory, "no memory for the file");
         }
         next_output_byte = reinterpret_cast<JOCTET*>(m_bytes.data() + used);
         free_in_buffer = m_bytes.size() - used;
@@ -170,8 +170,8 @@ Result<ByteBuffer> Writer::write(const Plan& plan, const OutgoingMarkers& marker
         jpeg_finish_compress(&m_library);
     });
     if (!written) {
-        const bool noMemory = written.error().kind == Error::Kind::OutOfMemory;
-        return failure(noMemory ? Error::Kind::OutOfMemory : Error::Kind::EncodingFailed,
+        const bool noMemory = written.error().kind == Error::Kind::outOfMemory;
+        return failure(noMemory ? Error::Kind::outOfMemory : Error::Kind::encodingFailed,
             written.error().detail);
     }
     return std::move(m_destination).take();
@@ -180,23 +180,23 @@ Result<ByteBuffer> Writer::write(const Plan& plan, const OutgoingMarkers& marker
 Result<Plan> plan(const Image& image, const EncodeOptions& options, bool hasProfile)
 {
     const ColorModel model = image.layout().model;
-    auto flat = relayout(image, { model, 8, AlphaInfo::None });
+    auto flat = relayout(image, { model, 8, AlphaInfo::none });
     if (!flat) {
         return tl::unexpected(flat.error());
     }
     const double percent = std::isfinite(options.quality) ? options.quality * 100.0 : 100.0;
     const int quality = static_cast<int>(std::lround(std::clamp(percent, 1.0, 100.0)));
     switch (model) {
-    case ColorModel::Grey:
+    case ColorModel::grey:
         return Plan { std::move(*flat), JCS_GRAYSCALE, std::nullopt, quality };
-    case ColorModel::Rgb:
+    case ColorModel::rgb:
         // The library's luma of three equal samples is the sample. Under an RGB profile a file
         // with one component would be invalid.
         if (!hasProfile && isGrey(*flat)) {
             return Plan { std::move(*flat), JCS_RGB, JCS_GRAYSCALE, quality };
         }
         return Plan { std::move(*flat), JCS_RGB, std::nullopt, quality };
-    case ColorModel::Cmyk:
+    case ColorModel::cmyk:
         break;
     }
     return Plan { std::move(*flat), JCS_CMYK, std::nullopt, quality };
@@ -207,7 +207,7 @@ Result<Plan> plan(const Image& image, const EncodeOptions& options, bool hasProf
 Result<ByteBuffer> encode(const Image& image, const EncodeOptions& options)
 {
     const ByteSpan profile
-        = options.profile == ProfilePolicy::Embed ? image.colorSpace().iccProfile() : ByteSpan {};
+        = options.profile == ProfilePolicy::embed ? image.colorSpace().iccProfile() : ByteSpan {};
     const auto planned = plan(image, options, !profile.empty());
     if (!planned) {
         return tl::unexpected(planned.error());

@@ -12,7 +12,7 @@ Error::Kind kindOf(int code)
 {
     switch (code) {
     case JERR_OUT_OF_MEMORY:
-        return Error::Kind::OutOfMemory;
+        return Error::Kind::outOfMemory;
     case JERR_BAD_PRECISION: // 12 bits
     case JERR_SOF_UNSUPPORTED: // lossless and hierarchical
     case JERR_ARITH_NOTIMPL:
@@ -21,12 +21,12 @@ Error::Kind kindOf(int code)
     case JERR_FRACT_SAMPLE_NOTIMPL:
     case JERR_NOTIMPL:
     case JERR_NOT_COMPILED:
-        return Error::Kind::Unsupported;
+        return Error::Kind::unsupported;
     case JERR_INPUT_EMPTY:
     case JERR_INPUT_EOF:
-        return Error::Kind::Truncated;
+        return Error::Kind::truncated;
     default:
-        return Error::Kind::Malformed;
+        return Error::Kind::malformed;
     }
 }
 
@@ -63,10 +63,10 @@ void Errors::judgeMessage(j_common_ptr library, int level)
     }
     Errors& errors = errorsOf(library);
     ++errors.num_warnings;
-    const Error::Kind damaged = errors.m_overridingKind.value_or(Error::Kind::Malformed);
+    const Error::Kind damaged = errors.m_overridingKind.value_or(Error::Kind::malformed);
     switch (errors.msg_code) {
     case JWRN_HIT_MARKER: // the scan's data ended before its last block
-        errors.fail(Error::Kind::Truncated, "picture data is missing");
+        errors.fail(Error::Kind::truncated, "picture data is missing");
     case JWRN_HUFF_BAD_CODE:
     case JWRN_ARITH_BAD_CODE:
         errors.fail(damaged, "picture data is damaged");

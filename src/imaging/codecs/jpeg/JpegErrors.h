@@ -42,7 +42,7 @@ private:
     static void judgeMessage(j_common_ptr library, int level);
 
     JumpGuard m_guard;
-    Error::Kind m_kind = Error::Kind::Malformed;
+    Error::Kind m_kind = Error::Kind::malformed;
     std::optional<Error::Kind> m_overridingKind;
     std::array<char, JMSG_LENGTH_MAX> m_detail {};
 };

@@ -65,7 +65,7 @@ void ScanWatch::watch(j_common_ptr library)
             << static_cast<unsigned>(decompressor.cur_comp_info[i]->component_index);
     }
     if (scans.m_scansSeen > maximumScans || scans.m_blocksVisited > maximumBlocksVisited) {
-        errorsOf(library).fail(Error::Kind::Malformed, "too many scans");
+        errorsOf(library).fail(Error::Kind::malformed, "too many scans");
     }
 }
 
@@ -76,7 +76,7 @@ Result<void> ScanWatch::checkComplete(
         return {};
     }
     if (m_componentsSeen != (1U << static_cast<unsigned>(library.num_components)) - 1U) {
-        return failure(Error::Kind::Truncated, "a colour component is missing");
+        return failure(Error::Kind::truncated, "a colour component is missing");
     }
     if (!library.progressive_mode) {
         return {};
@@ -85,7 +85,7 @@ Result<void> ScanWatch::checkComplete(
         const auto& precision = library.coef_bits[i];
         // Where the end marker is there, the file's maker left out the finest bits on purpose.
         if (precision[0] < 0 || (source.ranOut() && !isFullyRefined(precision))) {
-            return failure(Error::Kind::Truncated, "scans are missing");
+            return failure(Error::Kind::truncated, "scans are missing");
         }
     }
     return {};

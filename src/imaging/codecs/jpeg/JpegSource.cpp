@@ -25,10 +25,10 @@ boolean Source::provideMore(j_decompress_ptr library)
     auto& source = *static_cast<Source*>(library->src);
     Errors& errors = *static_cast<Errors*>(library->err);
     source.m_ranOut = true;
-    if (source.m_atEnd == AtEnd::Fail) {
-        errors.fail(Error::Kind::Truncated, "the file ends early");
+    if (source.m_atEnd == AtEnd::fail) {
+        errors.fail(Error::Kind::truncated, "the file ends early");
     }
-    errors.setOverridingKind(Error::Kind::Truncated);
+    errors.setOverridingKind(Error::Kind::truncated);
     source.next_input_byte = endMarker.data();
     source.bytes_in_buffer = endMarker.size();
     return TRUE;

@@ -11,8 +11,8 @@ namespace vellumine::imaging::jpeg {
 
 /// What happens when the library asks for bytes behind the end of the file.
 enum class AtEnd {
-    Fail, ///< the file is truncated
-    PretendEndMarker, ///< the library gets an end marker; whether anything is missing shows later
+    fail, ///< the file is truncated
+    pretendEndMarker, ///< the library gets an end marker; whether anything is missing shows later
 };
 
 /// Feeds a file in memory to the library, and knows whether the file really came to its end.
@@ -29,7 +29,7 @@ private:
     static boolean provideMore(j_decompress_ptr library);
     static void skip(j_decompress_ptr library, long count);
 
-    AtEnd m_atEnd = AtEnd::Fail;
+    AtEnd m_atEnd = AtEnd::fail;
     bool m_ranOut = false;
 };
 

@@ -43,16 +43,16 @@ Result<Header> parseHeaderChunk(ByteSpan data)
     const std::uint32_t height = bigEndian32(data, 4);
     constexpr std::uint32_t maximum = std::numeric_limits<std::int32_t>::max();
     if (width < 1 || height < 1 || width > maximum || height > maximum) {
-        return failure(Error::Kind::Malformed, "a side of the picture is out of range");
+        return failure(Error::Kind::malformed, "a side of the picture is out of range");
     }
     const int bitDepth = std::to_integer<int>(data[8]);
     const auto colorType = std::to_integer<unsigned>(data[9]);
     const auto interlace = std::to_integer<unsigned>(data[12]);
     if (!isDepthOf(bitDepth, colorType)) {
-        return failure(Error::Kind::Malformed, "no such colour type and depth");
+        return failure(Error::Kind::malformed, "no such colour type and depth");
     }
     if (data[10] != std::byte { 0 } || data[11] != std::byte { 0 } || interlace > 1) {
-        return failure(Error::Kind::Malformed, "no such compression, filter or interlacing");
+        return failure(Error::Kind::malformed, "no such compression, filter or interlacing");
     }
     return Header { { static_cast<int>(width), static_cast<int>(height) }, bitDepth,
         static_cast<ColorType>(colorType), interlace == 1, false };
@@ -62,14 +62,14 @@ Result<Header> parseHeaderChunk(ByteSpan data)
 bool isTransparencyOf(const Header& header, std::size_t length, std::size_t paletteSize)
 {
     switch (header.colorType) {
-    case ColorType::Grey:
+    case ColorType::grey:
         return length == 2;
-    case ColorType::Rgb:
+    case ColorType::rgb:
         return length == 6;
-    case ColorType::Palette:
+    case ColorType::palette:
         return length > 0 && length <= paletteSize;
-    case ColorType::GreyAlpha:
-    case ColorType::Rgba:
+    case ColorType::greyAlpha:
+    case ColorType::rgba:
         break;
     }
     return false;
@@ -80,7 +80,7 @@ bool hasTransparentColors(const Header& header, ChunkWalk walk)
     std::size_t paletteSize = 0;
     while (const auto chunk = walk.next()) {
         if (chunk->type == chunkType("PLTE")) {
-            const std::size_t room = header.colorType == ColorType::Palette
+            const std::size_t room = header.colorType == ColorType::palette
                 ? std::size_t { 1 } << static_cast<unsigned>(header.bitDepth)
                 : 256;
             paletteSize = std::min(chunk->data.size() / 3, room);
@@ -119,27 +119,27 @@ std::optional<Chunk> ChunkWalk::next()
 
 PixelLayout Header::layout() const
 {
-    const bool isGrey = colorType == ColorType::Grey || colorType == ColorType::GreyAlpha;
+    const bool isGrey = colorType == ColorType::grey || colorType == ColorType::greyAlpha;
     const bool hasAlpha
-        = colorType == ColorType::GreyAlpha || colorType == ColorType::Rgba || hasTransparentColors;
-    return { isGrey ? ColorModel::Grey : ColorModel::Rgb, bitDepth == 16 ? 16 : 8,
-        hasAlpha ? AlphaInfo::Last : AlphaInfo::None };
+        = colorType == ColorType::greyAlpha || colorType == ColorType::rgba || hasTransparentColors;
+    return { isGrey ? ColorModel::grey : ColorModel::rgb, bitDepth == 16 ? 16 : 8,
+        hasAlpha ? AlphaInfo::last : AlphaInfo::none };
 }
 
 Result<Header> parseHeader(ByteSpan file)
 {
     const std::size_t known = std::min(file.size(), signature.size());
     if (!startsWith(file, signature.substr(0, known))) {
-        return failure(Error::Kind::Malformed, "no PNG signature");
+        return failure(Error::Kind::malformed, "no PNG signature");
     }
     if (file.size() < signature.size() + chunkOverhead + headerLength) {
-        return failure(Error::Kind::Truncated, "the file ends inside its header");
+        return failure(Error::Kind::truncated, "the file ends inside its header");
     }
     ChunkWalk walk(file);
     const auto first = walk.next();
     if (!first || first->type != chunkType("IHDR") || first->data.size() != headerLength
         || !first->isIntact()) {
-        return failure(Error::Kind::Malformed, "no header chunk");
+        return failure(Error::Kind::malformed, "no header chunk");
     }
     auto header = parseHeaderChunk(first->data);
     if (header) {

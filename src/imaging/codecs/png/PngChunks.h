@@ -49,13 +49,13 @@ private:
     ByteSpan m_rest;
 };
 
-enum class ColorType : std::uint8_t { Grey = 0, Rgb = 2, Palette = 3, GreyAlpha = 4, Rgba = 6 };
+enum class ColorType : std::uint8_t { grey = 0, rgb = 2, palette = 3, greyAlpha = 4, rgba = 6 };
 
 /// What the file says about its pixels.
 struct Header {
     Size size;
     int bitDepth = 8;
-    ColorType colorType = ColorType::Rgb;
+    ColorType colorType = ColorType::rgb;
     bool isInterlaced = false;
     bool hasTransparentColors = false; ///< a tRNS chunk that counts
 

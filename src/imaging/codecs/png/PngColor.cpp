@@ -101,14 +101,14 @@ std::optional<ColorSpace> spaceOfNumbers(const ColorChunks& chunks, ColorModel m
     const bool isCurveOfSRgb
         = !saysCurve || std::abs(*chunks.gamma - gammaOfSRgb) <= gammaTolerance;
     const bool hasOtherPrimaries
-        = model == ColorModel::Rgb && chunks.primaries && !isRec709(*chunks.primaries);
+        = model == ColorModel::rgb && chunks.primaries && !isRec709(*chunks.primaries);
     if (isCurveOfSRgb && !hasOtherPrimaries) {
         return std::nullopt;
     }
     // The file's number is the exponent of encoding.
-    const TransferCurve curve = saysCurve ? TransferCurve { TransferCurve::Kind::Gamma,
+    const TransferCurve curve = saysCurve ? TransferCurve { TransferCurve::Kind::gamma,
         100'000.0 / static_cast<double>(*chunks.gamma) }
-                                          : TransferCurve { TransferCurve::Kind::SRgb, 1.0 };
+                                          : TransferCurve { TransferCurve::Kind::sRgb, 1.0 };
     for (const Primaries& primaries : { chunks.primaries.value_or(rec709), rec709 }) {
         if (auto space = ColorSpace::fromPrimaries(primaries, curve, model)) {
             return std::move(*space);
@@ -132,7 +132,7 @@ ColorSpace colorSpaceOf(ByteSpan file, ColorModel model)
     if (space) {
         return *space;
     }
-    return model == ColorModel::Grey ? ColorSpace::grey() : ColorSpace::sRgb();
+    return model == ColorModel::grey ? ColorSpace::grey() : ColorSpace::sRgb();
 }
 
 } // namespace vellumine::imaging::png

@@ -13,11 +13,11 @@ namespace vellumine::imaging::png {
 
 /// How hard compressing tries, from libdeflate's levels 1 to 12.
 enum class CompressionLevel : std::uint8_t {
-    Fast = 1,
-    Balanced = 6,
-    Thorough = 7,
-    Deep = 9,
-    Optimal = 12,
+    fast = 1,
+    balanced = 6,
+    thorough = 7,
+    deep = 9,
+    optimal = 12,
 };
 
 /// A zlib stream of the bytes. Throws std::bad_alloc.

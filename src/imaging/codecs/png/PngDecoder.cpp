@@ -150,7 +150,7 @@ void RowReader::takeRow(png_bytep row, int y, int pass)
 Result<void> RowReader::read(ByteSpan file)
 {
     if (m_library == nullptr || m_info == nullptr) {
-        return failure(Error::Kind::OutOfMemory, "no memory for decoding");
+        return failure(Error::Kind::outOfMemory, "no memory for decoding");
     }
     const bool cameToTheEnd = m_guard.run([&] {
         configure();
@@ -162,9 +162,9 @@ Result<void> RowReader::read(ByteSpan file)
     }
     if (m_isDamaged) {
         return failure(
-            Error::Kind::Malformed, cameToTheEnd ? "picture data is damaged" : m_message.data());
+            Error::Kind::malformed, cameToTheEnd ? "picture data is damaged" : m_message.data());
     }
-    return failure(Error::Kind::Truncated, "picture data is missing");
+    return failure(Error::Kind::truncated, "picture data is missing");
 }
 
 } // namespace
@@ -194,7 +194,7 @@ Result<DecodedImage> decode(ByteSpan file, const DecodeOptions& options)
         return tl::unexpected(allowed.error());
     }
     if (!pictureChunksAreIntact(file)) {
-        return failure(Error::Kind::Malformed, "a chunk's checksum is wrong");
+        return failure(Error::Kind::malformed, "a chunk's checksum is wrong");
     }
 
     const Rect whole { 0, 0, header->size.width, header->size.height };

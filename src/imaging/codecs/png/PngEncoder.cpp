@@ -33,7 +33,7 @@ void appendProfile(ByteBuffer& file, ByteSpan profile)
     ByteBuffer data;
     append(data, profileChunkName);
     data.resize(data.size() + 2); // the end of the name, the compression method
-    append(data, deflated(profile, CompressionLevel::Optimal));
+    append(data, deflated(profile, CompressionLevel::optimal));
     appendChunk(file, "iCCP", data);
 }
 
@@ -75,7 +75,7 @@ Result<ByteBuffer> encodeSmallest(
 {
     // A profile is for the colour type that it was made for.
     const AllowedReductions allowed { .toGrey = profile.empty(),
-        .toPalette = profile.empty() || image.layout().model == ColorModel::Rgb };
+        .toPalette = profile.empty() || image.layout().model == ColorModel::rgb };
     return reduced(image, allowed).map([&](const std::vector<PackedPicture>& forms) {
         const Compressed best = smallest(forms);
         return assembled(forms[best.form], best.stream, profile, metadata);
@@ -87,12 +87,12 @@ Result<ByteBuffer> encodeSmallest(
 Result<ByteBuffer> encode(const Image& image, const EncodeOptions& options)
 {
     const ByteSpan profile
-        = options.profile == ProfilePolicy::Embed ? image.colorSpace().iccProfile() : ByteSpan {};
+        = options.profile == ProfilePolicy::embed ? image.colorSpace().iccProfile() : ByteSpan {};
     try {
-        return options.effort == Effort::Fastest ? encodeFastest(image, profile, options.metadata)
+        return options.effort == Effort::fastest ? encodeFastest(image, profile, options.metadata)
                                                  : encodeSmallest(image, profile, options.metadata);
     } catch (const std::bad_alloc&) {
-        return failure(Error::Kind::OutOfMemory, "no memory for encoding");
+        return failure(Error::Kind::outOfMemory, "no memory for encoding");
     }
 }
 

@@ -110,9 +110,9 @@ double fewestPairs(ByteSpan bytes)
 double cost(FilterStrategy strategy, ByteSpan bytes)
 {
     switch (strategy) {
-    case FilterStrategy::LeastEntropy:
+    case FilterStrategy::leastEntropy:
         return leastEntropy(bytes);
-    case FilterStrategy::FewestPairs:
+    case FilterStrategy::fewestPairs:
         return fewestPairs(bytes);
     default:
         return smallestSum(bytes);
@@ -130,7 +130,7 @@ void appendFiltered(
     std::size_t at = bytes.size();
     bytes.resize(at + (picture.rowBytes + 1) * static_cast<std::size_t>(rows.end - rows.first));
 
-    if (strategy <= FilterStrategy::Paeth) {
+    if (strategy <= FilterStrategy::paeth) {
         const auto filter = static_cast<std::size_t>(strategy);
         for (int y = rows.first; y < rows.end; ++y) {
             bytes[at++] = static_cast<std::byte>(filter);

@@ -7,14 +7,14 @@ namespace vellumine::imaging::png {
 /// How the filter of each row is chosen: one and the same for all, or the one whose result looks
 /// easiest to compress.
 enum class FilterStrategy : std::uint8_t {
-    None,
-    Sub,
-    Up,
-    Average,
-    Paeth,
-    SmallestSum, ///< of the filtered bytes taken as signed numbers: the advice of the PNG standard
-    LeastEntropy, ///< of the filtered bytes
-    FewestPairs, ///< distinct pairs of neighbouring filtered bytes
+    none,
+    sub,
+    up,
+    average,
+    paeth,
+    smallestSum, ///< of the filtered bytes taken as signed numbers: the advice of the PNG standard
+    leastEntropy, ///< of the filtered bytes
+    fewestPairs, ///< distinct pairs of neighbouring filtered bytes
 };
 
 /// Rows of a picture, from the first to before the last.

@@ -223,7 +223,7 @@ void appendMetadata(ByteBuffer& file, const MetadataBlocks& blocks)
         append(data, rawProfileKeyword);
         append(data, "iptc");
         data.resize(data.size() + 2); // the end of the keyword, the compression method
-        append(data, deflated(std::as_bytes(std::span(text)), CompressionLevel::Optimal));
+        append(data, deflated(std::as_bytes(std::span(text)), CompressionLevel::optimal));
         appendChunk(file, "zTXt", data);
     }
 }

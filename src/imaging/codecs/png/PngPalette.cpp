@@ -22,7 +22,7 @@ Palette::Color colorAt(const std::uint8_t* row, int x, PixelLayout layout)
 {
     const std::uint8_t* pixel = row + static_cast<std::ptrdiff_t>(x) * layout.channels();
     const std::uint8_t alpha = hasAlpha(layout.alpha) ? pixel[layout.colorChannels()] : 255;
-    if (layout.model == ColorModel::Grey) {
+    if (layout.model == ColorModel::grey) {
         return { pixel[0], pixel[0], pixel[0], alpha };
     }
     return { pixel[0], pixel[1], pixel[2], alpha };

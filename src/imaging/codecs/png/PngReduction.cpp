@@ -16,14 +16,14 @@ constexpr std::int64_t smallPicture = 65'536;
 int samplesInPixel(ColorType type)
 {
     switch (type) {
-    case ColorType::Grey:
-    case ColorType::Palette:
+    case ColorType::grey:
+    case ColorType::palette:
         return 1;
-    case ColorType::GreyAlpha:
+    case ColorType::greyAlpha:
         return 2;
-    case ColorType::Rgb:
+    case ColorType::rgb:
         return 3;
-    case ColorType::Rgba:
+    case ColorType::rgba:
         break;
     }
     return 4;
@@ -79,15 +79,15 @@ PixelLayout plainLayout(const Image& image)
 {
     const PixelLayout layout = image.layout();
     const bool keepsAlpha
-        = (image.hasAlpha() && !isOpaque(image)) || layout.alpha == AlphaInfo::Only;
+        = (image.hasAlpha() && !isOpaque(image)) || layout.alpha == AlphaInfo::only;
     return { layout.model, layout.bitsPerComponent,
-        keepsAlpha ? AlphaInfo::Last : AlphaInfo::None };
+        keepsAlpha ? AlphaInfo::last : AlphaInfo::none };
 }
 
 Result<Image> plain(const Image& image)
 {
-    if (image.layout().model == ColorModel::Cmyk) {
-        return failure(Error::Kind::Unsupported, "PNG has no CMYK");
+    if (image.layout().model == ColorModel::cmyk) {
+        return failure(Error::Kind::unsupported, "PNG has no CMYK");
     }
     return relayout(image, plainLayout(image));
 }
@@ -108,9 +108,9 @@ bool repeatsItsHighBytes(const Image& image)
 ColorType directType(bool isGrey, bool hasAlpha)
 {
     if (isGrey) {
-        return hasAlpha ? ColorType::GreyAlpha : ColorType::Grey;
+        return hasAlpha ? ColorType::greyAlpha : ColorType::grey;
     }
-    return hasAlpha ? ColorType::Rgba : ColorType::Rgb;
+    return hasAlpha ? ColorType::rgba : ColorType::rgb;
 }
 
 /// Copies the samples, those of `skipped` colours after the first one of each pixel left out.
@@ -126,12 +126,12 @@ void copySamples(const Sample* row, int width, int channels, int skipped, const 
     }
 }
 
-enum class Colors { AsTheyAre, Grey };
+enum class Colors { asTheyAre, grey };
 
 PackedPicture packDirect(const Image& image, Colors colors)
 {
     const PixelLayout layout = image.layout();
-    const bool isGrey = colors == Colors::Grey || layout.model == ColorModel::Grey;
+    const bool isGrey = colors == Colors::grey || layout.model == ColorModel::grey;
     const int skipped = isGrey ? layout.colorChannels() - 1 : 0;
     auto picture
         = blank(image.size(), directType(isGrey, image.hasAlpha()), layout.bitsPerComponent);
@@ -179,7 +179,7 @@ PackedPicture withLeastDepth(PackedPicture grey)
     if (depth == 8) {
         return grey;
     }
-    auto picture = blank(grey.size, ColorType::Grey, depth);
+    auto picture = blank(grey.size, ColorType::grey, depth);
     for (int y = 0; y < grey.size.height; ++y) {
         BitWriter bits(rowOf(picture, y), depth);
         for (const std::byte sample : grey.row(y)) {
@@ -202,7 +202,7 @@ int paletteDepth(std::size_t colors)
 
 PackedPicture packIndexed(const Image& image, const Palette& palette)
 {
-    auto picture = blank(image.size(), ColorType::Palette, paletteDepth(palette.colors().size()));
+    auto picture = blank(image.size(), ColorType::palette, paletteDepth(palette.colors().size()));
     for (const Palette::Color& color : palette.colors()) {
         for (const std::size_t c : { 0U, 1U, 2U }) {
             picture.palette.push_back(static_cast<std::byte>(color.at(c)));
@@ -241,13 +241,13 @@ std::vector<PackedPicture> formsOf(const Image& image, AllowedReductions allowed
     if (allowed.toPalette && image.layout().bitsPerComponent == 8) {
         palette = Palette::of(image);
     }
-    if (!palette || toGrey || image.layout().model == ColorModel::Grey || isSmall) {
-        auto direct = packDirect(image, toGrey ? Colors::Grey : Colors::AsTheyAre);
-        if (direct.colorType == ColorType::Grey && direct.bitDepth == 8) {
+    if (!palette || toGrey || image.layout().model == ColorModel::grey || isSmall) {
+        auto direct = packDirect(image, toGrey ? Colors::grey : Colors::asTheyAre);
+        if (direct.colorType == ColorType::grey && direct.bitDepth == 8) {
             direct = withLeastDepth(std::move(direct));
         }
         // Grey without alpha needs no palette to be one number a pixel.
-        if (palette && direct.colorType == ColorType::Grey
+        if (palette && direct.colorType == ColorType::grey
             && paletteDepth(palette->colors().size()) >= direct.bitDepth) {
             palette.reset();
         }
@@ -273,7 +273,7 @@ Result<PackedPicture> packed(const Image& image)
     if (!straight) {
         return tl::unexpected(straight.error());
     }
-    return packDirect(*straight, Colors::AsTheyAre);
+    return packDirect(*straight, Colors::asTheyAre);
 }
 
 Result<std::vector<PackedPicture>> reduced(const Image& image, AllowedReductions allowed)

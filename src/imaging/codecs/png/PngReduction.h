@@ -10,7 +10,7 @@ namespace vellumine::imaging::png {
 /// A picture as the chunks hold it, before filtering and compressing.
 struct PackedPicture {
     Size size;
-    ColorType colorType = ColorType::Rgb;
+    ColorType colorType = ColorType::rgb;
     int bitDepth = 8;
     ByteBuffer palette; ///< of PLTE; empty without one
     ByteBuffer transparency; ///< of tRNS; empty when every entry of the palette is opaque

@@ -11,9 +11,9 @@ namespace vellumine::imaging::png {
 
 namespace {
 
-constexpr std::array allStrategies { FilterStrategy::None, FilterStrategy::Sub, FilterStrategy::Up,
-    FilterStrategy::Average, FilterStrategy::Paeth, FilterStrategy::SmallestSum,
-    FilterStrategy::LeastEntropy, FilterStrategy::FewestPairs };
+constexpr std::array allStrategies { FilterStrategy::none, FilterStrategy::sub, FilterStrategy::up,
+    FilterStrategy::average, FilterStrategy::paeth, FilterStrategy::smallestSum,
+    FilterStrategy::leastEntropy, FilterStrategy::fewestPairs };
 
 /// Bytes of rows that are enough to choose by.
 constexpr std::size_t sampleBytes = std::size_t { 1 } << 20U;
@@ -75,7 +75,7 @@ std::vector<Candidate> candidates(std::span<const PackedPicture> forms)
     for (std::size_t form = 0; form < forms.size(); ++form) {
         for (const FilterStrategy strategy : allStrategies) {
             const auto sample = filteredSample(forms[form], strategy, rows);
-            const auto size = deflated(sample, CompressionLevel::Balanced).size();
+            const auto size = deflated(sample, CompressionLevel::balanced).size();
             found.push_back({ form, strategy, size + overhead(forms[form]) });
         }
     }
@@ -92,15 +92,15 @@ struct FinalEffort {
 FinalEffort finalEffort(std::size_t rawBytes)
 {
     if (rawBytes > optimalBytes) {
-        return { 1, { CompressionLevel::Thorough } };
+        return { 1, { CompressionLevel::thorough } };
     }
     if (rawBytes > sampleBytes) {
-        return { 1, { CompressionLevel::Optimal } };
+        return { 1, { CompressionLevel::optimal } };
     }
     // The highest level looks for the cheapest code piece by piece; now and then, with much
     // repetition, the plain longest match comes out ahead.
     return { rawBytes > fewTrialsBytes ? std::size_t { 2 } : 4,
-        { CompressionLevel::Deep, CompressionLevel::Optimal } };
+        { CompressionLevel::deep, CompressionLevel::optimal } };
 }
 
 } // namespace
@@ -130,7 +130,7 @@ Compressed smallest(std::span<const PackedPicture> forms)
 
 ByteBuffer fastest(const PackedPicture& form)
 {
-    return deflated(filtered(form, FilterStrategy::Sub), CompressionLevel::Fast);
+    return deflated(filtered(form, FilterStrategy::sub), CompressionLevel::fast);
 }
 
 } // namespace vellumine::imaging::png

@@ -35,9 +35,9 @@ Result<DecodedImage> decodePicture(ByteSpan file, const DecodeOptions& options)
     }
     const Size size = directory->size();
     const bool isRegion
-        = directory->colour != Colour::Library && options.region && contains(size, *options.region);
+        = directory->colour != Colour::library && options.region && contains(size, *options.region);
     const Rect wanted = isRegion ? *options.region : Rect { 0, 0, size.width, size.height };
-    auto pixels = directory->colour == Colour::Library ? decodeThroughLibrary(*reader, *directory)
+    auto pixels = directory->colour == Colour::library ? decodeThroughLibrary(*reader, *directory)
                                                        : decodeBlocks(*reader, *directory, wanted);
     if (!pixels) {
         return tl::unexpected(pixels.error());
@@ -68,10 +68,10 @@ Result<ImageHeader> readHeader(ByteSpan file)
         return tl::unexpected(directory.error());
     }
     if (directory->width < 1 || directory->height < 1) {
-        return failure(Error::Kind::Malformed, "the picture has no pixels");
+        return failure(Error::Kind::malformed, "the picture has no pixels");
     }
     if (std::max(directory->width, directory->height) > INT32_MAX) {
-        return failure(Error::Kind::LimitExceeded, "a side is too long");
+        return failure(Error::Kind::limitExceeded, "a side is too long");
     }
     return ImageHeader { directory->size(), directory->layout };
 }
@@ -81,7 +81,7 @@ Result<DecodedImage> decode(ByteSpan file, const DecodeOptions& options)
     try {
         return decodePicture(file, options);
     } catch (const std::bad_alloc&) {
-        return failure(Error::Kind::OutOfMemory, "no memory for the picture");
+        return failure(Error::Kind::outOfMemory, "no memory for the picture");
     }
 }
 
@@ -90,7 +90,7 @@ Result<ByteBuffer> encode(const Image& image, const EncodeOptions& options)
     try {
         return encodePicture(image, options);
     } catch (const std::bad_alloc&) {
-        return failure(Error::Kind::OutOfMemory, "no memory for the file");
+        return failure(Error::Kind::outOfMemory, "no memory for the file");
     }
 }
 

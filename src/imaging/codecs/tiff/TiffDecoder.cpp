@@ -53,7 +53,7 @@ public:
     }
 
 private:
-    [[nodiscard]] bool isPalette() const { return m_directory.colour == Colour::Palette; }
+    [[nodiscard]] bool isPalette() const { return m_directory.colour == Colour::palette; }
     /// Stored samples that make up the colour.
     [[nodiscard]] int colourSamples() const
     {
@@ -77,11 +77,11 @@ private:
             = m_directory.isTiled ? TIFFTileRowSize64(tiff) : TIFFScanlineSize64(tiff);
         if (libraryRowBytes != m_rowBytes
             || (m_directory.isTiled && TIFFTileSize64(tiff) != m_blockBytes)) {
-            return failure(Error::Kind::Malformed, "rows of an unexpected length");
+            return failure(Error::Kind::malformed, "rows of an unexpected length");
         }
         m_block = allocateZeroed<std::byte>(m_blockBytes);
         if (!m_block) {
-            return failure(Error::Kind::OutOfMemory, "no memory for a strip or tile");
+            return failure(Error::Kind::outOfMemory, "no memory for a strip or tile");
         }
         m_samples.resize(
             static_cast<std::size_t>(width) * static_cast<std::size_t>(m_samplesInRow));
@@ -158,8 +158,8 @@ private:
     [[nodiscard]] bool isStoredAsDecoded() const
     {
         const int channels = m_directory.layout.channels();
-        return m_directory.colour == Colour::Direct
-            && m_directory.sample.kind == SampleType::Kind::Unsigned
+        return m_directory.colour == Colour::direct
+            && m_directory.sample.kind == SampleType::Kind::unsignedInteger
             && m_directory.sample.bits == m_directory.layout.bitsPerComponent
             && m_samplesInRow == channels
             && (!m_directory.alphaSample || m_directory.alphaSample == channels - 1);
@@ -209,7 +209,7 @@ private:
             return;
         }
         constexpr auto largest = static_cast<Sample>(-1);
-        const Sample flip = m_directory.colour == Colour::InvertedGrey ? largest : Sample { 0 };
+        const Sample flip = m_directory.colour == Colour::invertedGrey ? largest : Sample { 0 };
         for (int sample = 0; sample < colours; ++sample) {
             routeSample(block, sample, row + sample,
                 [flip](std::uint16_t value) { return static_cast<Sample>(value ^ flip); });
@@ -251,10 +251,10 @@ private:
 Result<PixelBuffer> decodeBlocks(
     const TiffReader& reader, const TiffDirectory& directory, Rect wanted)
 {
-    assert(directory.colour != Colour::Library && contains(directory.size(), wanted));
+    assert(directory.colour != Colour::library && contains(directory.size(), wanted));
     auto pixels = BlockDecoder(reader, directory, wanted).decode();
-    const bool isLab = directory.colour == Colour::CieLab || directory.colour == Colour::IccLab
-        || directory.colour == Colour::ItuLab;
+    const bool isLab = directory.colour == Colour::cieLab || directory.colour == Colour::iccLab
+        || directory.colour == Colour::ituLab;
     if (pixels && isLab) {
         if (auto ok = convertLabToSRgb(*pixels, directory.colour); !ok) {
             return tl::unexpected(ok.error());

@@ -50,11 +50,11 @@ std::optional<SampleType::Kind> sampleKind(std::uint16_t format)
     switch (format) {
     case SAMPLEFORMAT_UINT:
     case SAMPLEFORMAT_VOID:
-        return SampleType::Kind::Unsigned;
+        return SampleType::Kind::unsignedInteger;
     case SAMPLEFORMAT_INT:
-        return SampleType::Kind::Signed;
+        return SampleType::Kind::signedInteger;
     case SAMPLEFORMAT_IEEEFP:
-        return SampleType::Kind::Float;
+        return SampleType::Kind::floatingPoint;
     default:
         return std::nullopt;
     }
@@ -70,39 +70,39 @@ Result<ColourChoice> chooseColour(TIFF* tiff, std::uint16_t photometric, std::ui
 {
     if (compression == COMPRESSION_OJPEG || compression == COMPRESSION_SGILOG
         || compression == COMPRESSION_SGILOG24) {
-        return ColourChoice { Colour::Library, ColorModel::Rgb, 1 };
+        return ColourChoice { Colour::library, ColorModel::rgb, 1 };
     }
     switch (photometric) {
     case PHOTOMETRIC_MINISWHITE:
-        return ColourChoice { Colour::InvertedGrey, ColorModel::Grey, 1 };
+        return ColourChoice { Colour::invertedGrey, ColorModel::grey, 1 };
     case PHOTOMETRIC_MINISBLACK:
-        return ColourChoice { Colour::Direct, ColorModel::Grey, 1 };
+        return ColourChoice { Colour::direct, ColorModel::grey, 1 };
     case PHOTOMETRIC_RGB:
-        return ColourChoice { Colour::Direct, ColorModel::Rgb, 3 };
+        return ColourChoice { Colour::direct, ColorModel::rgb, 3 };
     case PHOTOMETRIC_PALETTE:
-        return ColourChoice { Colour::Palette, ColorModel::Rgb, 1 };
+        return ColourChoice { Colour::palette, ColorModel::rgb, 1 };
     case PHOTOMETRIC_SEPARATED:
         if (tagOr<std::uint16_t>(tiff, TIFFTAG_INKSET, INKSET_CMYK) != INKSET_CMYK) {
-            return failure(Error::Kind::Unsupported, "inks other than CMYK");
+            return failure(Error::Kind::unsupported, "inks other than CMYK");
         }
-        return ColourChoice { Colour::Direct, ColorModel::Cmyk, 4 };
+        return ColourChoice { Colour::direct, ColorModel::cmyk, 4 };
     case PHOTOMETRIC_YCBCR:
         if (compression == COMPRESSION_JPEG
             && tagOr<std::uint16_t>(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG)
                 == PLANARCONFIG_CONTIG) {
             TIFFSetField(tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
-            return ColourChoice { Colour::Direct, ColorModel::Rgb, 3 };
+            return ColourChoice { Colour::direct, ColorModel::rgb, 3 };
         }
-        return ColourChoice { Colour::Library, ColorModel::Rgb, 3 };
+        return ColourChoice { Colour::library, ColorModel::rgb, 3 };
     case PHOTOMETRIC_CIELAB:
-        return ColourChoice { Colour::CieLab, ColorModel::Rgb, 3 };
+        return ColourChoice { Colour::cieLab, ColorModel::rgb, 3 };
     case PHOTOMETRIC_ICCLAB:
-        return ColourChoice { Colour::IccLab, ColorModel::Rgb, 3 };
+        return ColourChoice { Colour::iccLab, ColorModel::rgb, 3 };
     case PHOTOMETRIC_ITULAB:
-        return ColourChoice { Colour::ItuLab, ColorModel::Rgb, 3 };
+        return ColourChoice { Colour::ituLab, ColorModel::rgb, 3 };
     default:
         return failure(
-            Error::Kind::Unsupported, "photometric interpretation " + std::to_string(photometric));
+            Error::Kind::unsupported, "photometric interpretation " + std::to_string(photometric));
     }
 }
 
@@ -126,7 +126,7 @@ void findAlpha(TIFF* tiff, int colourSamples, TiffDirectory& directory)
     }
     directory.alphaSample = sample;
     directory.layout.alpha
-        = *found == EXTRASAMPLE_ASSOCALPHA ? AlphaInfo::PremultipliedLast : AlphaInfo::Last;
+        = *found == EXTRASAMPLE_ASSOCALPHA ? AlphaInfo::premultipliedLast : AlphaInfo::last;
 }
 
 Result<void> readSampleType(TIFF* tiff, TiffDirectory& directory)
@@ -134,12 +134,12 @@ Result<void> readSampleType(TIFF* tiff, TiffDirectory& directory)
     const auto format = tagOr<std::uint16_t>(tiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT);
     const auto kind = sampleKind(format);
     if (!kind) {
-        return failure(Error::Kind::Unsupported, "sample format " + std::to_string(format));
+        return failure(Error::Kind::unsupported, "sample format " + std::to_string(format));
     }
     directory.sample = { *kind, tagOr<std::uint16_t>(tiff, TIFFTAG_BITSPERSAMPLE, 1) };
     if (!directory.sample.isSupported()) {
         return failure(
-            Error::Kind::Unsupported, std::to_string(directory.sample.bits) + " bits per sample");
+            Error::Kind::unsupported, std::to_string(directory.sample.bits) + " bits per sample");
     }
     return {};
 }
@@ -149,22 +149,24 @@ Result<void> checkDepth(TiffDirectory& directory)
 {
     SampleType& sample = directory.sample;
     switch (directory.colour) {
-    case Colour::Palette:
-        if (sample.bits > 16 || sample.kind != SampleType::Kind::Unsigned) {
-            return failure(Error::Kind::Unsupported, "palette indices that are no small numbers");
+    case Colour::palette:
+        if (sample.bits > 16 || sample.kind != SampleType::Kind::unsignedInteger) {
+            return failure(Error::Kind::unsupported, "palette indices that are no small numbers");
         }
         return {};
-    case Colour::CieLab:
-    case Colour::IccLab:
-    case Colour::ItuLab:
-        if ((sample.bits != 8 && sample.bits != 16) || sample.kind == SampleType::Kind::Float) {
-            return failure(Error::Kind::Unsupported, "L*a*b* of neither 8 nor 16 bits");
+    case Colour::cieLab:
+    case Colour::iccLab:
+    case Colour::ituLab:
+        if ((sample.bits != 8 && sample.bits != 16)
+            || sample.kind == SampleType::Kind::floatingPoint) {
+            return failure(Error::Kind::unsupported, "L*a*b* of neither 8 nor 16 bits");
         }
-        sample.kind = SampleType::Kind::Unsigned; // which of them are signed is the encoding's
+        sample.kind
+            = SampleType::Kind::unsignedInteger; // which of them are signed is the encoding's
         return {};
-    case Colour::Direct:
-    case Colour::InvertedGrey:
-    case Colour::Library:
+    case Colour::direct:
+    case Colour::invertedGrey:
+    case Colour::library:
         return {};
     }
     return {};
@@ -196,18 +198,18 @@ Result<TiffDirectory> TiffDirectory::read(TIFF* tiff)
     directory.samplesPerPixel = tagOr<std::uint16_t>(tiff, TIFFTAG_SAMPLESPERPIXEL, 1);
     const auto compression = tagOr<std::uint16_t>(tiff, TIFFTAG_COMPRESSION, COMPRESSION_NONE);
     if (TIFFIsCODECConfigured(compression) == 0) {
-        return failure(Error::Kind::Unsupported, "compression " + std::to_string(compression));
+        return failure(Error::Kind::unsupported, "compression " + std::to_string(compression));
     }
     const auto photometric = photometricOf(tiff, directory.samplesPerPixel, compression);
     if (!photometric) {
-        return failure(Error::Kind::Malformed, "nothing says what the samples mean");
+        return failure(Error::Kind::malformed, "nothing says what the samples mean");
     }
     const auto choice = chooseColour(tiff, *photometric, compression);
     if (!choice) {
         return tl::unexpected(choice.error());
     }
     if (directory.samplesPerPixel < choice->samples) {
-        return failure(Error::Kind::Unsupported, "too few samples for the kind of colour");
+        return failure(Error::Kind::unsupported, "too few samples for the kind of colour");
     }
     directory.colour = choice->colour;
     if (auto ok = readSampleType(tiff, directory); !ok) {
@@ -217,10 +219,10 @@ Result<TiffDirectory> TiffDirectory::read(TIFF* tiff)
         return tl::unexpected(ok.error());
     }
     directory.layout = { choice->model,
-        directory.colour == Colour::Library ? 8 : directory.sample.decodedBits(), AlphaInfo::None };
+        directory.colour == Colour::library ? 8 : directory.sample.decodedBits(), AlphaInfo::none };
     findAlpha(tiff, choice->samples, directory);
-    if (directory.colour == Colour::Library && directory.alphaSample) {
-        directory.layout.alpha = AlphaInfo::PremultipliedLast;
+    if (directory.colour == Colour::library && directory.alphaSample) {
+        directory.layout.alpha = AlphaInfo::premultipliedLast;
     }
     readBlocks(tiff, directory);
     if (const auto tag = tagInFile<std::uint16_t>(tiff, TIFFTAG_ORIENTATION)) {
@@ -233,7 +235,7 @@ Result<void> TiffDirectory::check(const Limits& limits) const
 {
     // The library converts to a raster of 32-bit words first.
     const int bytesPerPixel
-        = colour == Colour::Library ? 4 + layout.bytesPerPixel() : layout.bytesPerPixel();
+        = colour == Colour::library ? 4 + layout.bytesPerPixel() : layout.bytesPerPixel();
     if (auto ok = limits.check(width, height, bytesPerPixel); !ok) {
         return ok;
     }
@@ -250,8 +252,8 @@ Size TiffDirectory::size() const
 ColorSpace colorSpaceOf(TIFF* tiff, const TiffDirectory& directory)
 {
     const ColorModel model = directory.layout.model;
-    const bool wasLab = directory.colour == Colour::CieLab || directory.colour == Colour::IccLab
-        || directory.colour == Colour::ItuLab; // converted to sRGB, whatever is embedded
+    const bool wasLab = directory.colour == Colour::cieLab || directory.colour == Colour::iccLab
+        || directory.colour == Colour::ituLab; // converted to sRGB, whatever is embedded
     std::uint32_t count = 0;
     const void* profile = nullptr;
     if (!wasLab && TIFFGetField(tiff, TIFFTAG_ICCPROFILE, &count, &profile) == 1
@@ -263,11 +265,11 @@ ColorSpace colorSpaceOf(TIFF* tiff, const TiffDirectory& directory)
         }
     }
     switch (model) {
-    case ColorModel::Grey:
+    case ColorModel::grey:
         return ColorSpace::grey();
-    case ColorModel::Rgb:
+    case ColorModel::rgb:
         return ColorSpace::sRgb();
-    case ColorModel::Cmyk:
+    case ColorModel::cmyk:
         return ColorSpace::deviceCmyk();
     }
     return ColorSpace::sRgb();

@@ -16,20 +16,20 @@ namespace vellumine::imaging::tiff {
 
 /// How the stored samples become colour.
 enum class Colour : std::uint8_t {
-    Direct, ///< grey, RGB or CMYK samples
-    InvertedGrey, ///< grey where zero is white
-    Palette,
-    CieLab, ///< a* and b* signed
-    IccLab, ///< a* and b* offset by half the range
-    ItuLab, ///< L*, a* and b* in the ranges of the fax standard
-    Library, ///< through the library's 8-bit RGBA conversion: YCbCr, old-style JPEG, LogLuv
+    direct, ///< grey, RGB or CMYK samples
+    invertedGrey, ///< grey where zero is white
+    palette,
+    cieLab, ///< a* and b* signed
+    iccLab, ///< a* and b* offset by half the range
+    ituLab, ///< L*, a* and b* in the ranges of the fax standard
+    library, ///< through the library's 8-bit RGBA conversion: YCbCr, old-style JPEG, LogLuv
 };
 
 /// What the first directory of a file says about its picture.
 struct TiffDirectory {
     std::int64_t width = 0;
     std::int64_t height = 0;
-    Colour colour = Colour::Direct;
+    Colour colour = Colour::direct;
     SampleType sample;
     int samplesPerPixel = 1;
     bool isPlanar = false;

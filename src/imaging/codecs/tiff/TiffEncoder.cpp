@@ -18,20 +18,20 @@ constexpr std::size_t stripBytesAimedAt = std::size_t { 1 } << 20U;
 PixelLayout writableLayout(PixelLayout layout)
 {
     switch (layout.alpha) {
-    case AlphaInfo::First:
-        layout.alpha = AlphaInfo::Last;
+    case AlphaInfo::first:
+        layout.alpha = AlphaInfo::last;
         break;
-    case AlphaInfo::PremultipliedFirst:
-        layout.alpha = AlphaInfo::PremultipliedLast;
+    case AlphaInfo::premultipliedFirst:
+        layout.alpha = AlphaInfo::premultipliedLast;
         break;
-    case AlphaInfo::NoneSkipFirst:
-    case AlphaInfo::NoneSkipLast:
-        layout.alpha = AlphaInfo::None;
+    case AlphaInfo::noneSkipFirst:
+    case AlphaInfo::noneSkipLast:
+        layout.alpha = AlphaInfo::none;
         break;
-    case AlphaInfo::Only: // a coverage mask is a grey picture to everybody else
-    case AlphaInfo::None:
-    case AlphaInfo::Last:
-    case AlphaInfo::PremultipliedLast:
+    case AlphaInfo::only: // a coverage mask is a grey picture to everybody else
+    case AlphaInfo::none:
+    case AlphaInfo::last:
+    case AlphaInfo::premultipliedLast:
         break;
     }
     return layout;
@@ -39,15 +39,15 @@ PixelLayout writableLayout(PixelLayout layout)
 
 std::uint16_t photometricFor(PixelLayout layout)
 {
-    if (layout.alpha == AlphaInfo::Only) {
+    if (layout.alpha == AlphaInfo::only) {
         return PHOTOMETRIC_MINISBLACK;
     }
     switch (layout.model) {
-    case ColorModel::Grey:
+    case ColorModel::grey:
         return PHOTOMETRIC_MINISBLACK;
-    case ColorModel::Rgb:
+    case ColorModel::rgb:
         return PHOTOMETRIC_RGB;
-    case ColorModel::Cmyk:
+    case ColorModel::cmyk:
         return PHOTOMETRIC_SEPARATED;
     }
     return PHOTOMETRIC_RGB;
@@ -67,7 +67,7 @@ bool setTags(TIFF* tiff, const Image& image, const EncodeOptions& options, std::
         && TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_ADOBE_DEFLATE) == 1
         && TIFFSetField(tiff, TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL) == 1
         && TIFFSetField(tiff, TIFFTAG_ZIPQUALITY,
-               options.effort == Effort::Smallest ? Z_BEST_COMPRESSION : Z_BEST_SPEED)
+               options.effort == Effort::smallest ? Z_BEST_COMPRESSION : Z_BEST_SPEED)
             == 1;
     if (hasAlpha(layout.alpha)) {
         const std::uint16_t kind
@@ -75,7 +75,7 @@ bool setTags(TIFF* tiff, const Image& image, const EncodeOptions& options, std::
         ok = ok && TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &kind) == 1;
     }
     const ByteSpan profile = image.colorSpace().iccProfile();
-    if (options.profile == ProfilePolicy::Embed && !profile.empty()) {
+    if (options.profile == ProfilePolicy::embed && !profile.empty()) {
         ok = ok
             && TIFFSetField(tiff, TIFFTAG_ICCPROFILE, static_cast<std::uint32_t>(profile.size()),
                    profile.data())

@@ -41,10 +41,10 @@ Encoding encodingFor(Colour colour, int bits)
     const double largest = bits == 8 ? 255.0 : 65535.0;
     const double perUnit = bits == 8 ? 1.0 : 1.0 / 256.0; // of a* and b*
     switch (colour) {
-    case Colour::CieLab:
+    case Colour::cieLab:
         return { Range::between(0, 100, largest), { perUnit, -128 }, { perUnit, -128 },
             1U << static_cast<unsigned>(bits - 1) };
-    case Colour::ItuLab: // the fax standard's defaults, ITU-T T.42
+    case Colour::ituLab: // the fax standard's defaults, ITU-T T.42
         return { Range::between(0, 100, largest), Range::between(-85, 85, largest),
             Range::between(-75, 125, largest), 0 };
     default: // ICC: in 16 bits, lightness 100 is 0xFF00
@@ -78,7 +78,7 @@ void convertRow(Sample* row, int width, int channels, const Encoding& encoding,
 Result<void> convertLabToSRgb(PixelBuffer& pixels, Colour encoding)
 {
     const PixelLayout layout = pixels.layout();
-    assert(layout.model == ColorModel::Rgb);
+    assert(layout.model == ColorModel::rgb);
     const bool is8 = layout.bitsPerComponent == 8;
     const Profile lab(cmsCreateLab4Profile(nullptr));
     const Profile srgb(cmsCreate_sRGBProfile());
@@ -87,7 +87,7 @@ Result<void> convertLabToSRgb(PixelBuffer& pixels, Colour encoding)
                 is8 ? TYPE_RGB_8 : TYPE_RGB_16, INTENT_RELATIVE_COLORIMETRIC, cmsFLAGS_NOCACHE)
             : nullptr);
     if (!transform) {
-        return failure(Error::Kind::OutOfMemory, "no memory for a colour transform");
+        return failure(Error::Kind::outOfMemory, "no memory for a colour transform");
     }
     const Encoding ranges = encodingFor(encoding, layout.bitsPerComponent);
     const int channels = layout.channels();

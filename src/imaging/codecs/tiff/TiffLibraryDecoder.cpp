@@ -46,7 +46,7 @@ Result<PixelBuffer> decodeThroughLibrary(const TiffReader& reader, const TiffDir
 {
     RgbaConversion conversion(reader.get());
     if (!conversion.isOpen()) {
-        return failure(Error::Kind::Unsupported, conversion.message());
+        return failure(Error::Kind::unsupported, conversion.message());
     }
     const Size size = directory.size();
     const auto width = static_cast<std::size_t>(size.width);
@@ -54,12 +54,12 @@ Result<PixelBuffer> decodeThroughLibrary(const TiffReader& reader, const TiffDir
         = allocateZeroed<std::uint32_t>(width * static_cast<std::size_t>(size.height));
     auto pixels = PixelBuffer::create(size, directory.layout);
     if (!raster || !pixels) {
-        return failure(Error::Kind::OutOfMemory, "no memory for the picture");
+        return failure(Error::Kind::outOfMemory, "no memory for the picture");
     }
     if (!conversion.convert(raster.get()) || reader.messages().dataMissing) {
         return tl::unexpected(reader.messages().failureOf("the picture cannot be converted"));
     }
-    const bool hasAlpha = directory.layout.alpha != AlphaInfo::None;
+    const bool hasAlpha = directory.layout.alpha != AlphaInfo::none;
     for (int y = 0; y < size.height; ++y) {
         const std::uint32_t* const from = raster.get() + width * static_cast<std::size_t>(y);
         std::uint8_t* to = pixels->row8(y);

@@ -9,7 +9,7 @@ Result<Palette> Palette::read(TIFF* tiff, const TiffDirectory& directory)
 {
     std::array<std::uint16_t*, 3> maps {};
     if (TIFFGetField(tiff, TIFFTAG_COLORMAP, maps.data(), &maps[1], &maps[2]) != 1) {
-        return failure(Error::Kind::Malformed, "a palette picture without a colour map");
+        return failure(Error::Kind::malformed, "a palette picture without a colour map");
     }
     const std::size_t count = std::size_t { 1 } << directory.sample.bits;
     // Colour maps are 16 bits deep, but some writers put 8-bit numbers into them.

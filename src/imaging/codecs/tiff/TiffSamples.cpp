@@ -152,7 +152,7 @@ void forEachNumber(ByteSpan packed, int bits, std::size_t count, const Store& st
 
 bool SampleType::isSupported() const
 {
-    if (kind == Kind::Float) {
+    if (kind == Kind::floatingPoint) {
         return bits == 16 || bits == 24 || bits == 32 || bits == 64;
     }
     return (bits >= 1 && bits <= 32) || bits == 64;
@@ -160,20 +160,20 @@ bool SampleType::isSupported() const
 
 int SampleType::decodedBits() const
 {
-    return kind != Kind::Float && bits <= 8 ? 8 : 16;
+    return kind != Kind::floatingPoint && bits <= 8 ? 8 : 16;
 }
 
 void unpackSamples(ByteSpan packed, SampleType type, std::span<std::uint16_t> samples)
 {
     assert(type.isSupported());
     assert(packed.size() * 8 >= samples.size() * static_cast<std::size_t>(type.bits));
-    if (type.kind == SampleType::Kind::Float) {
+    if (type.kind == SampleType::Kind::floatingPoint) {
         unpackFloats(packed, type.bits, samples);
         return;
     }
     const int bits = type.bits == 64 ? 32 : type.bits;
     // A signed number counted from its minimum has its sign bit turned over.
-    const std::uint32_t flip = type.kind == SampleType::Kind::Signed ? 1U << (bits - 1) : 0U;
+    const std::uint32_t flip = type.kind == SampleType::Kind::signedInteger ? 1U << (bits - 1) : 0U;
     if (bits <= 16) {
         const int decoded = type.decodedBits();
         forEachNumber(packed, type.bits, samples.size(), [&](std::size_t i, std::uint32_t number) {
@@ -189,7 +189,7 @@ void unpackSamples(ByteSpan packed, SampleType type, std::span<std::uint16_t> sa
 
 void unpackIndices(ByteSpan packed, SampleType type, std::span<std::uint16_t> indices)
 {
-    assert(type.bits <= 16 && type.kind != SampleType::Kind::Float);
+    assert(type.bits <= 16 && type.kind != SampleType::Kind::floatingPoint);
     assert(packed.size() * 8 >= indices.size() * static_cast<std::size_t>(type.bits));
     forEachNumber(packed, type.bits, indices.size(), [&](std::size_t i, std::uint32_t number) {
         indices[i] = static_cast<std::uint16_t>(number);

@@ -10,8 +10,8 @@ namespace vellumine::imaging::tiff {
 
 /// How one stored sample is coded.
 struct SampleType {
-    enum class Kind : std::uint8_t { Unsigned, Signed, Float };
-    Kind kind = Kind::Unsigned;
+    enum class Kind : std::uint8_t { unsignedInteger, signedInteger, floatingPoint };
+    Kind kind = Kind::unsignedInteger;
     int bits = 8;
 
     /// 1 to 32 and 64 bits for integers; 16, 24, 32 and 64 for floating point.

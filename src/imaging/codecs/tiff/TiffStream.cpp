@@ -94,7 +94,7 @@ tmsize_t refuseToWrite(thandle_t /*handle*/, void* /*data*/, tmsize_t /*size*/)
 
 Error TiffMessages::failureOf(const std::string& fallback) const
 {
-    return { dataMissing ? Error::Kind::Truncated : Error::Kind::Malformed,
+    return { dataMissing ? Error::Kind::truncated : Error::Kind::malformed,
         lastError.empty() ? fallback : lastError };
 }
 
@@ -145,7 +145,7 @@ Result<TiffReader> TiffReader::open(ByteSpan file, std::uint64_t maximumAllocati
     reader.m_state = std::make_unique<State>(State { file, 0, {} });
     const OpenOptions options = optionsFor(reader.m_state->messages);
     if (!options) {
-        return failure(Error::Kind::OutOfMemory, "no memory for the TIFF reader");
+        return failure(Error::Kind::outOfMemory, "no memory for the TIFF reader");
     }
     constexpr auto largest = static_cast<std::uint64_t>(std::numeric_limits<tmsize_t>::max());
     TIFFOpenOptionsSetMaxSingleMemAlloc(
@@ -222,14 +222,14 @@ Result<TiffWriter> TiffWriter::open(std::uint64_t pixelBytes)
             Calls::write, Calls::seek, closeNothing, Calls::size, nullptr, nullptr, options.get()));
     }
     if (!writer.m_tiff) {
-        return failure(Error::Kind::OutOfMemory, "no memory for the TIFF writer");
+        return failure(Error::Kind::outOfMemory, "no memory for the TIFF writer");
     }
     return writer;
 }
 
 tl::unexpected<Error> TiffWriter::encodingFailure() const
 {
-    return failure(Error::Kind::EncodingFailed, m_state->messages.lastError);
+    return failure(Error::Kind::encodingFailed, m_state->messages.lastError);
 }
 
 Result<ByteBuffer> TiffWriter::finish() &&

@@ -19,13 +19,13 @@ tl::unexpected<Error> decoderFailure(VP8StatusCode status)
     switch (status) {
     case VP8_STATUS_NOT_ENOUGH_DATA:
     case VP8_STATUS_SUSPENDED:
-        return failure(Error::Kind::Truncated, "the picture's data ends too soon");
+        return failure(Error::Kind::truncated, "the picture's data ends too soon");
     case VP8_STATUS_OUT_OF_MEMORY:
-        return failure(Error::Kind::OutOfMemory, "no memory to decode the picture");
+        return failure(Error::Kind::outOfMemory, "no memory to decode the picture");
     case VP8_STATUS_UNSUPPORTED_FEATURE:
-        return failure(Error::Kind::Unsupported, "a feature that the library lacks");
+        return failure(Error::Kind::unsupported, "a feature that the library lacks");
     default:
-        return failure(Error::Kind::Malformed, "damaged picture data");
+        return failure(Error::Kind::malformed, "damaged picture data");
     }
 }
 
@@ -45,7 +45,7 @@ Result<void> decodeInto(ByteSpan bitstream, Rect part, Rect place, PixelBuffer& 
 {
     WebPDecoderConfig config;
     if (WebPInitDecoderConfig(&config) == 0) {
-        return failure(Error::Kind::Unsupported, "another version of the library");
+        return failure(Error::Kind::unsupported, "another version of the library");
     }
     config.options.use_cropping = 1;
     config.options.crop_left = part.x;
@@ -57,7 +57,7 @@ Result<void> decodeInto(ByteSpan bitstream, Rect part, Rect place, PixelBuffer& 
     const std::size_t offset = static_cast<std::size_t>(place.y) * target.rowBytes()
         + static_cast<std::size_t>(place.x) * bytesPerPixel;
     const auto bytes = target.bytes().subspan(offset);
-    config.output.colorspace = target.layout().alpha == AlphaInfo::None ? MODE_RGB : MODE_RGBA;
+    config.output.colorspace = target.layout().alpha == AlphaInfo::none ? MODE_RGB : MODE_RGBA;
     config.output.is_external_memory = 1;
     config.output.u.RGBA.rgba = reinterpret_cast<std::uint8_t*>(bytes.data());
     config.output.u.RGBA.stride = static_cast<int>(target.rowBytes());
@@ -94,7 +94,7 @@ Result<ImageHeader> readHeader(ByteSpan file)
     }
     if (features.has_animation == 0) {
         return ImageHeader { { features.width, features.height },
-            { ColorModel::Rgb, 8, features.has_alpha != 0 ? AlphaInfo::Last : AlphaInfo::None } };
+            { ColorModel::rgb, 8, features.has_alpha != 0 ? AlphaInfo::last : AlphaInfo::none } };
     }
     const auto container = Container::open(file);
     if (!container) {

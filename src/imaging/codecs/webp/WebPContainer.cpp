@@ -35,10 +35,10 @@ Result<Container> Container::open(ByteSpan file)
     Container container;
     container.m_demuxer.reset(WebPDemuxPartial(&data, &state));
     if (state == WEBP_DEMUX_PARSE_ERROR) {
-        return failure(Error::Kind::Malformed, "damaged chunks");
+        return failure(Error::Kind::malformed, "damaged chunks");
     }
     if (state != WEBP_DEMUX_DONE || !container.m_demuxer) {
-        return failure(Error::Kind::Truncated, "the file is shorter than it says");
+        return failure(Error::Kind::truncated, "the file is shorter than it says");
     }
     const WebPDemuxer* const demuxer = container.m_demuxer.get();
     const std::uint32_t flags = WebPDemuxGetI(demuxer, WEBP_FF_FORMAT_FLAGS);
@@ -49,7 +49,7 @@ Result<Container> Container::open(ByteSpan file)
 
     WebPIterator iterator {};
     if (WebPDemuxGetFrame(demuxer, 1, &iterator) == 0) {
-        return failure(Error::Kind::Malformed, "no frame");
+        return failure(Error::Kind::malformed, "no frame");
     }
     container.m_frame = { spanOf(iterator.fragment),
         { iterator.x_offset, iterator.y_offset, iterator.width, iterator.height },
@@ -57,13 +57,13 @@ Result<Container> Container::open(ByteSpan file)
     const bool isComplete = iterator.complete != 0;
     WebPDemuxReleaseIterator(&iterator);
     if (!isComplete) {
-        return failure(Error::Kind::Truncated, "the first frame is not whole");
+        return failure(Error::Kind::truncated, "the first frame is not whole");
     }
     if (!contains(container.m_canvas, container.m_frame.place)) {
-        return failure(Error::Kind::Malformed, "a frame outside the canvas");
+        return failure(Error::Kind::malformed, "a frame outside the canvas");
     }
     if (!container.m_isAnimation && container.m_frame.place.size() != container.m_canvas) {
-        return failure(Error::Kind::Malformed, "a picture of another size than its canvas");
+        return failure(Error::Kind::malformed, "a picture of another size than its canvas");
     }
     return container;
 }
@@ -71,7 +71,7 @@ Result<Container> Container::open(ByteSpan file)
 PixelLayout Container::animationLayout() const
 {
     const bool hasAlpha = m_frame.hasAlpha || m_declaresAlpha || m_frame.place.size() != m_canvas;
-    return { ColorModel::Rgb, 8, hasAlpha ? AlphaInfo::Last : AlphaInfo::None };
+    return { ColorModel::rgb, 8, hasAlpha ? AlphaInfo::last : AlphaInfo::none };
 }
 
 ByteSpan Container::chunk(const char (&fourCharacters)[5]) const
@@ -92,7 +92,7 @@ ColorSpace Container::colorSpace() const
     if (profile.empty()) {
         return ColorSpace::sRgb();
     }
-    return ColorSpace::fromIcc(profile, ColorModel::Rgb).value_or(ColorSpace::sRgb());
+    return ColorSpace::fromIcc(profile, ColorModel::rgb).value_or(ColorSpace::sRgb());
 }
 
 MetadataBlocks Container::metadata() const
