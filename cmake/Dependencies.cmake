@@ -18,3 +18,9 @@ find_package(GIF REQUIRED)
 pkg_check_modules(gio REQUIRED IMPORTED_TARGET gio-2.0)
 pkg_check_modules(plist REQUIRED IMPORTED_TARGET libplist-2.0)
 find_package(Qt6 6.4 REQUIRED COMPONENTS Core Concurrent Network)
+
+# A machine without a desktop builds the command line alone.
+option(VELLUMINE_WINDOWS "Build the windows, which need Qt Quick" ON)
+if(VELLUMINE_WINDOWS AND NOT VELLUMINE_FUZZ)
+    find_package(Qt6 6.4 REQUIRED COMPONENTS Gui Qml Quick QuickControls2 QuickTest Svg)
+endif()

@@ -1,0 +1,97 @@
+// Pictures of the views, one for every scene:
+//     ui_gallery [--locale NAME] --output FOLDER SCENE.qml...
+// A scene is an Item or a Window with stand-ins for what it shows. QT_SCALE_FACTOR sets the scale.
+
+#include <QCommandLineParser>
+#include <QDir>
+#include <QFileInfo>
+#include <QFont>
+#include <QGuiApplication>
+#include <QLocale>
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickStyle>
+#include <QQuickWindow>
+#include <QTextStream>
+#include <QTimer>
+
+#include <memory>
+
+namespace {
+
+/// Renders one scene; an empty text, or what went wrong.
+QString renderScene(QQmlEngine& engine, const QString& scene, const QString& picture)
+{
+    QQmlComponent component(&engine, QUrl::fromLocalFile(QFileInfo(scene).absoluteFilePath()));
+    const std::unique_ptr<QObject> root(component.create());
+    if (!root) {
+        return component.errorString();
+    }
+    std::unique_ptr<QQuickWindow> frame;
+    auto* window = qobject_cast<QQuickWindow*>(root.get());
+    if (window == nullptr) {
+        auto* item = qobject_cast<QQuickItem*>(root.get());
+        if (item == nullptr) {
+            return QStringLiteral("is neither an item nor a window");
+        }
+        frame = std::make_unique<QQuickWindow>();
+        window = frame.get();
+        window->resize(item->size().toSize());
+        item->setParentItem(window->contentItem());
+    }
+    window->show();
+    // Layouts and popups settle with the frames that follow the first.
+    for (int frameCount = 0; frameCount < 4; ++frameCount) {
+        QCoreApplication::sendPostedEvents();
+        QCoreApplication::processEvents();
+        (void)window->grabWindow();
+    }
+    const bool written = window->grabWindow().save(picture);
+    if (frame) {
+        qobject_cast<QQuickItem*>(root.get())->setParentItem(nullptr);
+    }
+    return written ? QString() : QStringLiteral("cannot write ") + picture;
+}
+
+} // namespace
+
+int main(int argumentCount, char** arguments)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+    QQuickStyle::setStyle(QStringLiteral("Basic"));
+    QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+    QGuiApplication application(argumentCount, arguments);
+    QGuiApplication::setFont(QFont(QStringLiteral("Inter")));
+
+    QCommandLineParser parser;
+    const QCommandLineOption output(
+        QStringLiteral("output"), QStringLiteral("Where to"), QStringLiteral("folder"));
+    const QCommandLineOption locale(
+        QStringLiteral("locale"), QStringLiteral("Which language"), QStringLiteral("name"));
+    parser.addOptions({ output, locale });
+    parser.addPositionalArgument(QStringLiteral("scene"), QStringLiteral("Scenes"));
+    parser.process(application);
+    const QLocale chosen = parser.isSet(locale) ? QLocale(parser.value(locale)) : QLocale::c();
+    QLocale::setDefault(chosen);
+    QGuiApplication::setLayoutDirection(chosen.textDirection());
+
+    const QDir folder(parser.value(output));
+    (void)folder.mkpath(QStringLiteral("."));
+    QTextStream errors(stderr);
+    int failures = 0;
+    const QStringList scenes = parser.positionalArguments();
+    for (const QString& scene : scenes) {
+        QQmlEngine engine;
+        const QString picture
+            = folder.filePath(QFileInfo(scene).completeBaseName() + QStringLiteral(".png"));
+        const QString failure = renderScene(engine, scene, picture);
+        if (!failure.isEmpty()) {
+            errors << scene << ": " << failure << '\n';
+            ++failures;
+        }
+    }
+    return failures == 0 ? 0 : 1;
+}
