@@ -32,8 +32,8 @@ Atom atom(std::string_view name)
 /// A property of one number.
 std::optional<std::uint32_t> number(Window window, Atom property, Atom type)
 {
-    const Answer<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection(),
-        xcb_get_property(connection(), 0, window, property, type, 0, 1), nullptr));
+    const Answer<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+        connection(), xcb_get_property(connection(), 0, window, property, type, 0, 1), nullptr));
     std::uint32_t value = 0;
     if (!reply || xcb_get_property_value_length(reply.get()) != sizeof value) {
         return std::nullopt;
@@ -165,8 +165,9 @@ bool isInvisiblyEmbedded(const Atoms& atoms, Window window)
 
 std::optional<QRect> screenGeometry(Window window)
 {
-    const Answer<xcb_translate_coordinates_reply_t> origin(xcb_translate_coordinates_reply(
-        connection(), xcb_translate_coordinates(connection(), window, rootWindow(), 0, 0), nullptr));
+    const Answer<xcb_translate_coordinates_reply_t> origin(
+        xcb_translate_coordinates_reply(connection(),
+            xcb_translate_coordinates(connection(), window, rootWindow(), 0, 0), nullptr));
     const Answer<xcb_get_geometry_reply_t> geometry(
         xcb_get_geometry_reply(connection(), xcb_get_geometry(connection(), window), nullptr));
     if (!origin || !geometry) {

@@ -20,7 +20,7 @@ constexpr std::array qualityPresetNumbers { 60, 70, 80, 90, 100 };
 
 template <typename Numbers> QVariantList toVariants(const Numbers& numbers)
 {
-    return { numbers.begin(), numbers.end() };
+    return QVariantList(numbers.begin(), numbers.end());
 }
 
 template <Enumeration Choice> QStringList titles()
