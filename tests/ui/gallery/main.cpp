@@ -85,6 +85,10 @@ int main(int argumentCount, char** arguments)
     const QStringList scenes = parser.positionalArguments();
     for (const QString& scene : scenes) {
         QQmlEngine engine;
+        if (auto* motion
+            = engine.singletonInstance<QObject*>(qmlTypeId("Vellumine", 1, 0, "Motion"))) {
+            motion->setProperty("reducedMotion", true);
+        }
         const QString picture
             = folder.filePath(QFileInfo(scene).completeBaseName() + QStringLiteral(".png"));
         const QString failure = renderScene(engine, scene, picture);
