@@ -22,5 +22,6 @@ find_package(Qt6 6.4 REQUIRED COMPONENTS Core Concurrent DBus Network)
 # A machine without a desktop builds the command line alone.
 option(VELLUMINE_WINDOWS "Build the windows, which need Qt Quick" ON)
 if(VELLUMINE_WINDOWS AND NOT VELLUMINE_FUZZ)
-    find_package(Qt6 6.4 REQUIRED COMPONENTS Gui Qml Quick QuickControls2 QuickTest Svg)
+    find_package(Qt6 6.4 REQUIRED COMPONENTS Gui Widgets Qml Quick QuickControls2 QuickTest Svg DBus)
+    pkg_check_modules(xcb REQUIRED IMPORTED_TARGET xcb xcb-xfixes)
 endif()

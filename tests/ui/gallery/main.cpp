@@ -20,6 +20,15 @@
 
 namespace {
 
+void stopMotion(QQmlEngine& engine)
+{
+    QQmlComponent component(&engine);
+    component.setData("import QtQml\nimport Vellumine\n"
+                      "QtObject { Component.onCompleted: Motion.reducedMotion = true }",
+        QUrl());
+    const std::unique_ptr<QObject> done(component.create());
+}
+
 /// Renders one scene; an empty text, or what went wrong.
 QString renderScene(QQmlEngine& engine, const QString& scene, const QString& picture)
 {
@@ -85,6 +94,7 @@ int main(int argumentCount, char** arguments)
     const QStringList scenes = parser.positionalArguments();
     for (const QString& scene : scenes) {
         QQmlEngine engine;
+        stopMotion(engine);
         const QString picture
             = folder.filePath(QFileInfo(scene).completeBaseName() + QStringLiteral(".png"));
         const QString failure = renderScene(engine, scene, picture);

@@ -1,0 +1,40 @@
+#include "app/instance/ApplicationAdaptor.h"
+
+#include "app/instance/SingleInstance.h"
+
+namespace vellumine {
+
+ApplicationAdaptor::ApplicationAdaptor(SingleInstance* instance)
+    : QDBusAbstractAdaptor(instance)
+    , m_instance(*instance)
+{
+}
+
+void ApplicationAdaptor::Activate(const QVariantMap& platformData)
+{
+    Q_EMIT m_instance.activationRequested(ActivationToken::fromPlatformData(platformData));
+}
+
+void ApplicationAdaptor::Open(const QStringList& uris, const QVariantMap& platformData)
+{
+    QList<QUrl> files;
+    for (const QString& uri : uris) {
+        const QUrl url = QUrl::fromEncoded(uri.toUtf8(), QUrl::TolerantMode);
+        if (url.isLocalFile()) {
+            files.append(url);
+        }
+    }
+    Q_EMIT m_instance.openRequested(files, ActivationToken::fromPlatformData(platformData));
+}
+
+void ApplicationAdaptor::ActivateAction(
+    const QString& name, const QVariantList& /*parameter*/, const QVariantMap& platformData)
+{
+    if (name == QStringLiteral("preferences")) {
+        Q_EMIT m_instance.preferencesRequested(ActivationToken::fromPlatformData(platformData));
+    } else if (name == QStringLiteral("quit")) {
+        Q_EMIT m_instance.quitRequested();
+    }
+}
+
+} // namespace vellumine

@@ -1,0 +1,53 @@
+import QtQuick
+import QtQuick.Controls.Basic as Basic
+import QtQuick.Templates as T
+import Vellumine
+
+T.Menu {
+    id: menu
+
+    cascade: false
+    contentWidth: {
+        let widest = 160;
+        for (let index = 0; index < count; ++index)
+            widest = Math.max(widest, itemAt(index).implicitWidth);
+        return widest;
+    }
+    implicitHeight: contentHeight + topPadding + bottomPadding
+    implicitWidth: contentWidth + leftPadding + rightPadding
+    margins: 8
+    overlap: 1
+    padding: 6
+
+    background: Rectangle {
+        border.color: KestrovaTheme.faded(KestrovaTheme.cream, 0.18)
+        color: KestrovaTheme.leatherDeep
+        radius: 10
+    }
+    contentItem: ListView {
+        clip: true
+        currentIndex: menu.currentIndex
+        implicitHeight: contentHeight
+        interactive: contentHeight > height
+        keyNavigationEnabled: false
+        model: menu.contentModel
+
+        T.ScrollIndicator.vertical: Basic.ScrollIndicator {}
+    }
+    delegate: KestrovaMenuItem {}
+    enter: Transition {
+        NumberAnimation {
+            duration: Motion.quick
+            from: 0
+            property: "opacity"
+            to: 1
+        }
+    }
+    exit: Transition {
+        NumberAnimation {
+            duration: Motion.quick
+            property: "opacity"
+            to: 0
+        }
+    }
+}

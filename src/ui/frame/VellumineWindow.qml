@@ -1,0 +1,112 @@
+import QtQuick
+import Vellumine
+
+// A window that draws its own frame, dark whatever the desktop's theme. Its children fill it and lie under the title bar;
+// they paint their own background, rounded by `cornerRadius`.
+Window {
+    id: window
+
+    default property alias content: contents.data
+    readonly property bool maximized: visibility === Window.Maximized || visibility === Window.FullScreen
+    readonly property real cornerRadius: maximized ? 0 : 12
+    readonly property real titleBarHeight: titleBar.height
+
+    signal preferencesRequested
+    signal quitRequested
+
+    function toggleMaximized() {
+        if (maximized)
+            showNormal();
+        else
+            showMaximized();
+    }
+
+    function showAbout() {
+        about.open();
+    }
+
+    LayoutMirroring.childrenInherit: true
+    LayoutMirroring.enabled: Application.layoutDirection === Qt.RightToLeft
+    color: "transparent"
+    flags: Qt.Window | Qt.FramelessWindowHint
+
+    WindowMover {
+        anchors.fill: parent
+        objectName: "mover"
+
+        onDoubleClicked: position => {
+            if (position.y < window.titleBarHeight)
+                window.toggleMaximized();
+        }
+    }
+
+    FocusScope {
+        id: contents
+
+        anchors.fill: parent
+        focus: true
+    }
+
+    TitleBar {
+        id: titleBar
+
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.top: parent.top
+        maximized: window.maximized
+
+        onCloseRequested: window.close()
+        onMaximizeRequested: window.toggleMaximized()
+        onMenuRequested: menu.popup(menuButton, 0, menuButton.height + 4)
+        onMinimizeRequested: window.showMinimized()
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        border.color: KestrovaTheme.faded(KestrovaTheme.cream, 0.16)
+        border.width: 1
+        color: "transparent"
+        radius: window.cornerRadius
+        visible: !window.maximized
+    }
+
+    WindowEdges {
+        anchors.fill: parent
+        enabled: !window.maximized
+        objectName: "edges"
+    }
+
+    ApplicationMenu {
+        id: menu
+
+        objectName: "applicationMenu"
+
+        onAboutChosen: window.showAbout()
+        onPreferencesChosen: window.preferencesRequested()
+        onQuitChosen: window.quitRequested()
+    }
+
+    AboutDialog {
+        id: about
+
+        cornerRadius: window.cornerRadius
+    }
+
+    Shortcut {
+        sequences: [ShortcutTexts.preferencesKeys]
+
+        onActivated: window.preferencesRequested()
+    }
+
+    Shortcut {
+        sequences: [ShortcutTexts.quitKeys]
+
+        onActivated: window.quitRequested()
+    }
+
+    Shortcut {
+        sequences: [StandardKey.Close]
+
+        onActivated: window.close()
+    }
+}

@@ -1,0 +1,11 @@
+import QtQuick
+
+SettingsChip {
+    required property SettingsPresenter settings
+
+    helpText: qsTr("Toggle metadata removal")
+    systemName: settings.metadataSymbol
+    text: settings.metadataText
+
+    onClicked: settings.removeMetadata = !settings.removeMetadata
+}

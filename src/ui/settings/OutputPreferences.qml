@@ -1,0 +1,117 @@
+import QtQuick
+import QtQuick.Layouts
+
+// What is written: its size, its format and its quality.
+PreferenceSection {
+    id: section
+
+    required property SettingsPresenter settings
+
+    title: qsTr("Output")
+
+    FormRow {
+        label: qsTr("Size")
+
+        KestrovaPicker {
+            Accessible.name: qsTr("Size")
+            currentIndex: section.settings.resizeMode
+            model: section.settings.resizeModeTitles
+            objectName: "resizeModePicker"
+            onLight: true
+
+            onActivated: index => section.settings.resizeMode = index
+        }
+    }
+
+    FormRow {
+        enabled: section.settings.isResizing
+        label: qsTr("Maximum")
+        objectName: "maximumRow"
+
+        KestrovaTextField {
+            id: pixels
+
+            function commit() {
+                section.settings.enterMaximumPixels(text);
+            }
+
+            Accessible.name: qsTr("Maximum")
+            Layout.preferredWidth: 90
+            inputMethodHints: Qt.ImhFormattedNumbersOnly
+            objectName: "maximumField"
+            onLight: true
+            placeholderText: qsTr("Pixels")
+            text: section.settings.maximumPixelsText
+
+            onEditingFinished: commit()
+        }
+
+        Text {
+            color: KestrovaTheme.ink
+            font: TextStyle.body
+            opacity: enabled ? 1 : 0.5
+            text: qsTr("px")
+        }
+
+        KestrovaStepper {
+            // What was typed counts before it is stepped on from.
+            function step(steps) {
+                if (pixels.activeFocus)
+                    pixels.commit();
+                section.settings.stepMaximumPixels(steps);
+            }
+
+            Accessible.name: qsTr("Maximum")
+            canDecrease: section.settings.canStepDown
+            canIncrease: section.settings.canStepUp
+            objectName: "maximumStepper"
+            onLight: true
+
+            onDecreased: step(-1)
+            onIncreased: step(1)
+        }
+    }
+
+    FormRow {
+        label: qsTr("Format")
+
+        KestrovaPicker {
+            Accessible.name: qsTr("Format")
+            currentIndex: section.settings.outputFormat
+            model: section.settings.outputFormatTitles
+            objectName: "formatPicker"
+            onLight: true
+
+            onActivated: index => section.settings.outputFormat = index
+        }
+    }
+
+    FormRow {
+        enabled: section.settings.usesQuality
+        label: qsTr("Quality")
+        objectName: "qualityRow"
+
+        KestrovaSlider {
+            Accessible.name: qsTr("Quality")
+            Layout.fillWidth: true
+            from: 1
+            objectName: "qualitySlider"
+            onLight: true
+            stepSize: 1
+            to: 100
+            value: section.settings.quality
+
+            onMoved: section.settings.quality = value
+        }
+
+        Text {
+            Layout.preferredWidth: 32
+            color: KestrovaTheme.ink
+            font: TextStyle.monospacedDigits(TextStyle.body)
+            horizontalAlignment: Text.AlignRight
+            objectName: "qualityNumber"
+            opacity: enabled ? 1 : 0.5
+            text: section.settings.qualityNumberText
+        }
+    }
+}

@@ -1,0 +1,46 @@
+import QtQuick
+import QtQuick.Layouts
+
+// Rows on a light card under a title in small capitals.
+Rectangle {
+    id: section
+
+    required property string title
+    default property alias content: rows.data
+
+    Accessible.name: title
+    Accessible.role: Accessible.Grouping
+    border.color: KestrovaTheme.border
+    color: KestrovaTheme.lightCard
+    implicitHeight: column.implicitHeight + 20
+    implicitWidth: column.implicitWidth + 28
+    radius: 10
+
+    ColumnLayout {
+        id: column
+
+        anchors.fill: parent
+        anchors.bottomMargin: 10
+        anchors.leftMargin: 14
+        anchors.rightMargin: 14
+        anchors.topMargin: 10
+        spacing: 7
+
+        Text {
+            Accessible.ignored: true
+            color: KestrovaTheme.copperStrong
+            font.capitalization: Font.AllUppercase
+            font.letterSpacing: 0.8
+            font.pixelSize: 10
+            font.weight: Font.Bold
+            text: section.title
+        }
+
+        ColumnLayout {
+            id: rows
+
+            Layout.fillWidth: true
+            spacing: 6
+        }
+    }
+}

@@ -1,0 +1,175 @@
+import QtQuick
+import QtQuick.Controls.Basic as Basic
+import QtQuick.Layouts
+import QtQuick.Templates as T
+
+// Every setting in labelled sections, the lifetime totals and the version.
+T.Pane {
+    id: view
+
+    required property SettingsPresenter settings
+    required property StatsPresenter stats
+
+    bottomPadding: 18
+    implicitHeight: 840
+    implicitWidth: 620
+    leftPadding: 22
+    rightPadding: 22
+    topPadding: 42
+
+    background: WindowBackground {}
+    contentItem: ColumnLayout {
+        spacing: 12
+
+        RowLayout {
+            Layout.fillWidth: true
+
+            ColumnLayout {
+                spacing: 2
+
+                Text {
+                    Accessible.role: Accessible.Heading
+                    color: KestrovaTheme.cream
+                    font: TextStyle.title2
+                    text: qsTr("Preferences")
+                }
+
+                Text {
+                    color: KestrovaTheme.creamMuted
+                    font: TextStyle.subheadline
+                    text: qsTr("Local image conversion defaults")
+                }
+            }
+
+            Item {
+                Layout.fillWidth: true
+            }
+
+            Text {
+                Layout.alignment: Qt.AlignTop
+                Layout.topMargin: 4
+                color: KestrovaTheme.creamSubtle
+                font: TextStyle.subheadline
+                text: view.settings.appVersionText
+            }
+        }
+
+        Flickable {
+            id: page
+
+            Layout.fillHeight: true
+            Layout.fillWidth: true
+            boundsBehavior: Flickable.StopAtBounds
+            clip: contentHeight > height
+            contentHeight: sections.implicitHeight
+            contentWidth: width
+
+            T.ScrollBar.vertical: Basic.ScrollBar {
+                policy: page.contentHeight > page.height ? Basic.ScrollBar.AlwaysOn : Basic.ScrollBar.AlwaysOff
+            }
+
+            ColumnLayout {
+                id: sections
+
+                spacing: 10
+                width: page.width - (page.contentHeight > page.height ? 14 : 0)
+
+                OutputPreferences {
+                    Layout.fillWidth: true
+                    settings: view.settings
+                }
+
+                PreferenceSection {
+                    Layout.fillWidth: true
+                    title: qsTr("Optimization")
+
+                    KestrovaSwitch {
+                        checked: view.settings.optimizeColorForSharing
+                        onLight: true
+                        text: qsTr("Optimize color for sharing")
+
+                        onToggled: view.settings.optimizeColorForSharing = checked
+                    }
+
+                    KestrovaSwitch {
+                        checked: view.settings.removeColorManagement
+                        onLight: true
+                        text: qsTr("Remove color management information")
+
+                        onToggled: view.settings.removeColorManagement = checked
+                    }
+
+                    KestrovaSwitch {
+                        checked: view.settings.removeMetadata
+                        onLight: true
+                        text: qsTr("Remove personal information and metadata")
+
+                        onToggled: view.settings.removeMetadata = checked
+                    }
+                }
+
+                DestinationPreferences {
+                    Layout.fillWidth: true
+                    settings: view.settings
+                }
+
+                PreferenceSection {
+                    Layout.fillWidth: true
+                    title: qsTr("Miscellaneous")
+
+                    KestrovaSwitch {
+                        checked: view.settings.moveOriginalToTrash
+                        onLight: true
+                        text: qsTr("Move original to Trash")
+
+                        onToggled: view.settings.moveOriginalToTrash = checked
+                    }
+
+                    KestrovaSwitch {
+                        checked: view.settings.preserveModificationTime
+                        onLight: true
+                        text: qsTr("Preserve file modification time")
+
+                        onToggled: view.settings.preserveModificationTime = checked
+                    }
+
+                    KestrovaSwitch {
+                        checked: view.settings.warnBeforeOverwrite
+                        onLight: true
+                        text: qsTr("Show warning before overwrite")
+
+                        onToggled: view.settings.warnBeforeOverwrite = checked
+                    }
+
+                    KestrovaSwitch {
+                        checked: view.settings.exitWhenComplete
+                        onLight: true
+                        text: qsTr("Exit when optimization complete")
+
+                        onToggled: view.settings.exitWhenComplete = checked
+                    }
+                }
+
+                PreferenceSection {
+                    Layout.fillWidth: true
+                    title: qsTr("Lifetime Stats")
+
+                    LifetimeStatsGrid {
+                        Layout.fillWidth: true
+                        stats: view.stats
+                    }
+
+                    DestructiveButton {
+                        Layout.topMargin: 4
+                        enabled: view.stats.canReset
+                        objectName: "resetButton"
+                        symbol: "arrow.counterclockwise"
+                        text: qsTr("Reset Lifetime Stats")
+
+                        onClicked: view.stats.reset()
+                    }
+                }
+            }
+        }
+    }
+}

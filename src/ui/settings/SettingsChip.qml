@@ -1,0 +1,96 @@
+import QtQuick
+import QtQuick.Templates as T
+
+// A compact button that shows one setting at a glance. With a menu it opens that, else it is `clicked`.
+T.AbstractButton {
+    id: chip
+
+    required property string systemName
+    property string helpText
+    /// A KestrovaMenu, made when it is first opened.
+    property Component menu: null
+    /// Longer texts, such as a folder's name, end in dots.
+    property real maximumTextWidth: 170
+
+    function press() {
+        if (!menu) {
+            clicked();
+            return;
+        }
+        loader.active = true;
+        loader.item.popup(chip, 0, chip.height + 4);
+    }
+
+    Accessible.description: helpText
+    Accessible.name: text
+    Accessible.onPressAction: press()
+    Accessible.role: menu ? Accessible.ButtonMenu : Accessible.Button
+    bottomPadding: 4
+    font.pixelSize: 11
+    font.weight: Font.DemiBold
+    hoverEnabled: true
+    implicitHeight: implicitContentHeight + topPadding + bottomPadding
+    implicitWidth: implicitContentWidth + leftPadding + rightPadding
+    leftPadding: 7
+    rightPadding: 7
+    spacing: 4
+    topPadding: 4
+
+    background: Rectangle {
+        readonly property real strength: chip.down ? 3 : chip.hovered ? 2 : 1
+
+        border.color: KestrovaTheme.faded(KestrovaTheme.copperBright, 0.14 * strength)
+        border.width: 1
+        color: KestrovaTheme.faded(KestrovaTheme.copperBright, 0.1 * strength)
+        radius: height / 2
+
+        FocusRing {
+            radius: height / 2
+            shown: chip.visualFocus
+        }
+    }
+    contentItem: Row {
+        spacing: chip.spacing
+
+        SymbolImage {
+            anchors.verticalCenter: parent.verticalCenter
+            color: KestrovaTheme.copperBright
+            name: chip.systemName
+            size: 12
+        }
+
+        Text {
+            anchors.verticalCenter: parent.verticalCenter
+            color: KestrovaTheme.creamMuted
+            elide: Text.ElideMiddle
+            font: chip.font
+            maximumLineCount: 1
+            text: chip.text
+            textFormat: Text.PlainText
+            width: Math.min(implicitWidth, chip.maximumTextWidth)
+        }
+    }
+
+    Keys.onDownPressed: event => {
+        if (chip.menu)
+            chip.press();
+        else
+            event.accepted = false;
+    }
+    onClicked: {
+        if (menu)
+            press();
+    }
+
+    Loader {
+        id: loader
+
+        active: false
+        sourceComponent: chip.menu
+    }
+
+    HelpText {
+        control: chip
+        text: chip.helpText
+    }
+}
