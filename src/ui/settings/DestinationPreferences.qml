@@ -17,7 +17,7 @@ PreferenceSection {
             currentIndex: section.settings.destinationMode
             model: section.settings.destinationModeTitles
             objectName: "destinationPicker"
-            onLight: true
+            light: true
 
             onActivated: index => section.settings.destinationMode = index
         }
@@ -28,7 +28,7 @@ PreferenceSection {
 
         QuietButtonStyle {
             objectName: "folderButton"
-            onLight: true
+            light: true
             symbol: "folder"
             text: section.settings.destinationFolderButtonTitle
 
@@ -54,7 +54,7 @@ PreferenceSection {
         KestrovaTextField {
             Layout.fillWidth: true
             objectName: "prefixField"
-            onLight: true
+            light: true
             placeholderText: qsTr("Prefix")
             text: section.settings.filenamePrefix
 
@@ -64,7 +64,7 @@ PreferenceSection {
         KestrovaTextField {
             Layout.fillWidth: true
             objectName: "suffixField"
-            onLight: true
+            light: true
             placeholderText: qsTr("Suffix")
             text: section.settings.filenameSuffix
 

@@ -17,7 +17,7 @@ PreferenceSection {
             currentIndex: section.settings.resizeMode
             model: section.settings.resizeModeTitles
             objectName: "resizeModePicker"
-            onLight: true
+            light: true
 
             onActivated: index => section.settings.resizeMode = index
         }
@@ -39,7 +39,7 @@ PreferenceSection {
             Layout.preferredWidth: 90
             inputMethodHints: Qt.ImhFormattedNumbersOnly
             objectName: "maximumField"
-            onLight: true
+            light: true
             placeholderText: qsTr("Pixels")
             text: section.settings.maximumPixelsText
 
@@ -65,7 +65,7 @@ PreferenceSection {
             canDecrease: section.settings.canStepDown
             canIncrease: section.settings.canStepUp
             objectName: "maximumStepper"
-            onLight: true
+            light: true
 
             onDecreased: step(-1)
             onIncreased: step(1)
@@ -80,7 +80,7 @@ PreferenceSection {
             currentIndex: section.settings.outputFormat
             model: section.settings.outputFormatTitles
             objectName: "formatPicker"
-            onLight: true
+            light: true
 
             onActivated: index => section.settings.outputFormat = index
         }
@@ -96,7 +96,7 @@ PreferenceSection {
             Layout.fillWidth: true
             from: 1
             objectName: "qualitySlider"
-            onLight: true
+            light: true
             stepSize: 1
             to: 100
             value: section.settings.quality

@@ -85,7 +85,7 @@ T.Pane {
 
                     KestrovaSwitch {
                         checked: view.settings.optimizeColorForSharing
-                        onLight: true
+                        light: true
                         text: qsTr("Optimize color for sharing")
 
                         onToggled: view.settings.optimizeColorForSharing = checked
@@ -93,7 +93,7 @@ T.Pane {
 
                     KestrovaSwitch {
                         checked: view.settings.removeColorManagement
-                        onLight: true
+                        light: true
                         text: qsTr("Remove color management information")
 
                         onToggled: view.settings.removeColorManagement = checked
@@ -101,7 +101,7 @@ T.Pane {
 
                     KestrovaSwitch {
                         checked: view.settings.removeMetadata
-                        onLight: true
+                        light: true
                         text: qsTr("Remove personal information and metadata")
 
                         onToggled: view.settings.removeMetadata = checked
@@ -119,7 +119,7 @@ T.Pane {
 
                     KestrovaSwitch {
                         checked: view.settings.moveOriginalToTrash
-                        onLight: true
+                        light: true
                         text: qsTr("Move original to Trash")
 
                         onToggled: view.settings.moveOriginalToTrash = checked
@@ -127,7 +127,7 @@ T.Pane {
 
                     KestrovaSwitch {
                         checked: view.settings.preserveModificationTime
-                        onLight: true
+                        light: true
                         text: qsTr("Preserve file modification time")
 
                         onToggled: view.settings.preserveModificationTime = checked
@@ -135,7 +135,7 @@ T.Pane {
 
                     KestrovaSwitch {
                         checked: view.settings.warnBeforeOverwrite
-                        onLight: true
+                        light: true
                         text: qsTr("Show warning before overwrite")
 
                         onToggled: view.settings.warnBeforeOverwrite = checked
@@ -143,7 +143,7 @@ T.Pane {
 
                     KestrovaSwitch {
                         checked: view.settings.exitWhenComplete
-                        onLight: true
+                        light: true
                         text: qsTr("Exit when optimization complete")
 
                         onToggled: view.settings.exitWhenComplete = checked
