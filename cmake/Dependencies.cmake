@@ -17,7 +17,7 @@ pkg_check_modules(exiv2 REQUIRED IMPORTED_TARGET exiv2)
 find_package(GIF REQUIRED)
 pkg_check_modules(gio REQUIRED IMPORTED_TARGET gio-2.0)
 pkg_check_modules(plist REQUIRED IMPORTED_TARGET libplist-2.0)
-find_package(Qt6 6.4 REQUIRED COMPONENTS Core Concurrent Network)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core Concurrent DBus Network)
 
 # A machine without a desktop builds the command line alone.
 option(VELLUMINE_WINDOWS "Build the windows, which need Qt Quick" ON)

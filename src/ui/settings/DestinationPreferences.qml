@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Vellumine
 
 // Where outputs go and what they are called.
 PreferenceSection {

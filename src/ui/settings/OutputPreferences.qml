@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Vellumine
 
 // What is written: its size, its format and its quality.
 PreferenceSection {

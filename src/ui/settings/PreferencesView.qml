@@ -2,6 +2,8 @@ import QtQuick
 import QtQuick.Controls.Basic as Basic
 import QtQuick.Layouts
 import QtQuick.Templates as T
+import Vellumine
+import Vellumine
 
 // Every setting in labelled sections, the lifetime totals and the version.
 T.Pane {

@@ -1,4 +1,5 @@
 import QtQuick
+import Vellumine
 
 // The six chips in one row. Where that is too wide the last ones go to a second line: no text is cut.
 Flow {

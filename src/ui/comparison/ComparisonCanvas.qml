@@ -1,0 +1,156 @@
+import QtQuick
+import Vellumine
+
+// Both pictures in the same place, the one before left of the split, the one after right of it. The
+// split follows the pointer and the arrow keys. Left and right are the pictures' own: they stay
+// where they are when the window is mirrored.
+Rectangle {
+    id: canvas
+
+    required property ComparisonPresenter presenter
+    readonly property real splitX: presenter.split * width
+    readonly property real sampleX: Math.round((width - presenter.displaySize.width) / 2)
+    readonly property real sampleY: Math.round((height - presenter.displaySize.height) / 2)
+    // a square corner this far inside a round one does not stand out of it
+    readonly property real inset: 3
+
+    Accessible.description: presenter.splitText
+    Accessible.focusable: true
+    Accessible.name: qsTr("Before / After Review")
+    Accessible.role: Accessible.Slider
+    Keys.onPressed: event => {
+        const step = event.modifiers & Qt.ShiftModifier ? 10 : 1;
+        switch (event.key) {
+        case Qt.Key_Left:
+            presenter.moveSplit(-step);
+            break;
+        case Qt.Key_Right:
+            presenter.moveSplit(step);
+            break;
+        case Qt.Key_Home:
+            presenter.setSplit(0);
+            break;
+        case Qt.Key_End:
+            presenter.setSplit(1);
+            break;
+        default:
+            return;
+        }
+        event.accepted = true;
+    }
+    LayoutMirroring.childrenInherit: true
+    LayoutMirroring.enabled: false
+    activeFocusOnTab: true
+    border.color: KestrovaTheme.faded(KestrovaTheme.cream, 0.16)
+    border.width: 1
+    color: KestrovaTheme.leatherDeep
+    radius: 8
+
+    Side {
+        id: before
+
+        objectName: "beforeSide"
+        picture: canvas.presenter.sourceImage
+        width: Math.max(0, Math.min(canvas.splitX, canvas.width - canvas.inset) - x)
+        x: canvas.inset
+
+        ReviewSideLabel {
+            text: qsTr("Before")
+            x: 10
+            y: 10
+        }
+    }
+
+    Side {
+        id: after
+
+        objectName: "afterSide"
+        picture: canvas.presenter.outputImage
+        width: Math.max(0, canvas.width - canvas.inset - x)
+        x: Math.max(canvas.splitX, canvas.inset)
+
+        ReviewSideLabel {
+            anchors.right: parent.right
+            anchors.rightMargin: 10
+            text: qsTr("After")
+            y: 10
+        }
+    }
+
+    Rectangle {
+        color: Qt.rgba(0, 0, 0, 0.3)
+        height: parent.height - 2
+        width: 4
+        x: canvas.splitX - 2
+        y: 1
+    }
+
+    Rectangle {
+        color: KestrovaTheme.cream
+        height: parent.height - 2
+        objectName: "splitLine"
+        width: 2
+        x: canvas.splitX - 1
+        y: 1
+
+        Rectangle {
+            anchors.centerIn: parent
+            border.color: KestrovaTheme.cream
+            border.width: 2
+            color: KestrovaTheme.copper
+            height: 22
+            objectName: "splitHandle"
+            radius: 11
+            width: 22
+
+            SymbolImage {
+                anchors.verticalCenter: parent.verticalCenter
+                color: KestrovaTheme.cream
+                name: "chevron.left"
+                size: 9
+                x: 2
+            }
+
+            SymbolImage {
+                anchors.verticalCenter: parent.verticalCenter
+                color: KestrovaTheme.cream
+                name: "chevron.right"
+                size: 9
+                x: 11
+            }
+        }
+    }
+
+    FocusRing {
+        radius: 10
+        shown: canvas.activeFocus
+    }
+
+    MouseArea {
+        anchors.fill: parent
+        cursorShape: Qt.SplitHCursor
+        hoverEnabled: true
+
+        onPositionChanged: event => canvas.presenter.pointAt(event.x, width)
+        onPressed: event => canvas.presenter.pointAt(event.x, width)
+    }
+
+    // A picture in its place on the canvas, cut to one side of the split.
+    component Side: Item {
+        id: side
+
+        required property var picture
+
+        clip: true
+        height: canvas.height - 2 * canvas.inset
+        y: canvas.inset
+
+        PixelImage {
+            height: canvas.presenter.displaySize.height
+            image: side.picture
+            width: canvas.presenter.displaySize.width
+            x: canvas.sampleX - side.x
+            y: canvas.sampleY - side.y
+        }
+    }
+}

@@ -1,0 +1,120 @@
+import QtQuick
+import QtQuick.Layouts
+import Vellumine
+
+// The same part of a picture before and after, laid over each other.
+Rectangle {
+    id: view
+
+    required property ComparisonPresenter presenter
+
+    implicitHeight: presenter.contentSize.height
+    implicitWidth: presenter.contentSize.width
+
+    gradient: Gradient {
+        GradientStop {
+            color: KestrovaTheme.bg
+            position: 0
+        }
+        GradientStop {
+            color: KestrovaTheme.bgWarm
+            position: 1
+        }
+    }
+
+    ColumnLayout {
+        anchors.fill: parent
+        anchors.margins: 20
+        spacing: 14
+
+        RowLayout {
+            Layout.fillWidth: true
+            spacing: 24
+
+            Column {
+                Layout.alignment: Qt.AlignBaseline
+                baselineOffset: heading.baselineOffset
+                spacing: 2
+
+                Text {
+                    id: heading
+
+                    Accessible.role: Accessible.Heading
+                    color: KestrovaTheme.cream
+                    font.bold: true
+                    font.pixelSize: 15
+                    text: qsTr("Before / After Review")
+                }
+
+                Text {
+                    color: KestrovaTheme.creamMuted
+                    font: TextStyle.captionStrong
+                    text: qsTr("100% center sample")
+                }
+            }
+
+            ColumnLayout {
+                Layout.alignment: Qt.AlignBaseline
+                Layout.fillWidth: true
+                spacing: 2
+
+                FileNameText {
+                    id: before
+
+                    objectName: "sourceName"
+                    text: view.presenter.sourceText
+                }
+
+                FileNameText {
+                    objectName: "outputName"
+                    text: view.presenter.outputText
+                }
+            }
+        }
+
+        ComparisonCanvas {
+            Layout.fillHeight: true
+            Layout.fillWidth: true
+            Layout.minimumHeight: 256
+            focus: true
+            objectName: "canvas"
+            presenter: view.presenter
+        }
+
+        RowLayout {
+            Layout.fillWidth: true
+            spacing: 22
+
+            ReviewMetric {
+                objectName: "sourceSize"
+                title: qsTr("Before")
+                value: view.presenter.sourceSizeText
+            }
+
+            ReviewMetric {
+                objectName: "outputSize"
+                title: qsTr("After")
+                value: view.presenter.outputSizeText
+            }
+
+            Text {
+                Layout.fillWidth: true
+                color: KestrovaTheme.creamSubtle
+                elide: Text.ElideRight
+                font: TextStyle.caption
+                horizontalAlignment: Text.AlignRight
+                text: qsTr("Move the pointer")
+            }
+        }
+    }
+
+    component FileNameText: Text {
+        Layout.fillWidth: true
+        color: KestrovaTheme.creamMuted
+        elide: Text.ElideMiddle
+        font: TextStyle.captionStrong
+        horizontalAlignment: Text.AlignRight
+        maximumLineCount: 1
+        textFormat: Text.PlainText
+    }
+}

@@ -1,0 +1,4 @@
+import Vellumine
+
+// The size of one of the two pictures.
+SummaryMetric { }

@@ -1,0 +1,28 @@
+import QtQuick
+import QtQuick.Layouts
+import Vellumine
+
+// All lifetime totals, in three columns of the same width. For light backgrounds.
+GridLayout {
+    id: grid
+
+    required property StatsPresenter stats
+
+    columnSpacing: 12
+    columns: 3
+    rowSpacing: 12
+
+    Repeater {
+        model: 6
+
+        LightMetric {
+            required property int index
+
+            Layout.fillWidth: true
+            Layout.minimumWidth: 120
+            Layout.preferredWidth: 120
+            title: grid.stats.metrics[index].title
+            value: grid.stats.metrics[index].value
+        }
+    }
+}

@@ -1,0 +1,57 @@
+#include "ui/results/ResultsSummaryPresenter.h"
+
+#include "core/ProcessingResult.h"
+#include "platform/ByteCount.h"
+#include "ui/results/ResultTexts.h"
+
+#include <QLatin1Char>
+
+namespace vellumine {
+namespace {
+
+void addTo(qint64& sum, qint64 amount)
+{
+    if (__builtin_add_overflow(sum, amount, &sum)) {
+        qFatal("a sum of sizes does not fit 64 bits");
+    }
+}
+
+} // namespace
+
+void ResultsSummaryPresenter::add(const ProcessingResult& result)
+{
+    ++m_count;
+    if (result.isSuccess) {
+        ++m_successfulCount;
+        addTo(m_totalOriginalBytes, result.originalBytes);
+        addTo(m_totalOutputBytes, result.outputBytes);
+    }
+    Q_EMIT changed();
+}
+
+QString ResultsSummaryPresenter::filesText() const
+{
+    return QString::number(m_successfulCount) + QLatin1Char('/') + QString::number(m_count);
+}
+
+QString ResultsSummaryPresenter::totalTitle() const
+{
+    return hasGrown() ? tr("Total Larger") : tr("Total Saved");
+}
+
+QString ResultsSummaryPresenter::totalText() const
+{
+    return platform::byteCountText(hasGrown() ? -totalSaved() : totalSaved());
+}
+
+QString ResultsSummaryPresenter::reductionText() const
+{
+    if (m_totalOriginalBytes < 1) {
+        return QStringLiteral("0%");
+    }
+    const QString percentage
+        = resultTexts::percentage(totalSaved(), m_totalOriginalBytes) + QLatin1Char('%');
+    return hasGrown() ? QLatin1Char('+') + percentage : percentage;
+}
+
+} // namespace vellumine

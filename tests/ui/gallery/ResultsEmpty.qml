@@ -1,0 +1,4 @@
+ResultsNine {
+    count: 0
+    height: 120
+}

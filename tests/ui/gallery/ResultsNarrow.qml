@@ -1,0 +1,3 @@
+ResultsNine {
+    width: 720
+}

@@ -1,0 +1,5 @@
+ResultsNine {
+    count: 1
+    height: 240
+    width: 720
+}
