@@ -58,13 +58,13 @@ FocusScope {
     }
 
     Shortcut {
-        sequences: [StandardKey.Open]
+        sequences: [ShortcutTexts.openKeys]
 
         onActivated: zone.chooseFiles()
     }
 
     Shortcut {
-        sequences: [StandardKey.Paste]
+        sequences: [ShortcutTexts.pasteKeys]
 
         onActivated: view.processing.paste()
     }

@@ -105,7 +105,7 @@ Window {
     }
 
     Shortcut {
-        sequences: [StandardKey.Close]
+        sequences: [ShortcutTexts.closeKeys]
 
         onActivated: window.close()
     }

@@ -90,7 +90,7 @@ T.Pane {
 
                     KestrovaSwitch {
                         checked: view.settings.optimizeColorForSharing
-                        onLight: true
+                        light: true
                         text: qsTr("Optimize color for sharing")
 
                         onToggled: view.settings.optimizeColorForSharing = checked
@@ -98,7 +98,7 @@ T.Pane {
 
                     KestrovaSwitch {
                         checked: view.settings.removeColorManagement
-                        onLight: true
+                        light: true
                         text: qsTr("Remove color management information")
 
                         onToggled: view.settings.removeColorManagement = checked
@@ -106,7 +106,7 @@ T.Pane {
 
                     KestrovaSwitch {
                         checked: view.settings.removeMetadata
-                        onLight: true
+                        light: true
                         text: qsTr("Remove personal information and metadata")
 
                         onToggled: view.settings.removeMetadata = checked
@@ -124,7 +124,7 @@ T.Pane {
 
                     KestrovaSwitch {
                         checked: view.settings.moveOriginalToTrash
-                        onLight: true
+                        light: true
                         text: qsTr("Move original to Trash")
 
                         onToggled: view.settings.moveOriginalToTrash = checked
@@ -132,7 +132,7 @@ T.Pane {
 
                     KestrovaSwitch {
                         checked: view.settings.preserveModificationTime
-                        onLight: true
+                        light: true
                         text: qsTr("Preserve file modification time")
 
                         onToggled: view.settings.preserveModificationTime = checked
@@ -140,7 +140,7 @@ T.Pane {
 
                     KestrovaSwitch {
                         checked: view.settings.warnBeforeOverwrite
-                        onLight: true
+                        light: true
                         text: qsTr("Show warning before overwrite")
 
                         onToggled: view.settings.warnBeforeOverwrite = checked
@@ -148,7 +148,7 @@ T.Pane {
 
                     KestrovaSwitch {
                         checked: view.settings.exitWhenComplete
-                        onLight: true
+                        light: true
                         text: qsTr("Exit when optimization complete")
 
                         onToggled: view.settings.exitWhenComplete = checked
