@@ -23,7 +23,7 @@ Item {
         anchors.leftMargin: 10
         anchors.verticalCenter: parent.verticalCenter
         objectName: "menuButton"
-        symbol: "line.3.horizontal"
+        symbol: "menu"
         text: qsTr("Menu")
 
         onClicked: bar.menuRequested()
@@ -37,7 +37,7 @@ Item {
 
         TitleBarButton {
             objectName: "minimizeButton"
-            symbol: "minus"
+            symbol: "window.minimise"
             text: qsTr("Minimize")
 
             onClicked: bar.minimizeRequested()
@@ -45,7 +45,7 @@ Item {
 
         TitleBarButton {
             objectName: "maximizeButton"
-            symbol: bar.maximized ? "square.on.square" : "square"
+            symbol: bar.maximized ? "window.restore" : "window.maximise"
             text: bar.maximized ? qsTr("Restore") : qsTr("Maximize")
 
             onClicked: bar.maximizeRequested()
@@ -55,7 +55,7 @@ Item {
             hoverColor: KestrovaTheme.copper
             objectName: "closeButton"
             pressedColor: KestrovaTheme.copperStrong
-            symbol: "xmark"
+            symbol: "window.close"
             text: qsTr("Close")
 
             onClicked: bar.closeRequested()

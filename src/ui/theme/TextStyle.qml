@@ -7,6 +7,7 @@ QtObject {
     readonly property font headline: Qt.font({ pixelSize: 13, weight: Font.DemiBold })
     readonly property font body: Qt.font({ pixelSize: 13 })
     readonly property font subheadline: Qt.font({ pixelSize: 11 })
+    readonly property font subheadlineStrong: Qt.font({ pixelSize: 11, weight: Font.DemiBold })
     readonly property font caption: Qt.font({ pixelSize: 10 })
     readonly property font captionStrong: Qt.font({ pixelSize: 10, weight: Font.DemiBold })
 }

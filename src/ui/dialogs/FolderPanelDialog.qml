@@ -1,0 +1,24 @@
+import QtQml
+import QtQuick.Dialogs
+import Vellumine
+
+// The desktop's own folder dialog, opened for each panel in turn.
+FolderDialog {
+    id: dialog
+
+    required property FolderPanelPresenter panel
+    readonly property Connections requests: Connections {
+        function onAsked() {
+            dialog.title = dialog.panel.message;
+            dialog.acceptLabel = dialog.panel.prompt;
+            dialog.currentFolder = dialog.panel.folder;
+            dialog.options = dialog.panel.allowsNewFolders ? FolderDialog.ShowDirsOnly : FolderDialog.ShowDirsOnly | FolderDialog.ReadOnly;
+            dialog.open();
+        }
+
+        target: dialog.panel
+    }
+
+    onAccepted: panel.choose(selectedFolder)
+    onRejected: panel.cancel()
+}

@@ -1,0 +1,40 @@
+import QtQuick
+import Vellumine
+
+// The main window.
+VellumineWindow {
+    id: window
+
+    required property SettingsPresenter settings
+    required property ProcessingPresenter processing
+    required property UpdatePresenter updates
+    required property OverwritePromptPresenter overwritePrompt
+    required property FolderPanelPresenter folderPanel
+
+    height: 440
+    minimumHeight: 420
+    minimumWidth: 720
+    objectName: "VellumineMainWindow"
+    title: qsTr("Vellumine")
+    width: 820
+
+    DropWindowView {
+        anchors.fill: parent
+        cornerRadius: window.cornerRadius
+        focus: true
+        processing: window.processing
+        settings: window.settings
+        updates: window.updates
+
+        onPreferencesRequested: window.preferencesRequested()
+    }
+
+    OverwritePromptDialog {
+        cornerRadius: window.cornerRadius
+        prompt: window.overwritePrompt
+    }
+
+    FolderPanelDialog {
+        panel: window.folderPanel
+    }
+}

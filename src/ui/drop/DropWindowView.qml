@@ -1,0 +1,71 @@
+import QtQuick
+import QtQuick.Layouts
+import Vellumine
+
+// What the main window holds: header, drop zone, results, totals and footer.
+FocusScope {
+    id: view
+
+    required property SettingsPresenter settings
+    required property ProcessingPresenter processing
+    required property UpdatePresenter updates
+    property real cornerRadius: 0
+
+    signal preferencesRequested
+
+    implicitHeight: 420
+    implicitWidth: 720
+
+    WindowBackground {
+        anchors.fill: parent
+        mirrored: view.LayoutMirroring.enabled
+        objectName: "background"
+        radius: view.cornerRadius
+    }
+
+    ColumnLayout {
+        anchors.bottomMargin: 22
+        anchors.fill: parent
+        anchors.leftMargin: 22
+        anchors.rightMargin: 22
+        anchors.topMargin: 42
+        spacing: 18
+
+        DropWindowHeader {
+            Layout.fillWidth: true
+            objectName: "header"
+            settings: view.settings
+
+            onPreferencesRequested: view.preferencesRequested()
+        }
+
+        DropZone {
+            id: zone
+
+            Layout.fillHeight: true
+            Layout.fillWidth: true
+            Layout.minimumHeight: 170
+            focus: true
+            objectName: "zone"
+            processing: view.processing
+        }
+
+        DropWindowFooter {
+            Layout.fillWidth: true
+            objectName: "footer"
+            updates: view.updates
+        }
+    }
+
+    Shortcut {
+        sequences: [StandardKey.Open]
+
+        onActivated: zone.chooseFiles()
+    }
+
+    Shortcut {
+        sequences: [StandardKey.Paste]
+
+        onActivated: view.processing.paste()
+    }
+}

@@ -1,0 +1,124 @@
+import QtQuick
+import QtQuick.Dialogs
+import QtQuick.Layouts
+import QtQuick.Templates as T
+import Vellumine
+
+// Where files are dropped, and what becomes of them in one line. A click or Return asks for files instead.
+T.AbstractButton {
+    id: zone
+
+    required property ProcessingPresenter processing
+    readonly property bool isTargeted: target.isTargeted
+    readonly property real cornerRadius: 8
+
+    function chooseFiles() {
+        panel.open();
+    }
+
+    Accessible.description: processing.hintText
+    Accessible.name: processing.statusText
+    Accessible.onPressAction: clicked()
+    Accessible.role: Accessible.Button
+    Keys.onEnterPressed: clicked()
+    Keys.onReturnPressed: clicked()
+    implicitHeight: Math.max(170, implicitContentHeight + topPadding + bottomPadding)
+    implicitWidth: implicitContentWidth + leftPadding + rightPadding
+    padding: 16
+
+    background: Rectangle {
+        color: zone.isTargeted ? KestrovaTheme.faded(KestrovaTheme.copper, 0.2) : KestrovaTheme.faded(KestrovaTheme.leatherRaised, 0.9)
+        objectName: "fill"
+        radius: zone.cornerRadius
+
+        DashedBorder {
+            anchors.fill: parent
+            color: zone.isTargeted ? KestrovaTheme.copperBright : KestrovaTheme.faded(KestrovaTheme.cream, 0.18)
+            objectName: "border"
+            radius: zone.cornerRadius
+        }
+
+        FocusRing {
+            radius: zone.cornerRadius + 2
+            shown: zone.visualFocus
+        }
+    }
+    contentItem: Item {
+        implicitHeight: column.implicitHeight
+        implicitWidth: column.implicitWidth
+
+        ColumnLayout {
+            id: column
+
+            anchors.left: parent.left
+            anchors.right: parent.right
+            anchors.verticalCenter: parent.verticalCenter
+            spacing: 14
+
+            SymbolImage {
+                Layout.alignment: Qt.AlignHCenter
+                color: KestrovaTheme.copper
+                name: zone.processing.symbol
+                objectName: "symbol"
+                size: 44
+            }
+
+            Text {
+                Layout.alignment: Qt.AlignHCenter
+                Layout.maximumWidth: column.width
+                color: KestrovaTheme.cream
+                font: TextStyle.headline
+                horizontalAlignment: Text.AlignHCenter
+                objectName: "status"
+                text: zone.processing.statusText
+                textFormat: Text.PlainText
+                wrapMode: Text.Wrap
+            }
+
+            Text {
+                Layout.alignment: Qt.AlignHCenter
+                Layout.maximumWidth: column.width
+                color: KestrovaTheme.creamMuted
+                font: TextStyle.subheadline
+                horizontalAlignment: Text.AlignHCenter
+                objectName: "hint"
+                text: zone.processing.hintText
+                wrapMode: Text.Wrap
+            }
+        }
+    }
+
+    HoverHandler {
+        cursorShape: Qt.PointingHandCursor
+    }
+
+    DropTarget {
+        id: target
+
+        anchors.fill: parent
+
+        onDropped: urls => zone.processing.loadDroppedFiles(urls)
+    }
+
+    BatchProgress {
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: 12
+        anchors.left: parent.left
+        anchors.leftMargin: 16
+        anchors.right: parent.right
+        anchors.rightMargin: 16
+        processing: zone.processing
+    }
+
+    FileDialog {
+        id: panel
+
+        fileMode: FileDialog.OpenFiles
+        nameFilters: zone.processing.nameFilters
+        title: qsTr("Optimize Images")
+
+        onAccepted: zone.processing.loadDroppedFiles(selectedFiles)
+    }
+
+    onClicked: chooseFiles()
+}

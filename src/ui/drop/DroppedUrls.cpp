@@ -1,0 +1,30 @@
+#include "ui/drop/DroppedUrls.h"
+
+#include "batch/FileInputResolver.h"
+
+#include <QMimeData>
+
+#include <algorithm>
+#include <iterator>
+
+namespace vellumine {
+
+QList<QUrl> fileUrls(const QMimeData& data)
+{
+    QList<QUrl> files;
+    const QList<QUrl> urls = data.urls();
+    std::copy_if(urls.cbegin(), urls.cend(), std::back_inserter(files),
+        [](const QUrl& url) { return url.isLocalFile(); });
+    return files;
+}
+
+QList<QUrl> acceptedUrls(const QList<QUrl>& urls)
+{
+    QList<QUrl> accepted;
+    std::copy_if(urls.cbegin(), urls.cend(), std::back_inserter(accepted), [](const QUrl& url) {
+        return FileInputResolver::hasSupportedExtension(url) || FileInputResolver::isDirectory(url);
+    });
+    return accepted;
+}
+
+} // namespace vellumine

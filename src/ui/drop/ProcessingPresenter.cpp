@@ -1,0 +1,123 @@
+#include "ui/drop/ProcessingPresenter.h"
+
+#include "batch/ProcessingModel.h"
+#include "ui/drop/DroppedUrls.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QMimeData>
+
+namespace vellumine {
+
+ProcessingPresenter::ProcessingPresenter(ProcessingModel& model, QObject* parent)
+    : QObject(parent)
+    , m_model(model)
+{
+    connect(&model, &ProcessingModel::statusTextChanged, this,
+        &ProcessingPresenter::statusTextChanged);
+    connect(&model, &ProcessingModel::isProcessingChanged, this, [this] {
+        Q_EMIT isProcessingChanged();
+        updateStop();
+    });
+    connect(&model, &ProcessingModel::progressChanged, this, [this] {
+        Q_EMIT progressChanged();
+        updateStop();
+    });
+    updateStop();
+}
+
+bool ProcessingPresenter::isProcessing() const
+{
+    return m_model.isProcessing();
+}
+
+QString ProcessingPresenter::symbol() const
+{
+    return isProcessing() ? QStringLiteral("arrow.triangle.2.circlepath")
+                          : QStringLiteral("square.and.arrow.down");
+}
+
+QString ProcessingPresenter::statusText() const
+{
+    return m_model.statusText();
+}
+
+QString ProcessingPresenter::hintText()
+{
+    return tr("Drop image files or folders here, or onto the Vellumine Dock icon.");
+}
+
+bool ProcessingPresenter::hasProgress() const
+{
+    return m_model.totalCount() > 0;
+}
+
+double ProcessingPresenter::progress() const
+{
+    return hasProgress()
+        ? static_cast<double>(m_model.finishedCount()) / static_cast<double>(m_model.totalCount())
+        : 0;
+}
+
+QString ProcessingPresenter::progressText() const
+{
+    return tr("%1 of %2").arg(m_model.finishedCount()).arg(m_model.totalCount());
+}
+
+bool ProcessingPresenter::canStop() const
+{
+    return isProcessing() && hasProgress() && !m_isStopping;
+}
+
+QStringList ProcessingPresenter::nameFilters()
+{
+    return {
+        //: The patterns in brackets stay as they are.
+        tr("Images (%1)")
+            .arg(QStringLiteral("*.jpg *.jpeg *.png *.gif *.tif *.tiff *.bmp *.heic *.heif *.webp "
+                                "*.JPG *.JPEG *.PNG *.GIF *.TIF *.TIFF *.BMP *.HEIC *.HEIF "
+                                "*.WEBP")),
+        tr("All files (%1)").arg(QLatin1Char('*')),
+    };
+}
+
+void ProcessingPresenter::loadDroppedFiles(const QList<QUrl>& urls)
+{
+    m_model.process(acceptedUrls(urls));
+}
+
+void ProcessingPresenter::paste()
+{
+    const QMimeData* copied = QGuiApplication::clipboard()->mimeData();
+    if (copied == nullptr) {
+        return;
+    }
+    const QList<QUrl> urls = fileUrls(*copied);
+    if (!urls.isEmpty()) {
+        loadDroppedFiles(urls);
+    }
+}
+
+void ProcessingPresenter::stop()
+{
+    if (canStop()) {
+        m_isStopping = true;
+        m_model.stop();
+        updateStop();
+    }
+}
+
+void ProcessingPresenter::updateStop()
+{
+    // Progress of 0 of 0 stands between two batches, where a drop of meanwhile starts the next one
+    // without the processing ever ending.
+    if (!hasProgress()) {
+        m_isStopping = false;
+    }
+    if (const bool can = canStop(); can != m_couldStop) {
+        m_couldStop = can;
+        Q_EMIT canStopChanged();
+    }
+}
+
+} // namespace vellumine

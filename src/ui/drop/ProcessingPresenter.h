@@ -1,0 +1,66 @@
+#pragma once
+
+#include <QList>
+#include <QObject>
+#include <QString>
+#include <QUrl>
+#include <QtQml/qqmlregistration.h>
+
+namespace vellumine {
+
+class ProcessingModel;
+
+/// What the drop zone shows of the batches, and what it hands to them.
+class ProcessingPresenter : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("The program makes the one presenter of its batches.")
+    Q_PROPERTY(bool isProcessing READ isProcessing NOTIFY isProcessingChanged)
+    Q_PROPERTY(QString symbol READ symbol NOTIFY isProcessingChanged)
+    Q_PROPERTY(QString statusText READ statusText NOTIFY statusTextChanged)
+    Q_PROPERTY(QString hintText READ hintText CONSTANT)
+    /// Files are being converted; how far, from 0 to 1, and the same in words.
+    Q_PROPERTY(bool hasProgress READ hasProgress NOTIFY progressChanged)
+    Q_PROPERTY(double progress READ progress NOTIFY progressChanged)
+    Q_PROPERTY(QString progressText READ progressText NOTIFY progressChanged)
+    /// The batch can be stopped: files are being converted, and it was not asked for yet.
+    Q_PROPERTY(bool canStop READ canStop NOTIFY canStopChanged)
+    /// The filters of the file dialog, the pictures first.
+    Q_PROPERTY(QStringList nameFilters READ nameFilters CONSTANT)
+
+public:
+    /// The model has to outlive the presenter.
+    explicit ProcessingPresenter(ProcessingModel& model, QObject* parent = nullptr);
+
+    [[nodiscard]] bool isProcessing() const;
+    [[nodiscard]] QString symbol() const;
+    [[nodiscard]] QString statusText() const;
+    [[nodiscard]] static QString hintText();
+    [[nodiscard]] bool hasProgress() const;
+    [[nodiscard]] double progress() const;
+    [[nodiscard]] QString progressText() const;
+    [[nodiscard]] bool canStop() const;
+    [[nodiscard]] static QStringList nameFilters();
+
+    /// Hands what the window takes of the URLs to the model, once, even if that is nothing.
+    Q_INVOKABLE void loadDroppedFiles(const QList<QUrl>& urls);
+    /// The same with the files that were copied elsewhere; without any nothing happens.
+    Q_INVOKABLE void paste();
+    /// Begins no further file of the batch.
+    Q_INVOKABLE void stop();
+
+Q_SIGNALS:
+    void isProcessingChanged();
+    void statusTextChanged();
+    void progressChanged();
+    void canStopChanged();
+
+private:
+    void updateStop();
+
+    ProcessingModel& m_model;
+    bool m_isStopping = false;
+    bool m_couldStop = false;
+};
+
+} // namespace vellumine

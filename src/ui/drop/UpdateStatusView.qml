@@ -1,0 +1,69 @@
+import QtQuick
+import Vellumine
+
+// Shows that a check for updates failed or found something, and nothing otherwise.
+Item {
+    id: view
+
+    required property UpdatePresenter updates
+
+    implicitHeight: Math.max(retry.visible ? retry.implicitHeight : 0, update.visible ? update.implicitHeight : 0)
+    implicitWidth: retry.visible ? retry.implicitWidth : update.visible ? update.implicitWidth : 0
+
+    PlainButton {
+        id: retry
+
+        helpText: view.updates.retryHelpText
+        objectName: "retryButton"
+        text: view.updates.retryHelpText
+        visible: view.updates.canRetry
+
+        contentItem: SymbolImage {
+            color: KestrovaTheme.copper
+            name: "arrow.clockwise"
+            size: 16
+        }
+
+        onClicked: view.updates.retry()
+    }
+
+    PlainButton {
+        id: update
+
+        Accessible.role: Accessible.Link
+        font: TextStyle.subheadline
+        helpText: view.updates.updateHelpText
+        objectName: "updateButton"
+        text: view.updates.updateText
+        visible: view.updates.isAvailable
+
+        contentItem: Row {
+            spacing: 5
+
+            SymbolImage {
+                anchors.verticalCenter: parent.verticalCenter
+                color: KestrovaTheme.copperBright
+                name: "sparkle"
+                size: 13
+            }
+
+            Text {
+                anchors.verticalCenter: parent.verticalCenter
+                color: KestrovaTheme.copperBright
+                font: TextStyle.subheadlineStrong
+                objectName: "updateLabel"
+                text: update.text
+                textFormat: Text.PlainText
+            }
+
+            SymbolImage {
+                anchors.verticalCenter: parent.verticalCenter
+                color: KestrovaTheme.copperBright
+                name: "arrow.down.circle"
+                size: 14
+            }
+        }
+
+        onClicked: Qt.openUrlExternally(view.updates.downloadUrl)
+    }
+}
