@@ -8,6 +8,8 @@ FocusScope {
 
     required property SettingsPresenter settings
     required property ProcessingPresenter processing
+    required property ResultsListModel results
+    required property StatsPresenter stats
     required property UpdatePresenter updates
     property real cornerRadius: 0
 
@@ -48,6 +50,20 @@ FocusScope {
             focus: true
             objectName: "zone"
             processing: view.processing
+        }
+
+        ResultsList {
+            Layout.fillHeight: true
+            Layout.fillWidth: true
+            Layout.maximumHeight: implicitHeight
+            objectName: "results"
+            results: view.results
+        }
+
+        LifetimeStatsStrip {
+            Layout.fillWidth: true
+            objectName: "totals"
+            stats: view.stats
         }
 
         DropWindowFooter {
