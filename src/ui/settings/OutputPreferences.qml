@@ -108,7 +108,7 @@ PreferenceSection {
         Text {
             Layout.preferredWidth: 32
             color: KestrovaTheme.ink
-            font: TextStyle.monospacedDigits(TextStyle.body)
+            font: TextStyle.body
             horizontalAlignment: Text.AlignRight
             objectName: "qualityNumber"
             opacity: enabled ? 1 : 0.5

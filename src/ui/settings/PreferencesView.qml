@@ -3,7 +3,6 @@ import QtQuick.Controls.Basic as Basic
 import QtQuick.Layouts
 import QtQuick.Templates as T
 import Vellumine
-import Vellumine
 
 // Every setting in labelled sections, the lifetime totals and the version.
 T.Pane {
@@ -11,6 +10,7 @@ T.Pane {
 
     required property SettingsPresenter settings
     required property StatsPresenter stats
+    property real cornerRadius: 0
 
     bottomPadding: 18
     implicitHeight: 840
@@ -19,7 +19,10 @@ T.Pane {
     rightPadding: 22
     topPadding: 42
 
-    background: WindowBackground {}
+    background: WindowBackground {
+        mirrored: view.LayoutMirroring.enabled
+        radius: view.cornerRadius
+    }
     contentItem: ColumnLayout {
         spacing: 12
 

@@ -1,13 +1,16 @@
 #pragma once
 
-#include "core/PreferencesFile.h"
 #include "core/VellumineSettings.h"
 #include "platform/FolderBookmarks.h"
 #include "ui/settings/SettingsPresenter.h"
 
 #include <QObject>
+#include <QSettings>
 #include <QString>
+#include <QTemporaryDir>
 #include <qqmlregistration.h>
+
+#include <memory>
 
 namespace vellumine {
 
@@ -39,8 +42,9 @@ private:
         std::optional<Resolution> resolve(const QByteArray& bookmark) override;
     };
 
-    test::PreferencesFile m_file;
-    VellumineSettings m_settings { m_file.open() };
+    QTemporaryDir m_folder;
+    VellumineSettings m_settings { std::make_unique<QSettings>(
+        m_folder.filePath(QStringLiteral("preferences")), QSettings::IniFormat) };
     Bookmarks m_bookmarks;
     QString m_chosenFolder;
     int m_panelCount = 0;

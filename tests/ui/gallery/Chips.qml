@@ -30,6 +30,6 @@ Rectangle {
     }
     Timer {
         interval: 1; running: true
-        onTriggered: first.children[1].press()
+        onTriggered: first.chips[1].press()
     }
 }

@@ -36,6 +36,13 @@ Item {
 
         property var view
 
+        function chips() {
+            const found = [];
+            for (let index = 0; index < view.group.chips.length; ++index)
+                found.push(view.group.chips[index]);
+            return found;
+        }
+
         /// The menu that stands open, with its items by their texts.
         function items(chip) {
             mouseClick(chip);
@@ -65,22 +72,18 @@ Item {
         }
 
         function test_sixChipsInOrder() {
-            compare(view.group.children.length, 6);
-            const names = [];
-            for (const chip of view.group.children)
-                names.push(chip.text);
+            compare(view.group.chips.length, 6);
+            const names = chips().map(chip => chip.text);
             compare(names, ["WebP Lossy", "2560px", "Quality 82", "Original location", "Remove metadata", "sRGB"]);
         }
 
         function test_helpTexts() {
-            const helps = [];
-            for (const chip of view.group.children)
-                helps.push(chip.helpText);
+            const helps = chips().map(chip => chip.helpText);
             compare(helps, ["Change output format", "Change resize settings", "Change compression quality", "Change output destination", "Toggle metadata removal", "Toggle color optimization"]);
         }
 
         function test_lookOfAChip() {
-            const chip = view.group.children[0];
+            const chip = view.group.chips[0];
             compare(chip.font.pixelSize, 11);
             compare(chip.font.weight, Font.DemiBold);
             compare(chip.leftPadding, 7);
@@ -95,31 +98,31 @@ Item {
         }
 
         function test_formatMenuListsEveryFormat() {
-            compare(texts(view.group.children[0]), ["Format", "WebP Lossy", "WebP Lossless", "JPEG", "PNG", "HEIC", "Original Format"]);
+            compare(texts(view.group.chips[0]), ["Format", "WebP Lossy", "WebP Lossless", "JPEG", "PNG", "HEIC", "Original Format"]);
         }
 
         function test_choosingAFormat() {
-            choose(view.group.children[0], "HEIC");
+            choose(view.group.chips[0], "HEIC");
             compare(view.settings.outputFormat, 4);
-            compare(view.group.children[0].text, "HEIC");
-            const checked = items(view.group.children[0]).filter(item => item.checked);
+            compare(view.group.chips[0].text, "HEIC");
+            const checked = items(view.group.chips[0]).filter(item => item.checked);
             compare(checked.length, 1);
             compare(checked[0].text, "HEIC");
         }
 
         function test_choosingTheFormatAgainKeepsItsMark() {
-            choose(view.group.children[0], "WebP Lossy");
-            const checked = items(view.group.children[0]).filter(item => item.checked);
+            choose(view.group.chips[0], "WebP Lossy");
+            const checked = items(view.group.chips[0]).filter(item => item.checked);
             compare(checked.length, 1);
         }
 
         function test_resizeMenu() {
-            compare(texts(view.group.children[1]), ["Resize Mode", "Max Width", "Max Height", "Longest Edge", "No Resize", "-", "1280 px", "1920 px", "2560 px", "3840 px"]);
+            compare(texts(view.group.chips[1]), ["Resize Mode", "Max Width", "Max Height", "Longest Edge", "No Resize", "-", "1280 px", "1920 px", "2560 px", "3840 px"]);
         }
 
         function test_presetWhileResizeIsOffSwitchesToMaxWidth() {
             view.settings.resizeMode = 3;
-            const chip = view.group.children[1];
+            const chip = view.group.chips[1];
             compare(chip.text, "No resize");
             compare(chip.systemName, "aspectratio");
             choose(chip, "2560 px");
@@ -130,7 +133,7 @@ Item {
 
         function test_losslessFormatOffersNoQualities() {
             view.settings.outputFormat = 1;
-            const chip = view.group.children[2];
+            const chip = view.group.chips[2];
             compare(chip.text, "Lossless");
             compare(chip.systemName, "checkmark.seal");
             const found = items(chip);
@@ -140,15 +143,15 @@ Item {
         }
 
         function test_choosingAQuality() {
-            compare(texts(view.group.children[2]), ["Quality 60", "Quality 70", "Quality 80", "Quality 90", "Quality 100"]);
-            view.group.children[2].openMenu.close();
-            choose(view.group.children[2], "Quality 90");
+            compare(texts(view.group.chips[2]), ["Quality 60", "Quality 70", "Quality 80", "Quality 90", "Quality 100"]);
+            view.group.chips[2].openMenu.close();
+            choose(view.group.chips[2], "Quality 90");
             compare(view.settings.quality, 90);
-            compare(view.group.children[2].text, "Quality 90");
+            compare(view.group.chips[2].text, "Quality 90");
         }
 
         function test_destinationMenuChoosesAFolder() {
-            const chip = view.group.children[3];
+            const chip = view.group.chips[3];
             compare(texts(chip), ["Destination", "Original Location", "Selected Folder", "-", "Choose Folder..."]);
             chip.openMenu.close();
             view.fixture.chosenFolder = "/pictures/web";
@@ -160,7 +163,7 @@ Item {
         }
 
         function test_cancellingTheFolderPanelChangesNothing() {
-            const chip = view.group.children[3];
+            const chip = view.group.chips[3];
             choose(chip, "Choose Folder...");
             compare(view.fixture.panelCount, 1);
             compare(view.settings.destinationMode, 0);
@@ -168,19 +171,19 @@ Item {
         }
 
         function test_togglesToggle() {
-            const metadata = view.group.children[4];
+            const metadata = view.group.chips[4];
             mouseClick(metadata);
             verify(!view.settings.removeMetadata);
             compare(metadata.text, "Keep metadata");
             compare(metadata.systemName, "doc.badge.gearshape");
-            const color = view.group.children[5];
+            const color = view.group.chips[5];
             mouseClick(color);
             verify(!view.settings.optimizeColorForSharing);
             compare(color.text, "Original color");
         }
 
         function test_keyboardOpensAMenuAndChooses() {
-            const chip = view.group.children[0];
+            const chip = view.group.chips[0];
             chip.forceActiveFocus(Qt.TabFocusReason);
             verify(chip.background.children[0].shown);
             keyClick(Qt.Key_Space);
@@ -194,11 +197,11 @@ Item {
         function test_narrowGroupsWrapInsteadOfCutting() {
             view.group.width = 400;
             waitForRendering(view.group);
-            for (const chip of view.group.children) {
+            for (const chip of chips()) {
                 verify(chip.x + chip.width <= 400);
                 verify(chip.width >= chip.implicitWidth);
             }
-            verify(view.group.implicitHeight > view.group.children[0].height);
+            verify(view.group.implicitHeight > view.group.chips[0].height);
         }
     }
 }
