@@ -13,12 +13,17 @@ Rectangle {
     readonly property real sampleY: Math.round((height - presenter.displaySize.height) / 2)
     // a square corner this far inside a round one does not stand out of it
     readonly property real inset: 3
+    // the labels stand on the pictures, where those leave room
+    readonly property real labelX: Math.max(7, sampleX - inset + 8)
+    readonly property real labelY: Math.max(7, sampleY - inset + 8)
+    property bool usedByKeyboard: false
 
     Accessible.description: presenter.splitText
     Accessible.focusable: true
     Accessible.name: qsTr("Before / After Review")
     Accessible.role: Accessible.Slider
     Keys.onPressed: event => {
+        usedByKeyboard = true;
         const step = event.modifiers & Qt.ShiftModifier ? 10 : 1;
         switch (event.key) {
         case Qt.Key_Left:
@@ -38,6 +43,8 @@ Rectangle {
         }
         event.accepted = true;
     }
+    // the Tab key that brought the focus here was pressed elsewhere
+    Keys.onReleased: usedByKeyboard = true
     LayoutMirroring.childrenInherit: true
     LayoutMirroring.enabled: false
     activeFocusOnTab: true
@@ -56,8 +63,8 @@ Rectangle {
 
         ReviewSideLabel {
             text: qsTr("Before")
-            x: 10
-            y: 10
+            x: canvas.labelX
+            y: canvas.labelY
         }
     }
 
@@ -71,9 +78,9 @@ Rectangle {
 
         ReviewSideLabel {
             anchors.right: parent.right
-            anchors.rightMargin: 10
+            anchors.rightMargin: canvas.labelX
             text: qsTr("After")
-            y: 10
+            y: canvas.labelY
         }
     }
 
@@ -123,7 +130,7 @@ Rectangle {
 
     FocusRing {
         radius: 10
-        shown: canvas.activeFocus
+        shown: canvas.activeFocus && canvas.usedByKeyboard
     }
 
     MouseArea {
@@ -131,7 +138,10 @@ Rectangle {
         cursorShape: Qt.SplitHCursor
         hoverEnabled: true
 
-        onPositionChanged: event => canvas.presenter.pointAt(event.x, width)
+        onPositionChanged: event => {
+            canvas.usedByKeyboard = false;
+            canvas.presenter.pointAt(event.x, width);
+        }
         onPressed: event => canvas.presenter.pointAt(event.x, width)
     }
 

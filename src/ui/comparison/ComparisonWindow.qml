@@ -2,14 +2,13 @@ import QtQuick
 import Vellumine
 
 // The window of one comparison.
-Window {
+VellumineWindow {
     id: window
 
     required property ComparisonPresenter presenter
 
-    color: KestrovaTheme.bg
-    height: presenter.contentSize.height
-    minimumHeight: presenter.minimumSize.height
+    height: presenter.contentSize.height + titleBarHeight
+    minimumHeight: presenter.minimumSize.height + titleBarHeight
     minimumWidth: presenter.minimumSize.width
     objectName: "VellumineComparisonWindow"
     title: presenter.title
@@ -17,11 +16,14 @@ Window {
 
     ImageComparisonReviewView {
         anchors.fill: parent
+        cornerRadius: window.cornerRadius
+        focus: true
         presenter: window.presenter
+        topInset: window.titleBarHeight
     }
 
     Shortcut {
-        sequences: [StandardKey.Close, StandardKey.Cancel]
+        sequences: [StandardKey.Cancel]
 
         onActivated: window.close()
     }

@@ -75,6 +75,9 @@ void ImageComparisonPresenter::show(const ProcessingResult& result, const QUrl& 
                 remove(changed);
             }
         });
+    // QML's own signals have no C++ to name them by
+    connect(window.get(), SIGNAL(preferencesRequested()), this, SIGNAL(preferencesRequested()));
+    connect(window.get(), SIGNAL(quitRequested()), this, SIGNAL(quitRequested()));
     centre(*window);
     window->show();
     window->raise();

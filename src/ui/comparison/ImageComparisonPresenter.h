@@ -47,6 +47,11 @@ public:
         return m_openWindows;
     }
 
+Q_SIGNALS:
+    /// Asked for by the menu or the keys of any of the windows.
+    void preferencesRequested();
+    void quitRequested();
+
 private:
     QQmlEngine& m_engine;
     Dependencies m_dependencies;

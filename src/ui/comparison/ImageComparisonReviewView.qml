@@ -3,28 +3,27 @@ import QtQuick.Layouts
 import Vellumine
 
 // The same part of a picture before and after, laid over each other.
-Rectangle {
+FocusScope {
     id: view
 
     required property ComparisonPresenter presenter
+    property real cornerRadius: 0
+    // what the window's title bar covers
+    property real topInset: 0
 
-    implicitHeight: presenter.contentSize.height
+    implicitHeight: presenter.contentSize.height + topInset
     implicitWidth: presenter.contentSize.width
 
-    gradient: Gradient {
-        GradientStop {
-            color: KestrovaTheme.bg
-            position: 0
-        }
-        GradientStop {
-            color: KestrovaTheme.bgWarm
-            position: 1
-        }
+    WindowBackground {
+        anchors.fill: parent
+        mirrored: view.LayoutMirroring.enabled
+        radius: view.cornerRadius
     }
 
     ColumnLayout {
         anchors.fill: parent
         anchors.margins: 20
+        anchors.topMargin: 20 + view.topInset
         spacing: 14
 
         RowLayout {

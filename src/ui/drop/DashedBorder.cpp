@@ -20,8 +20,8 @@ void DashedBorder::paint(QPainter* painter)
     painter->setPen(pen);
     painter->setBrush(Qt::NoBrush);
     const qreal inset = m_lineWidth / 2;
-    painter->drawRoundedRect(boundingRect().adjusted(inset, inset, -inset, -inset),
-        m_radius - inset, m_radius - inset);
+    painter->drawRoundedRect(
+        boundingRect().adjusted(inset, inset, -inset, -inset), m_radius - inset, m_radius - inset);
 }
 
 } // namespace vellumine

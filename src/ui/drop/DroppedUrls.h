@@ -11,8 +11,8 @@ namespace vellumine {
 /// are, whatever the encoding of the names. Anything else in it is left out.
 [[nodiscard]] QList<QUrl> fileUrls(const QMimeData& data);
 
-/// Those of them that the window takes: by the extension of a picture, whatever its case, or because
-/// a folder stands there.
+/// Those of them that the window takes: by the extension of a picture, whatever its case, or
+/// because a folder stands there.
 [[nodiscard]] QList<QUrl> acceptedUrls(const QList<QUrl>& urls);
 
 } // namespace vellumine

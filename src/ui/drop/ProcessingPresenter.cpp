@@ -13,8 +13,8 @@ ProcessingPresenter::ProcessingPresenter(ProcessingModel& model, QObject* parent
     : QObject(parent)
     , m_model(model)
 {
-    connect(&model, &ProcessingModel::statusTextChanged, this,
-        &ProcessingPresenter::statusTextChanged);
+    connect(
+        &model, &ProcessingModel::statusTextChanged, this, &ProcessingPresenter::statusTextChanged);
     connect(&model, &ProcessingModel::isProcessingChanged, this, [this] {
         Q_EMIT isProcessingChanged();
         updateStop();

@@ -19,8 +19,8 @@ public:
 
     explicit WindowEdges(QQuickItem* parent = nullptr);
 
-    /// The edges that a press there would drag, in a window of that size: none, one, or the two of a
-    /// corner.
+    /// The edges that a press there would drag, in a window of that size: none, one, or the two of
+    /// a corner.
     [[nodiscard]] static Qt::Edges edgesAt(const QPointF& position, const QSizeF& size);
     [[nodiscard]] static Qt::CursorShape cursorFor(Qt::Edges edges);
 

@@ -13,7 +13,8 @@ class WindowMover : public QQuickItem {
     QML_ELEMENT
 
 public:
-    /// How far the pointer has to go before it is a drag and no click, in device independent pixels.
+    /// How far the pointer has to go before it is a drag and no click, in device independent
+    /// pixels.
     static constexpr qreal threshold = 6;
 
     explicit WindowMover(QQuickItem* parent = nullptr);

@@ -11,6 +11,7 @@ RowLayout {
     spacing: 14
 
     SummaryMetric {
+        Layout.fillWidth: false
         title: qsTr("Files")
         value: root.summary.filesText
     }
@@ -18,6 +19,7 @@ RowLayout {
     SummaryDivider { }
 
     SummaryMetric {
+        Layout.fillWidth: false
         title: root.summary.totalTitle
         value: root.summary.totalText
     }
@@ -25,6 +27,7 @@ RowLayout {
     SummaryDivider { }
 
     SummaryMetric {
+        Layout.fillWidth: false
         title: qsTr("Reduction")
         value: root.summary.reductionText
     }

@@ -8,8 +8,8 @@ namespace vellumine {
 
 ProductInfo::ProductInfo(QObject* parent)
     : QObject(parent)
-    , m_logo(resourceUrl(
-          QStringLiteral("/qt-project.org/imports/Vellumine/images/KestrovaLogo.svg")))
+    , m_logo(
+          resourceUrl(QStringLiteral("/qt-project.org/imports/Vellumine/images/KestrovaLogo.svg")))
 {
 }
 

@@ -2,10 +2,12 @@
 
 #include <QFile>
 #include <QPainter>
+#include <QPixmapCache>
 #include <QSvgRenderer>
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 
 namespace vellumine {
 namespace {
@@ -13,6 +15,66 @@ namespace {
 QString symbolPath(const QString& name)
 {
     return QStringLiteral(":/qt-project.org/imports/Vellumine/symbols/%1.svg").arg(name);
+}
+
+/// What becomes of the layers that a drawing calls secondary.
+enum class Layers : std::uint8_t { even, hierarchical };
+
+/// The drawings have one stroke. As with letters, few pixels ask for a bolder one, many for a
+/// finer.
+double strokeWidth(int pixels)
+{
+    constexpr double bold = 2.1;
+    constexpr double fine = 1.6;
+    return bold + (fine - bold) * (std::clamp(pixels, 12, 32) - 12) / 20.0;
+}
+
+QByteArray drawingOf(const QString& name, int pixels, Layers layers)
+{
+    QFile file(symbolPath(name));
+    if (name.isEmpty() || !file.open(QIODevice::ReadOnly)) {
+        return {};
+    }
+    QByteArray drawing = file.readAll();
+    drawing.replace(
+        "stroke-width=\"1.75\"", "stroke-width=\"" + QByteArray::number(strokeWidth(pixels)) + '"');
+    if (layers == Layers::hierarchical) {
+        drawing.replace("class=\"secondary\"", "opacity=\"0.5\"");
+    }
+    return drawing;
+}
+
+QImage draw(const QString& name, const QColor& color, int pixels, Layers layers)
+{
+    QSvgRenderer drawing;
+    if (pixels <= 0 || !drawing.load(drawingOf(name, pixels, layers))) {
+        return {};
+    }
+    QImage image(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    drawing.render(&painter, QRectF(0, 0, pixels, pixels));
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(image.rect(), color);
+    return image;
+}
+
+/// The same few symbols stand in every row of a list: each is drawn once.
+QPixmap drawOnce(const QString& name, const QColor& color, int pixels, Layers layers)
+{
+    const QString key = QStringLiteral("symbol/%1/%2/%3/%4")
+                            .arg(name, color.name(QColor::HexArgb))
+                            .arg(pixels)
+                            .arg(static_cast<int>(layers));
+    QPixmap pixmap;
+    if (!QPixmapCache::find(key, &pixmap)) {
+        pixmap = QPixmap::fromImage(draw(name, color, pixels, layers));
+        if (!pixmap.isNull()) {
+            QPixmapCache::insert(key, pixmap);
+        }
+    }
+    return pixmap;
 }
 
 } // namespace
@@ -26,19 +88,7 @@ SymbolImage::SymbolImage(QQuickItem* parent)
 
 QImage SymbolImage::render(const QString& name, const QColor& color, int pixels)
 {
-    QSvgRenderer drawing;
-    if (pixels <= 0 || name.isEmpty() || !QFile::exists(symbolPath(name))
-        || !drawing.load(symbolPath(name))) {
-        return {};
-    }
-    QImage image(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-    QPainter painter(&image);
-    painter.setRenderHint(QPainter::Antialiasing);
-    drawing.render(&painter, QRectF(0, 0, pixels, pixels));
-    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
-    painter.fillRect(image.rect(), color);
-    return image;
+    return draw(name, color, pixels, Layers::even);
 }
 
 void SymbolImage::paint(QPainter* painter)
@@ -46,12 +96,12 @@ void SymbolImage::paint(QPainter* painter)
     // the device's pixels, so that nothing is scaled on its way to the screen
     const qreal scale = painter->deviceTransform().m11();
     const qreal side = std::min(width(), height());
-    QImage image = render(m_name, m_color, static_cast<int>(std::lround(side * scale)));
-    if (image.isNull()) {
-        return;
+    const QPixmap symbol = drawOnce(m_name, m_color, static_cast<int>(std::lround(side * scale)),
+        m_size >= hierarchicalSize ? Layers::hierarchical : Layers::even);
+    if (!symbol.isNull()) {
+        painter->drawPixmap(
+            QRectF((width() - side) / 2, (height() - side) / 2, side, side), symbol, symbol.rect());
     }
-    painter->drawImage(
-        QRectF((width() - side) / 2, (height() - side) / 2, side, side), image, image.rect());
 }
 
 void SymbolImage::setName(const QString& name)

@@ -9,8 +9,9 @@
 namespace vellumine {
 
 /// One of our symbols, drawn in one colour and sharp at every scale factor. Layers that the drawing
-/// makes translucent stay so. It fills the largest square in its middle; its implicit size is
-/// `size` by `size`. A name that there is no drawing of shows nothing.
+/// makes translucent stay so; from `hierarchicalSize` on, those that it calls secondary step back.
+/// It fills the largest square in its middle; its implicit size is `size` by `size`. A name that
+/// there is no drawing of shows nothing.
 class SymbolImage : public QQuickPaintedItem {
     Q_OBJECT
     QML_ELEMENT
@@ -20,6 +21,8 @@ class SymbolImage : public QQuickPaintedItem {
     Q_PROPERTY(bool available READ isAvailable NOTIFY nameChanged)
 
 public:
+    static constexpr qreal hierarchicalSize = 32;
+
     explicit SymbolImage(QQuickItem* parent = nullptr);
 
     void paint(QPainter* painter) override;

@@ -24,7 +24,7 @@ Rectangle {
             () => fixture.addSuccess("Poster transparent.png", 12432100, 2210004, {"formats": ["PNG", "WebP Lossless"], "sizes": [10240, 12288, 10240, 12288], "alpha": true, "alphaKept": true, "colour": "removed"}),
             () => fixture.addSuccess("scan-17.bmp", 6220854, 412000, {"formats": ["BMP", "PNG"]}),
             () => fixture.addSuccess("Dolomites at dawn.jpg", 8411230, 1204551),
-            () => fixture.addSuccess("<b>markup</b> & Co.gif", 120000, 90000, {"formats": ["GIF", "WebP Lossy"], "sizes": [640, 480, 640, 480]}),
+            () => fixture.addSuccess("<b>Sale & Co.gif", 120000, 90000, {"formats": ["GIF", "WebP Lossy"], "sizes": [640, 480, 640, 480]}),
             () => fixture.addSuccess("Sunset over the harbour.jpg", 5230004, 842000)];
         for (const add of all.slice(0, count))
             add();
