@@ -87,7 +87,7 @@ def main():
 
     arguments.cache.mkdir(parents=True, exist_ok=True)
     version = subprocess.run(["clang-tidy", "--version"], stdout=subprocess.PIPE, check=True).stdout
-    common = version + read(ROOT / ".clang-tidy")
+    common = version + read(ROOT / ".clang-tidy") + read(ROOT / "tests" / ".clang-tidy")
     commands = compile_commands(arguments.build)
     files = [file.resolve() for file in arguments.files]
     passed = {file: arguments.cache / key(file, common, commands) for file in files}

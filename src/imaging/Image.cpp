@@ -1,8 +1,9 @@
 #include "imaging/Image.h"
 
+#include "imaging/PixelMemory.h"
+
 #include <cassert>
 #include <cstring>
-#include <new>
 
 namespace vellumine::imaging {
 
@@ -29,7 +30,7 @@ Result<PixelBuffer> PixelBuffer::create(Size size, PixelLayout layout)
         return failure(Error::Kind::malformed, "the picture has no pixels");
     }
     const std::size_t total = tightRowBytes(size, layout) * static_cast<std::size_t>(size.height);
-    std::shared_ptr<std::byte[]> bytes(new (std::nothrow) std::byte[total]);
+    std::shared_ptr<std::byte[]> bytes = allocatePixels(total);
     if (!bytes) {
         return failure(Error::Kind::outOfMemory, "no memory for the pixels");
     }

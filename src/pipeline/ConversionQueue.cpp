@@ -1,5 +1,6 @@
 #include "pipeline/ConversionQueue.h"
 
+#include "pipeline/ImageOptimizer.h"
 #include "pipeline/SourceName.h"
 #include "platform/FilePath.h"
 
@@ -55,6 +56,17 @@ private:
     QHash<QString, QString> m_canonical;
 };
 
+/// Whether a file of that name could stand where another file's output goes. In the original format
+/// the types' own extensions are written, which these two never are.
+bool isNamedLikeAnOutput(const QUrl& url, const OptimizerSettings& settings)
+{
+    const QString extension = SourceName::of(url).extension.toLower();
+    if (settings.outputFormat == OutputFormat::original) {
+        return extension != QLatin1StringView("jpg") && extension != QLatin1StringView("tif");
+    }
+    return extension == ImageOptimizer::outputExtension(url, std::nullopt, settings);
+}
+
 } // namespace
 
 ConversionQueue::ConversionQueue(std::vector<QUrl> urls, const OptimizerSettings& settings)
@@ -63,7 +75,7 @@ ConversionQueue::ConversionQueue(std::vector<QUrl> urls, const OptimizerSettings
 {
     OutputGroup outputGroup(settings);
     QHash<QString, std::size_t> lastWithKey;
-    for (std::size_t index = 0; index < m_urls.size(); ++index) {
+    const auto append = [&](std::size_t index) {
         const QString key = outputGroup.key(m_urls[index]);
         const std::size_t before = lastWithKey.value(key, nobody);
         if (before == nobody) {
@@ -72,6 +84,17 @@ ConversionQueue::ConversionQueue(std::vector<QUrl> urls, const OptimizerSettings
             m_nextInLine[before] = index;
         }
         lastWithKey.insert(key, index);
+    };
+    std::vector<std::size_t> others;
+    for (std::size_t index = 0; index < m_urls.size(); ++index) {
+        if (isNamedLikeAnOutput(m_urls[index], settings)) {
+            append(index);
+        } else {
+            others.push_back(index);
+        }
+    }
+    for (const std::size_t index : others) {
+        append(index);
     }
 }
 

@@ -15,7 +15,8 @@ namespace vellumine {
 /// The order of a batch. Files are handed out as they were given, but never two at a time whose
 /// outputs could have the same name (a.jpg and a.png to a.webp): the second waits for the first,
 /// finds its output standing there, and the overwrite rule applies. So the outcome is the same
-/// every time, and no worker waits for another. For one thread.
+/// every time, and no worker waits for another. Among such files those come first that stand where
+/// the output of another goes: a.webp is read before a.jpg may replace it. For one thread.
 class ConversionQueue {
 public:
     ConversionQueue(std::vector<QUrl> urls, const OptimizerSettings& settings);

@@ -84,7 +84,7 @@ public:
     }
 
     /// Lets the event loop run until so many files have begun.
-    [[nodiscard]] bool waitUntilBegun(qsizetype count)
+    [[nodiscard]] bool waitUntilBegun(qsizetype count) const
     {
         return runUntil([&] { return begun().size() >= count; });
     }

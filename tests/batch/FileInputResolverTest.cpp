@@ -9,6 +9,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -220,15 +222,28 @@ TEST_F(FileInputResolverTest, loopsOfLinksEnd)
     EXPECT_THAT(resolve({ "drop/itself.d" }), IsEmpty());
 }
 
-TEST_F(FileInputResolverTest, anUnreadableFolderContributesNothing)
+using FileInputResolverDeathTest = FileInputResolverTest;
+
+TEST_F(FileInputResolverDeathTest, anUnreadableFolderContributesNothing)
 {
-    if (::geteuid() == 0) {
-        GTEST_SKIP() << "nothing is unreadable to root";
-    }
     file("drop/closed/a.png");
     file("drop/open/b.png");
+    constexpr fs::perms forEveryone { 0755 };
+    fs::permissions(m_folder.path(), forEveryone);
     fs::permissions(m_folder / "drop/closed", fs::perms::none);
-    EXPECT_THAT(resolve({ "drop", "drop/closed" }), ElementsAre("drop/open/b.png"));
+    // In a process of its own, which gives up the superuser's rights where the tests have them.
+    EXPECT_EXIT(
+        {
+            if (::geteuid() == 0 && ::setuid(65534) != 0) {
+                std::_Exit(1);
+            }
+            for (const std::string& path : resolve({ "drop", "drop/closed" })) {
+                std::fprintf(stderr, "[%s]", path.c_str());
+            }
+            std::fputs(" is all", stderr);
+            std::_Exit(0);
+        },
+        testing::ExitedWithCode(0), "^\\[drop/open/b\\.png\\] is all$");
     fs::permissions(m_folder / "drop/closed", fs::perms::owner_all);
 }
 

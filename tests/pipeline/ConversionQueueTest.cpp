@@ -48,6 +48,27 @@ TEST(ConversionQueue, sameOutputWaitsForTheFirstAndLetsOthersPass)
     EXPECT_EQ(queue.takeNext(), 3U);
 }
 
+TEST(ConversionQueue, whatAnOutputWouldReplaceIsConvertedBeforeIt)
+{
+    ConversionQueue queue(urls({ "/n/a.jpg", "/n/b.jpg", "/n/a.WEBP" }), {});
+    EXPECT_EQ(queue.takeNext(), 1U);
+    EXPECT_EQ(queue.takeNext(), 2U);
+    EXPECT_EQ(queue.takeNext(), std::nullopt);
+    queue.finished(2);
+    EXPECT_EQ(queue.takeNext(), 0U);
+}
+
+TEST(ConversionQueue, inTheOriginalFormatTheTypesOwnExtensionComesFirst)
+{
+    OptimizerSettings settings;
+    settings.outputFormat = OutputFormat::original;
+    ConversionQueue queue(urls({ "/n/a.jpg", "/n/a.jpeg" }), settings);
+    EXPECT_EQ(queue.takeNext(), 1U);
+    EXPECT_EQ(queue.takeNext(), std::nullopt);
+    queue.finished(1);
+    EXPECT_EQ(queue.takeNext(), 0U);
+}
+
 TEST(ConversionQueue, markedNamesAreTheSameOutput)
 {
     // With PNG, a.png goes to a-optimized.png, and so does a-optimized.jpg.

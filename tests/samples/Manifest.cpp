@@ -58,18 +58,6 @@ std::optional<Expected> expectedOf(const std::string& text)
 
 } // namespace
 
-std::optional<std::filesystem::path> samplesFolder()
-{
-    const char* named = std::getenv("VELLUMINE_SAMPLES");
-    const std::filesystem::path folder = named != nullptr
-        ? std::filesystem::path(named)
-        : std::filesystem::path(VELLUMINE_SOURCE_FOLDER) / "../shared/samples";
-    if (!std::filesystem::exists(folder / "MANIFEST.tsv")) {
-        return std::nullopt;
-    }
-    return std::filesystem::canonical(folder);
-}
-
 std::vector<Sample> readManifest(const std::filesystem::path& folder)
 {
     std::ifstream file(folder / "MANIFEST.tsv");

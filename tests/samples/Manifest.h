@@ -21,10 +21,6 @@ struct Sample {
     Expected expected = Expected::either;
 };
 
-/// The folder that VELLUMINE_SAMPLES names, else the shared one beside the source tree; nothing
-/// where it has no manifest.
-[[nodiscard]] std::optional<std::filesystem::path> samplesFolder();
-
 /// Every picture that MANIFEST.tsv lists. Throws std::runtime_error on a line that it cannot read.
 [[nodiscard]] std::vector<Sample> readManifest(const std::filesystem::path& folder);
 

@@ -3,6 +3,7 @@
 
 #include "samples/BatchRun.h"
 #include "samples/Manifest.h"
+#include "support/Samples.h"
 #include "support/TestImages.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,7 @@
 // Converts every sample picture with the built program, once per output format, and holds the
 // results against what the samples' manifest says.
 
+#include "support/Samples.h"
 #include "imaging/ImageSource.h"
 #include "samples/BatchRun.h"
 #include "samples/Manifest.h"

@@ -41,35 +41,32 @@ SingleInstance::Role SingleInstance::start(
     if (!m_bus.isConnected()) {
         return Role::alone;
     }
+    // The object stands before the name does: once that is ours, calls may come.
+    new ApplicationAdaptor(this);
+    if (!m_bus.registerObject(objectPath(), this)) {
+        return Role::alone;
+    }
     // A first process that is about to end may own the name and not answer any more.
     for (int attempt = 0; attempt < 2; ++attempt) {
         if (takeName()) {
             return Role::first;
         }
         if (handOver(files, token, patience)) {
+            m_bus.unregisterObject(objectPath());
             return Role::handedOver;
         }
     }
+    m_bus.unregisterObject(objectPath());
     return Role::alone;
 }
 
 bool SingleInstance::takeName()
 {
-    // The object stands before the name does: from then on calls may come.
-    const auto* const adaptor = new ApplicationAdaptor(this);
-    if (m_bus.registerObject(objectPath(), this)) {
-        const QDBusReply<QDBusConnectionInterface::RegisterServiceReply> reply
-            = m_bus.interface()->registerService(busName(),
-                QDBusConnectionInterface::DontQueueService,
-                QDBusConnectionInterface::DontAllowReplacement);
-        if (reply.isValid() && reply.value() == QDBusConnectionInterface::ServiceRegistered) {
-            m_ownsName = true;
-            return true;
-        }
-        m_bus.unregisterObject(objectPath());
-    }
-    delete adaptor;
-    return false;
+    const QDBusReply<QDBusConnectionInterface::RegisterServiceReply> reply
+        = m_bus.interface()->registerService(busName(), QDBusConnectionInterface::DontQueueService,
+            QDBusConnectionInterface::DontAllowReplacement);
+    m_ownsName = reply.isValid() && reply.value() == QDBusConnectionInterface::ServiceRegistered;
+    return m_ownsName;
 }
 
 bool SingleInstance::handOver(const QList<QUrl>& files, const ActivationToken& token,

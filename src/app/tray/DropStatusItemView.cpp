@@ -9,7 +9,6 @@
 #include <QPainter>
 #include <QScreen>
 
-#include <xcb/xcb.h>
 #include <xcb/xfixes.h>
 
 #include <chrono>

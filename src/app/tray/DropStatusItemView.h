@@ -8,11 +8,11 @@
 #include <QRasterWindow>
 #include <QTimer>
 
+#include <xcb/xcb.h>
+
 #include <cstdint>
 #include <memory>
 #include <optional>
-
-struct xcb_generic_event_t;
 
 namespace vellumine {
 

@@ -26,8 +26,9 @@ std::string description(cmsHPROFILE profile)
     return text;
 }
 
-/// Whether the profile takes a grid of colours to within half an 8-bit step of where sRGB has
-/// them. Fails with Unsupported when the profile cannot be a source of colours at all.
+/// Whether the profile takes a grid of colours to within one 8-bit step of where sRGB has them: the
+/// profiles in circulation that mean sRGB differ by up to three quarters of one, by the rounding of
+/// their primaries. Fails with Unsupported when the profile cannot be a source of colours at all.
 Result<bool> matchesSRgb(cmsContext context, cmsHPROFILE profile, ColorModel model)
 {
     const colour::Profile srgb = colour::makeSRgbProfile(context);
@@ -58,7 +59,7 @@ Result<bool> matchesSRgb(cmsContext context, cmsHPROFILE profile, ColorModel mod
     cmsDoTransform(transform.get(), grid.data(), converted.data(),
         static_cast<cmsUInt32Number>(grid.size() / 3));
     return std::equal(grid.begin(), grid.end(), converted.begin(),
-        [](float a, float b) { return std::abs(a - b) <= 0.5F / 255.0F; });
+        [](float a, float b) { return std::abs(a - b) <= 1.0F / 255.0F; });
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "imaging/resample/PlanarPixels.h"
 
+#include "imaging/VectorClones.h"
+
 #include <algorithm>
 #include <cassert>
 
@@ -19,9 +21,30 @@ constexpr std::uint16_t to16(std::uint16_t sample)
     return sample;
 }
 
+/// To eight bits: sample / 257, rounded to nearest, without a division.
+constexpr std::uint8_t to8(std::uint32_t sample)
+{
+    return static_cast<std::uint8_t>((sample * 255U + 32895U) >> 16U);
+}
+
+constexpr bool roundsEverySampleToNearest()
+{
+    for (std::uint32_t sample = 0; sample <= maximum; ++sample) {
+        if (to8(sample) != (sample + 128U) / 257U) {
+            return false;
+        }
+    }
+    return true;
+}
+static_assert(roundsEverySampleToNearest());
+
 template <typename Sample> constexpr Sample narrowed(std::uint32_t sample)
 {
-    return static_cast<Sample>(sizeof(Sample) == 1 ? (sample + 128U) / 257U : sample);
+    if constexpr (sizeof(Sample) == 1) {
+        return to8(sample);
+    } else {
+        return static_cast<Sample>(sample);
+    }
 }
 
 constexpr std::uint32_t multiplied(std::uint32_t sample, std::uint32_t alpha)
@@ -36,14 +59,50 @@ constexpr std::uint32_t divided(std::uint32_t sample, std::uint32_t alpha)
 }
 
 /// The path of every photograph, plain enough for the vectoriser.
-template <typename Sample>
-void splitRgb(const Sample* __restrict from, std::uint16_t* __restrict red,
+VELLUMINE_VECTOR_CLONES
+void splitRgb(const std::uint8_t* __restrict from, std::uint16_t* __restrict red,
     std::uint16_t* __restrict green, std::uint16_t* __restrict blue, int count)
 {
-    for (int x = 0; x < count; ++x, from += 3) {
-        red[x] = to16(from[0]);
-        green[x] = to16(from[1]);
-        blue[x] = to16(from[2]);
+    for (int x = 0; x < count; ++x) {
+        red[x] = to16(from[3 * x]);
+        green[x] = to16(from[3 * x + 1]);
+        blue[x] = to16(from[3 * x + 2]);
+    }
+}
+
+VELLUMINE_VECTOR_CLONES
+void splitRgb(const std::uint16_t* __restrict from, std::uint16_t* __restrict red,
+    std::uint16_t* __restrict green, std::uint16_t* __restrict blue, int count)
+{
+    for (int x = 0; x < count; ++x) {
+        red[x] = from[3 * x];
+        green[x] = from[3 * x + 1];
+        blue[x] = from[3 * x + 2];
+    }
+}
+
+/// And back, opaque.
+VELLUMINE_VECTOR_CLONES
+void joinOpaque(const std::uint16_t* __restrict red, const std::uint16_t* __restrict green,
+    const std::uint16_t* __restrict blue, std::uint8_t* __restrict to, int count)
+{
+    for (int x = 0; x < count; ++x) {
+        to[4 * x] = to8(red[x]);
+        to[4 * x + 1] = to8(green[x]);
+        to[4 * x + 2] = to8(blue[x]);
+        to[4 * x + 3] = 255;
+    }
+}
+
+/// Back to three samples a pixel, for a colour transform.
+VELLUMINE_VECTOR_CLONES
+void joinRgb(const std::uint16_t* __restrict red, const std::uint16_t* __restrict green,
+    const std::uint16_t* __restrict blue, std::uint8_t* __restrict to, int count)
+{
+    for (int x = 0; x < count; ++x) {
+        to[3 * x] = to8(red[x]);
+        to[3 * x + 1] = to8(green[x]);
+        to[3 * x + 2] = to8(blue[x]);
     }
 }
 
@@ -113,6 +172,13 @@ RgbaWriter::RgbaWriter(PixelBuffer& target, const ColorTransform& transform, int
 
 template <typename Sample> void RgbaWriter::interleave(const PlanarRow& row, Sample* samples) const
 {
+    if constexpr (sizeof(Sample) == 1) {
+        if (!m_hasAlpha && m_colors == 3) {
+            joinRgb(row.planes[0] + row.left, row.planes[1] + row.left, row.planes[2] + row.left,
+                samples, row.right - row.left);
+            return;
+        }
+    }
     const std::uint16_t* const alpha
         = row.planes.at(static_cast<std::size_t>(m_hasAlpha ? m_colors : 0));
     for (int c = 0; c < m_colors; ++c) {
@@ -127,8 +193,13 @@ template <typename Sample> void RgbaWriter::interleave(const PlanarRow& row, Sam
 void RgbaWriter::writePremultiplied(const PlanarRow& row)
 {
     std::uint8_t* to = m_target.row8(row.y) + static_cast<std::ptrdiff_t>(row.left) * 4;
+    if (!m_hasAlpha) {
+        joinOpaque(row.planes[0] + row.left, row.planes[1] + row.left, row.planes[2] + row.left, to,
+            row.right - row.left);
+        return;
+    }
     for (int x = row.left; x < row.right; ++x, to += 4) {
-        const std::uint32_t alpha = m_hasAlpha ? row.planes[3][x] : maximum;
+        const std::uint32_t alpha = row.planes[3][x];
         to[0] = narrowed<std::uint8_t>(std::min<std::uint32_t>(row.planes[0][x], alpha));
         to[1] = narrowed<std::uint8_t>(std::min<std::uint32_t>(row.planes[1][x], alpha));
         to[2] = narrowed<std::uint8_t>(std::min<std::uint32_t>(row.planes[2][x], alpha));

@@ -7,12 +7,12 @@ FolderDialog {
     id: dialog
 
     required property FolderPanelPresenter panel
-    readonly property Connections requests: Connections {
+    property Connections requests: Connections {
         function onAsked() {
             dialog.title = dialog.panel.message;
             dialog.acceptLabel = dialog.panel.prompt;
             dialog.currentFolder = dialog.panel.folder;
-            dialog.options = dialog.panel.allowsNewFolders ? FolderDialog.ShowDirsOnly : FolderDialog.ShowDirsOnly | FolderDialog.ReadOnly;
+            dialog.options = dialog.panel.dialogOptions;
             dialog.open();
         }
 

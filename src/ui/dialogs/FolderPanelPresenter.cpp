@@ -46,6 +46,13 @@ void FolderPanelPresenter::cancel()
     answer(std::nullopt);
 }
 
+int FolderPanelPresenter::dialogOptions() const
+{
+    // Qt's option "read only", for which the dialog has no name in QML.
+    constexpr int readOnly = 0x10;
+    return allowsNewFolders() ? 0 : readOnly;
+}
+
 FolderPanel FolderPanelPresenter::current() const
 {
     return m_panels.empty() ? FolderPanel {} : m_panels.front().panel;

@@ -6,7 +6,6 @@
 #include <QObject>
 #include <QString>
 #include <QUrl>
-#include <QWindow>
 #include <QtQml/qqmlregistration.h>
 
 #include <deque>
@@ -23,6 +22,8 @@ class FolderPanelPresenter : public QObject {
     Q_PROPERTY(QString prompt READ prompt NOTIFY changed)
     Q_PROPERTY(QUrl folder READ folder NOTIFY changed)
     Q_PROPERTY(bool allowsNewFolders READ allowsNewFolders NOTIFY changed)
+    /// The same as a folder dialog takes it.
+    Q_PROPERTY(int dialogOptions READ dialogOptions NOTIFY changed)
 
 public:
     explicit FolderPanelPresenter(QObject* parent = nullptr);
@@ -44,6 +45,7 @@ public:
     {
         return current().newFolders == FolderPanel::NewFolders::allowed;
     }
+    [[nodiscard]] int dialogOptions() const;
 
     /// Answer the shown panel; without one they do nothing.
     Q_INVOKABLE void choose(const QUrl& folder);

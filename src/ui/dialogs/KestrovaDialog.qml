@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Controls.Basic
 import QtQuick.Templates as T
 import Vellumine
 
@@ -10,17 +9,15 @@ T.Popup {
     property real cornerRadius: 0
     property string title
 
-    Overlay.modal: Rectangle {
-        color: KestrovaTheme.faded(KestrovaTheme.leatherDeep, 0.66)
-        radius: dialog.cornerRadius
-    }
     focus: true
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     implicitWidth: Math.max(320, implicitContentWidth + leftPadding + rightPadding)
     margins: 24
     modal: true
     padding: 22
-    parent: Overlay.overlay
+    // Its own dimming, and not the overlay's: that one would paint over the window's round corners.
+    dim: false
+    parent: T.Overlay.overlay
     x: Math.round((parent.width - width) / 2)
     y: Math.round((parent.height - height) / 2)
 
@@ -30,5 +27,15 @@ T.Popup {
         border.color: KestrovaTheme.faded(KestrovaTheme.cream, 0.2)
         color: KestrovaTheme.bgWarm
         radius: 12
+
+        Rectangle {
+            color: KestrovaTheme.faded(KestrovaTheme.leatherDeep, 0.66)
+            height: dialog.parent.height
+            radius: dialog.cornerRadius
+            width: dialog.parent.width
+            x: -dialog.x
+            y: -dialog.y
+            z: -1
+        }
     }
 }

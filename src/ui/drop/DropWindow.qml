@@ -7,6 +7,8 @@ VellumineWindow {
 
     required property SettingsPresenter settings
     required property ProcessingPresenter processing
+    required property ResultsListModel results
+    required property StatsPresenter stats
     required property UpdatePresenter updates
     required property OverwritePromptPresenter overwritePrompt
     required property FolderPanelPresenter folderPanel
@@ -23,7 +25,9 @@ VellumineWindow {
         cornerRadius: window.cornerRadius
         focus: true
         processing: window.processing
+        results: window.results
         settings: window.settings
+        stats: window.stats
         updates: window.updates
 
         onPreferencesRequested: window.preferencesRequested()

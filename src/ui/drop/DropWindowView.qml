@@ -8,6 +8,8 @@ FocusScope {
 
     required property SettingsPresenter settings
     required property ProcessingPresenter processing
+    required property ResultsListModel results
+    required property StatsPresenter stats
     required property UpdatePresenter updates
     property real cornerRadius: 0
 
@@ -45,9 +47,24 @@ FocusScope {
             Layout.fillHeight: true
             Layout.fillWidth: true
             Layout.minimumHeight: 170
+            Layout.preferredHeight: 170
             focus: true
             objectName: "zone"
             processing: view.processing
+        }
+
+        ResultsList {
+            Layout.fillHeight: true
+            Layout.fillWidth: true
+            Layout.maximumHeight: implicitHeight
+            objectName: "results"
+            results: view.results
+        }
+
+        LifetimeStatsStrip {
+            Layout.fillWidth: true
+            objectName: "stats"
+            stats: view.stats
         }
 
         DropWindowFooter {
@@ -58,13 +75,13 @@ FocusScope {
     }
 
     Shortcut {
-        sequences: [StandardKey.Open]
+        sequences: [ShortcutTexts.openKeys]
 
         onActivated: zone.chooseFiles()
     }
 
     Shortcut {
-        sequences: [StandardKey.Paste]
+        sequences: [ShortcutTexts.pasteKeys]
 
         onActivated: view.processing.paste()
     }

@@ -1,6 +1,5 @@
 import QtQuick
 import QtQuick.Dialogs
-import QtQuick.Layouts
 import QtQuick.Templates as T
 import Vellumine
 
@@ -43,49 +42,8 @@ T.AbstractButton {
             shown: zone.visualFocus
         }
     }
-    contentItem: Item {
-        implicitHeight: column.implicitHeight
-        implicitWidth: column.implicitWidth
-
-        ColumnLayout {
-            id: column
-
-            anchors.left: parent.left
-            anchors.right: parent.right
-            anchors.verticalCenter: parent.verticalCenter
-            spacing: 14
-
-            SymbolImage {
-                Layout.alignment: Qt.AlignHCenter
-                color: KestrovaTheme.copper
-                name: zone.processing.symbol
-                objectName: "symbol"
-                size: 44
-            }
-
-            Text {
-                Layout.alignment: Qt.AlignHCenter
-                Layout.maximumWidth: column.width
-                color: KestrovaTheme.cream
-                font: TextStyle.headline
-                horizontalAlignment: Text.AlignHCenter
-                objectName: "status"
-                text: zone.processing.statusText
-                textFormat: Text.PlainText
-                wrapMode: Text.Wrap
-            }
-
-            Text {
-                Layout.alignment: Qt.AlignHCenter
-                Layout.maximumWidth: column.width
-                color: KestrovaTheme.creamMuted
-                font: TextStyle.subheadline
-                horizontalAlignment: Text.AlignHCenter
-                objectName: "hint"
-                text: zone.processing.hintText
-                wrapMode: Text.Wrap
-            }
-        }
+    contentItem: DropZoneContent {
+        processing: zone.processing
     }
 
     HoverHandler {

@@ -6,8 +6,8 @@
 
 namespace vellumine {
 
-/// The keys of the application menu, as a Shortcut takes them and as the menu writes them in the
-/// user's language.
+/// The keys of the windows, as a Shortcut takes them, and those of the application menu as it writes
+/// them in the user's language.
 class ShortcutTexts : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -16,6 +16,9 @@ class ShortcutTexts : public QObject {
     Q_PROPERTY(QString quit READ quit CONSTANT)
     Q_PROPERTY(QKeySequence preferencesKeys READ preferencesKeys CONSTANT)
     Q_PROPERTY(QKeySequence quitKeys READ quitKeys CONSTANT)
+    Q_PROPERTY(QKeySequence openKeys READ openKeys CONSTANT)
+    Q_PROPERTY(QKeySequence pasteKeys READ pasteKeys CONSTANT)
+    Q_PROPERTY(QKeySequence closeKeys READ closeKeys CONSTANT)
 
 public:
     explicit ShortcutTexts(QObject* parent = nullptr)
@@ -25,6 +28,9 @@ public:
 
     [[nodiscard]] static QKeySequence preferencesKeys() { return { Qt::CTRL | Qt::Key_Comma }; }
     [[nodiscard]] static QKeySequence quitKeys() { return { Qt::CTRL | Qt::Key_Q }; }
+    [[nodiscard]] static QKeySequence openKeys() { return { Qt::CTRL | Qt::Key_O }; }
+    [[nodiscard]] static QKeySequence pasteKeys() { return { Qt::CTRL | Qt::Key_V }; }
+    [[nodiscard]] static QKeySequence closeKeys() { return { Qt::CTRL | Qt::Key_W }; }
     [[nodiscard]] static QString preferences()
     {
         return preferencesKeys().toString(QKeySequence::NativeText);

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Vellumine
 
 // Where outputs go and what they are called.
 PreferenceSection {
@@ -17,7 +18,7 @@ PreferenceSection {
             currentIndex: section.settings.destinationMode
             model: section.settings.destinationModeTitles
             objectName: "destinationPicker"
-            onLight: true
+            light: true
 
             onActivated: index => section.settings.destinationMode = index
         }
@@ -28,7 +29,7 @@ PreferenceSection {
 
         QuietButtonStyle {
             objectName: "folderButton"
-            onLight: true
+            light: true
             symbol: "folder"
             text: section.settings.destinationFolderButtonTitle
 
@@ -54,7 +55,7 @@ PreferenceSection {
         KestrovaTextField {
             Layout.fillWidth: true
             objectName: "prefixField"
-            onLight: true
+            light: true
             placeholderText: qsTr("Prefix")
             text: section.settings.filenamePrefix
 
@@ -64,7 +65,7 @@ PreferenceSection {
         KestrovaTextField {
             Layout.fillWidth: true
             objectName: "suffixField"
-            onLight: true
+            light: true
             placeholderText: qsTr("Suffix")
             text: section.settings.filenameSuffix
 

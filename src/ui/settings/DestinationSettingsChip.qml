@@ -1,4 +1,5 @@
 import QtQuick
+import Vellumine
 
 SettingsChip {
     id: chip

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Vellumine
 
 // A bordered button for what cannot be undone, on a light card.
 T.Button {

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Vellumine
 
 // A label in a column of its own, and the control that it names behind it.
 RowLayout {

@@ -1,4 +1,5 @@
 import QtQuick
+import Vellumine
 
 // The label of a picker that stands in a menu.
 Text {

@@ -1,4 +1,5 @@
 import QtQuick
+import Vellumine
 
 SettingsChip {
     required property SettingsPresenter settings

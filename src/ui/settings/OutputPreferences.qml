@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Vellumine
 
 // What is written: its size, its format and its quality.
 PreferenceSection {
@@ -17,7 +18,7 @@ PreferenceSection {
             currentIndex: section.settings.resizeMode
             model: section.settings.resizeModeTitles
             objectName: "resizeModePicker"
-            onLight: true
+            light: true
 
             onActivated: index => section.settings.resizeMode = index
         }
@@ -39,7 +40,7 @@ PreferenceSection {
             Layout.preferredWidth: 90
             inputMethodHints: Qt.ImhFormattedNumbersOnly
             objectName: "maximumField"
-            onLight: true
+            light: true
             placeholderText: qsTr("Pixels")
             text: section.settings.maximumPixelsText
 
@@ -65,7 +66,7 @@ PreferenceSection {
             canDecrease: section.settings.canStepDown
             canIncrease: section.settings.canStepUp
             objectName: "maximumStepper"
-            onLight: true
+            light: true
 
             onDecreased: step(-1)
             onIncreased: step(1)
@@ -80,7 +81,7 @@ PreferenceSection {
             currentIndex: section.settings.outputFormat
             model: section.settings.outputFormatTitles
             objectName: "formatPicker"
-            onLight: true
+            light: true
 
             onActivated: index => section.settings.outputFormat = index
         }
@@ -96,7 +97,7 @@ PreferenceSection {
             Layout.fillWidth: true
             from: 1
             objectName: "qualitySlider"
-            onLight: true
+            light: true
             stepSize: 1
             to: 100
             value: section.settings.quality
@@ -107,7 +108,7 @@ PreferenceSection {
         Text {
             Layout.preferredWidth: 32
             color: KestrovaTheme.ink
-            font: TextStyle.monospacedDigits(TextStyle.body)
+            font: TextStyle.body
             horizontalAlignment: Text.AlignRight
             objectName: "qualityNumber"
             opacity: enabled ? 1 : 0.5

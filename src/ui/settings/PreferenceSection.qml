@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Vellumine
 
 // Rows on a light card under a title in small capitals.
 Rectangle {

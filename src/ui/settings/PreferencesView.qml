@@ -2,6 +2,7 @@ import QtQuick
 import QtQuick.Controls.Basic as Basic
 import QtQuick.Layouts
 import QtQuick.Templates as T
+import Vellumine
 
 // Every setting in labelled sections, the lifetime totals and the version.
 T.Pane {
@@ -9,6 +10,7 @@ T.Pane {
 
     required property SettingsPresenter settings
     required property StatsPresenter stats
+    property real cornerRadius: 0
 
     bottomPadding: 18
     implicitHeight: 840
@@ -17,7 +19,10 @@ T.Pane {
     rightPadding: 22
     topPadding: 42
 
-    background: WindowBackground {}
+    background: WindowBackground {
+        mirrored: view.LayoutMirroring.enabled
+        radius: view.cornerRadius
+    }
     contentItem: ColumnLayout {
         spacing: 12
 
@@ -85,7 +90,7 @@ T.Pane {
 
                     KestrovaSwitch {
                         checked: view.settings.optimizeColorForSharing
-                        onLight: true
+                        light: true
                         text: qsTr("Optimize color for sharing")
 
                         onToggled: view.settings.optimizeColorForSharing = checked
@@ -93,7 +98,7 @@ T.Pane {
 
                     KestrovaSwitch {
                         checked: view.settings.removeColorManagement
-                        onLight: true
+                        light: true
                         text: qsTr("Remove color management information")
 
                         onToggled: view.settings.removeColorManagement = checked
@@ -101,7 +106,7 @@ T.Pane {
 
                     KestrovaSwitch {
                         checked: view.settings.removeMetadata
-                        onLight: true
+                        light: true
                         text: qsTr("Remove personal information and metadata")
 
                         onToggled: view.settings.removeMetadata = checked
@@ -119,7 +124,7 @@ T.Pane {
 
                     KestrovaSwitch {
                         checked: view.settings.moveOriginalToTrash
-                        onLight: true
+                        light: true
                         text: qsTr("Move original to Trash")
 
                         onToggled: view.settings.moveOriginalToTrash = checked
@@ -127,7 +132,7 @@ T.Pane {
 
                     KestrovaSwitch {
                         checked: view.settings.preserveModificationTime
-                        onLight: true
+                        light: true
                         text: qsTr("Preserve file modification time")
 
                         onToggled: view.settings.preserveModificationTime = checked
@@ -135,7 +140,7 @@ T.Pane {
 
                     KestrovaSwitch {
                         checked: view.settings.warnBeforeOverwrite
-                        onLight: true
+                        light: true
                         text: qsTr("Show warning before overwrite")
 
                         onToggled: view.settings.warnBeforeOverwrite = checked
@@ -143,7 +148,7 @@ T.Pane {
 
                     KestrovaSwitch {
                         checked: view.settings.exitWhenComplete
-                        onLight: true
+                        light: true
                         text: qsTr("Exit when optimization complete")
 
                         onToggled: view.settings.exitWhenComplete = checked

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Vellumine
 
 // A compact button that shows one setting at a glance. With a menu it opens that, else it is `clicked`.
 T.AbstractButton {
@@ -9,6 +10,8 @@ T.AbstractButton {
     property string helpText
     /// A KestrovaMenu, made when it is first opened.
     property Component menu: null
+    /// The menu once it was opened.
+    readonly property KestrovaMenu openMenu: loader.item as KestrovaMenu
     /// Longer texts, such as a folder's name, end in dots.
     property real maximumTextWidth: 170
 
@@ -18,7 +21,7 @@ T.AbstractButton {
             return;
         }
         loader.active = true;
-        loader.item.popup(chip, 0, chip.height + 4);
+        openMenu.popup(chip, 0, chip.height + 4);
     }
 
     Accessible.description: helpText

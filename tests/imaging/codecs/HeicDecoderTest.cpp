@@ -238,8 +238,8 @@ TEST(HeicDecoder, fourThreadsDecodeAndEncodeAtOnce)
     std::array<double, 4> fidelity {};
     {
         std::vector<std::jthread> threads;
-        for (std::size_t i = 0; i < fidelity.size(); ++i) {
-            threads.emplace_back([&, i] {
+        for (double& result : fidelity) {
+            threads.emplace_back([&] {
                 double lowest = 99.0;
                 for (int round = 0; round < 3; ++round) {
                     const auto decoded = decodeFile(file);
@@ -251,7 +251,7 @@ TEST(HeicDecoder, fourThreadsDecodeAndEncodeAtOnce)
                     lowest = std::min({ lowest, test::psnr(decoded->image, image),
                         test::psnr(reread->image, small) });
                 }
-                fidelity[i] = lowest;
+                result = lowest;
             });
         }
     }

@@ -27,7 +27,8 @@ ByteBuffer bytesOf(std::string_view text)
 
 bool containsText(const ByteBuffer& file, std::string_view text)
 {
-    return !std::ranges::search(file, bytesOf(text)).empty();
+    const ByteBuffer wanted = bytesOf(text);
+    return std::search(file.begin(), file.end(), wanted.begin(), wanted.end()) != file.end();
 }
 
 Result<DecodedImage> roundTrip(const Image& image, const EncodeOptions& options)

@@ -10,7 +10,6 @@ namespace vellumine::imaging {
 namespace {
 
 using test::jpegFile;
-using test::JpegRecipe;
 using test::oddSize;
 using namespace std::string_literals;
 

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace vellumine::imaging {
 namespace {
 
@@ -67,8 +69,8 @@ std::string primariesChunk(const Primaries& primaries)
     std::string data;
     for (const Chromaticity& point :
         { primaries.white, primaries.red, primaries.green, primaries.blue }) {
-        data += bigEndian(static_cast<std::uint32_t>(point.x * 100'000 + 0.5));
-        data += bigEndian(static_cast<std::uint32_t>(point.y * 100'000 + 0.5));
+        data += bigEndian(static_cast<std::uint32_t>(std::lround(point.x * 100'000)));
+        data += bigEndian(static_cast<std::uint32_t>(std::lround(point.y * 100'000)));
     }
     return chunk("cHRM", data);
 }

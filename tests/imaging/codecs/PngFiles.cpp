@@ -39,7 +39,8 @@ std::string bigEndian(std::uint32_t value)
 std::vector<png_byte> packedRow(const PngRecipe& recipe, int y)
 {
     const int channels = channelsOf(recipe.colorType);
-    const auto bits = static_cast<std::size_t>(recipe.size.width * channels * recipe.bitDepth);
+    const auto bits = static_cast<std::size_t>(recipe.size.width)
+        * static_cast<std::size_t>(channels * recipe.bitDepth);
     std::vector<png_byte> row((bits + 7) / 8);
     std::size_t at = 0;
     for (int x = 0; x < recipe.size.width; ++x) {

@@ -68,8 +68,9 @@ TEST(TiffEncoder, profileIsWrittenAsAsked)
     const Image image = test::gradient(test::oddSize, { rgb, 8, AlphaInfo::none });
     const ByteSpan profile = ColorSpace::sRgb().iccProfile();
     ASSERT_FALSE(profile.empty());
-    const auto contains
-        = [profile](const ByteBuffer& file) { return !std::ranges::search(file, profile).empty(); };
+    const auto contains = [profile](const ByteBuffer& file) {
+        return std::search(file.begin(), file.end(), profile.begin(), profile.end()) != file.end();
+    };
     const auto with = encode(image, { .profile = ProfilePolicy::embed, .metadata = {} });
     const auto without = encode(image, { .profile = ProfilePolicy::omit, .metadata = {} });
     const auto device = encode(image.withColorSpace(ColorSpace::deviceRgb()), {});

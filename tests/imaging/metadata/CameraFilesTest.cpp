@@ -1,12 +1,12 @@
 #include "imaging/ImageSource.h"
 #include "imaging/metadata/Exiv2Reading.h"
 #include "imaging/metadata/Metadata.h"
+#include "support/Samples.h"
 #include "support/TestImages.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace vellumine::imaging::metadata {
 namespace {
@@ -34,14 +34,14 @@ bool mayChange(const std::string& key)
 
 TEST(CameraFiles, keepEveryFieldAndTheirMakerNotes)
 {
-    const char* const samples = std::getenv("VELLUMINE_SAMPLES");
-    if (samples == nullptr) {
-        GTEST_SKIP() << "VELLUMINE_SAMPLES names no folder of sample pictures";
+    const auto samples = test::samplesFolder();
+    if (!samples) {
+        GTEST_SKIP() << "There are no samples. Name their folder in VELLUMINE_SAMPLES.";
     }
     int blocksSeen = 0;
     int makerNoteFields = 0;
     int changedMakerNoteFields = 0;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(samples)) {
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(*samples)) {
         if (entry.path().native().find("/hostile/") != std::string::npos) {
             continue;
         }

@@ -1,0 +1,166 @@
+#include "app/AppDelegate.h"
+
+#include "app/tray/StatusItem.h"
+#include "core/Product.h"
+
+#include <QGuiApplication>
+#include <QQmlComponent>
+#include <QSessionManager>
+
+#include <utility>
+
+namespace vellumine {
+
+AppDelegate::AppDelegate(Surroundings surroundings)
+    : m_quit(std::move(surroundings.quit))
+    , m_reveal(std::move(surroundings.reveal))
+    , m_openPage(std::move(surroundings.openPage))
+    , m_bus(surroundings.bus)
+    , m_windowGrowingTime(surroundings.windowGrowingTime)
+    , m_models(modelSurroundings(surroundings))
+    , m_settings(m_models.settings(), m_models.bookmarks(),
+          [this](const FolderPanel& panel, const FolderPanelAnswer& answer) {
+              m_folderPanel.show(panel, answer);
+          })
+    , m_stats(m_models.statsStore())
+    , m_updates(m_models.updateChecker())
+    , m_comparison(std::make_unique<ImageComparisonPresenter>(
+          m_engine, ImageComparisonPresenter::Dependencies { .reveal = m_reveal }))
+    , m_mainWindow([this] { return makeMainWindow(); })
+    , m_preferencesWindow([this] { return makePreferencesWindow(); })
+{
+    connect(&m_overwritePrompt, &OverwritePromptPresenter::asked, this, &AppDelegate::showQuestion);
+    connect(&m_folderPanel, &FolderPanelPresenter::asked, this, &AppDelegate::showQuestion);
+    connect(&m_mainWindow, &ReusableWindow::made, this, [this](QQuickWindow* window) {
+        m_heightFollower.emplace(*window, m_models.processingModel(), m_windowGrowingTime);
+    });
+}
+
+AppDelegate::~AppDelegate() = default;
+
+AppModels::Surroundings AppDelegate::modelSurroundings(Surroundings& surroundings)
+{
+    return {
+        .preferences = std::move(surroundings.preferences),
+        .statsFolder = surroundings.statsFolder,
+        .updateSource = std::move(surroundings.updateSource),
+        .temporaryFolder = surroundings.temporaryFolder,
+        .executableFolder = surroundings.executableFolder,
+        .askOverwrite
+        = [this](const QUrl& url,
+              const OverwritePrompt::Answer& answer) { m_overwritePrompt.ask(url, answer); },
+        .showFolderPanel
+        = [this](const FolderPanel& panel,
+              const FolderPanelAnswer& answer) { m_folderPanel.show(panel, answer); },
+    };
+}
+
+void AppDelegate::launch(const ActivationToken& token)
+{
+    // The program never comes back by itself with the next session.
+    connect(qGuiApp, &QGuiApplication::saveStateRequest, this,
+        [](QSessionManager& session) { session.setRestartHint(QSessionManager::RestartNever); });
+    m_statusItem = std::make_unique<StatusItem>(
+        StatusMenuActions {
+            .openWindow = [this] { showMainWindow(); },
+            .openPreferences = [this] { showPreferences(); },
+            .openWebsite = [this] { m_openPage(QUrl(QString(product::makerUrl))); },
+            .quit = m_quit,
+        },
+        [this](const QList<QUrl>& urls) { process(urls); }, m_bus);
+    showMainWindow(token);
+    m_models.updateChecker().checkForUpdates();
+}
+
+void AppDelegate::process(const QList<QUrl>& urls)
+{
+    m_models.processingModel().process(urls);
+    if (m_models.settings().exitWhenComplete()) {
+        m_models.processingModel().setOnComplete(m_quit);
+    }
+}
+
+void AppDelegate::open(const QList<QUrl>& urls, const ActivationToken& token)
+{
+    showMainWindow(token);
+    process(urls);
+}
+
+void AppDelegate::showMainWindow(const ActivationToken& token)
+{
+    m_mainWindow.show(token);
+}
+
+void AppDelegate::showPreferences(const ActivationToken& token)
+{
+    m_preferencesWindow.show(token);
+}
+
+void AppDelegate::openPreferencesFromMenu()
+{
+    showPreferences();
+}
+
+void AppDelegate::quitFromMenu()
+{
+    m_quit();
+}
+
+void AppDelegate::showQuestion()
+{
+    // Questions stand in the main window, which may have been closed.
+    if (!mainWindow() || !mainWindow()->isVisible()) {
+        showMainWindow();
+    }
+}
+
+std::unique_ptr<QQuickWindow> AppDelegate::makeWindow(
+    const char* type, const QVariantMap& properties)
+{
+    QQmlComponent component(&m_engine);
+    component.setData(
+        "import Vellumine\n" + QByteArray(type) + " {}", QUrl(QStringLiteral("qrc:/windows")));
+    std::unique_ptr<QObject> made(component.createWithInitialProperties(properties));
+    auto* window = qobject_cast<QQuickWindow*>(made.get());
+    if (!window) {
+        qFatal("%s: %s", type, qPrintable(component.errorString()));
+    }
+    (void)made.release();
+    // By which window managers and their users' rules know it.
+    window->setProperty("_q_xcb_wm_window_role", window->objectName().toLatin1());
+    connect(window, SIGNAL(preferencesRequested()), this, SLOT(openPreferencesFromMenu()));
+    connect(window, SIGNAL(quitRequested()), this, SLOT(quitFromMenu()));
+    return std::unique_ptr<QQuickWindow>(window);
+}
+
+std::unique_ptr<QQuickWindow> AppDelegate::makeMainWindow()
+{
+    m_processing.emplace(m_models.processingModel());
+    m_results = std::make_unique<ResultsListModel>(ResultsListModel::Actions {
+        .reveal = m_reveal,
+        .compare = [this](const ProcessingResult& result,
+                       const QUrl& output) { m_comparison->show(result, output); },
+    });
+    m_results->follow(m_models.processingModel());
+    return makeWindow("DropWindow",
+        {
+            { QStringLiteral("settings"), QVariant::fromValue(&m_settings) },
+            { QStringLiteral("processing"), QVariant::fromValue(&*m_processing) },
+            { QStringLiteral("results"), QVariant::fromValue(m_results.get()) },
+            { QStringLiteral("stats"), QVariant::fromValue(&m_stats) },
+            { QStringLiteral("updates"), QVariant::fromValue(&m_updates) },
+            { QStringLiteral("overwritePrompt"), QVariant::fromValue(&m_overwritePrompt) },
+            { QStringLiteral("folderPanel"), QVariant::fromValue(&m_folderPanel) },
+        });
+}
+
+std::unique_ptr<QQuickWindow> AppDelegate::makePreferencesWindow()
+{
+    return makeWindow("PreferencesWindow",
+        {
+            { QStringLiteral("settings"), QVariant::fromValue(&m_settings) },
+            { QStringLiteral("stats"), QVariant::fromValue(&m_stats) },
+        });
+}
+
+} // namespace vellumine

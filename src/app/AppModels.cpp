@@ -1,0 +1,80 @@
+#include "app/AppModels.h"
+
+#include "core/Product.h"
+
+#include <QThread>
+
+#include <utility>
+
+namespace vellumine {
+
+AppModels::AppModels(Surroundings surroundings)
+    : m_settingsStore(std::move(surroundings.preferences), m_bookmarks)
+    , m_statsStore(surroundings.statsFolder)
+    , m_updateChecker(std::move(surroundings.updateSource), QString(product::version))
+    , m_temporaryFolder(std::move(surroundings.temporaryFolder))
+    , m_executableFolder(std::move(surroundings.executableFolder))
+    , m_securityScope(std::move(surroundings.securityScope))
+    , m_showFolderPanel(std::move(surroundings.showFolderPanel))
+    , m_samples(m_temporaryFolder, PreviewSamples::AtEnd::remove)
+    , m_overwritePrompt(std::move(surroundings.askOverwrite))
+{
+}
+
+AppModels::~AppModels()
+{
+    // Conversions that wait for an answer would be waited for by the model for ever.
+    m_overwritePrompt.close();
+}
+
+ProcessingModel& AppModels::processingModel()
+{
+    if (!m_processingModel) {
+        m_processingModel.emplace(ProcessingModel::Dependencies {
+            .snapshot = [this] { return m_settingsStore.snapshot(); },
+            .record =
+                [this](const ProcessingResult& result) {
+                    m_samples.add(result);
+                    m_statsStore.record(result);
+                },
+            .optimize = optimizeIn(conversionEnvironment()),
+            .folderAccess = folderAccess(),
+            .activeProcessorCount = QThread::idealThreadCount(),
+        });
+    }
+    return *m_processingModel;
+}
+
+ConversionEnvironment AppModels::conversionEnvironment()
+{
+    // The memory budget that it comes with is that of this machine.
+    ConversionEnvironment environment;
+    environment.confirmOverwrite = [this](const QUrl& url) { return m_overwritePrompt.ask(url); };
+    environment.securityScope = m_securityScope;
+    environment.temporaryFolder = m_temporaryFolder;
+    environment.executableFolder = m_executableFolder;
+    return environment;
+}
+
+FolderAccessGrants::Dependencies AppModels::folderAccess()
+{
+    return {
+        .securityScope = m_securityScope,
+        .rememberedOriginalLocationFolder =
+            [this](const QUrl& folder) {
+                return m_settingsStore.rememberedOriginalLocationFolder(folder);
+            },
+        .rememberOriginalLocationFolder
+        = [this](const QUrl& folder) { m_settingsStore.rememberOriginalLocationFolder(folder); },
+        .showSaveAccessPanel =
+            [this](const SaveAccessPanel& panel, const FolderAccessGrants::PanelAnswer& answer) {
+                m_showFolderPanel({ .message = panel.message,
+                                      .prompt = panel.prompt,
+                                      .folder = panel.folder,
+                                      .newFolders = FolderPanel::NewFolders::refused },
+                    answer);
+            },
+    };
+}
+
+} // namespace vellumine

@@ -1,0 +1,258 @@
+#include "app/instance/SingleInstance.h"
+#include "app/instance/FileArguments.h"
+#include "support/QtPrinters.h"
+
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusPendingCall>
+#include <QDBusPendingCallWatcher>
+#include <QFutureWatcher>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QtConcurrentRun>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace vellumine {
+namespace {
+
+using namespace std::chrono_literals;
+using ::testing::ElementsAre;
+using Role = SingleInstance::Role;
+
+/// A bus of the test's own. Each connection plays a process.
+class SessionBus : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        const QString daemon = QStringLiteral(VELLUMINE_DBUS_DAEMON);
+        if (daemon.isEmpty()) {
+            GTEST_SKIP() << "dbus-daemon is not installed";
+        }
+        m_daemon.start(daemon,
+            { QStringLiteral("--session"), QStringLiteral("--nofork"),
+                QStringLiteral("--print-address") });
+        ASSERT_TRUE(m_daemon.waitForReadyRead());
+        m_address = QString::fromLatin1(m_daemon.readLine()).trimmed();
+    }
+
+    void TearDown() override
+    {
+        for (const QString& name : m_names) {
+            QDBusConnection::disconnectFromBus(name);
+        }
+        m_daemon.terminate();
+        m_daemon.waitForFinished();
+    }
+
+    QDBusConnection connection()
+    {
+        m_names.append(QStringLiteral("process %1").arg(m_names.size()));
+        return QDBusConnection::connectToBus(m_address, m_names.constLast());
+    }
+
+    /// Waits for it with the event loop running.
+    static Role result(const QFuture<Role>& role)
+    {
+        QFutureWatcher<Role> watcher;
+        QSignalSpy finished(&watcher, &QFutureWatcherBase::finished);
+        watcher.setFuture(role);
+        EXPECT_TRUE(finished.wait(30000));
+        return role.result();
+    }
+
+    /// What becomes of a second process, while the first one's event loop runs.
+    Role startAnother(const QList<QUrl>& files = {}, const ActivationToken& token = {},
+        std::chrono::milliseconds patience = SingleInstance::answerTime)
+    {
+        const QDBusConnection bus = connection();
+        const QFuture<Role> role
+            = QtConcurrent::run([&] { return SingleInstance(bus).start(files, token, patience); });
+        return result(role);
+    }
+
+    QProcess m_daemon;
+    QString m_address;
+    QStringList m_names;
+};
+
+const QUrl photo(QStringLiteral("file:///pictures/a%20b%23%25.png"));
+const QUrl oddlyNamed = QUrl::fromEncoded("file:///pictures/%FFphoto.jpg");
+
+TEST_F(SessionBus, theFirstProcessOwnsTheName)
+{
+    SingleInstance first(connection());
+    EXPECT_EQ(first.start({}, {}), Role::first);
+    EXPECT_TRUE(
+        connection().interface()->isServiceRegistered(QStringLiteral("com.kestrova.Vellumine")));
+}
+
+TEST_F(SessionBus, aSecondStartWithoutFilesActivatesTheFirst)
+{
+    SingleInstance first(connection());
+    ASSERT_EQ(first.start({}, {}), Role::first);
+    QSignalSpy activations(&first, &SingleInstance::activationRequested);
+    EXPECT_EQ(startAnother(), Role::handedOver);
+    EXPECT_EQ(activations.count(), 1);
+}
+
+TEST_F(SessionBus, aSecondStartHandsItsFilesOver)
+{
+    SingleInstance first(connection());
+    ASSERT_EQ(first.start({}, {}), Role::first);
+    QList<QUrl> opened;
+    ActivationToken activation;
+    QObject::connect(&first, &SingleInstance::openRequested,
+        [&](const QList<QUrl>& files, const ActivationToken& token) {
+            opened = files;
+            activation = token;
+        });
+    const ActivationToken token { .activationToken = "w-7", .startupId = "x_TIME42" };
+    EXPECT_EQ(startAnother({ photo, oddlyNamed }, token), Role::handedOver);
+    EXPECT_THAT(opened, ElementsAre(photo, oddlyNamed));
+    EXPECT_EQ(activation, token);
+}
+
+TEST_F(SessionBus, ofManyStartsAtOnceOneIsTheFirst)
+{
+    QList<QUrl> opened;
+    std::vector<QFuture<Role>> roles;
+    QList<QDBusConnection> buses;
+    for (int number = 0; number < 8; ++number) {
+        buses.append(connection());
+    }
+    SingleInstance first(buses.takeFirst());
+    QObject::connect(&first, &SingleInstance::openRequested,
+        [&opened](const QList<QUrl>& files) { opened.append(files); });
+    ASSERT_EQ(first.start({}, {}), Role::first);
+    for (const QDBusConnection& bus : buses) {
+        roles.push_back(
+            QtConcurrent::run([bus] { return SingleInstance(bus).start({ photo }, {}, 10s); }));
+    }
+    for (const QFuture<Role>& role : roles) {
+        EXPECT_EQ(result(role), Role::handedOver);
+    }
+    EXPECT_EQ(opened.size(), 7);
+}
+
+TEST_F(SessionBus, theNameIsFreeAgainAfterTheFirstProcess)
+{
+    {
+        SingleInstance first(connection());
+        ASSERT_EQ(first.start({}, {}), Role::first);
+    }
+    SingleInstance next(connection());
+    EXPECT_EQ(next.start({}, {}), Role::first);
+}
+
+TEST_F(SessionBus, aFirstProcessThatDoesNotAnswerIsGoneAround)
+{
+    // It owns the name, and has no such object.
+    ASSERT_TRUE(connection().registerService(SingleInstance::busName()));
+    EXPECT_EQ(startAnother({ photo }, {}, 500ms), Role::alone);
+}
+
+TEST(WithoutABus, theProgramJustStarts)
+{
+    SingleInstance instance(QDBusConnection(QStringLiteral("no such connection")));
+    EXPECT_EQ(instance.start({ photo }, {}), Role::alone);
+}
+
+class Interface : public SessionBus {
+protected:
+    /// Calls the program as a launcher does.
+    void call(const char* method, const QVariantList& arguments)
+    {
+        QDBusMessage message = QDBusMessage::createMethodCall(
+            QStringLiteral("com.kestrova.Vellumine"), QStringLiteral("/com/kestrova/Vellumine"),
+            QStringLiteral("org.freedesktop.Application"), QString::fromLatin1(method));
+        message.setArguments(arguments);
+        QDBusPendingCallWatcher watcher(m_launcher.asyncCall(message));
+        QSignalSpy finished(&watcher, &QDBusPendingCallWatcher::finished);
+        ASSERT_TRUE(finished.wait(20000));
+        EXPECT_FALSE(watcher.isError()) << watcher.error().message().toStdString();
+    }
+
+    void SetUp() override
+    {
+        SessionBus::SetUp();
+        if (IsSkipped() || HasFatalFailure()) {
+            return;
+        }
+        m_launcher = connection();
+        m_first = std::make_unique<SingleInstance>(connection());
+        ASSERT_EQ(m_first->start({}, {}), Role::first);
+    }
+
+    void TearDown() override
+    {
+        m_first.reset();
+        SessionBus::TearDown();
+    }
+
+    QDBusConnection m_launcher { QString() };
+    std::unique_ptr<SingleInstance> m_first;
+};
+
+TEST_F(Interface, opensOnlyFiles)
+{
+    QList<QUrl> opened;
+    QObject::connect(m_first.get(), &SingleInstance::openRequested,
+        [&opened](const QList<QUrl>& files) { opened = files; });
+    call("Open",
+        { QStringList { QStringLiteral("file:///x/y%20z.png"),
+              QStringLiteral("https://kestrova.example/a.png") },
+            QVariantMap() });
+    EXPECT_THAT(opened, ElementsAre(QUrl(QStringLiteral("file:///x/y%20z.png"))));
+}
+
+TEST_F(Interface, knowsTwoActions)
+{
+    QSignalSpy preferences(m_first.get(), &SingleInstance::preferencesRequested);
+    QSignalSpy quits(m_first.get(), &SingleInstance::quitRequested);
+    call("ActivateAction", { QStringLiteral("preferences"), QVariantList(), QVariantMap() });
+    EXPECT_EQ(preferences.count(), 1);
+    EXPECT_EQ(quits.count(), 0);
+    call("ActivateAction", { QStringLiteral("quit"), QVariantList(), QVariantMap() });
+    EXPECT_EQ(quits.count(), 1);
+    call("ActivateAction", { QStringLiteral("explode"), QVariantList(), QVariantMap() });
+    EXPECT_EQ(preferences.count(), 1);
+    EXPECT_EQ(quits.count(), 1);
+}
+
+TEST(ActivationToken, travelsAsPlatformData)
+{
+    const ActivationToken token { .activationToken = "w-7", .startupId = "x_TIME42" };
+    EXPECT_EQ(ActivationToken::fromPlatformData(token.platformData()), token);
+    EXPECT_TRUE(ActivationToken().platformData().isEmpty());
+    EXPECT_EQ(
+        ActivationToken::fromPlatformData({ { QStringLiteral("other"), 1 } }), ActivationToken());
+}
+
+TEST(FileArguments, areRelativeToTheWorkingFolder)
+{
+    const std::vector<std::string> arguments { "a b#%.png", "/there/c.jpg", "../d", "",
+        "photo\xFF.png", "-odd.png" };
+    EXPECT_THAT(fileArguments(arguments, "/here/now"),
+        ElementsAre(QUrl::fromEncoded("file:///here/now/a%20b%23%25.png"),
+            QUrl(QStringLiteral("file:///there/c.jpg")),
+            QUrl(QStringLiteral("file:///here/now/../d")),
+            QUrl::fromEncoded("file:///here/now/photo%FF.png"),
+            QUrl(QStringLiteral("file:///here/now/-odd.png"))));
+}
+
+TEST(FileArguments, mayBeUrlsOfFiles)
+{
+    const std::vector<std::string> arguments { "file:///x/y%20z.png",
+        "https://kestrova.example/a.png", "a:b.png", "1+1://x.png" };
+    EXPECT_THAT(fileArguments(arguments, "/here"),
+        ElementsAre(QUrl(QStringLiteral("file:///x/y%20z.png")),
+            QUrl(QStringLiteral("file:///here/a:b.png"))));
+}
+
+} // namespace
+} // namespace vellumine
