@@ -47,6 +47,7 @@ FocusScope {
             Layout.fillHeight: true
             Layout.fillWidth: true
             Layout.minimumHeight: 170
+            Layout.preferredHeight: 170
             focus: true
             objectName: "zone"
             processing: view.processing
@@ -62,7 +63,7 @@ FocusScope {
 
         LifetimeStatsStrip {
             Layout.fillWidth: true
-            objectName: "totals"
+            objectName: "stats"
             stats: view.stats
         }
 

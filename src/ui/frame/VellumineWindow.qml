@@ -25,6 +25,10 @@ Window {
         about.open();
     }
 
+    function showMenu() {
+        menu.popup(titleBar.menuButton, 0, titleBar.menuButton.height + 4);
+    }
+
     LayoutMirroring.childrenInherit: true
     LayoutMirroring.enabled: Application.layoutDirection === Qt.RightToLeft
     color: "transparent"
@@ -57,7 +61,7 @@ Window {
 
         onCloseRequested: window.close()
         onMaximizeRequested: window.toggleMaximized()
-        onMenuRequested: menu.popup(menuButton, 0, menuButton.height + 4)
+        onMenuRequested: window.showMenu()
         onMinimizeRequested: window.showMinimized()
     }
 

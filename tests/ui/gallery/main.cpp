@@ -3,6 +3,7 @@
 // A scene is an Item or a Window with stand-ins for what it shows. QT_SCALE_FACTOR sets the scale.
 
 #include <QCommandLineParser>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFileInfo>
 #include <QFont>
@@ -16,6 +17,7 @@
 #include <QTextStream>
 #include <QTimer>
 
+#include <chrono>
 #include <memory>
 
 namespace {
@@ -50,6 +52,11 @@ QString renderScene(QQmlEngine& engine, const QString& scene, const QString& pic
         item->setParentItem(window->contentItem());
     }
     window->show();
+    // A scene that waits for something says when it is there.
+    const QDeadlineTimer deadline(std::chrono::seconds(10));
+    while (root->property("ready") == QVariant(false) && !deadline.hasExpired()) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 50);
+    }
     // Layouts and popups settle with the frames that follow the first.
     for (int frameCount = 0; frameCount < 4; ++frameCount) {
         QCoreApplication::sendPostedEvents();

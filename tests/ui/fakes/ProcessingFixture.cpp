@@ -1,0 +1,79 @@
+#include "ui/fakes/ProcessingFixture.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QMimeData>
+
+namespace vellumine {
+
+ProcessingFixture::ProcessingFixture(QObject* parent)
+    : QObject(parent)
+{
+}
+
+ProcessingFixture::~ProcessingFixture()
+{
+    m_scope->letGo();
+    m_optimizer.letAllGo();
+}
+
+ProcessingModel::Dependencies ProcessingFixture::dependencies()
+{
+    return {
+        .snapshot = [] { return OptimizerSettings(); },
+        .record = [](const ProcessingResult&) {},
+        .optimize =
+            [this](const QUrl& url, const OptimizerSettings& settings,
+                const std::stop_token& interruption) {
+                return m_optimizer(url, settings, interruption);
+            },
+        .folderAccess = { .securityScope = m_scope },
+        .activeProcessorCount = 4,
+        .debounce = std::chrono::milliseconds(0),
+    };
+}
+
+void ProcessingFixture::dropPhotos(int count)
+{
+    QList<QUrl> urls;
+    for (int number = 1; number <= count; ++number) {
+        urls.append(platform::fileUrl(QStringLiteral("/pictures/photo-%1.jpg").arg(number)));
+    }
+    m_presenter.loadDroppedFiles(urls);
+}
+
+void ProcessingFixture::copyUris(const QStringList& uris)
+{
+    auto data = std::make_unique<QMimeData>();
+    data->setData(QStringLiteral("text/uri-list"), uris.join(QStringLiteral("\r\n")).toLatin1());
+    QGuiApplication::clipboard()->setMimeData(data.release());
+}
+
+void ProcessingFixture::copyText(const QString& text)
+{
+    QGuiApplication::clipboard()->setText(text);
+}
+
+bool ProcessingFixture::HoldingScope::startAccessing(const QUrl& /*url*/)
+{
+    std::unique_lock lock(m_mutex);
+    m_changed.wait(lock, [this] { return !m_isHolding; });
+    return true;
+}
+
+void ProcessingFixture::HoldingScope::hold()
+{
+    const std::scoped_lock lock(m_mutex);
+    m_isHolding = true;
+}
+
+void ProcessingFixture::HoldingScope::letGo()
+{
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_isHolding = false;
+    }
+    m_changed.notify_all();
+}
+
+} // namespace vellumine

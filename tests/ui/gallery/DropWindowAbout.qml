@@ -1,0 +1,6 @@
+import QtQuick
+
+// Name and version.
+DropWindowStage {
+    Component.onCompleted: Qt.callLater(showAbout)
+}

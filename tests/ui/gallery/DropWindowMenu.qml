@@ -1,0 +1,6 @@
+import QtQuick
+
+// The application menu.
+DropWindowStage {
+    Component.onCompleted: Qt.callLater(showMenu)
+}

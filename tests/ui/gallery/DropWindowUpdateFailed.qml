@@ -1,0 +1,6 @@
+import QtQuick
+
+// The check for updates failed.
+DropWindowStage {
+    Component.onCompleted: news.showFailed()
+}
