@@ -11,6 +11,8 @@ fi
 cmake --install "$1" --prefix "$folder/installed" >"$folder/install.log"
 export XDG_DATA_DIRS="$folder/installed/share:/usr/local/share:/usr/share"
 export PATH="$folder/installed/bin:$PATH"
+VELLUMINE_CWEBP_PATH="$(command -v cwebp)"
+export VELLUMINE_CWEBP_PATH
 start_desktop
 
 is_running() {
