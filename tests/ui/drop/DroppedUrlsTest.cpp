@@ -6,6 +6,7 @@
 #include "support/TestImages.h"
 
 #include <QMimeData>
+#include <QSysInfo>
 #include <filesystem>
 #include <gtest/gtest.h>
 
@@ -43,10 +44,19 @@ INSTANTIATE_TEST_SUITE_P(Lists, FileUrlsTest,
         Row { "utf8", "file:///p/%C3%A9t%C3%A9.jpg\r\n", { "/p/\xC3\xA9t\xC3\xA9.jpg" } },
         Row { "notUtf8", "file:///p/%E9t%E9.jpg\r\n", { "/p/\xE9t\xE9.jpg" } },
         Row { "aLocalHost", "file://localhost/p/a.jpg\r\n", { "/p/a.jpg" } },
+        Row { "anotherMachine", "file://nas.kestrova.example/p/a.jpg\r\n", {} },
         Row { "aWebAddress", "https://kestrova.example/a.jpg\r\nfile:///p/a.jpg\r\n",
             { "/p/a.jpg" } },
         Row { "nothing", "", {} }, Row { "lineEndsOnly", "\r\n\r\n", {} }),
     test::RowName());
+
+TEST(FileUrlsTest, TakesTheNameOfThisMachineForNone)
+{
+    QMimeData data;
+    data.setData(QStringLiteral("text/uri-list"),
+        "file://" + QSysInfo::machineHostName().toUtf8() + "/p/a.jpg\r\n");
+    EXPECT_EQ(fileUrls(data), QList<QUrl> { platform::fileUrl(QStringLiteral("/p/a.jpg")) });
+}
 
 TEST(FileUrlsTest, FindsNoneInPlainText)
 {
