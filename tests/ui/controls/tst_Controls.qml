@@ -84,12 +84,14 @@ Item {
             for (const spy of [toggled, increased, decreased])
                 spy.clear();
             stepper.canDecrease = true;
+            picker.currentIndex = 0;
         }
 
         function test_switchByMouseAndKeyboard() {
             const before = toggle.checked;
             mouseClick(toggle);
             compare(toggle.checked, !before);
+            field.forceActiveFocus();
             toggle.forceActiveFocus(Qt.TabFocusReason);
             verify(toggle.visualFocus);
             keyClick(Qt.Key_Space);

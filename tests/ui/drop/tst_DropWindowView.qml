@@ -72,11 +72,17 @@ Item {
             scene.height = 440;
             news.showIdle();
             batches = createTemporaryObject(batchesComponent, scene);
-            view = createTemporaryObject(viewComponent, scene, {
+            view = viewComponent.createObject(scene, {
                 processing: batches.presenter
             });
             verify(view);
             waitForRendering(view);
+        }
+
+        function cleanup() {
+            // before what it shows
+            view.destroy();
+            wait(0);
         }
 
         function test_sizesOfTheLayout() {
@@ -90,7 +96,7 @@ Item {
             compare(zone.width, 820 - 44);
             verify(zone.height >= 170);
             compare(findChild(view, "title").text, "Vellumine");
-            compare(findChild(view, "title").color, KestrovaTheme.cream);
+            fuzzyCompare(findChild(view, "title").color, KestrovaTheme.cream, 1);
             compare(findChild(view, "title").font.pixelSize, 17);
             verify(findChild(view, "title").font.bold);
         }
@@ -126,10 +132,10 @@ Item {
             compare(symbol.color, KestrovaTheme.copper);
             compare(findChild(zone, "status").text, "Drop images here");
             compare(findChild(zone, "status").font, TextStyle.headline);
-            compare(findChild(zone, "status").color, KestrovaTheme.cream);
+            fuzzyCompare(findChild(zone, "status").color, KestrovaTheme.cream, 1);
             compare(findChild(zone, "hint").text, "Drop image files or folders here, or onto the Vellumine Dock icon.");
             compare(findChild(zone, "hint").font, TextStyle.subheadline);
-            compare(findChild(zone, "hint").color, KestrovaTheme.creamMuted);
+            fuzzyCompare(findChild(zone, "hint").color, KestrovaTheme.creamMuted, 1);
         }
 
         function test_highlightWhileADragHoversOverTheZoneOnly() {
@@ -231,7 +237,7 @@ Item {
             const compact = findChild(footer, "compactLink");
             verify(full.visible);
             verify(!compact.visible);
-            scene.width = full.implicitWidth + 100;
+            scene.width = 44 + full.implicitWidth + 100;
             tryCompare(compact, "visible", true);
             verify(!full.visible);
             compare(compact.text, "Kestrova");
@@ -246,6 +252,7 @@ Item {
 
         function test_focusGoesFromTopToBottom() {
             const order = [];
+            findChild(view, "preferencesButton").forceActiveFocus();
             zone.forceActiveFocus(Qt.TabFocusReason);
             verify(zone.visualFocus);
             let item = view.Window.activeFocusItem;

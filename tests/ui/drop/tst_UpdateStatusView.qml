@@ -69,7 +69,7 @@ Item {
             verify(update.visible);
             compare(update.text, "Update 2.0.1");
             compare(update.helpText, "Download the latest Vellumine");
-            compare(findChild(update, "updateLabel").color, KestrovaTheme.copperBright);
+            fuzzyCompare(findChild(update, "updateLabel").color, KestrovaTheme.copperBright, 1);
             mouseClick(update);
             compare(browser.opened.length, 1);
             compare(browser.opened[0], news.presenter.downloadUrl);

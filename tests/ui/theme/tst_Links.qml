@@ -68,6 +68,7 @@ Column {
         }
 
         function test_linksOpenByTheKeyboard() {
+            full.forceActiveFocus();
             coffee.forceActiveFocus(Qt.TabFocusReason);
             verify(coffee.visualFocus);
             keyClick(Qt.Key_Space);
