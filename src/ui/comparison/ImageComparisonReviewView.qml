@@ -55,6 +55,7 @@ FocusScope {
             ColumnLayout {
                 Layout.alignment: Qt.AlignBaseline
                 Layout.fillWidth: true
+                baselineOffset: before.baselineOffset
                 spacing: 2
 
                 FileNameText {
@@ -85,12 +86,14 @@ FocusScope {
             spacing: 22
 
             ReviewMetric {
+                Layout.fillWidth: false
                 objectName: "sourceSize"
                 title: qsTr("Before")
                 value: view.presenter.sourceSizeText
             }
 
             ReviewMetric {
+                Layout.fillWidth: false
                 objectName: "outputSize"
                 title: qsTr("After")
                 value: view.presenter.outputSizeText

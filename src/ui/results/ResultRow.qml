@@ -41,11 +41,14 @@ Item {
     }
 
     Column {
+        id: texts
+
         anchors.left: status.right
         anchors.leftMargin: 12
         anchors.right: buttons.left
         anchors.rightMargin: 12
         anchors.verticalCenter: parent.verticalCenter
+        anchors.verticalCenterOffset: badges.visible ? -(badges.height + spacing) / 2 : 0
         spacing: 2
 
         Text {
@@ -83,12 +86,19 @@ Item {
             visible: row.isSuccess
             width: parent.width
         }
+    }
 
-        ConversionAuditBadges {
-            badges: row.badges
-            objectName: "badges"
-            width: parent.width
-        }
+    // below the buttons there is room for more of them
+    ConversionAuditBadges {
+        id: badges
+
+        anchors.left: texts.left
+        anchors.right: parent.right
+        anchors.rightMargin: 14
+        anchors.top: texts.bottom
+        anchors.topMargin: texts.spacing
+        badges: row.badges
+        objectName: "badges"
     }
 
     Row {

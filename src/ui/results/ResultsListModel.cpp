@@ -16,6 +16,19 @@ namespace {
 
 constexpr int maximumVisibleRows = 8;
 
+/// Names may hold anything but a slash. Breaks of a line would show as such.
+QString fileName(const ProcessingResult& result)
+{
+    QString name = platform::lastPathComponent(result.sourceURL);
+    for (QChar& character : name) {
+        if (character.category() == QChar::Other_Control || character == QChar::LineSeparator
+            || character == QChar::ParagraphSeparator) {
+            character = QLatin1Char(' ');
+        }
+    }
+    return name;
+}
+
 QString metricsText(const ProcessingResult& result)
 {
     return result.isSuccess ? resultTexts::metrics(result) : QString();
@@ -29,7 +42,7 @@ QList<AuditBadgeContent> badges(const ProcessingResult& result)
 
 QString spokenText(const ProcessingResult& result)
 {
-    QStringList parts { platform::lastPathComponent(result.sourceURL), result.message };
+    QStringList parts { fileName(result), result.message };
     if (result.isSuccess) {
         parts.append(metricsText(result));
         for (const AuditBadgeContent& badge : badges(result)) {
@@ -89,7 +102,7 @@ QVariant ResultsListModel::data(const QModelIndex& index, int role) const
         return result.id;
     case Qt::DisplayRole:
     case fileNameRole:
-        return platform::lastPathComponent(result.sourceURL);
+        return fileName(result);
     case messageRole:
         return result.message;
     case isSuccessRole:
