@@ -30,13 +30,16 @@ printf encoded > "$2"
 
 class CWebP : public testing::Test {
 protected:
-    [[nodiscard]] std::filesystem::path output() const { return workplace.pictures() / "out.webp"; }
+    [[nodiscard]] std::filesystem::path output() const
+    {
+        return m_workplace.pictures() / "out.webp";
+    }
 
     Outcome<void> encode(ExistingItem existing = ExistingItem::replace) const
     {
         return ImageOptimizer::encodeWebPWithCWebP(
             test::gradient({ 47, 33 }, imaging::rgba8Premultiplied), urlOf(output()), existing,
-            settings, {}, workplace.environment());
+            m_settings, {}, m_workplace.environment());
     }
 
     void expectFailure(std::string_view message) const
@@ -44,24 +47,24 @@ protected:
         const auto encoded = encode();
         ASSERT_FALSE(encoded);
         EXPECT_EQ(localizedDescription(encoded.error()).toStdString(), message);
-        EXPECT_EQ(listing(workplace.temporary()), "");
+        EXPECT_EQ(listing(m_workplace.temporary()), "");
     }
 
     void TearDown() override { qunsetenv("VELLUMINE_CWEBP_PATH"); }
 
-    test::Workplace workplace;
-    OptimizerSettings settings;
+    test::Workplace m_workplace;
+    OptimizerSettings m_settings;
 };
 
 TEST_F(CWebP, writesAFileThatDecodesToThePicture)
 {
-    settings.outputFormat = OutputFormat::webpLossless;
+    m_settings.outputFormat = OutputFormat::webpLossless;
     ASSERT_TRUE(encode());
     const auto picture = test::readPicture(output());
     EXPECT_EQ(picture.size(), test::oddSize);
     EXPECT_TRUE(picture.hasAlpha());
-    EXPECT_EQ(listing(workplace.temporary()), "");
-    EXPECT_EQ(listing(workplace.pictures()), "out.webp");
+    EXPECT_EQ(listing(m_workplace.temporary()), "");
+    EXPECT_EQ(listing(m_workplace.pictures()), "out.webp");
 }
 
 struct ArgumentRow {
@@ -77,16 +80,16 @@ class CWebPArguments : public CWebP, public testing::WithParamInterface<Argument
 
 TEST_P(CWebPArguments, areInThisOrder)
 {
-    workplace.replaceEncoder("printf '%s\\n' \"$@\" > '"
-        + (workplace.programs() / "arguments").string() + "'\n" + std::string(copyingEncoder));
-    settings.outputFormat = GetParam().format;
-    settings.quality = GetParam().quality;
-    settings.removeMetadata = GetParam().removeMetadata;
-    settings.removeColorManagement = GetParam().removeColorManagement;
+    m_workplace.replaceEncoder(R"(printf '%s\n' "$@" > ')"
+        + (m_workplace.programs() / "arguments").string() + "'\n" + std::string(copyingEncoder));
+    m_settings.outputFormat = GetParam().format;
+    m_settings.quality = GetParam().quality;
+    m_settings.removeMetadata = GetParam().removeMetadata;
+    m_settings.removeColorManagement = GetParam().removeColorManagement;
     ASSERT_TRUE(encode());
-    std::string arguments = textOf(workplace.programs() / "arguments");
+    std::string arguments = textOf(m_workplace.programs() / "arguments");
     // The two temporary names are told apart by their UUIDs: in capitals, each its own.
-    const std::string folder = workplace.temporary().string() + "/vellumine-";
+    const std::string folder = m_workplace.temporary().string() + "/vellumine-";
     for (const char* mark : { "PAM", "WEBP" }) {
         const auto at = arguments.find(folder);
         ASSERT_NE(at, std::string::npos) << arguments;
@@ -121,86 +124,87 @@ using CWebPDeathTest = CWebP;
 
 TEST_F(CWebPDeathTest, aQualityThatIsNoIntegerIsFatal)
 {
-    settings.quality = std::numeric_limits<double>::quiet_NaN();
+    m_settings.quality = std::numeric_limits<double>::quiet_NaN();
     EXPECT_DEATH((void)encode(), "quality");
-    settings.quality = 1e19;
+    m_settings.quality = 1e19;
     EXPECT_DEATH((void)encode(), "quality");
 }
 
 TEST_F(CWebP, errorTextOfANonZeroExitIsShownTrimmed)
 {
-    workplace.replaceEncoder("printf '\\n  cannot do it \\n\\n' >&2\nexit 3\n");
+    m_workplace.replaceEncoder("printf '\\n  cannot do it \\n\\n' >&2\nexit 3\n");
     expectFailure("Could not finish writing out.webp: cannot do it");
-    EXPECT_EQ(listing(workplace.pictures()), "");
+    EXPECT_EQ(listing(m_workplace.pictures()), "");
 }
 
 TEST_F(CWebP, silentNonZeroExitShowsTheStatus)
 {
-    workplace.replaceEncoder("exit 42\n");
+    m_workplace.replaceEncoder("exit 42\n");
     expectFailure("Could not finish writing out.webp: cwebp exited with status 42");
 }
 
 TEST_F(CWebP, errorTextThatIsNoUtf8CountsAsAbsent)
 {
-    workplace.replaceEncoder("printf 'bad \\377 text' >&2\nexit 5\n");
+    m_workplace.replaceEncoder("printf 'bad \\377 text' >&2\nexit 5\n");
     expectFailure("Could not finish writing out.webp: cwebp exited with status 5");
 }
 
 TEST_F(CWebP, endByASignalShowsItsNumber)
 {
-    workplace.replaceEncoder("kill -KILL $$\n");
+    m_workplace.replaceEncoder("kill -KILL $$\n");
     expectFailure("Could not finish writing out.webp: cwebp exited with status 9");
 }
 
 TEST_F(CWebP, failureAfterTheOutputWasWrittenLeavesNothing)
 {
-    workplace.replaceEncoder(std::string(copyingEncoder) + "exit 1\n");
+    m_workplace.replaceEncoder(std::string(copyingEncoder) + "exit 1\n");
     expectFailure("Could not finish writing out.webp: cwebp exited with status 1");
-    EXPECT_EQ(listing(workplace.pictures()), "");
+    EXPECT_EQ(listing(m_workplace.pictures()), "");
 }
 
 TEST_F(CWebP, successWithoutAnOutputFileFails)
 {
-    workplace.replaceEncoder("exit 0\n");
+    m_workplace.replaceEncoder("exit 0\n");
     expectFailure("Could not finish writing out.webp: cwebp did not create an output file");
 }
 
 TEST_F(CWebP, outputWrittenElsewhereFails)
 {
-    workplace.replaceEncoder(
-        "printf x > '" + (workplace.programs() / "elsewhere").string() + "'\nexit 0\n");
+    m_workplace.replaceEncoder(
+        "printf x > '" + (m_workplace.programs() / "elsewhere").string() + "'\nexit 0\n");
     expectFailure("Could not finish writing out.webp: cwebp did not create an output file");
 }
 
 TEST_F(CWebP, aMegabyteOfErrorTextBlocksNothingAndIsIgnoredOnSuccess)
 {
-    workplace.replaceEncoder(
+    m_workplace.replaceEncoder(
         "head -c 1000000 /dev/zero | tr '\\0' x >&2\n" + std::string(copyingEncoder));
     ASSERT_TRUE(encode());
     EXPECT_EQ(textOf(output()), "encoded");
-    EXPECT_EQ(listing(workplace.temporary()), "");
+    EXPECT_EQ(listing(m_workplace.temporary()), "");
 }
 
 TEST_F(CWebP, withoutAnEncoderTwoSentencesRunTogether)
 {
-    workplace.removeEncoder();
+    m_workplace.removeEncoder();
     expectFailure("WebP support is not bundled in this build. is not supported by this macOS "
                   "ImageIO installation.");
 }
 
 TEST_F(CWebP, encoderThatCannotBeStartedIsNamedWithTheReason)
 {
-    workplace.removeEncoder();
-    writeFile(workplace.programs() / "cwebp", "\x01\x02");
-    std::filesystem::permissions(workplace.programs() / "cwebp", std::filesystem::perms::owner_all);
-    expectFailure("WebP encoder at " + (workplace.programs() / "cwebp").string()
+    m_workplace.removeEncoder();
+    writeFile(m_workplace.programs() / "cwebp", "\x01\x02");
+    std::filesystem::permissions(
+        m_workplace.programs() / "cwebp", std::filesystem::perms::owner_all);
+    expectFailure("WebP encoder at " + (m_workplace.programs() / "cwebp").string()
         + " could not be launched: Exec format error is not supported by this macOS ImageIO "
           "installation.");
 }
 
 TEST_F(CWebP, withoutATemporaryFolderThePamFileIsNamed)
 {
-    std::filesystem::remove(workplace.temporary());
+    std::filesystem::remove(m_workplace.temporary());
     const auto encoded = encode();
     ASSERT_FALSE(encoded);
     const QString text = localizedDescription(encoded.error());
@@ -212,96 +216,96 @@ TEST_F(CWebP, withoutATemporaryFolderThePamFileIsNamed)
 
 TEST_F(CWebP, copyThatFailsHasTheSystemsText)
 {
-    workplace.replaceEncoder(copyingEncoder);
-    std::filesystem::remove(workplace.pictures());
+    m_workplace.replaceEncoder(copyingEncoder);
+    std::filesystem::remove(m_workplace.pictures());
     expectFailure("Could not save out.webp: No such file or directory");
 }
 
 TEST_F(CWebP, folderOfTheOutputThatIsAFileHasTheSystemsText)
 {
-    workplace.replaceEncoder(copyingEncoder);
-    std::filesystem::remove(workplace.pictures());
-    writeFile(workplace.pictures(), "a file");
+    m_workplace.replaceEncoder(copyingEncoder);
+    std::filesystem::remove(m_workplace.pictures());
+    writeFile(m_workplace.pictures(), "a file");
     expectFailure("Could not save out.webp: Not a directory");
 }
 
 TEST_F(CWebP, aFileThatAppearedMeanwhileIsKept)
 {
-    workplace.replaceEncoder(
+    m_workplace.replaceEncoder(
         "printf other > '" + output().string() + "'\n" + std::string(copyingEncoder));
     const auto encoded = encode(ExistingItem::keep);
     ASSERT_FALSE(encoded);
     EXPECT_EQ(localizedDescription(encoded.error()),
         QStringLiteral("Could not save out.webp: File exists"));
     EXPECT_EQ(textOf(output()), "other");
-    EXPECT_EQ(listing(workplace.pictures()), "out.webp");
-    EXPECT_EQ(listing(workplace.temporary()), "");
+    EXPECT_EQ(listing(m_workplace.pictures()), "out.webp");
+    EXPECT_EQ(listing(m_workplace.temporary()), "");
 }
 
 TEST_F(CWebP, existingOutputStandsUntilTheNewOneIsComplete)
 {
     writeFile(output(), "old");
-    workplace.replaceEncoder("cat '" + output().string() + "' > '"
-        + (workplace.programs() / "seen").string() + "'\n" + std::string(copyingEncoder));
+    m_workplace.replaceEncoder("cat '" + output().string() + "' > '"
+        + (m_workplace.programs() / "seen").string() + "'\n" + std::string(copyingEncoder));
     ASSERT_TRUE(encode());
-    EXPECT_EQ(textOf(workplace.programs() / "seen"), "old");
+    EXPECT_EQ(textOf(m_workplace.programs() / "seen"), "old");
     EXPECT_EQ(textOf(output()), "encoded");
 }
 
 TEST_F(CWebP, encoderOfTheEnvironmentComesFirst)
 {
-    test::writeProgram(workplace.pictures() / "mine", "exit 0\n");
-    qputenv("VELLUMINE_CWEBP_PATH", (workplace.pictures() / "mine").c_str());
-    EXPECT_EQ(ImageOptimizer::bundledCWebPExecutableURL(workplace.programs()),
-        urlOf(workplace.pictures() / "mine"));
+    test::writeProgram(m_workplace.pictures() / "mine", "exit 0\n");
+    qputenv("VELLUMINE_CWEBP_PATH", (m_workplace.pictures() / "mine").c_str());
+    EXPECT_EQ(ImageOptimizer::bundledCWebPExecutableURL(m_workplace.programs()),
+        urlOf(m_workplace.pictures() / "mine"));
 }
 
 TEST_F(CWebP, missingEncoderOfTheEnvironmentGivesWayToTheBundledOne)
 {
-    qputenv("VELLUMINE_CWEBP_PATH", (workplace.pictures() / "missing").c_str());
-    EXPECT_EQ(ImageOptimizer::bundledCWebPExecutableURL(workplace.programs()),
-        urlOf(workplace.programs() / "cwebp"));
+    qputenv("VELLUMINE_CWEBP_PATH", (m_workplace.pictures() / "missing").c_str());
+    EXPECT_EQ(ImageOptimizer::bundledCWebPExecutableURL(m_workplace.programs()),
+        urlOf(m_workplace.programs() / "cwebp"));
     qputenv("VELLUMINE_CWEBP_PATH", "");
-    EXPECT_EQ(ImageOptimizer::bundledCWebPExecutableURL(workplace.programs()),
-        urlOf(workplace.programs() / "cwebp"));
+    EXPECT_EQ(ImageOptimizer::bundledCWebPExecutableURL(m_workplace.programs()),
+        urlOf(m_workplace.programs() / "cwebp"));
 }
 
 TEST_F(CWebP, encoderOfTheEnvironmentThatCannotBeExecutedGivesWay)
 {
-    writeFile(workplace.pictures() / "mine", "x");
-    qputenv("VELLUMINE_CWEBP_PATH", (workplace.pictures() / "mine").c_str());
-    EXPECT_EQ(ImageOptimizer::bundledCWebPExecutableURL(workplace.programs()),
-        urlOf(workplace.programs() / "cwebp"));
-    workplace.removeEncoder();
-    EXPECT_EQ(ImageOptimizer::bundledCWebPExecutableURL(workplace.programs()), std::nullopt);
+    writeFile(m_workplace.pictures() / "mine", "x");
+    qputenv("VELLUMINE_CWEBP_PATH", (m_workplace.pictures() / "mine").c_str());
+    EXPECT_EQ(ImageOptimizer::bundledCWebPExecutableURL(m_workplace.programs()),
+        urlOf(m_workplace.programs() / "cwebp"));
+    m_workplace.removeEncoder();
+    EXPECT_EQ(ImageOptimizer::bundledCWebPExecutableURL(m_workplace.programs()), std::nullopt);
 }
 
 TEST_F(CWebP, anInterruptionKillsTheEncoderAndLeavesNothingBehind)
 {
-    const std::filesystem::path started = workplace.programs() / "started";
+    const std::filesystem::path started = m_workplace.programs() / "started";
     ASSERT_EQ(::mkfifo(started.c_str(), 0600), 0);
-    workplace.replaceEncoder("while [ \"$1\" != \"-o\" ]; do shift; done\nprintf half > \"$2\"\n"
-                             "echo started > '"
+    m_workplace.replaceEncoder("while [ \"$1\" != \"-o\" ]; do shift; done\nprintf half > \"$2\"\n"
+                               "echo started > '"
         + started.string() + "'\nsleep 1000\n");
     writeFile(output(), "old");
     std::stop_source stop;
-    auto environment = workplace.environment();
+    auto environment = m_workplace.environment();
     environment.interruption = stop.get_token();
     auto outcome = std::async(std::launch::async, [&] {
         return ImageOptimizer::encodeWebPWithCWebP(
             test::gradient({ 47, 33 }, imaging::rgba8Premultiplied), urlOf(output()),
-            ExistingItem::replace, settings, {}, environment);
+            ExistingItem::replace, m_settings, {}, environment);
     });
     std::ifstream reader(started);
     std::string line;
     std::getline(reader, line);
-    EXPECT_EQ(listing(workplace.temporary()).empty(), false);
+    EXPECT_EQ(listing(m_workplace.temporary()).empty(), false);
     stop.request_stop();
     const auto encoded = outcome.get();
     ASSERT_FALSE(encoded);
     EXPECT_EQ(localizedDescription(encoded.error()), QStringLiteral("Operation canceled"));
-    EXPECT_EQ(listing(workplace.temporary()), "");
-    EXPECT_EQ(listing(workplace.pictures()), "out.webp");
+    EXPECT_EQ(listing(m_workplace.temporary()), "");
+    EXPECT_EQ(listing(m_workplace.pictures()), "out.webp");
     EXPECT_EQ(textOf(output()), "old");
 }
 

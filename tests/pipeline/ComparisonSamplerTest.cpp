@@ -58,14 +58,17 @@ protected:
     {
         return ComparisonSampler(oriented, encoded)
             .compare(
-                urlOf("/from/source.jpg"), urlOf(output()), readBack, {}, workplace.temporary());
+                urlOf("/from/source.jpg"), urlOf(output()), readBack, {}, m_workplace.temporary());
     }
 
-    [[nodiscard]] std::filesystem::path output() const { return workplace.pictures() / "out.bmp"; }
+    [[nodiscard]] std::filesystem::path output() const
+    {
+        return m_workplace.pictures() / "out.bmp";
+    }
 
     static Image sample(const QUrl& url) { return test::readPicture(platform::toPath(url)); }
 
-    test::Workplace workplace;
+    test::Workplace m_workplace;
 };
 
 TEST_F(Sampler, smallPictureIsSampledWhole)
@@ -148,13 +151,14 @@ TEST_F(Sampler, withoutAFolderThereIsNoPreview)
 {
     const Image image = pattern({ 10, 5 });
     test::writePicture(output(), image, UniformType::bmp);
-    std::filesystem::remove(workplace.temporary());
+    std::filesystem::remove(m_workplace.temporary());
     EXPECT_EQ(compare(image, image).preview, std::nullopt);
 }
 
 TEST_F(Sampler, previewSampleIsNamedByACapitalUuid)
 {
-    const auto url = ImageOptimizer::writePreviewSample(pattern({ 10, 5 }), workplace.temporary());
+    const auto url
+        = ImageOptimizer::writePreviewSample(pattern({ 10, 5 }), m_workplace.temporary());
     ASSERT_TRUE(url);
     const std::string name = platform::toPath(*url).filename().string();
     ASSERT_TRUE(name.starts_with("vellumine-preview-"));

@@ -71,8 +71,8 @@ protected:
     void SetUp() override
     {
         QLocale::setDefault(QLocale::c());
-        environment.moveToTrash = [this](const QUrl& url) -> platform::Result<void> {
-            trashed.push_back(url);
+        m_environment.moveToTrash = [this](const QUrl& url) -> platform::Result<void> {
+            m_trashed.push_back(url);
             std::filesystem::remove(platform::toPath(url));
             return {};
         };
@@ -80,7 +80,7 @@ protected:
 
     [[nodiscard]] std::filesystem::path in(std::string_view name) const
     {
-        return workplace.pictures() / name;
+        return m_workplace.pictures() / name;
     }
 
     /// A picture of noise-free colours in a format that is exact.
@@ -93,7 +93,7 @@ protected:
 
     Outcome<ProcessingResult> optimize(const std::filesystem::path& path) const
     {
-        return ImageOptimizer::optimize(urlOf(path), settings, environment);
+        return ImageOptimizer::optimize(urlOf(path), m_settings, m_environment);
     }
 
     void expectFailure(const std::filesystem::path& path, std::string_view message) const
@@ -101,13 +101,13 @@ protected:
         const auto result = optimize(path);
         ASSERT_FALSE(result);
         EXPECT_EQ(localizedDescription(result.error()).toStdString(), message);
-        EXPECT_EQ(listing(workplace.temporary()), "");
+        EXPECT_EQ(listing(m_workplace.temporary()), "");
     }
 
-    test::Workplace workplace;
-    OptimizerSettings settings;
-    ConversionEnvironment environment = workplace.environment();
-    std::vector<QUrl> trashed;
+    test::Workplace m_workplace;
+    OptimizerSettings m_settings;
+    ConversionEnvironment m_environment = m_workplace.environment();
+    std::vector<QUrl> m_trashed;
 };
 
 TEST_F(Optimize, resultOfASuccessHasEveryField)
@@ -145,7 +145,7 @@ TEST_F(Optimize, leavesOnlyTheTwoSamplesInTheTemporaryFolder)
         platform::toPath(result->comparisonPreview->outputSampleURL).string(),
     };
     std::set<std::string> found;
-    for (const auto& entry : std::filesystem::directory_iterator(workplace.temporary())) {
+    for (const auto& entry : std::filesystem::directory_iterator(m_workplace.temporary())) {
         found.insert(entry.path().string());
     }
     EXPECT_EQ(found, expected);
@@ -165,7 +165,7 @@ class OptimizeTo : public Optimize, public testing::WithParamInterface<FormatRow
 TEST_P(OptimizeTo, writesThatFormatAndSaysSo)
 {
     test::writePicture(in("a.tiff"), test::gradient(test::oddSize, rgba8), UniformType::tiff);
-    settings.outputFormat = GetParam().format;
+    m_settings.outputFormat = GetParam().format;
     const auto result = optimize(in("a.tiff"));
     ASSERT_TRUE(result) << localizedDescription(result.error()).toStdString();
     EXPECT_EQ(result->outputURL, urlOf(in(GetParam().output)));
@@ -194,7 +194,7 @@ INSTANTIATE_TEST_SUITE_P(ImageOptimizer, OptimizeTo,
 TEST_F(Optimize, misnamedFileGoesByItsContent)
 {
     makeSource("a.png");
-    settings.outputFormat = OutputFormat::original;
+    m_settings.outputFormat = OutputFormat::original;
     const auto result = optimize(in("a.png"));
     ASSERT_TRUE(result);
     EXPECT_EQ(result->outputURL, urlOf(in("a.bmp")));
@@ -203,12 +203,12 @@ TEST_F(Optimize, misnamedFileGoesByItsContent)
 
 TEST_F(Optimize, webPInTheOriginalFormatIsRefused)
 {
-    settings.outputFormat = OutputFormat::webpLossless;
+    m_settings.outputFormat = OutputFormat::webpLossless;
     ASSERT_TRUE(optimize(makeSource("a.bmp")));
-    for (const auto& entry : std::filesystem::directory_iterator(workplace.temporary())) {
+    for (const auto& entry : std::filesystem::directory_iterator(m_workplace.temporary())) {
         std::filesystem::remove(entry.path());
     }
-    settings.outputFormat = OutputFormat::original;
+    m_settings.outputFormat = OutputFormat::original;
     expectFailure(
         in("a.webp"), "Original Format is not supported by this macOS ImageIO installation.");
     EXPECT_EQ(listing(in("")), "a.bmp a.webp");
@@ -216,7 +216,7 @@ TEST_F(Optimize, webPInTheOriginalFormatIsRefused)
 
 TEST_F(Optimize, outputLargerThanTheInputIsKeptAndConverted)
 {
-    settings = test::plainSettings(OutputFormat::png);
+    m_settings = test::plainSettings(OutputFormat::png);
     // A picture of noise is larger as PNG than as JPEG.
     test::writePicture(in("noise.jpg"), test::syntheticPhoto({ 300, 200 }), UniformType::jpeg);
     const auto result = optimize(in("noise.jpg"));
@@ -247,13 +247,13 @@ TEST_F(Optimize, truncatedPictureIsUnreadableAndLeavesTheOldOutput)
 
 TEST_F(Optimize, pictureBeyondTheLimitsIsUnreadable)
 {
-    environment.limits.maximumPixels = 100;
+    m_environment.limits.maximumPixels = 100;
     expectFailure(makeSource(), "The image could not be read.");
 }
 
 TEST_F(Optimize, unreadableImageComesBeforeTheMissingFolder)
 {
-    settings.destinationMode = DestinationMode::selectedFolder;
+    m_settings.destinationMode = DestinationMode::selectedFolder;
     writeFile(in("text.png"), "hello");
     expectFailure(in("text.png"), "The image could not be read.");
     expectFailure(makeSource(), "The selected destination folder is no longer available.");
@@ -262,11 +262,11 @@ TEST_F(Optimize, unreadableImageComesBeforeTheMissingFolder)
 
 TEST_F(Optimize, vanishedDestinationFolderFailsByFormat)
 {
-    settings.destinationMode = DestinationMode::selectedFolder;
-    settings.destinationFolderURL = urlOf(in("vanished"));
-    settings.outputFormat = OutputFormat::jpeg;
+    m_settings.destinationMode = DestinationMode::selectedFolder;
+    m_settings.destinationFolderURL = urlOf(in("vanished"));
+    m_settings.outputFormat = OutputFormat::jpeg;
     expectFailure(makeSource("a.bmp"), "Could not create a.jpg.");
-    settings.outputFormat = OutputFormat::webp;
+    m_settings.outputFormat = OutputFormat::webp;
     expectFailure(in("a.bmp"), "Could not save a.webp: No such file or directory");
 }
 
@@ -274,18 +274,18 @@ TEST_F(Optimize, nameThatIsTooLongFailsByFormat)
 {
     const std::string base(251, 'n');
     makeSource(base + ".bmp");
-    settings.outputFormat = OutputFormat::heic;
+    m_settings.outputFormat = OutputFormat::heic;
     expectFailure(in(base + ".bmp"), "Could not create " + base + ".heic.");
-    settings.outputFormat = OutputFormat::webp;
+    m_settings.outputFormat = OutputFormat::webp;
     expectFailure(in(base + ".bmp"), "Could not save " + base + ".webp: File name too long");
     EXPECT_EQ(listing(in("")), base + ".bmp");
 }
 
 TEST_F(Optimize, skipLeavesTheExistingFileUntouched)
 {
-    settings.warnBeforeOverwrite = true;
+    m_settings.warnBeforeOverwrite = true;
     writeFile(in("a.webp"), "old");
-    environment.confirmOverwrite = [](const QUrl&) { return OverwriteDecision::skip; };
+    m_environment.confirmOverwrite = [](const QUrl&) { return OverwriteDecision::skip; };
     expectFailure(makeSource(), "Skipped because the output file already exists.");
     EXPECT_EQ(textOf(in("a.webp")), "old");
     EXPECT_EQ(listing(in("")), "a.bmp a.webp");
@@ -293,18 +293,18 @@ TEST_F(Optimize, skipLeavesTheExistingFileUntouched)
 
 TEST_F(Optimize, replaceReplaces)
 {
-    settings.warnBeforeOverwrite = true;
+    m_settings.warnBeforeOverwrite = true;
     writeFile(in("a.webp"), "old");
-    environment.confirmOverwrite = [](const QUrl&) { return OverwriteDecision::replace; };
+    m_environment.confirmOverwrite = [](const QUrl&) { return OverwriteDecision::replace; };
     ASSERT_TRUE(optimize(makeSource()));
     EXPECT_EQ(test::readPicture(in("a.webp")).size(), test::oddSize);
 }
 
 TEST_F(Optimize, fileThatVanishesAfterTheQuestionIsNoProblem)
 {
-    settings.warnBeforeOverwrite = true;
+    m_settings.warnBeforeOverwrite = true;
     writeFile(in("a.webp"), "old");
-    environment.confirmOverwrite = [this](const QUrl&) {
+    m_environment.confirmOverwrite = [this](const QUrl&) {
         std::filesystem::remove(in("a.webp"));
         return OverwriteDecision::replace;
     };
@@ -315,7 +315,7 @@ TEST_F(Optimize, fileThatVanishesAfterTheQuestionIsNoProblem)
 TEST_F(Optimize, existingFileStandsWhenTheEncoderFails)
 {
     writeFile(in("a.webp"), "old");
-    workplace.replaceEncoder("exit 1\n");
+    m_workplace.replaceEncoder("exit 1\n");
     expectFailure(makeSource(), "Could not finish writing a.webp: cwebp exited with status 1");
     EXPECT_EQ(textOf(in("a.webp")), "old");
     EXPECT_EQ(listing(in("")), "a.bmp a.webp");
@@ -324,15 +324,15 @@ TEST_F(Optimize, existingFileStandsWhenTheEncoderFails)
 TEST_F(Optimize, folderInTheWayFailsWithTheSystemsText)
 {
     for (const OutputFormat format : { OutputFormat::webp, OutputFormat::jpeg }) {
-        settings.outputFormat = format;
+        m_settings.outputFormat = format;
         const char* name = format == OutputFormat::webp ? "a.webp" : "a.jpg";
         std::filesystem::create_directory(in(name));
-        workplace.replaceEncoder("touch '" + (workplace.programs() / "ran").string() + "'\n");
+        m_workplace.replaceEncoder("touch '" + (m_workplace.programs() / "ran").string() + "'\n");
         expectFailure(
             makeSource(format == OutputFormat::webp ? "a.bmp" : "a.tif"), "Is a directory");
         EXPECT_TRUE(std::filesystem::is_directory(in(name)));
     }
-    EXPECT_FALSE(std::filesystem::exists(workplace.programs() / "ran"));
+    EXPECT_FALSE(std::filesystem::exists(m_workplace.programs() / "ran"));
 }
 
 TEST_F(Optimize, outputThatIsALinkIsReplacedItself)
@@ -372,7 +372,7 @@ TEST_F(Optimize, modificationTimeIsCarriedOverToTheNanosecond)
     EXPECT_EQ(status.st_mtim.tv_sec, 1'234'567'890);
     EXPECT_EQ(status.st_mtim.tv_nsec, 123'456'789);
 
-    settings.preserveModificationTime = false;
+    m_settings.preserveModificationTime = false;
     ASSERT_TRUE(optimize(source));
     ASSERT_EQ(::stat(in("a.webp").c_str(), &status), 0);
     EXPECT_GT(status.st_mtim.tv_sec, 1'700'000'000);
@@ -380,16 +380,16 @@ TEST_F(Optimize, modificationTimeIsCarriedOverToTheNanosecond)
 
 TEST_F(Optimize, originalGoesToTheTrashAfterItsOutputWasReadBack)
 {
-    settings.moveOriginalToTrash = true;
+    m_settings.moveOriginalToTrash = true;
     bool outputWasThere = false;
-    environment.moveToTrash = [&](const QUrl& url) -> platform::Result<void> {
+    m_environment.moveToTrash = [&](const QUrl& url) -> platform::Result<void> {
         outputWasThere = test::readPicture(in("a.webp")).size() == test::oddSize;
-        trashed.push_back(url);
+        m_trashed.push_back(url);
         return {};
     };
     const auto result = optimize(makeSource());
     ASSERT_TRUE(result);
-    EXPECT_EQ(trashed, std::vector { urlOf(in("a.bmp")) });
+    EXPECT_EQ(m_trashed, std::vector { urlOf(in("a.bmp")) });
     EXPECT_TRUE(outputWasThere);
     EXPECT_FALSE(result->message.contains(QStringLiteral("Trash")));
     EXPECT_TRUE(result->comparisonPreview);
@@ -398,19 +398,19 @@ TEST_F(Optimize, originalGoesToTheTrashAfterItsOutputWasReadBack)
 TEST_F(Optimize, originalStaysWhenItIsNotWanted)
 {
     ASSERT_TRUE(optimize(makeSource()));
-    EXPECT_TRUE(trashed.empty());
+    EXPECT_TRUE(m_trashed.empty());
 }
 
 TEST_F(Optimize, originalStaysWhenTheOutputCannotBeReadBack)
 {
-    settings.moveOriginalToTrash = true;
-    workplace.replaceEncoder(R"(
+    m_settings.moveOriginalToTrash = true;
+    m_workplace.replaceEncoder(R"(
 while [ "$1" != "-o" ]; do shift; done
 printf garbage > "$2"
 )");
     const auto result = optimize(makeSource());
     ASSERT_TRUE(result);
-    EXPECT_TRUE(trashed.empty());
+    EXPECT_TRUE(m_trashed.empty());
     EXPECT_TRUE(std::filesystem::exists(in("a.bmp")));
     EXPECT_TRUE(result->isSuccess);
     EXPECT_TRUE(result->message.endsWith(QStringLiteral(". Original could not be moved to Trash")));
@@ -418,21 +418,21 @@ printf garbage > "$2"
 
 TEST_F(Optimize, originalStaysWhenTheOutputHasAnotherSize)
 {
-    settings = test::plainSettings(OutputFormat::webpLossless);
+    m_settings = test::plainSettings(OutputFormat::webpLossless);
     ASSERT_TRUE(optimize(makeSource("small.bmp", { 9, 9 })));
-    settings.moveOriginalToTrash = true;
-    workplace.replaceEncoder("while [ \"$1\" != \"-o\" ]; do shift; done\ncp '"
+    m_settings.moveOriginalToTrash = true;
+    m_workplace.replaceEncoder("while [ \"$1\" != \"-o\" ]; do shift; done\ncp '"
         + in("small.webp").string() + "' \"$2\"\n");
     const auto result = optimize(makeSource("a.bmp"));
     ASSERT_TRUE(result);
-    EXPECT_TRUE(trashed.empty());
+    EXPECT_TRUE(m_trashed.empty());
     EXPECT_TRUE(result->message.contains(QStringLiteral("could not be moved to Trash")));
 }
 
 TEST_F(Optimize, trashThatFailsIsOnlyMentioned)
 {
-    settings.moveOriginalToTrash = true;
-    environment.moveToTrash = [](const QUrl&) { return platform::failure(EPERM); };
+    m_settings.moveOriginalToTrash = true;
+    m_environment.moveToTrash = [](const QUrl&) { return platform::failure(EPERM); };
     const auto result = optimize(makeSource());
     ASSERT_TRUE(result);
     EXPECT_TRUE(result->isSuccess);
@@ -443,14 +443,14 @@ TEST_F(Optimize, accessesAreEndedOnEveryWayOut)
 {
     const auto run = [this](const std::filesystem::path& path) {
         const auto scope = std::make_shared<CountingScope>();
-        environment.securityScope = scope;
+        m_environment.securityScope = scope;
         (void)optimize(path);
         return scope->events;
     };
     const QStringList expected { QStringLiteral("start a.bmp"), QStringLiteral("start pictures"),
         QStringLiteral("stop pictures"), QStringLiteral("stop a.bmp") };
     EXPECT_EQ(run(makeSource()), expected);
-    workplace.removeEncoder();
+    m_workplace.removeEncoder();
     EXPECT_EQ(run(in("a.bmp")), expected);
     writeFile(in("a.bmp"), "broken");
     EXPECT_EQ(run(in("a.bmp")), expected);
@@ -460,7 +460,7 @@ TEST_F(Optimize, accessThatWasNotGrantedIsNotEnded)
 {
     const auto scope = std::make_shared<CountingScope>();
     scope->refuses = QStringList { QStringLiteral("a.bmp") };
-    environment.securityScope = scope;
+    m_environment.securityScope = scope;
     ASSERT_TRUE(optimize(makeSource()));
     EXPECT_EQ(scope->events,
         (QStringList { QStringLiteral("start a.bmp"), QStringLiteral("start pictures"),
@@ -470,8 +470,8 @@ TEST_F(Optimize, accessThatWasNotGrantedIsNotEnded)
 TEST_F(Optimize, folderOfThePreferencesIsAccessedWhateverTheMode)
 {
     const auto scope = std::make_shared<CountingScope>();
-    environment.securityScope = scope;
-    settings.destinationFolderURL = urlOf(workplace.programs());
+    m_environment.securityScope = scope;
+    m_settings.destinationFolderURL = urlOf(m_workplace.programs());
     ASSERT_TRUE(optimize(makeSource()));
     EXPECT_TRUE(scope->events.contains(QStringLiteral("start programs")));
     EXPECT_TRUE(std::filesystem::exists(in("a.webp")));
@@ -488,14 +488,14 @@ TEST_F(OptimizeDeathTest, folderThatCannotBeWrittenFailsByFormatAndKeepsWhatItHa
     namespace fs = std::filesystem;
     constexpr fs::perms readable { 0555 };
     fs::permissions(in(""), readable);
-    fs::permissions(workplace.pictures().parent_path(), readable | fs::perms::owner_write);
-    fs::permissions(workplace.programs(), readable | fs::perms::owner_write);
-    fs::permissions(workplace.temporary(), fs::perms::all);
+    fs::permissions(m_workplace.pictures().parent_path(), readable | fs::perms::owner_write);
+    fs::permissions(m_workplace.programs(), readable | fs::perms::owner_write);
+    fs::permissions(m_workplace.temporary(), fs::perms::all);
     const auto messages = [this] {
         QStringList texts;
         for (const char* name : { "a.bmp", "b.bmp" }) {
             for (const OutputFormat format : { OutputFormat::jpeg, OutputFormat::webp }) {
-                settings.outputFormat = format;
+                m_settings.outputFormat = format;
                 const auto result = optimize(in(name));
                 texts.append(result ? result->message : localizedDescription(result.error()));
             }
@@ -523,8 +523,8 @@ TEST_F(OptimizeDeathTest, folderThatCannotBeWrittenFailsByFormatAndKeepsWhatItHa
 TEST_F(Optimize, eightOrientationsGiveTheSameUprightPicture)
 {
     const Image picture = test::syntheticPhoto({ 161, 99 });
-    settings.quality = 95;
-    settings.resizeMode = ResizeMode::none;
+    m_settings.quality = 95;
+    m_settings.resizeMode = ResizeMode::none;
     std::optional<Image> first;
     for (int tag = 1; tag <= 8; ++tag) {
         SCOPED_TRACE(tag);
@@ -556,9 +556,9 @@ TEST_F(Optimize, namedPipeIsRefusedWithoutWaiting)
 TEST_F(Optimize, outputHasThePermissionsOfANewFile)
 {
     const mode_t before = ::umask(027);
-    settings.outputFormat = OutputFormat::webp;
+    m_settings.outputFormat = OutputFormat::webp;
     const bool webP = optimize(makeSource()).has_value();
-    settings.outputFormat = OutputFormat::jpeg;
+    m_settings.outputFormat = OutputFormat::jpeg;
     const bool jpeg = optimize(in("a.bmp")).has_value();
     ::umask(before);
     ASSERT_TRUE(webP && jpeg);
@@ -576,7 +576,7 @@ TEST_F(Optimize, eightConversionsAtOnceAreAllRight)
         makeSource("p" + std::to_string(i) + ".bmp", { 40 + i, 30 + i });
     }
     std::vector<std::future<Outcome<ProcessingResult>>> running;
-    settings.outputFormat = OutputFormat::webpLossless;
+    m_settings.outputFormat = OutputFormat::webpLossless;
     for (int i = 0; i < count; ++i) {
         running.push_back(std::async(std::launch::async,
             [this, i] { return optimize(in("p" + std::to_string(i) + ".bmp")); }));

@@ -177,59 +177,59 @@ protected:
     {
         OptimizerSettings settings;
         settings.warnBeforeOverwrite = warn;
-        ConversionEnvironment environment = workplace.environment();
+        ConversionEnvironment environment = m_workplace.environment();
         environment.confirmOverwrite = [&](const QUrl& url) {
-            asked.push_back(url);
+            m_asked.push_back(url);
             return decision;
         };
         return ImageOptimizer::confirmOverwrite(urlOf(path), settings, environment);
     }
 
-    test::Workplace workplace;
-    std::vector<QUrl> asked;
+    test::Workplace m_workplace;
+    std::vector<QUrl> m_asked;
 };
 
 TEST_F(ConfirmOverwrite, nobodyIsAskedWhereNothingStands)
 {
-    EXPECT_EQ(confirm(workplace.pictures() / "out", true).value(), ExistingItem::keep);
-    EXPECT_EQ(confirm(workplace.pictures() / "out", false).value(), ExistingItem::replace);
-    EXPECT_TRUE(asked.empty());
+    EXPECT_EQ(confirm(m_workplace.pictures() / "out", true).value(), ExistingItem::keep);
+    EXPECT_EQ(confirm(m_workplace.pictures() / "out", false).value(), ExistingItem::replace);
+    EXPECT_TRUE(m_asked.empty());
 }
 
 TEST_F(ConfirmOverwrite, nobodyIsAskedWithoutTheWarning)
 {
-    writeFile(workplace.pictures() / "out", "x");
-    EXPECT_EQ(confirm(workplace.pictures() / "out", false).value(), ExistingItem::replace);
-    EXPECT_TRUE(asked.empty());
+    writeFile(m_workplace.pictures() / "out", "x");
+    EXPECT_EQ(confirm(m_workplace.pictures() / "out", false).value(), ExistingItem::replace);
+    EXPECT_TRUE(m_asked.empty());
 }
 
 TEST_F(ConfirmOverwrite, replaceGoesOnAndSkipFails)
 {
-    writeFile(workplace.pictures() / "out", "x");
-    EXPECT_EQ(confirm(workplace.pictures() / "out", true, OverwriteDecision::replace).value(),
+    writeFile(m_workplace.pictures() / "out", "x");
+    EXPECT_EQ(confirm(m_workplace.pictures() / "out", true, OverwriteDecision::replace).value(),
         ExistingItem::replace);
-    const auto skipped = confirm(workplace.pictures() / "out", true, OverwriteDecision::skip);
+    const auto skipped = confirm(m_workplace.pictures() / "out", true, OverwriteDecision::skip);
     ASSERT_FALSE(skipped);
     EXPECT_EQ(localizedDescription(skipped.error()),
         QStringLiteral("Skipped because the output file already exists."));
-    EXPECT_EQ(asked.size(), 2U);
-    EXPECT_EQ(asked.front(), urlOf(workplace.pictures() / "out"));
+    EXPECT_EQ(m_asked.size(), 2U);
+    EXPECT_EQ(m_asked.front(), urlOf(m_workplace.pictures() / "out"));
 }
 
 TEST_F(ConfirmOverwrite, aDanglingLinkIsSomethingToAskAbout)
 {
-    std::filesystem::create_symlink("nowhere", workplace.pictures() / "out");
-    EXPECT_TRUE(confirm(workplace.pictures() / "out", true, OverwriteDecision::replace));
-    EXPECT_EQ(asked.size(), 1U);
+    std::filesystem::create_symlink("nowhere", m_workplace.pictures() / "out");
+    EXPECT_TRUE(confirm(m_workplace.pictures() / "out", true, OverwriteDecision::replace));
+    EXPECT_EQ(m_asked.size(), 1U);
 }
 
 TEST_F(ConfirmOverwrite, aFolderInTheWayFailsWithoutAQuestion)
 {
-    std::filesystem::create_directory(workplace.pictures() / "out");
-    const auto result = confirm(workplace.pictures() / "out", true, OverwriteDecision::replace);
+    std::filesystem::create_directory(m_workplace.pictures() / "out");
+    const auto result = confirm(m_workplace.pictures() / "out", true, OverwriteDecision::replace);
     ASSERT_FALSE(result);
     EXPECT_EQ(localizedDescription(result.error()), QStringLiteral("Is a directory"));
-    EXPECT_TRUE(asked.empty());
+    EXPECT_TRUE(m_asked.empty());
 }
 
 TEST(PreserveModificationDate, carriesNanosecondsOver)

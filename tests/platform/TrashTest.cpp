@@ -24,30 +24,30 @@ protected:
             = (std::filesystem::path(home != nullptr ? home : "/") / ".vellumine-trash-test-XXXXXX")
                   .string();
         ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-        s_base = pattern;
+        base = pattern;
         // GLib reads it once, at its first use in the process.
-        ASSERT_EQ(::setenv("XDG_DATA_HOME", (s_base / "data").c_str(), 1), 0);
-        std::filesystem::create_directory(s_base / "data");
+        ASSERT_EQ(::setenv("XDG_DATA_HOME", (base / "data").c_str(), 1), 0);
+        std::filesystem::create_directory(base / "data");
     }
-    static void TearDownTestSuite() { std::filesystem::remove_all(s_base); }
+    static void TearDownTestSuite() { std::filesystem::remove_all(base); }
 
     static QUrl url(const std::filesystem::path& path)
     {
         return fileUrl(QString::fromStdString(path.string()));
     }
 
-    static std::filesystem::path s_base;
+    static std::filesystem::path base;
 };
 
-std::filesystem::path Trash::s_base;
+std::filesystem::path Trash::base;
 
 TEST_F(Trash, holdsTheFileWithItsOriginalPlace)
 {
-    test::writeFile(s_base / "photo ü.jpg", "picture");
-    ASSERT_TRUE(moveToTrash(url(s_base / "photo ü.jpg")));
-    EXPECT_FALSE(std::filesystem::exists(s_base / "photo ü.jpg"));
-    EXPECT_TRUE(std::filesystem::exists(s_base / "data/Trash/files/photo ü.jpg"));
-    EXPECT_TRUE(std::filesystem::exists(s_base / "data/Trash/info/photo ü.jpg.trashinfo"));
+    test::writeFile(base / "photo ü.jpg", "picture");
+    ASSERT_TRUE(moveToTrash(url(base / "photo ü.jpg")));
+    EXPECT_FALSE(std::filesystem::exists(base / "photo ü.jpg"));
+    EXPECT_TRUE(std::filesystem::exists(base / "data/Trash/files/photo ü.jpg"));
+    EXPECT_TRUE(std::filesystem::exists(base / "data/Trash/info/photo ü.jpg.trashinfo"));
 }
 
 TEST_F(Trash, isReadByOtherPrograms)
@@ -56,26 +56,26 @@ TEST_F(Trash, isReadByOtherPrograms)
     if (program.isEmpty()) {
         GTEST_SKIP() << "trash-list is not installed";
     }
-    test::writeFile(s_base / "listed.jpg", "picture");
-    ASSERT_TRUE(moveToTrash(url(s_base / "listed.jpg")));
+    test::writeFile(base / "listed.jpg", "picture");
+    ASSERT_TRUE(moveToTrash(url(base / "listed.jpg")));
     QProcess process;
     process.start(program, {});
     ASSERT_TRUE(process.waitForFinished());
-    EXPECT_TRUE(process.readAllStandardOutput().contains((s_base / "listed.jpg").c_str()));
+    EXPECT_TRUE(process.readAllStandardOutput().contains((base / "listed.jpg").c_str()));
 }
 
 TEST_F(Trash, takesTheLinkAndLeavesItsTarget)
 {
-    test::writeFile(s_base / "target.jpg", "picture");
-    std::filesystem::create_symlink(s_base / "target.jpg", s_base / "link.jpg");
-    ASSERT_TRUE(moveToTrash(url(s_base / "link.jpg")));
-    EXPECT_FALSE(std::filesystem::is_symlink(s_base / "link.jpg"));
-    EXPECT_TRUE(std::filesystem::exists(s_base / "target.jpg"));
+    test::writeFile(base / "target.jpg", "picture");
+    std::filesystem::create_symlink(base / "target.jpg", base / "link.jpg");
+    ASSERT_TRUE(moveToTrash(url(base / "link.jpg")));
+    EXPECT_FALSE(std::filesystem::is_symlink(base / "link.jpg"));
+    EXPECT_TRUE(std::filesystem::exists(base / "target.jpg"));
 }
 
 TEST_F(Trash, saysWhyAFileCannotBeMoved)
 {
-    const auto moved = moveToTrash(url(s_base / "gone.jpg"));
+    const auto moved = moveToTrash(url(base / "gone.jpg"));
     ASSERT_FALSE(moved);
     EXPECT_FALSE(moved.error().text.isEmpty());
 }

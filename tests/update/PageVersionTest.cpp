@@ -56,7 +56,7 @@ class VersionOnUndecodablePage : public testing::TestWithParam<Page> { };
 
 TEST_P(VersionOnUndecodablePage, isNotFound)
 {
-    const QByteArray version = "\"softwareVersion\":\"3\" ";
+    const QByteArray version = R"("softwareVersion":"3" )";
     ASSERT_EQ(versionOnPage(version), QStringLiteral("3"));
     EXPECT_EQ(versionOnPage(version + GetParam().content), std::nullopt);
 }

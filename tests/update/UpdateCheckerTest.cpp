@@ -57,7 +57,7 @@ protected:
 
     [[nodiscard]] UpdateChecker::Source source() const
     {
-        UpdateChecker::Source source { .homePage = server.url(path()), .timeout = patience };
+        UpdateChecker::Source source { .homePage = m_server.url(path()), .timeout = patience };
         source.tls.setCaCertificates({ certificates->authority });
         return source;
     }
@@ -72,11 +72,11 @@ protected:
 
     static QByteArray page(const QByteArray& version)
     {
-        return "<html><script>{\"softwareVersion\": \"" + version + "\"}</script></html>";
+        return R"(<html><script>{"softwareVersion": ")" + version + "\"}</script></html>";
     }
 
     static inline std::optional<test::TestCertificates> certificates;
-    test::HomePageServer server { *certificates };
+    test::HomePageServer m_server { *certificates };
 };
 
 TEST_F(UpdateCheck, startsIdle)
@@ -87,19 +87,19 @@ TEST_F(UpdateCheck, startsIdle)
 
 TEST_F(UpdateCheck, newerVersionIsAvailable)
 {
-    server.answerPage(path(), page("1.4.3"));
+    m_server.answerPage(path(), page("1.4.3"));
     EXPECT_EQ(check(source()), Status(UpdateAvailable { QStringLiteral("1.4.3") }));
 }
 
 TEST_F(UpdateCheck, sameVersionIsCurrent)
 {
-    server.answerPage(path(), page("1.4.2"));
+    m_server.answerPage(path(), page("1.4.2"));
     EXPECT_EQ(check(source()), Status(Current {}));
 }
 
 TEST_F(UpdateCheck, versionWithoutDigitsIsCurrent)
 {
-    server.answerPage(path(), page("soon"));
+    m_server.answerPage(path(), page("soon"));
     EXPECT_EQ(check(source()), Status(Current {}));
 }
 
@@ -113,7 +113,7 @@ class UpdateCheckStatusLine : public UpdateCheck,
 
 TEST_P(UpdateCheckStatusLine, isNotLookedAt)
 {
-    server.answerPage(path(), page("1.4.3"), GetParam().line);
+    m_server.answerPage(path(), page("1.4.3"), GetParam().line);
     EXPECT_EQ(check(source()), Status(UpdateAvailable { QStringLiteral("1.4.3") }));
 }
 
@@ -136,36 +136,36 @@ INSTANTIATE_TEST_SUITE_P(StatusLines, UpdateCheckStatusLine,
 
 TEST_F(UpdateCheck, authenticationIsNotOfferedButItsPageIsUsed)
 {
-    server.answerPage(
+    m_server.answerPage(
         path(), page("1.4.3"), "401 Unauthorized", "WWW-Authenticate: Basic realm=\"x\"\r\n");
     EXPECT_EQ(check(source()), Status(UpdateAvailable { QStringLiteral("1.4.3") }));
 }
 
 TEST_F(UpdateCheck, pageWithoutVersionFails)
 {
-    server.answerPage(path(), "<html>Welcome</html>");
+    m_server.answerPage(path(), "<html>Welcome</html>");
     EXPECT_EQ(check(source()), Status(Failed {}));
 }
 
 TEST_F(UpdateCheck, emptyPageFails)
 {
-    server.answerPage(path(), "");
+    m_server.answerPage(path(), "");
     EXPECT_EQ(check(source()), Status(Failed {}));
 }
 
 TEST_F(UpdateCheck, pageThatIsNotUtf8Fails)
 {
-    server.answerPage(path(), page("1.4.3") + "caf\xE9");
+    m_server.answerPage(path(), page("1.4.3") + "caf\xE9");
     EXPECT_EQ(check(source()), Status(Failed {}));
 }
 
 TEST_F(UpdateCheck, aServerThatNeverAnswersFails)
 {
-    server.keepSilent(path());
+    m_server.keepSilent(path());
     UpdateChecker::Source impatient = source();
     impatient.timeout = shortTimeout;
     EXPECT_EQ(check(impatient), Status(Failed {}));
-    EXPECT_THAT(server.requests(), SizeIs(1));
+    EXPECT_THAT(m_server.requests(), SizeIs(1));
 }
 
 TEST_F(UpdateCheck, theTimeoutIsEightSeconds)
@@ -191,32 +191,32 @@ TEST_F(UpdateCheck, aRefusedConnectionFails)
 
 TEST_F(UpdateCheck, aPageCutOffOnTheWayFails)
 {
-    server.answer(path(), "HTTP/1.1 200 OK\r\nContent-Length: 5000\r\n\r\n" + page("1.4.3"));
+    m_server.answer(path(), "HTTP/1.1 200 OK\r\nContent-Length: 5000\r\n\r\n" + page("1.4.3"));
     EXPECT_EQ(check(source()), Status(Failed {}));
 }
 
 TEST_F(UpdateCheck, whatIsNotHttpFails)
 {
-    server.answer(path(), "220 mail service, " + page("1.4.3") + "\r\n\r\n");
+    m_server.answer(path(), "220 mail service, " + page("1.4.3") + "\r\n\r\n");
     EXPECT_EQ(check(source()), Status(Failed {}));
 }
 
 TEST_F(UpdateCheck, anUntrustedCertificateFails)
 {
-    server.answerPage(path(), page("1.4.3"));
+    m_server.answerPage(path(), page("1.4.3"));
     UpdateChecker::Source distrustful = source();
     distrustful.tls.setCaCertificates({});
     EXPECT_EQ(check(distrustful), Status(Failed {}));
-    EXPECT_THAT(server.requests(), SizeIs(0));
+    EXPECT_THAT(m_server.requests(), SizeIs(0));
 }
 
 TEST_F(UpdateCheck, aCertificateForAnotherHostFails)
 {
-    server.answerPage(path(), page("1.4.3"));
+    m_server.answerPage(path(), page("1.4.3"));
     UpdateChecker::Source otherName = source();
     otherName.homePage.setHost(QStringLiteral("localhost"));
     EXPECT_EQ(check(otherName), Status(Failed {}));
-    EXPECT_THAT(server.requests(), SizeIs(0));
+    EXPECT_THAT(m_server.requests(), SizeIs(0));
 }
 
 TEST_F(UpdateCheck, plainHttpIsNeverAsked)
@@ -241,15 +241,15 @@ TEST_F(UpdateCheck, aRedirectToHttpsIsFollowed)
 {
     test::HomePageServer other(*certificates);
     other.answerPage(QStringLiteral("/new"), page("1.4.3"));
-    server.answerPage(
+    m_server.answerPage(
         path(), page("9.9"), "301 Moved Permanently", location(other.url(QStringLiteral("/new"))));
     EXPECT_EQ(check(source()), Status(UpdateAvailable { QStringLiteral("1.4.3") }));
 }
 
 TEST_F(UpdateCheck, aRelativeRedirectIsFollowed)
 {
-    server.answerPage(QStringLiteral("/new"), page("1.4.3"));
-    server.answerPage(path(), "", "302 Found", "Location: /new\r\n");
+    m_server.answerPage(QStringLiteral("/new"), page("1.4.3"));
+    m_server.answerPage(path(), "", "302 Found", "Location: /new\r\n");
     EXPECT_EQ(check(source()), Status(UpdateAvailable { QStringLiteral("1.4.3") }));
 }
 
@@ -257,37 +257,37 @@ TEST_F(UpdateCheck, aRedirectToHttpFails)
 {
     QTcpServer plain;
     ASSERT_TRUE(plain.listen(QHostAddress::LocalHost));
-    QUrl insecure = server.url(path());
+    QUrl insecure = m_server.url(path());
     insecure.setScheme(QStringLiteral("http"));
     insecure.setPort(plain.serverPort());
-    server.answerPage(path(), page("1.4.3"), "302 Found", location(insecure));
+    m_server.answerPage(path(), page("1.4.3"), "302 Found", location(insecure));
     EXPECT_EQ(check(source()), Status(Failed {}));
     EXPECT_FALSE(plain.waitForNewConnection(0));
 }
 
 TEST_F(UpdateCheck, aRedirectToAFileFails)
 {
-    server.answerPage(path(), page("1.4.3"), "302 Found", "Location: file:///etc/hostname\r\n");
+    m_server.answerPage(path(), page("1.4.3"), "302 Found", "Location: file:///etc/hostname\r\n");
     EXPECT_EQ(check(source()), Status(Failed {}));
 }
 
 TEST_F(UpdateCheck, aRedirectToNowhereFails)
 {
-    server.answerPage(path(), page("1.4.3"), "302 Found");
+    m_server.answerPage(path(), page("1.4.3"), "302 Found");
     EXPECT_EQ(check(source()), Status(Failed {}));
 }
 
 TEST_F(UpdateCheck, aRedirectLoopFails)
 {
-    server.answerPage(path(), page("1.4.3"), "302 Found", "Location: /again\r\n");
-    server.answerPage(QStringLiteral("/again"), page("1.4.3"), "302 Found", "Location: /\r\n");
+    m_server.answerPage(path(), page("1.4.3"), "302 Found", "Location: /again\r\n");
+    m_server.answerPage(QStringLiteral("/again"), page("1.4.3"), "302 Found", "Location: /\r\n");
     EXPECT_EQ(check(source()), Status(Failed {}));
 }
 
 TEST_F(UpdateCheck, aPageThatIsTooLargeFails)
 {
     const QByteArray content = page("1.4.3") + QByteArray(100'000, ' ');
-    server.answerPage(path(), content);
+    m_server.answerPage(path(), content);
     UpdateChecker::Source bounded = source();
     bounded.maximumPageBytes = content.size() - 1;
     EXPECT_EQ(check(bounded), Status(Failed {}));
@@ -297,10 +297,10 @@ TEST_F(UpdateCheck, aPageThatIsTooLargeFails)
 
 TEST_F(UpdateCheck, oneGetWithoutABodyIsSent)
 {
-    server.answerPage(path(), page("1.4.3"));
+    m_server.answerPage(path(), page("1.4.3"));
     ASSERT_EQ(check(source()), Status(UpdateAvailable { QStringLiteral("1.4.3") }));
-    ASSERT_THAT(server.requests(), SizeIs(1));
-    const QByteArray& request = server.requests().front();
+    ASSERT_THAT(m_server.requests(), SizeIs(1));
+    const QByteArray& request = m_server.requests().front();
     EXPECT_TRUE(request.startsWith("GET / HTTP/1.1\r\n")) << request.toStdString();
     EXPECT_TRUE(request.endsWith("\r\n\r\n"));
     for (const char* header : { "cookie:", "authorization:", "referer:", "cache-control:" }) {
@@ -310,15 +310,15 @@ TEST_F(UpdateCheck, oneGetWithoutABodyIsSent)
 
 TEST_F(UpdateCheck, twoQuickCallsMakeOneLoad)
 {
-    server.answerPage(path(), page("1.4.3"));
+    m_server.answerPage(path(), page("1.4.3"));
     UpdateChecker checker(source(), QStringLiteral("1.0"));
     QSignalSpy spy(&checker, &UpdateChecker::statusChanged);
     checker.checkForUpdates();
     checker.checkForUpdates();
     EXPECT_EQ(settled(checker), Status(UpdateAvailable { QStringLiteral("1.4.3") }));
     EXPECT_THAT(spy, SizeIs(2)); // checking, then the outcome
-    EXPECT_THAT(server.requests(), SizeIs(1));
-    EXPECT_EQ(server.connectionCount(), 1);
+    EXPECT_THAT(m_server.requests(), SizeIs(1));
+    EXPECT_EQ(m_server.connectionCount(), 1);
 }
 
 TEST_F(UpdateCheck, canBeRepeatedAfterEveryOutcome)
@@ -331,34 +331,34 @@ TEST_F(UpdateCheck, canBeRepeatedAfterEveryOutcome)
              { "1.0", Current {} },
          }) {
         SCOPED_TRACE(version);
-        server.answerPage(path(), page(version));
+        m_server.answerPage(path(), page(version));
         checker.checkForUpdates();
         EXPECT_EQ(checker.status(), Status(Checking {}));
         EXPECT_EQ(settled(checker), outcome);
     }
-    EXPECT_THAT(server.requests(), SizeIs(4));
+    EXPECT_THAT(m_server.requests(), SizeIs(4));
 }
 
 TEST_F(UpdateCheck, cookiesAreNotKeptForTheNextCheck)
 {
-    server.answerPage(path(), page("1.4.3"), "200 OK", "Set-Cookie: visitor=1\r\n");
+    m_server.answerPage(path(), page("1.4.3"), "200 OK", "Set-Cookie: visitor=1\r\n");
     UpdateChecker checker(source(), QStringLiteral("1.0"));
     for (int round = 0; round < 2; ++round) {
         checker.checkForUpdates();
         ASSERT_EQ(settled(checker), Status(UpdateAvailable { QStringLiteral("1.4.3") }));
     }
-    ASSERT_THAT(server.requests(), SizeIs(2));
-    EXPECT_FALSE(server.requests().back().toLower().contains("cookie"));
+    ASSERT_THAT(m_server.requests(), SizeIs(2));
+    EXPECT_FALSE(m_server.requests().back().toLower().contains("cookie"));
 }
 
 TEST_F(UpdateCheck, aRetryCanStartWhileTheOutcomeIsAnnounced)
 {
-    server.answerPage(path(), "nothing");
+    m_server.answerPage(path(), "nothing");
     UpdateChecker checker(source(), QStringLiteral("1.0"));
     int retries = 0;
     QObject::connect(&checker, &UpdateChecker::statusChanged, &checker, [&] {
         if (checker.status() == Status(Failed {}) && retries++ == 0) {
-            server.answerPage(path(), page("1.4.3"));
+            m_server.answerPage(path(), page("1.4.3"));
             checker.checkForUpdates();
         }
     });
@@ -368,7 +368,7 @@ TEST_F(UpdateCheck, aRetryCanStartWhileTheOutcomeIsAnnounced)
 
 TEST_F(UpdateCheck, theCheckerCanGoInTheMiddleOfACheck)
 {
-    server.keepSilent(path());
+    m_server.keepSilent(path());
     auto checker = std::make_unique<UpdateChecker>(source(), QStringLiteral("1.0"));
     QSignalSpy spy(checker.get(), &UpdateChecker::statusChanged);
     checker->checkForUpdates();

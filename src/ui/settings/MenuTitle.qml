@@ -8,7 +8,7 @@ Text {
     color: KestrovaTheme.creamSubtle
     font: TextStyle.subheadline
     horizontalAlignment: Text.AlignLeft
-    leftPadding: 8
+    leftPadding: 12
     rightPadding: 8
     topPadding: 4
 }

@@ -7,13 +7,14 @@ Rectangle {
     id: section
 
     required property string title
+    property real rowSpacing: 6
     default property alias content: rows.data
 
     Accessible.name: title
     Accessible.role: Accessible.Grouping
     border.color: KestrovaTheme.border
     color: KestrovaTheme.lightCard
-    implicitHeight: column.implicitHeight + 20
+    implicitHeight: column.implicitHeight + 16
     implicitWidth: column.implicitWidth + 28
     radius: 10
 
@@ -21,11 +22,11 @@ Rectangle {
         id: column
 
         anchors.fill: parent
-        anchors.bottomMargin: 10
+        anchors.bottomMargin: 8
         anchors.leftMargin: 14
         anchors.rightMargin: 14
-        anchors.topMargin: 10
-        spacing: 7
+        anchors.topMargin: 8
+        spacing: 5
 
         Text {
             Accessible.ignored: true
@@ -41,7 +42,7 @@ Rectangle {
             id: rows
 
             Layout.fillWidth: true
-            spacing: 6
+            spacing: section.rowSpacing
         }
     }
 }

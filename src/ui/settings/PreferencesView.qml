@@ -12,7 +12,7 @@ T.Pane {
     required property StatsPresenter stats
     property real cornerRadius: 0
 
-    bottomPadding: 18
+    bottomPadding: 16
     implicitHeight: 840
     implicitWidth: 620
     leftPadding: 22
@@ -24,7 +24,7 @@ T.Pane {
         radius: view.cornerRadius
     }
     contentItem: ColumnLayout {
-        spacing: 12
+        spacing: 10
 
         RowLayout {
             Layout.fillWidth: true
@@ -70,13 +70,20 @@ T.Pane {
             contentWidth: width
 
             T.ScrollBar.vertical: Basic.ScrollBar {
+                contentItem: Rectangle {
+                    color: KestrovaTheme.faded(KestrovaTheme.cream, parent.pressed ? 0.5 : 0.3)
+                    implicitWidth: 6
+                    radius: 3
+                }
                 policy: page.contentHeight > page.height ? Basic.ScrollBar.AlwaysOn : Basic.ScrollBar.AlwaysOff
             }
 
             ColumnLayout {
                 id: sections
 
-                spacing: 10
+                // Room that is left goes between the sections.
+                height: Math.max(implicitHeight, Math.min(page.height, implicitHeight + 60))
+                spacing: 8
                 width: page.width - (page.contentHeight > page.height ? 14 : 0)
 
                 OutputPreferences {
@@ -86,6 +93,7 @@ T.Pane {
 
                 PreferenceSection {
                     Layout.fillWidth: true
+                    rowSpacing: 2
                     title: qsTr("Optimization")
 
                     KestrovaSwitch {
@@ -122,36 +130,51 @@ T.Pane {
                     Layout.fillWidth: true
                     title: qsTr("Miscellaneous")
 
-                    KestrovaSwitch {
-                        checked: view.settings.moveOriginalToTrash
-                        light: true
-                        text: qsTr("Move original to Trash")
+                    GridLayout {
+                        Layout.fillWidth: true
+                        columnSpacing: 10
+                        columns: 2
+                        rowSpacing: 2
 
-                        onToggled: view.settings.moveOriginalToTrash = checked
-                    }
+                        KestrovaSwitch {
+                            Layout.fillWidth: true
+                            Layout.preferredWidth: 1
+                            checked: view.settings.moveOriginalToTrash
+                            light: true
+                            text: qsTr("Move original to Trash")
 
-                    KestrovaSwitch {
-                        checked: view.settings.preserveModificationTime
-                        light: true
-                        text: qsTr("Preserve file modification time")
+                            onToggled: view.settings.moveOriginalToTrash = checked
+                        }
 
-                        onToggled: view.settings.preserveModificationTime = checked
-                    }
+                        KestrovaSwitch {
+                            Layout.fillWidth: true
+                            Layout.preferredWidth: 1
+                            checked: view.settings.preserveModificationTime
+                            light: true
+                            text: qsTr("Preserve file modification time")
 
-                    KestrovaSwitch {
-                        checked: view.settings.warnBeforeOverwrite
-                        light: true
-                        text: qsTr("Show warning before overwrite")
+                            onToggled: view.settings.preserveModificationTime = checked
+                        }
 
-                        onToggled: view.settings.warnBeforeOverwrite = checked
-                    }
+                        KestrovaSwitch {
+                            Layout.fillWidth: true
+                            Layout.preferredWidth: 1
+                            checked: view.settings.warnBeforeOverwrite
+                            light: true
+                            text: qsTr("Show warning before overwrite")
 
-                    KestrovaSwitch {
-                        checked: view.settings.exitWhenComplete
-                        light: true
-                        text: qsTr("Exit when optimization complete")
+                            onToggled: view.settings.warnBeforeOverwrite = checked
+                        }
 
-                        onToggled: view.settings.exitWhenComplete = checked
+                        KestrovaSwitch {
+                            Layout.fillWidth: true
+                            Layout.preferredWidth: 1
+                            checked: view.settings.exitWhenComplete
+                            light: true
+                            text: qsTr("Exit when optimization complete")
+
+                            onToggled: view.settings.exitWhenComplete = checked
+                        }
                     }
                 }
 

@@ -75,16 +75,16 @@ private:
 void QThreadPool::start(QRunnable* runnable, int priority)
 {
     using Start = void(QThreadPool*, QRunnable*, int);
-    static Start* const start = next<Start>("_ZN11QThreadPool5startEP9QRunnablei");
+    static auto* const start = next<Start>("_ZN11QThreadPool5startEP9QRunnablei");
     start(this, new SeenRunnable(runnable), priority);
 }
 
 bool QMetaObject::invokeMethodImpl(
-    QObject* object, QtPrivate::QSlotObjectBase* slot, Qt::ConnectionType type, void* answer)
+    QObject* object, QtPrivate::QSlotObjectBase* slot, Qt::ConnectionType type, void* ret)
 {
     using Invoke = bool(QObject*, QtPrivate::QSlotObjectBase*, Qt::ConnectionType, void*);
-    static Invoke* const invoke = next<Invoke>("_ZN11QMetaObject16invokeMethodImplEP7QObjectPN9QtPr"
-                                               "ivate15QSlotObjectBaseEN2Qt14ConnectionT"
-                                               "ypeEPv");
-    return invoke(object, new SeenSlot(slot), type, answer);
+    static auto* const invoke = next<Invoke>("_ZN11QMetaObject16invokeMethodImplEP7QObjectPN9QtPr"
+                                             "ivate15QSlotObjectBaseEN2Qt14ConnectionT"
+                                             "ypeEPv");
+    return invoke(object, new SeenSlot(slot), type, ret);
 }

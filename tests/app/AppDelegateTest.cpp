@@ -1,0 +1,239 @@
+#include "app/AppDelegate.h"
+#include "app/windows/WindowActivation.h"
+#include "core/PreferencesFile.h"
+#include "platform/FilePath.h"
+#include "support/TestImages.h"
+
+#include <QImage>
+#include <QScreen>
+#include <QTest>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+namespace vellumine {
+namespace {
+
+/// The program in a world of its own: its preferences and folders are the test's, nothing is opened
+/// and nothing is loaded.
+class Program : public testing::Test {
+protected:
+    Program()
+    {
+        std::filesystem::create_directory(m_folder / "temporary");
+        std::filesystem::create_directory(m_folder / "pictures");
+    }
+
+    AppDelegate& delegate()
+    {
+        if (!m_delegate) {
+            m_delegate = std::make_unique<AppDelegate>(AppDelegate::Surroundings {
+                .preferences = m_preferences.open(),
+                .statsFolder = QString::fromStdString((m_folder / "stats").string()),
+                // A check of such an address fails by itself.
+                .updateSource = { .homePage = QUrl(QStringLiteral("none:")) },
+                .temporaryFolder = m_folder / "temporary",
+                .executableFolder = {},
+                .bus = QDBusConnection(QStringLiteral("no such connection")),
+                .reveal = [](const QUrl&) {},
+                .openPage = [](const QUrl&) {},
+                .quit = [this] { ++m_quits; },
+                .windowGrowingTime = std::chrono::milliseconds(0),
+            });
+            // Written by this program itself, so that no encoder is needed.
+            m_delegate->models().settings().setOutputFormat(OutputFormat::png);
+        }
+        return *m_delegate;
+    }
+
+    ProcessingModel& model() { return delegate().models().processingModel(); }
+
+    /// A file with the name of a picture that is none: it fails, and that is a result as well.
+    QUrl brokenPicture(const char* name)
+    {
+        test::writeFile(m_folder / "pictures" / name, std::string_view("no picture"));
+        return platform::fileUrl(m_folder / "pictures" / name);
+    }
+
+    bool waitForResults(qsizetype count)
+    {
+        return QTest::qWaitFor(
+            [&] { return model().results().size() == count && !model().isProcessing(); }, 20000);
+    }
+
+    test::TemporaryFolder m_folder;
+    test::PreferencesFile m_preferences;
+    int m_quits = 0;
+    std::unique_ptr<AppDelegate> m_delegate;
+};
+
+TEST_F(Program, makesTheProcessingModelWhenItIsFirstAskedFor)
+{
+    EXPECT_FALSE(delegate().models().hasProcessingModel());
+    ProcessingModel& first = delegate().models().processingModel();
+    EXPECT_EQ(&delegate().models().processingModel(), &first);
+}
+
+TEST_F(Program, launchShowsTheMainWindowAndLooksForAnUpdate)
+{
+    EXPECT_EQ(delegate().mainWindow(), nullptr);
+    delegate().launch();
+    ASSERT_NE(delegate().mainWindow(), nullptr);
+    EXPECT_TRUE(delegate().mainWindow()->isVisible());
+    EXPECT_EQ(delegate().mainWindow()->objectName(), QStringLiteral("VellumineMainWindow"));
+    EXPECT_EQ(delegate().mainWindow()->title(), QStringLiteral("Vellumine"));
+    EXPECT_EQ(delegate().mainWindow()->minimumSize(), QSize(720, 420));
+    EXPECT_EQ(delegate().mainWindow()->size().width(),
+        std::min(820, delegate().mainWindow()->screen()->availableGeometry().width()));
+    EXPECT_EQ(delegate().preferencesWindow(), nullptr);
+    EXPECT_FALSE(
+        std::holds_alternative<UpdateChecker::Idle>(delegate().models().updateChecker().status()));
+}
+
+TEST_F(Program, choosingPreferencesTwiceMakesOneWindow)
+{
+    delegate().showPreferences();
+    QQuickWindow* window = delegate().preferencesWindow();
+    ASSERT_NE(window, nullptr);
+    EXPECT_EQ(window->objectName(), QStringLiteral("VelluminePreferencesWindow"));
+    delegate().showPreferences();
+    EXPECT_EQ(delegate().preferencesWindow(), window);
+}
+
+TEST_F(Program, aClosedWindowComesBackWhereItWas)
+{
+    delegate().showPreferences();
+    QQuickWindow* window = delegate().preferencesWindow();
+    ASSERT_NE(window, nullptr);
+    window->setPosition(37, 21);
+    window->close();
+    EXPECT_FALSE(window->isVisible());
+    window->setPosition(0, 0); // as a window manager would place it
+    delegate().showPreferences();
+    EXPECT_EQ(delegate().preferencesWindow(), window);
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_EQ(window->position(), QPoint(37, 21));
+}
+
+TEST_F(Program, closingTheMainWindowLeavesTheProgramRunning)
+{
+    delegate().launch();
+    QQuickWindow* window = delegate().mainWindow();
+    window->close();
+    EXPECT_FALSE(window->isVisible());
+    EXPECT_EQ(m_quits, 0);
+    delegate().showMainWindow();
+    EXPECT_EQ(delegate().mainWindow(), window);
+    EXPECT_TRUE(window->isVisible());
+}
+
+TEST_F(Program, theWindowsMenuReachesTheDelegate)
+{
+    delegate().launch();
+    QMetaObject::invokeMethod(delegate().mainWindow(), "preferencesRequested");
+    EXPECT_NE(delegate().preferencesWindow(), nullptr);
+    QMetaObject::invokeMethod(delegate().preferencesWindow(), "quitRequested");
+    EXPECT_EQ(m_quits, 1);
+}
+
+TEST_F(Program, growsWithItsFirstResult)
+{
+    delegate().launch();
+    QQuickWindow& window = *delegate().mainWindow();
+    const QRect before = window.geometry();
+    const int available = window.screen()->availableGeometry().height();
+    delegate().process({ brokenPicture("a.png") });
+    ASSERT_TRUE(waitForResults(1));
+    EXPECT_EQ(window.height(), std::min(650, available));
+    EXPECT_EQ(window.width(), before.width());
+}
+
+TEST_F(Program, leavesAMaximisedWindowAlone)
+{
+    delegate().launch();
+    QQuickWindow& window = *delegate().mainWindow();
+    window.showMaximized();
+    const QRect before = window.geometry();
+    delegate().process({ brokenPicture("a.png") });
+    ASSERT_TRUE(waitForResults(1));
+    EXPECT_EQ(window.geometry(), before);
+}
+
+TEST_F(Program, quitsAfterTheBatchThatWasStartedWhileTheUserWantedIt)
+{
+    delegate().models().settings().setExitWhenComplete(true);
+    delegate().process({ brokenPicture("a.png") });
+    // Too late for the batch that is on its way.
+    delegate().models().settings().setExitWhenComplete(false);
+    ASSERT_TRUE(waitForResults(1));
+    EXPECT_EQ(m_quits, 1);
+
+    delegate().process({ brokenPicture("b.png") });
+    ASSERT_TRUE(waitForResults(2));
+    EXPECT_EQ(m_quits, 1);
+}
+
+TEST_F(Program, staysAfterABatchByDefault)
+{
+    delegate().process({ brokenPicture("a.png") });
+    ASSERT_TRUE(waitForResults(1));
+    EXPECT_EQ(m_quits, 0);
+}
+
+TEST_F(Program, recordsEveryResult)
+{
+    delegate().process({ brokenPicture("a.png"), brokenPicture("b.png") });
+    ASSERT_TRUE(waitForResults(2));
+    EXPECT_EQ(delegate().models().statsStore().stats().filesProcessed, 2);
+    EXPECT_TRUE(std::filesystem::exists(m_folder / "stats" / "stats.json"));
+}
+
+TEST_F(Program, openedFilesBringTheWindowForward)
+{
+    delegate().launch();
+    delegate().mainWindow()->close();
+    delegate().open({ brokenPicture("a.png") }, {});
+    EXPECT_TRUE(delegate().mainWindow()->isVisible());
+    ASSERT_TRUE(waitForResults(1));
+}
+
+TEST_F(Program, removesSamplesThatACrashLeft)
+{
+    const std::filesystem::path sample
+        = m_folder / "temporary" / "vellumine-preview-6F9619FF-8B86-D011-B42D-00C04FC964FF.png";
+    test::writeFile(sample, std::string_view("x"));
+    delegate();
+    EXPECT_FALSE(std::filesystem::exists(sample));
+}
+
+TEST_F(Program, endsWhileAQuestionIsOpen)
+{
+    delegate().models().settings().setWarnBeforeOverwrite(true);
+    delegate().models().settings().setFilenameSuffix(QStringLiteral("-small"));
+    // Any file will do as what is in the way.
+    test::writeFile(m_folder / "pictures" / "a-small.png", std::string_view("in the way"));
+    const std::filesystem::path source = m_folder / "pictures" / "a.bmp";
+    QImage picture(8, 8, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    ASSERT_TRUE(picture.save(QString::fromStdString(source.string())));
+
+    delegate().launch();
+    delegate().mainWindow()->close();
+    delegate().process({ platform::fileUrl(source) });
+    // The question brings the window back.
+    ASSERT_TRUE(QTest::qWaitFor([&] { return delegate().mainWindow()->isVisible(); }, 20000));
+    m_delegate.reset();
+    EXPECT_EQ(std::filesystem::file_size(m_folder / "pictures" / "a-small.png"), 10U);
+}
+
+TEST(WindowActivation, readsTheTimeOfAStartupId)
+{
+    EXPECT_EQ(timeOfStartup("thunar-1234-host-gimp-0_TIME98765"), 98765U);
+    EXPECT_EQ(timeOfStartup("a_TIME1_TIME22"), 22U);
+    EXPECT_EQ(timeOfStartup("no time"), std::nullopt);
+    EXPECT_EQ(timeOfStartup("a_TIMEx"), std::nullopt);
+    EXPECT_EQ(timeOfStartup(""), std::nullopt);
+}
+
+} // namespace
+} // namespace vellumine

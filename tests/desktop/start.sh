@@ -1,0 +1,27 @@
+#!/usr/bin/env bash
+# The program starts, takes what a second start hands over, grows, opens its preferences, and ends.
+# shellcheck source=tests/desktop/library.sh
+. "$(dirname "$0")/library.sh"
+
+start_desktop
+start_program
+screenshot window
+xprop -id "$window" WM_WINDOW_ROLE | grep -q VellumineMainWindow || fail "the window has no name"
+
+make_pictures "$folder/pictures"
+cd "$folder"
+"$VELLUMINE" pictures/a.png "pictures/b c.png" || fail "the second start did not end well"
+wait_for_outputs "$folder/pictures"
+wait_for sh -c "xwininfo -id $window | grep -q 'Height: 726'"
+screenshot results
+
+xdotool windowactivate --sync "$window" key ctrl+comma
+wait_for xdotool search --onlyvisible --name '^Preferences$'
+screenshot preferences
+
+xdotool key ctrl+q
+wait_for sh -c "! kill -0 $program"
+wait "$program" || fail "the program ended with $?"
+if compgen -G "${TMPDIR:-/tmp}/vellumine-preview-*" >/dev/null; then
+    fail "preview samples were left behind"
+fi
