@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # A private X11 desktop for one test: a server without a screen, a window manager and a session bus.
 # To be sourced. Everything that is started here ends with the test; so does its folder, but for the
 # pictures of the screen in SHOTS.
@@ -68,7 +69,8 @@ screenshot() { # NAME
 start_desktop() {
     export HOME="$folder/home" XDG_RUNTIME_DIR="$folder/run"
     export XDG_CONFIG_HOME="$HOME/.config" XDG_DATA_HOME="$HOME/.local/share" XDG_CACHE_HOME="$HOME/.cache"
-    mkdir -p "$XDG_CONFIG_HOME" "$XDG_DATA_HOME" "$XDG_CACHE_HOME" "$XDG_RUNTIME_DIR"
+    export TMPDIR="$folder/temporary"
+    mkdir -p "$XDG_CONFIG_HOME" "$XDG_DATA_HOME" "$XDG_CACHE_HOME" "$XDG_RUNTIME_DIR" "$TMPDIR"
     chmod 700 "$XDG_RUNTIME_DIR"
     unset WAYLAND_DISPLAY SESSION_MANAGER
     export QT_QPA_PLATFORM=xcb GDK_BACKEND=x11 NO_AT_BRIDGE=1
@@ -92,14 +94,24 @@ start_desktop() {
 
 # Starts the program and waits for its window, whose id is in `window`.
 start_program() {
-    background program "$VELLUMINE" "$@"
+    background program "$VELLUMINE"
     program=$process
     wait_for window_of_program
+    # shellcheck disable=SC2034  # the tests use it
     window="$(window_of_program)"
 }
 
+# The status item has the same name, and is small.
 window_of_program() {
-    xdotool search --onlyvisible --name '^Vellumine$' | tail -n 1 | grep .
+    windows_of_program | awk '$2 > 40 {print $1}' | tail -n 1 | grep .
+}
+
+# id and height of each visible window
+windows_of_program() {
+    local candidate
+    for candidate in $(xdotool search --onlyvisible --pid "$program" 2>/dev/null); do
+        echo "$candidate $(xwininfo -id "$candidate" | awk '/Height:/ {print $2}')"
+    done
 }
 
 # Small pictures a.png and "b c.png" in a folder of their own.
@@ -139,6 +151,7 @@ open_file_manager() { # FOLDER
     xdotool key --clearmodifiers ctrl+a
     sleep 0.4
     # Started by root it shows a warning above the icons.
+    # shellcheck disable=SC2034  # the tests use it
     icon=($((X + 211)) $((Y + (EUID == 0 ? 146 : 112))))
 }
 

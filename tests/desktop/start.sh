@@ -22,6 +22,6 @@ screenshot preferences
 xdotool key ctrl+q
 wait_for sh -c "! kill -0 $program"
 wait "$program" || fail "the program ended with $?"
-if compgen -G "${TMPDIR:-/tmp}/vellumine-preview-*" >/dev/null; then
+if compgen -G "$TMPDIR/vellumine-preview-*" >/dev/null; then
     fail "preview samples were left behind"
 fi

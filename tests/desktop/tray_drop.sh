@@ -29,20 +29,12 @@ start_tray() {
     tray_process=$process
 }
 
-# The status item is the small visible window of the program.
 status_item() {
-    local candidate
-    for candidate in $(xdotool search --onlyvisible --pid "$program" 2>/dev/null); do
-        if (($(xwininfo -id "$candidate" | awk '/Height:/ {print $2}') <= 40)); then
-            echo "$candidate"
-            return
-        fi
-    done
-    return 1
+    windows_of_program | awk '$2 <= 40 {print $1}' | tail -n 1 | grep .
 }
 
-visible_windows() {
-    xdotool search --onlyvisible --pid "$program" 2>/dev/null | wc -l
+has_windows() { # TEST COUNT, as of test
+    test "$(windows_of_program | wc -l)" "$1" "$2"
 }
 
 start_desktop
@@ -61,12 +53,12 @@ wait_for_outputs "$folder/pictures"
 
 for button in 1 3; do
     sleep 0.6 # the cover goes after the drop
-    before="$(visible_windows)"
+    before="$(windows_of_program | wc -l)"
     xdotool mousemove "$x" "$y" click "$button"
-    wait_for sh -c "test \$(xdotool search --onlyvisible --pid $program 2>/dev/null | wc -l) -gt $before"
+    wait_for has_windows -gt "$before"
     screenshot "menu-$button"
     xdotool key Escape
-    wait_for sh -c "test \$(xdotool search --onlyvisible --pid $program 2>/dev/null | wc -l) -le $before"
+    wait_for has_windows -eq "$before"
 done
 
 kill "$tray_process"

@@ -10,4 +10,4 @@ make_pictures "$folder/pictures"
 open_file_manager "$folder/pictures"
 drag "${icon[@]}" 850 220 hover
 wait_for_outputs "$folder/pictures"
-screenshot done
+screenshot converted
