@@ -243,6 +243,19 @@ Item {
             compare(compact.text, "Kestrova");
         }
 
+        function test_mirroredFromRightToLeft() {
+            view.LayoutMirroring.enabled = true;
+            view.LayoutMirroring.childrenInherit = true;
+            waitForRendering(view);
+            const left = item => item.mapToItem(view, 0, 0).x;
+            const full = findChild(view, "fullLink");
+            const coffee = findChild(view, "coffeeLink");
+            compare(left(coffee), 22);
+            compare(left(full) + full.width, 820 - 22);
+            compare(left(findChild(view, "preferencesButton")), 22);
+            verify(findChild(view, "background").mirrored);
+        }
+
         function test_pasteTakesCopiedFiles() {
             batches.copyUris(["file:///pictures/copied.png"]);
             zone.forceActiveFocus();
