@@ -138,6 +138,7 @@ Rectangle {
         cursorShape: Qt.SplitHCursor
         hoverEnabled: true
 
+        onEntered: canvas.presenter.pointAt(mouseX, width)
         onPositionChanged: event => {
             canvas.usedByKeyboard = false;
             canvas.presenter.pointAt(event.x, width);

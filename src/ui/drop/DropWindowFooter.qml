@@ -36,5 +36,7 @@ RowLayout {
 
     BuyMeACoffeeLink {
         id: coffee
+
+        objectName: "coffeeLink"
     }
 }

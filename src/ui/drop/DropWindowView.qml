@@ -69,6 +69,8 @@ FocusScope {
 
         DropWindowFooter {
             Layout.fillWidth: true
+            // so that it gets narrower than its full form
+            Layout.minimumWidth: 0
             objectName: "footer"
             updates: view.updates
         }

@@ -23,7 +23,7 @@ Item {
         anchors.leftMargin: 10
         anchors.verticalCenter: parent.verticalCenter
         objectName: "menuButton"
-        symbol: "menu"
+        symbol: "line.3.horizontal"
         text: qsTr("Menu")
 
         onClicked: bar.menuRequested()
@@ -37,7 +37,7 @@ Item {
 
         TitleBarButton {
             objectName: "minimizeButton"
-            symbol: "window.minimise"
+            symbol: "minus"
             text: qsTr("Minimize")
 
             onClicked: bar.minimizeRequested()
@@ -45,7 +45,7 @@ Item {
 
         TitleBarButton {
             objectName: "maximizeButton"
-            symbol: bar.maximized ? "window.restore" : "window.maximise"
+            symbol: bar.maximized ? "square.on.square" : "square"
             text: bar.maximized ? qsTr("Restore") : qsTr("Maximize")
 
             onClicked: bar.maximizeRequested()
@@ -55,7 +55,7 @@ Item {
             hoverColor: KestrovaTheme.copper
             objectName: "closeButton"
             pressedColor: KestrovaTheme.copperStrong
-            symbol: "window.close"
+            symbol: "xmark"
             text: qsTr("Close")
 
             onClicked: bar.closeRequested()

@@ -26,6 +26,7 @@ ListView {
     keyNavigationEnabled: true
     model: results
     pixelAligned: true
+    objectName: "resultsView"
     reuseItems: true
 
     T.ScrollBar.vertical: KestrovaScrollBar { }

@@ -16,7 +16,8 @@ T.AbstractButton {
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     opacity: down ? 0.7 : 1
-    padding: 3
+    horizontalPadding: 0
+    verticalPadding: 3
 
     background: Item {
         FocusRing {

@@ -39,7 +39,7 @@ ComparisonFixture::ComparisonFixture(QObject* parent)
 
 void ComparisonFixture::make(const QImage& before, const QImage& after)
 {
-    m_presenter = std::make_unique<ComparisonPresenter>(
+    m_presenters.push_back(std::make_unique<ComparisonPresenter>(
         ComparisonSample {
             .sourceImage = before,
             .outputImage = after,
@@ -49,7 +49,7 @@ void ComparisonFixture::make(const QImage& before, const QImage& after)
             .outputPixelSize = { 2560, 1920 },
             .displaySize = QSizeF(before.size()),
         },
-        QStringLiteral("Review Dolomites at dawn.webp"));
+        QStringLiteral("Review Dolomites at dawn.webp")));
     Q_EMIT presenterChanged();
 }
 

@@ -6,6 +6,7 @@
 #include <qqmlregistration.h>
 
 #include <memory>
+#include <vector>
 
 namespace vellumine {
 
@@ -19,7 +20,7 @@ class ComparisonFixture : public QObject {
 public:
     explicit ComparisonFixture(QObject* parent = nullptr);
 
-    [[nodiscard]] ComparisonPresenter* presenter() { return m_presenter.get(); }
+    [[nodiscard]] ComparisonPresenter* presenter() { return m_presenters.back().get(); }
 
     Q_INVOKABLE void makeFlat(int width, int height);
     /// Black and white pixels by turns; both pictures the same.
@@ -32,7 +33,8 @@ Q_SIGNALS:
 private:
     void make(const QImage& before, const QImage& after);
 
-    std::unique_ptr<ComparisonPresenter> m_presenter;
+    /// The earlier ones stay, for views that are about to go.
+    std::vector<std::unique_ptr<ComparisonPresenter>> m_presenters;
 };
 
 } // namespace vellumine

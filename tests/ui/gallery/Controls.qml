@@ -55,7 +55,7 @@ Rectangle {
     Flow {
         x: 260; y: 330; spacing: 10; width: 440
         Repeater {
-            model: ["seal.fill", "gearshape", "arrow.triangle.2.circlepath", "square.and.arrow.down", "arrow.up.right", "cup.and.saucer.fill", "arrow.clockwise", "sparkle", "arrow.down.circle", "checkmark", "chevron.up.chevron.down", "window.minimise", "window.maximise", "window.restore", "window.close", "menu", "stop", "exclamationmark.triangle.fill"]
+            model: ["seal.fill", "gearshape", "arrow.triangle.2.circlepath", "square.and.arrow.down", "arrow.up.right", "cup.and.saucer.fill", "arrow.clockwise", "sparkle", "arrow.down.circle", "checkmark", "chevron.up.chevron.down", "minus", "square", "square.on.square", "xmark", "line.3.horizontal", "stop", "exclamationmark.triangle.fill"]
             SymbolImage { required property string modelData; name: modelData; size: 24; color: KestrovaTheme.cream }
         }
     }

@@ -23,6 +23,15 @@ public Q_SLOTS:
 
 } // namespace
 
-QUICK_TEST_MAIN_WITH_SETUP(vellumine, Setup)
+int main(int argumentCount, char** arguments)
+{
+    // started by hand it needs no screen either
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+    QTEST_SET_MAIN_SOURCE_PATH
+    Setup setup;
+    return quick_test_main_with_setup(argumentCount, arguments, "vellumine", nullptr, &setup);
+}
 
 #include "main.moc"

@@ -1,5 +1,7 @@
 #include "ui/theme/KestrovaTheme.h"
 
+#include "support/NamedRows.h"
+
 #include <gtest/gtest.h>
 
 namespace vellumine {
@@ -37,7 +39,7 @@ INSTANTIATE_TEST_SUITE_P(Colours, PaletteTest,
         Row { "copperBright", 0.761, 0.549, 0.435, 1 },
         Row { "copperStrong", 0.455, 0.263, 0.204, 1 }, Row { "sage", 0.373, 0.478, 0.341, 1 },
         Row { "border", 0.455, 0.263, 0.204, 0.22 }),
-    [](const auto& row) { return row.param.name; });
+    test::RowName());
 
 TEST(PaletteTest, KeepsTheNumbersThatEightBitsCannotHold)
 {
