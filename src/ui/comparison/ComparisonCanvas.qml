@@ -53,11 +53,16 @@ Rectangle {
     color: KestrovaTheme.leatherDeep
     radius: 8
 
-    Side {
+    ComparisonSide {
+        height: canvas.height - 2 * canvas.inset
+        y: canvas.inset
         id: before
 
         objectName: "beforeSide"
         picture: canvas.presenter.sourceImage
+        pictureSize: canvas.presenter.displaySize
+        pictureX: canvas.sampleX - x
+        pictureY: canvas.sampleY - y
         width: Math.max(0, Math.min(canvas.splitX, canvas.width - canvas.inset) - x)
         x: canvas.inset
 
@@ -68,11 +73,16 @@ Rectangle {
         }
     }
 
-    Side {
+    ComparisonSide {
+        height: canvas.height - 2 * canvas.inset
+        y: canvas.inset
         id: after
 
         objectName: "afterSide"
         picture: canvas.presenter.outputImage
+        pictureSize: canvas.presenter.displaySize
+        pictureX: canvas.sampleX - x
+        pictureY: canvas.sampleY - y
         width: Math.max(0, canvas.width - canvas.inset - x)
         x: Math.max(canvas.splitX, canvas.inset)
 
@@ -144,24 +154,5 @@ Rectangle {
             canvas.presenter.pointAt(event.x, width);
         }
         onPressed: event => canvas.presenter.pointAt(event.x, width)
-    }
-
-    // A picture in its place on the canvas, cut to one side of the split.
-    component Side: Item {
-        id: side
-
-        required property var picture
-
-        clip: true
-        height: canvas.height - 2 * canvas.inset
-        y: canvas.inset
-
-        PixelImage {
-            height: canvas.presenter.displaySize.height
-            image: side.picture
-            width: canvas.presenter.displaySize.width
-            x: canvas.sampleX - side.x
-            y: canvas.sampleY - side.y
-        }
     }
 }

@@ -27,12 +27,12 @@ QString ComparisonPresenter::outputText() const
 
 QString ComparisonPresenter::sourceSizeText() const
 {
-    return resultTexts::pixelSize(m_sample.sourcePixelSize);
+    return results::pixelSize(m_sample.sourcePixelSize);
 }
 
 QString ComparisonPresenter::outputSizeText() const
 {
-    return resultTexts::pixelSize(m_sample.outputPixelSize);
+    return results::pixelSize(m_sample.outputPixelSize);
 }
 
 QSize ComparisonPresenter::contentSize() const

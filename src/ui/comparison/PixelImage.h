@@ -6,6 +6,13 @@
 
 namespace vellumine {
 
+/// Pictures as QML hands them from a presenter to an item.
+struct PictureValue {
+    Q_GADGET
+    QML_FOREIGN(QImage)
+    QML_VALUE_TYPE(picture)
+};
+
 /// A picture stretched over the item without smoothing, so that single pixels stay sharp.
 class PixelImage : public QQuickItem {
     Q_OBJECT

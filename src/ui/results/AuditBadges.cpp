@@ -34,7 +34,7 @@ AuditBadgeContent colourBadge(const ConversionAudit& audit)
 QList<AuditBadgeContent> auditBadges(const ConversionAudit& audit)
 {
     QList<AuditBadgeContent> badges {
-        { QStringLiteral("aspectratio"), resultTexts::dimensions(audit) },
+        { QStringLiteral("aspectratio"), results::dimensions(audit) },
         { QStringLiteral("doc.on.doc"),
             audit.inputFormat + QStringLiteral(" -> ") + audit.outputFormat },
         metadataBadge(audit),

@@ -13,23 +13,39 @@ RowLayout {
     spacing: 5
     visible: badges.length > 0
 
-    Repeater {
-        model: 5
+    Badge {
+        systemName: root.badges[0]?.systemName ?? ""
+        text: root.badges[0]?.text ?? ""
+    }
 
-        AuditBadge {
-            required property int index
-            readonly property bool isUsed: index < root.badges.length
+    Badge {
+        systemName: root.badges[1]?.systemName ?? ""
+        text: root.badges[1]?.text ?? ""
+    }
 
-            Layout.fillWidth: true
-            Layout.maximumWidth: implicitWidth
-            Layout.minimumWidth: minimumWidth
-            systemName: isUsed ? root.badges[index].systemName : ""
-            text: isUsed ? root.badges[index].text : ""
-            visible: isUsed
-        }
+    Badge {
+        systemName: root.badges[2]?.systemName ?? ""
+        text: root.badges[2]?.text ?? ""
+    }
+
+    Badge {
+        systemName: root.badges[3]?.systemName ?? ""
+        text: root.badges[3]?.text ?? ""
+    }
+
+    Badge {
+        systemName: root.badges[4]?.systemName ?? ""
+        text: root.badges[4]?.text ?? ""
     }
 
     Item {
         Layout.fillWidth: true
+    }
+
+    component Badge: AuditBadge {
+        Layout.fillWidth: true
+        Layout.maximumWidth: implicitWidth
+        Layout.minimumWidth: minimumWidth
+        visible: text.length > 0
     }
 }

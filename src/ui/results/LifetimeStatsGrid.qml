@@ -13,16 +13,16 @@ GridLayout {
     rowSpacing: 12
 
     Repeater {
-        model: 6
+        model: grid.stats.metrics
 
         LightMetric {
-            required property int index
+            required property lifetimeMetric modelData
 
             Layout.fillWidth: true
             Layout.minimumWidth: 120
             Layout.preferredWidth: 120
-            title: grid.stats.metrics[index].title
-            value: grid.stats.metrics[index].value
+            title: modelData.title
+            value: modelData.value
         }
     }
 }

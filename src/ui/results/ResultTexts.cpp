@@ -6,7 +6,7 @@
 
 #include <cmath>
 
-namespace vellumine::resultTexts {
+namespace vellumine::results {
 namespace {
 
 struct Translated {
@@ -72,4 +72,4 @@ QString dimensions(const ConversionAudit& audit)
         + pixelSize(audit.outputDimensions);
 }
 
-} // namespace vellumine::resultTexts
+} // namespace vellumine::results

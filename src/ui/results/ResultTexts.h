@@ -6,7 +6,7 @@
 #include <QString>
 
 /// What the views write about outcomes. Numbers are the locale's.
-namespace vellumine::resultTexts {
+namespace vellumine::results {
 
 /// The sizes before and after and what became of them, "2 MB -> 1.5 MB | saved 500 KB (25%)" with
 /// exactly one fractional digit. Without a size before, the two sizes alone. A difference that does
@@ -24,4 +24,4 @@ namespace vellumine::resultTexts {
 /// sign: "25.0".
 [[nodiscard]] QString percentage(qint64 part, qint64 whole, const QLocale& locale = QLocale());
 
-} // namespace vellumine::resultTexts
+} // namespace vellumine::results

@@ -31,7 +31,7 @@ QString fileName(const ProcessingResult& result)
 
 QString metricsText(const ProcessingResult& result)
 {
-    return result.isSuccess ? resultTexts::metrics(result) : QString();
+    return result.isSuccess ? results::metrics(result) : QString();
 }
 
 QList<AuditBadgeContent> badges(const ProcessingResult& result)

@@ -8,11 +8,6 @@ ListView {
 
     required property ResultsListModel results
 
-    function focusRow(row: int) {
-        currentIndex = row;
-        positionViewAtIndex(row, ListView.Contain);
-    }
-
     Accessible.name: qsTr("Results")
     Accessible.role: Accessible.List
     Keys.onReturnPressed: results.compare(currentIndex)
@@ -31,13 +26,15 @@ ListView {
 
     T.ScrollBar.vertical: KestrovaScrollBar { }
     delegate: ResultRow {
-        current: ListView.isCurrentItem && list.activeFocus
-        height: list.results.rowHeight
+        current: ListView.isCurrentItem && ListView.view.activeFocus
         width: ListView.view.width
 
-        onCompareRequested: list.results.compare(index)
-        onFocusReceived: list.focusRow(index)
-        onRevealRequested: list.results.reveal(index)
+        onCompareRequested: ListView.view.model.compare(index)
+        onFocusReceived: {
+            ListView.view.currentIndex = index;
+            ListView.view.positionViewAtIndex(index, ListView.Contain);
+        }
+        onRevealRequested: ListView.view.model.reveal(index)
     }
 
     onActiveFocusChanged: {

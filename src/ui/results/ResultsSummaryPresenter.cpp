@@ -50,7 +50,7 @@ QString ResultsSummaryPresenter::reductionText() const
         return QStringLiteral("0%");
     }
     const QString percentage
-        = resultTexts::percentage(totalSaved(), m_totalOriginalBytes) + QLatin1Char('%');
+        = results::percentage(totalSaved(), m_totalOriginalBytes) + QLatin1Char('%');
     return hasGrown() ? QLatin1Char('+') + percentage : percentage;
 }
 

@@ -31,8 +31,7 @@ class MetricsText : public testing::TestWithParam<MetricsRow> { };
 TEST_P(MetricsText, saysWhatBecameOfTheSize)
 {
     const MetricsRow& row = GetParam();
-    EXPECT_EQ(
-        resultTexts::metrics(success(row.originalBytes, row.outputBytes), QLocale(row.language)),
+    EXPECT_EQ(results::metrics(success(row.originalBytes, row.outputBytes), QLocale(row.language)),
         QString::fromUtf8(row.text));
 }
 
@@ -57,26 +56,25 @@ INSTANTIATE_TEST_SUITE_P(Sizes, MetricsText,
 
 TEST(MetricsTextDeathTest, aDifferenceThatDoesNotFitIsFatal)
 {
-    EXPECT_DEATH((void)resultTexts::metrics(success(std::numeric_limits<qint64>::max(), -1)),
+    EXPECT_DEATH((void)results::metrics(success(std::numeric_limits<qint64>::max(), -1)),
         "does not fit 64 bits");
 }
 
 TEST(DimensionText, cutsFractionsOff)
 {
     ConversionAudit audit = someAudit();
-    EXPECT_EQ(resultTexts::dimensions(audit), QStringLiteral("4032x3024 -> 2048x1536"));
+    EXPECT_EQ(results::dimensions(audit), QStringLiteral("4032x3024 -> 2048x1536"));
     audit.outputDimensions = { 2048.99, 0.5 };
-    EXPECT_EQ(resultTexts::dimensions(audit), QStringLiteral("4032x3024 -> 2048x0"));
+    EXPECT_EQ(results::dimensions(audit), QStringLiteral("4032x3024 -> 2048x0"));
 }
 
 TEST(DimensionTextDeathTest, aSideThatIsNoNumberOrDoesNotFitIsFatal)
 {
-    EXPECT_DEATH((void)resultTexts::pixelSize({ std::numeric_limits<double>::quiet_NaN(), 1 }),
+    EXPECT_DEATH((void)results::pixelSize({ std::numeric_limits<double>::quiet_NaN(), 1 }),
         "does not fit 64 bits");
-    EXPECT_DEATH((void)resultTexts::pixelSize({ 1, std::numeric_limits<double>::infinity() }),
+    EXPECT_DEATH((void)results::pixelSize({ 1, std::numeric_limits<double>::infinity() }),
         "does not fit 64 bits");
-    EXPECT_DEATH(
-        (void)resultTexts::pixelSize({ 9223372036854775808.0, 1 }), "does not fit 64 bits");
+    EXPECT_DEATH((void)results::pixelSize({ 9223372036854775808.0, 1 }), "does not fit 64 bits");
 }
 
 struct BadgeRow {
