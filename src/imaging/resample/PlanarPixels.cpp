@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <cstddef>
 
 namespace vellumine::imaging {
 
@@ -63,7 +64,7 @@ VELLUMINE_VECTOR_CLONES
 void splitRgb(const std::uint8_t* __restrict from, std::uint16_t* __restrict red,
     std::uint16_t* __restrict green, std::uint16_t* __restrict blue, int count)
 {
-    for (int x = 0; x < count; ++x) {
+    for (std::ptrdiff_t x = 0; x < count; ++x) {
         red[x] = to16(from[3 * x]);
         green[x] = to16(from[3 * x + 1]);
         blue[x] = to16(from[3 * x + 2]);
@@ -74,7 +75,7 @@ VELLUMINE_VECTOR_CLONES
 void splitRgb(const std::uint16_t* __restrict from, std::uint16_t* __restrict red,
     std::uint16_t* __restrict green, std::uint16_t* __restrict blue, int count)
 {
-    for (int x = 0; x < count; ++x) {
+    for (std::ptrdiff_t x = 0; x < count; ++x) {
         red[x] = from[3 * x];
         green[x] = from[3 * x + 1];
         blue[x] = from[3 * x + 2];
@@ -86,7 +87,7 @@ VELLUMINE_VECTOR_CLONES
 void joinOpaque(const std::uint16_t* __restrict red, const std::uint16_t* __restrict green,
     const std::uint16_t* __restrict blue, std::uint8_t* __restrict to, int count)
 {
-    for (int x = 0; x < count; ++x) {
+    for (std::ptrdiff_t x = 0; x < count; ++x) {
         to[4 * x] = to8(red[x]);
         to[4 * x + 1] = to8(green[x]);
         to[4 * x + 2] = to8(blue[x]);
@@ -99,7 +100,7 @@ VELLUMINE_VECTOR_CLONES
 void joinRgb(const std::uint16_t* __restrict red, const std::uint16_t* __restrict green,
     const std::uint16_t* __restrict blue, std::uint8_t* __restrict to, int count)
 {
-    for (int x = 0; x < count; ++x) {
+    for (std::ptrdiff_t x = 0; x < count; ++x) {
         to[3 * x] = to8(red[x]);
         to[3 * x + 1] = to8(green[x]);
         to[3 * x + 2] = to8(blue[x]);
