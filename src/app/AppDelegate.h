@@ -73,12 +73,11 @@ public:
     [[nodiscard]] QQuickWindow* mainWindow() const { return m_mainWindow.window(); }
     [[nodiscard]] QQuickWindow* preferencesWindow() const { return m_preferencesWindow.window(); }
 
-private Q_SLOTS:
-    // The items of the application menu, by the windows' signals.
-    void openPreferencesFromMenu();
-    void quitFromMenu();
-
 private:
+    // The items of the application menu, by the windows' signals.
+    Q_SLOT void openPreferencesFromMenu();
+    Q_SLOT void quitFromMenu();
+
     [[nodiscard]] AppModels::Surroundings modelSurroundings(Surroundings& surroundings);
     [[nodiscard]] std::unique_ptr<QQuickWindow> makeWindow(
         const char* type, const QVariantMap& properties);

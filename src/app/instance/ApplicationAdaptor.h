@@ -18,11 +18,10 @@ class ApplicationAdaptor final : public QDBusAbstractAdaptor {
 public:
     explicit ApplicationAdaptor(SingleInstance* instance);
 
-public Q_SLOTS:
     // The names are those of the interface. NOLINTBEGIN(readability-identifier-naming)
-    void Activate(const QVariantMap& platformData);
-    void Open(const QStringList& uris, const QVariantMap& platformData);
-    void ActivateAction(
+    Q_SLOT void Activate(const QVariantMap& platformData);
+    Q_SLOT void Open(const QStringList& uris, const QVariantMap& platformData);
+    Q_SLOT void ActivateAction(
         const QString& name, const QVariantList& parameter, const QVariantMap& platformData);
     // NOLINTEND(readability-identifier-naming)
 

@@ -20,10 +20,8 @@ public:
 Q_SIGNALS:
     void isPresentChanged();
 
-private Q_SLOTS:
-    void ask();
-
 private:
+    Q_SLOT void ask();
     void setPresent(bool isPresent);
 
     QDBusConnection m_bus;
