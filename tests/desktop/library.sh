@@ -3,15 +3,20 @@
 # To be sourced. Everything that is started here ends with the test; so does its folder, but for the
 # pictures of the screen in SHOTS.
 #
-# The program under test is VELLUMINE, screenshots go to SHOTS.
+# The program under test is VELLUMINE, PROBE says what the server shows (probe/DesktopProbe.cpp).
 set -euo pipefail
 
-for needed in Xvfb openbox xdotool xwininfo xprop dbus-daemon; do
-    if ! command -v "$needed" >/dev/null; then
-        echo "skipped: $needed is not installed"
-        exit 77
-    fi
-done
+# needs COMMAND...: skips the test, and says so, where one of them is missing.
+needs() {
+    local command
+    for command in "$@"; do
+        if ! command -v "$command" >/dev/null; then
+            echo "skipped: $command is not installed"
+            exit 77
+        fi
+    done
+}
+needs Xvfb openbox xdotool xwininfo xprop dbus-daemon
 
 started=()
 folder="$(mktemp -d)"
@@ -24,11 +29,19 @@ end_desktop() {
         screenshot failed || true
         tail -n 20 "$folder"/*.log || true
     fi
-    for ((index = ${#started[@]} - 1; index >= 0; --index)); do
-        kill "${started[index]}" 2>/dev/null || true
-        wait "${started[index]}" 2>/dev/null || true
+    local backwards=()
+    for index in "${started[@]}"; do
+        backwards=("$index" "${backwards[@]}")
     done
-    rm -rf "$folder"
+    for index in "${backwards[@]}"; do
+        end "$index"
+    done
+    # What the bus has started ends with it, and may be writing still.
+    local attempt
+    for ((attempt = 0; attempt < 100; ++attempt)); do
+        rm -rf "$folder" 2>/dev/null && break
+        sleep 0.05
+    done
     exit "$status"
 }
 trap end_desktop EXIT
@@ -42,10 +55,22 @@ background() {
     started+=("$process")
 }
 
-# wait_for COMMAND...: until it succeeds, for twenty seconds.
+# Ends what was started in the background before the test does.
+end() { # PROCESS
+    local index
+    for index in "${!started[@]}"; do
+        if ((started[index] == $1)); then
+            unset "started[index]" # the number may be given to another process
+        fi
+    done
+    kill "$1" 2>/dev/null || true
+    wait "$1" 2>/dev/null || true
+}
+
+# wait_for COMMAND...: until it succeeds, for thirty seconds.
 wait_for() {
-    local attempt
-    for ((attempt = 0; attempt < 400; ++attempt)); do
+    local deadline=$((SECONDS + 30))
+    while ((SECONDS < deadline)); do
         if "$@" >/dev/null 2>&1; then
             return
         fi
@@ -60,45 +85,83 @@ fail() {
     exit 1
 }
 
+expect_equal() { # WHAT FOUND WANTED
+    [[ "$2" == "$3" ]] || fail "$1 is \"$2\", not \"$3\""
+}
+
+# Succeeds where the text, or the end of the file, is that of the pattern: for wait_for.
+says() { # FILE PATTERN
+    grep -q -- "$2" "$1"
+}
+
+is_running() { # PROCESS
+    kill -0 "$1"
+}
+
+has_ended() { # PROCESS
+    ! is_running "$1" 2>/dev/null
+}
+
 screenshot() { # NAME
-    if command -v scrot >/dev/null; then
+    if [[ -n "${DISPLAY:-}" ]] && command -v scrot >/dev/null; then
         scrot --overwrite "$SHOTS/$(basename "$0" .sh)-$1.png"
     fi
 }
 
-start_desktop() {
+# A user's folders of the test's own, empty.
+start_home() {
     export HOME="$folder/home" XDG_RUNTIME_DIR="$folder/run"
     export XDG_CONFIG_HOME="$HOME/.config" XDG_DATA_HOME="$HOME/.local/share" XDG_CACHE_HOME="$HOME/.cache"
     export TMPDIR="$folder/temporary"
     mkdir -p "$XDG_CONFIG_HOME" "$XDG_DATA_HOME" "$XDG_CACHE_HOME" "$XDG_RUNTIME_DIR" "$TMPDIR"
     chmod 700 "$XDG_RUNTIME_DIR"
-    unset WAYLAND_DISPLAY SESSION_MANAGER
-    export QT_QPA_PLATFORM=xcb GDK_BACKEND=x11 NO_AT_BRIDGE=1
+    unset DISPLAY WAYLAND_DISPLAY SESSION_MANAGER DESKTOP_STARTUP_ID XDG_ACTIVATION_TOKEN
+    export XDG_CURRENT_DESKTOP=X-Test LC_ALL=C.UTF-8
+}
 
-    Xvfb -displayfd 9 -screen 0 1280x1000x24 -nolisten tcp -noreset \
-        9>"$folder/display" >"$folder/server.log" 2>&1 &
-    started+=($!)
-    wait_for test -s "$folder/display"
-    DISPLAY=":$(<"$folder/display")"
-    export DISPLAY
-
+start_bus() {
     dbus-daemon --session --nofork --print-address=9 9>"$folder/bus" >"$folder/bus.log" 2>&1 &
     started+=($!)
     wait_for test -s "$folder/bus"
     DBUS_SESSION_BUS_ADDRESS="$(head -n 1 "$folder/bus")"
     export DBUS_SESSION_BUS_ADDRESS
+}
 
+start_desktop() { # [WIDTHxHEIGHT]
+    start_home
+    export QT_QPA_PLATFORM=xcb GDK_BACKEND=x11
+    if [[ -z "${ACCESSIBLE:-}" ]]; then
+        export NO_AT_BRIDGE=1
+    fi
+    Xvfb -displayfd 9 -screen 0 "${1:-1280x1000}x24" -nolisten tcp -noreset \
+        9>"$folder/display" >"$folder/server.log" 2>&1 &
+    started+=($!)
+    wait_for test -s "$folder/display"
+    DISPLAY=":$(<"$folder/display")"
+    export DISPLAY
+    start_bus
     background openbox openbox --sm-disable
     wait_for sh -c 'xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 0x'
 }
 
+# set_preferences KEY=VALUE...: as the program would have stored them. Before it starts.
+set_preferences() {
+    mkdir -p "$XDG_CONFIG_HOME/Kestrova"
+    { echo "[General]"; printf '%s\n' "$@"; } >"$XDG_CONFIG_HOME/Kestrova/Vellumine.conf"
+}
+
 # Starts the program and waits for its window, whose id is in `window`.
-start_program() {
-    background program "$VELLUMINE"
+start_program() { # [FILE...]
+    background program "$VELLUMINE" "$@"
     program=$process
     wait_for window_of_program
     # shellcheck disable=SC2034  # the tests use it
     window="$(window_of_program)"
+}
+
+# A second start with files: it hands them over, and ends well.
+hand_over() { # FILE...
+    "$VELLUMINE" "$@" || fail "the second start ended with $?"
 }
 
 # The status item has the same name, and is small.
@@ -110,76 +173,39 @@ window_of_program() {
 windows_of_program() {
     local candidate
     for candidate in $(xdotool search --onlyvisible --pid "$program" 2>/dev/null); do
-        echo "$candidate $(xwininfo -id "$candidate" | awk '/Height:/ {print $2}')"
+        echo "$candidate $(xwininfo -id "$candidate" 2>/dev/null | awk '/Height:/ {print $2}')"
     done
 }
 
 # Small pictures a.png and "b c.png" in a folder of their own.
 make_pictures() { # FOLDER
     mkdir -p "$1"
-    local name
-    for name in a.png 'b c.png'; do
-        base64 -d >"$1/$name" <<'PNG'
+    make_picture "$1/a.png"
+    make_picture "$1/b c.png"
+}
+
+make_picture() { # FILE
+    base64 -d >"$1" <<'PNG'
 iVBORw0KGgoAAAANSUhEUgAAAAgAAAAICAIAAABLbSncAAAAEUlEQVR42mPYkGCAFTEMLQkAYplQAZTtXNgAAAAASUVORK5CYII=
 PNG
-    done
-}
-
-# x y of the window's middle on the screen
-middle_of() { # WINDOW
-    xwininfo -id "$1" | awk '/Absolute.*X/ {x = $4} /Absolute.*Y/ {y = $4} /Width/ {w = $2} /Height/ {h = $2}
-        END {print int(x + w / 2), int(y + h / 2)}'
-}
-
-# Opens a file manager on the folder, chooses everything in it; x and y of an icon are in `icon`.
-open_file_manager() { # FOLDER
-    if ! command -v thunar >/dev/null; then
-        echo "skipped: thunar is not installed"
-        exit 77
-    fi
-    background thunar thunar "$1"
-    wait_for sh -c 'xdotool search --onlyvisible --class thunar'
-    local manager
-    manager="$(xdotool search --onlyvisible --class thunar | tail -n 1)"
-    wait_for sh -c "xprop -id $manager _NET_WM_NAME | grep -q '$(basename "$1")'"
-    xdotool windowmove "$manager" 0 520 windowsize "$manager" 460 440 windowactivate --sync "$manager"
-    sleep 1 # it lays its icons out, and says nothing when it is done
-    local X=0 Y=0
-    eval "$(xdotool getwindowgeometry --shell "$manager" | grep -E '^[XY]=')"
-    xdotool mousemove $((X + 300)) $((Y + 330)) click 1
-    sleep 0.3
-    xdotool key --clearmodifiers ctrl+a
-    sleep 0.4
-    # Started by root it shows a warning above the icons.
-    # shellcheck disable=SC2034  # the tests use it
-    icon=($((X + 211)) $((Y + (EUID == 0 ? 146 : 112))))
-}
-
-# Drags by the mouse. Every step needs its time: the programs talk to each other about it.
-drag() { # FROM_X FROM_Y TO_X TO_Y [SCREENSHOT while it hovers]
-    local step
-    xdotool mousemove "$1" "$2"
-    sleep 0.2
-    xdotool mousedown 1
-    sleep 0.2
-    for step in 1 2 3 4 5 6; do
-        xdotool mousemove_relative -- 4 4
-        sleep 0.03
-    done
-    for ((step = 1; step <= 20; ++step)); do
-        xdotool mousemove $(($1 + 24 + ($3 - $1 - 24) * step / 20)) $(($2 + 24 + ($4 - $2 - 24) * step / 20))
-        sleep 0.02
-    done
-    sleep 0.3
-    xdotool mousemove_relative -- 1 1
-    sleep 0.3
-    if (($# > 4)); then
-        screenshot "$5"
-    fi
-    xdotool mouseup 1
 }
 
 wait_for_outputs() { # FOLDER
     wait_for test -s "$1/a.webp"
     wait_for test -s "$1/b c.webp"
+}
+
+# x y width height of the window's inside, on the screen
+place_of() { # WINDOW
+    xwininfo -id "$1" | awk '/Absolute.*X/ {x = $4} /Absolute.*Y/ {y = $4} /Width/ {w = $2} /Height/ {h = $2}
+        END {print x, y, w, h}'
+}
+
+# x y of the window's middle on the screen
+middle_of() { # WINDOW
+    place_of "$1" | awk '{print int($1 + $3 / 2), int($2 + $4 / 2)}'
+}
+
+is_in_front() { # WINDOW
+    [[ "$(xdotool getactivewindow 2>/dev/null)" == "$1" ]]
 }

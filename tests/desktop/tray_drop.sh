@@ -1,69 +1,94 @@
 #!/usr/bin/env bash
-# tray_drop.sh TRAY: files are dragged from a file manager onto the status item in a tray; the item
-# comes back when the tray restarts, and both mouse buttons open its menu.
+# tray_drop.sh TRAY FILE_MANAGER: files, and a folder, are dragged from a file manager onto the status
+# item in a tray, which lights up under them, and not under what is no picture; both mouse buttons
+# open the item's menu; the item comes back when the tray restarts.
 # shellcheck source=tests/desktop/library.sh
 . "$(dirname "$0")/library.sh"
+# shellcheck source=tests/desktop/pointer.sh
+. "$(dirname "$0")/pointer.sh"
+# shellcheck source=tests/desktop/trays.sh
+. "$(dirname "$0")/trays.sh"
 
 tray="$1"
-if ! command -v "$tray" >/dev/null; then
-    echo "skipped: $tray is not installed"
-    exit 77
-fi
-SHOTS="$SHOTS/$tray"
+manager="$2"
+needs "$tray" "$manager"
+SHOTS="$SHOTS/$tray-$manager"
 mkdir -p "$SHOTS"
 
-start_tray() {
-    case "$tray" in
-    trayer)
-        background tray trayer --edge top --align right --widthtype request --height 28 \
-            --SetDockType true --tint 0x202020
-        ;;
-    tint2)
-        mkdir -p "$XDG_CONFIG_HOME/tint2"
-        printf '%s\n' 'panel_items = TSC' 'panel_position = top center horizontal' \
-            'panel_size = 100% 30' 'systray = 1' 'systray_icon_size = 0' 'time1_format = %H:%M' \
-            >"$XDG_CONFIG_HOME/tint2/tint2rc"
-        background tray tint2
-        ;;
-    esac
-    tray_process=$process
-}
-
-status_item() {
-    windows_of_program | awk '$2 <= 40 {print $1}' | tail -n 1 | grep .
-}
-
-has_windows() { # TEST COUNT, as of test
-    test "$(windows_of_program | wc -l)" "$1" "$2"
-}
+make_pictures "$folder/pictures"
+make_pictures "$folder/outside/album.jpg.d/inner"
+mkdir "$folder/texts"
+echo "no picture" >"$folder/texts/notes.txt"
 
 start_desktop
-start_tray
+start_tray "$tray"
 start_program
-xdotool windowmove "$window" 440 40
-wait_for status_item
-sleep 0.5 # the panel makes room for it
+xdotool windowmove "$window" 440 60
+wait_for_status_item
 screenshot docked
 
-make_pictures "$folder/pictures"
-open_file_manager "$folder/pictures"
-read -r x y < <(middle_of "$(status_item)")
-drag "${icon[@]}" "$x" "$y" hover
+# A place of the item beside its symbol, which the highlight fills.
+beside_symbol() {
+    pixel $((item_x + 3)) $((item_y + 3))
+}
+
+# The highlight, a third of its colour, lies over the panel's.
+is_highlighted() {
+    local mixed channel panel found
+    local tint=(201 147 115) shown
+    shown="$(beside_symbol)"
+    for channel in 0 1 2; do
+        panel=$((16#${plain:1 + 2 * channel:2}))
+        found=$((16#${shown:1 + 2 * channel:2}))
+        mixed=$(((panel * 68 + tint[channel] * 32) / 100))
+        ((found - mixed <= 3 && mixed - found <= 3)) || return 1
+    done
+}
+
+is_plain() {
+    [[ "$(beside_symbol)" == "$plain" ]]
+}
+
+wait_until_still "$item_x" "$item_y" "$item_width" "$item_height"
+plain="$(beside_symbol)"
+
+for what in pictures outside; do
+    open_file_manager "$manager" "$folder/$what"
+    carry "${icon[@]}" "$x" "$y"
+    hover_until is_highlighted
+    screenshot "$what"
+    drop
+    wait_for is_plain
+done
 wait_for_outputs "$folder/pictures"
+wait_for_outputs "$folder/outside/album.jpg.d/inner"
+
+# What is no picture is not taken: the item stays dark, and the program has nothing new to say.
+read -r window_x window_y width height < <(place_of "$window")
+wait_until_still "$window_x" "$window_y" "$width" "$height"
+before="$("$PROBE" digest "$window_x" "$window_y" "$width" "$height")"
+open_file_manager "$manager" "$folder/texts"
+carry "${icon[@]}" "$x" "$y"
+refusals=0
+while ((++refusals < 20)); do
+    xdotool mousemove_relative -- $((refusals % 2 ? 1 : -1)) 0
+    is_plain || fail "the item lights up under a text"
+done
+screenshot refused
+drop
+wait_until_still "$window_x" "$window_y" "$width" "$height"
+expect_equal "the window" "$("$PROBE" digest "$window_x" "$window_y" "$width" "$height")" "$before"
+close_file_manager
 
 for button in 1 3; do
-    sleep 0.6 # the cover goes after the drop
-    before="$(windows_of_program | wc -l)"
-    xdotool mousemove "$x" "$y" click "$button"
-    wait_for has_windows -gt "$before"
+    open_status_menu "$button"
     screenshot "menu-$button"
-    xdotool key Escape
-    wait_for has_windows -eq "$before"
+    close_status_menu
 done
 
-kill "$tray_process"
-wait_for sh -c "! kill -0 $tray_process"
-start_tray
-wait_for status_item
+end "$tray_process"
+wait_for no_status_item
+start_tray "$tray"
+wait_for_status_item
 screenshot again
-kill -0 "$program" || fail "the program ended with its tray"
+is_running "$program" || fail "the program ended with its tray"
