@@ -28,7 +28,7 @@ make_pictures "$folder/pictures"
 gapplication launch com.kestrova.Vellumine "$folder/pictures/a.png" "$folder/pictures/b c.png"
 wait_for_outputs "$folder/pictures"
 gapplication action com.kestrova.Vellumine preferences
-wait_for xdotool search --onlyvisible --name '^Preferences$'
+wait_for xdotool search --onlyvisible --name '^Preferences$' # the bus has started it: whose child it is, is open
 screenshot preferences
 gapplication action com.kestrova.Vellumine quit
 wait_for has_ended

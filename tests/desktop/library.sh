@@ -127,13 +127,14 @@ start_bus() {
     export DBUS_SESSION_BUS_ADDRESS
 }
 
-start_desktop() { # [WIDTHxHEIGHT]
+# The server's screen has SCREEN_SIZE.
+start_desktop() {
     start_home
     export QT_QPA_PLATFORM=xcb GDK_BACKEND=x11
     if [[ -z "${ACCESSIBLE:-}" ]]; then
         export NO_AT_BRIDGE=1
     fi
-    Xvfb -displayfd 9 -screen 0 "${1:-1280x1000}x24" -nolisten tcp -noreset \
+    Xvfb -displayfd 9 -screen 0 "${SCREEN_SIZE:-1280x1000}x24" -nolisten tcp -noreset \
         9>"$folder/display" >"$folder/server.log" 2>&1 &
     started+=($!)
     wait_for test -s "$folder/display"
@@ -151,8 +152,8 @@ set_preferences() {
 }
 
 # Starts the program and waits for its window, whose id is in `window`.
-start_program() { # [FILE...]
-    background program "$VELLUMINE" "$@"
+start_program() {
+    background program "$VELLUMINE"
     program=$process
     wait_for window_of_program
     # shellcheck disable=SC2034  # the tests use it
@@ -166,15 +167,17 @@ hand_over() { # FILE...
 
 # The status item has the same name, and is small.
 window_of_program() {
-    windows_of_program | awk '$2 > 40 {print $1}' | tail -n 1 | grep .
+    windows_of_program | awk '$3 > 40 && $5 == "Vellumine" {found = $1} END {print found; exit !found}'
 }
 
-# id and height of each visible window
+# The program's visible window of that name.
+window_called() { # NAME
+    windows_of_program | awk -v name="$1" '$5 == name {found = $1} END {print found; exit !found}'
+}
+
+# id, width, height, "screen" or "inside" another window, and name of each visible window
 windows_of_program() {
-    local candidate
-    for candidate in $(xdotool search --onlyvisible --pid "$program" 2>/dev/null); do
-        echo "$candidate $(xwininfo -id "$candidate" 2>/dev/null | awk '/Height:/ {print $2}')"
-    done
+    "$PROBE" windows "$program"
 }
 
 # Small pictures a.png and "b c.png" in a folder of their own.

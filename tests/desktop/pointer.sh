@@ -1,5 +1,7 @@
 # shellcheck shell=bash
-# The hand on the mouse: file managers, and dragging from them. To be sourced after library.sh.
+# The hand on the mouse: file managers, and dragging from them. To be sourced.
+# shellcheck source=tests/desktop/library.sh
+. "$(dirname "${BASH_SOURCE[0]}")/library.sh"
 
 pixel() { # X Y
     "$PROBE" pixel "$1" "$2"
@@ -41,10 +43,9 @@ open_file_manager() { # NAME FOLDER
     file_manager=$process
     local name
     name="$(basename "$2")"
-    wait_for xdotool search --onlyvisible --class "$manager"
-    wait_for xdotool search --onlyvisible --name "$name"
     local shown
-    shown="$(xdotool search --onlyvisible --name "$name" | tail -n 1)"
+    wait_for file_manager_window "$name"
+    shown="$(file_manager_window "$name")"
     xdotool windowsize "$shown" 460 440 windowmove "$shown" 0 520 windowactivate --sync "$shown"
     local x y width height
     wait_until_still 0 500 480 500
@@ -62,6 +63,12 @@ open_file_manager() { # NAME FOLDER
     unchosen="$("$PROBE" digest "${around[@]}")"
     xdotool key --clearmodifiers ctrl+a
     wait_for looks_other_than "$unchosen" "${around[@]}"
+}
+
+# The window of the file manager with the folder's name in its title.
+file_manager_window() { # NAME
+    "$PROBE" windows "$file_manager" |
+        awk -v name="$1" 'index($0, name) && $3 > 100 {found = $1} END {print found; exit !found}'
 }
 
 close_file_manager() {

@@ -10,13 +10,13 @@ xprop -id "$window" WM_WINDOW_ROLE | grep -q VellumineMainWindow || fail "the wi
 
 make_pictures "$folder/pictures"
 cd "$folder"
-"$VELLUMINE" pictures/a.png "pictures/b c.png" || fail "the second start did not end well"
+hand_over pictures/a.png "pictures/b c.png"
 wait_for_outputs "$folder/pictures"
 wait_for sh -c "xwininfo -id $window | grep -q 'Height: 726'"
 screenshot results
 
 xdotool windowactivate --sync "$window" key ctrl+comma
-wait_for xdotool search --onlyvisible --name '^Preferences$'
+wait_for window_called Preferences
 screenshot preferences
 
 xdotool key ctrl+q

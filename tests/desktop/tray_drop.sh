@@ -2,10 +2,6 @@
 # tray_drop.sh TRAY FILE_MANAGER: files, and a folder, are dragged from a file manager onto the status
 # item in a tray, which lights up under them, and not under what is no picture; both mouse buttons
 # open the item's menu; the item comes back when the tray restarts.
-# shellcheck source=tests/desktop/library.sh
-. "$(dirname "$0")/library.sh"
-# shellcheck source=tests/desktop/pointer.sh
-. "$(dirname "$0")/pointer.sh"
 # shellcheck source=tests/desktop/trays.sh
 . "$(dirname "$0")/trays.sh"
 
@@ -49,8 +45,9 @@ is_plain() {
     [[ "$(beside_symbol)" == "$plain" ]]
 }
 
-wait_until_still "$item_x" "$item_y" "$item_width" "$item_height"
+# The panel's colour, also under the item.
 plain="$(beside_symbol)"
+expect_equal "the item's ground" "$plain" "$(pixel $((item_x - 1)) $((item_y + 3)))"
 
 for what in pictures outside; do
     open_file_manager "$manager" "$folder/$what"
@@ -79,6 +76,10 @@ drop
 wait_until_still "$window_x" "$window_y" "$width" "$height"
 expect_equal "the window" "$("$PROBE" digest "$window_x" "$window_y" "$width" "$height")" "$before"
 close_file_manager
+
+xdotool mousemove "$x" 400 mousemove "$x" "$y"
+wait_for tool_tip
+screenshot tool-tip
 
 for button in 1 3; do
     open_status_menu "$button"

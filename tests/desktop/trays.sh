@@ -1,5 +1,7 @@
 # shellcheck shell=bash
-# Panels with a tray, and the program's item in them. To be sourced after library.sh.
+# Panels with a tray, and the program's item in them. To be sourced.
+# shellcheck source=tests/desktop/pointer.sh
+. "$(dirname "${BASH_SOURCE[0]}")/pointer.sh"
 
 # Starts the tray at the upper edge; its process id is in `tray_process`.
 start_tray() { # NAME
@@ -45,13 +47,11 @@ configure_xfce4_panel() {
       <property name="size" type="uint" value="30"/>
       <property name="plugin-ids" type="array">
         <value type="int" value="1"/>
-        <value type="int" value="2"/>
       </property>
     </property>
   </property>
   <property name="plugins" type="empty">
-    <property name="plugin-1" type="string" value="tasklist"/>
-    <property name="plugin-2" type="string" value="systray">
+    <property name="plugin-1" type="string" value="systray">
       <property name="square-icons" type="bool" value="true"/>
     </property>
   </property>
@@ -59,16 +59,30 @@ configure_xfce4_panel() {
 XML
 }
 
+# The small window that stands in another one, not on the screen itself.
 status_item() {
-    windows_of_program | awk '$2 <= 40 {print $1}' | tail -n 1 | grep .
+    windows_of_program | awk '$3 <= 40 && $4 == "inside" {found = $1} END {print found; exit !found}'
+}
+
+tool_tip() {
+    windows_of_program | awk '$3 <= 40 && $4 == "screen" {found = $1} END {print found; exit !found}'
+}
+
+# The menu has no name.
+status_menu() {
+    windows_of_program | awk '$3 > 40 && NF == 4 {found = $1} END {print found; exit !found}'
 }
 
 no_status_item() {
     ! status_item
 }
 
+no_status_menu() {
+    ! status_menu
+}
+
 # Waits for the item, and until the panel has made room for it; its place is in `item_x`, `item_y`,
-# its middle in `x` and `y`.
+# `item_width` and `item_height`, its middle in `x` and `y`.
 wait_for_status_item() {
     wait_for status_item
     wait_until_still 0 0 1280 40
@@ -77,18 +91,22 @@ wait_for_status_item() {
     x=$((item_x + item_width / 2)) y=$((item_y + item_height / 2))
 }
 
-has_windows() { # TEST COUNT, as of test
-    test "$(windows_of_program | wc -l)" "$1" "$2"
-}
-
-# Opens the item's menu by the button; `windows_before` is how many windows there were.
 open_status_menu() { # BUTTON
-    windows_before="$(windows_of_program | wc -l)"
     xdotool mousemove "$x" "$y" click "$1"
-    wait_for has_windows -gt "$windows_before"
+    wait_for status_menu
 }
 
 close_status_menu() {
     xdotool key Escape
-    wait_for has_windows -eq "$windows_before"
+    wait_for no_status_menu
+}
+
+# The menu's items are chosen by the keyboard: the number counts from one.
+choose_in_status_menu() { # NUMBER
+    local step
+    for ((step = 0; step < $1; ++step)); do
+        xdotool key Down
+    done
+    xdotool key Return
+    wait_for no_status_menu
 }

@@ -1,8 +1,6 @@
 #!/usr/bin/env bash
 # window_drop.sh FILE_MANAGER: files, and a folder, are dragged by the mouse from a file manager onto
 # the drop zone, which lights up under them.
-# shellcheck source=tests/desktop/library.sh
-. "$(dirname "$0")/library.sh"
 # shellcheck source=tests/desktop/pointer.sh
 . "$(dirname "$0")/pointer.sh"
 

@@ -23,6 +23,11 @@ bool DragCover::event(QEvent* event)
     return QRasterWindow::event(event);
 }
 
+void DragCover::mousePressEvent(QMouseEvent* event)
+{
+    m_item.mousePressEvent(event);
+}
+
 void DragCover::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);

@@ -2,12 +2,17 @@
 
 #include "app/tray/DragCover.h"
 #include "app/tray/DraggedItems.h"
+#include "core/Product.h"
+#include "ui/theme/Palette.h"
 
+#include <QCursor>
 #include <QDragMoveEvent>
 #include <QGuiApplication>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPalette>
 #include <QScreen>
+#include <QToolTip>
 
 #include <xcb/xfixes.h>
 
@@ -22,6 +27,9 @@ using namespace std::chrono_literals;
 constexpr auto trayStart = 200ms;
 /// What a tray does to an item that it took in, such as hiding it, comes after the taking.
 constexpr auto embeddingTime = 150ms;
+/// A panel that has moved its items draws itself anew.
+constexpr auto panelDrawingTime = 150ms;
+constexpr auto toolTipDelay = 700ms;
 constexpr auto dragCheck = 150ms;
 /// The drop itself arrives after the button was let go.
 constexpr auto dropTime = 400ms;
@@ -59,6 +67,12 @@ DropStatusItemView::DropStatusItemView(StatusItemDrops::Process process)
     resize(minimumSize());
     m_dragWatch.setInterval(dragCheck);
     connect(&m_dragWatch, &QTimer::timeout, this, &DropStatusItemView::uncoverAfterDrag);
+    m_panelWatch.setSingleShot(true);
+    m_panelWatch.setInterval(panelDrawingTime);
+    connect(&m_panelWatch, &QTimer::timeout, this, &DropStatusItemView::lookAtPanel);
+    m_toolTipDelay.setSingleShot(true);
+    m_toolTipDelay.setInterval(toolTipDelay);
+    connect(&m_toolTipDelay, &QTimer::timeout, this, &DropStatusItemView::showToolTip);
 
     qGuiApp->installNativeEventFilter(this);
     xcb::listenToStructure(xcb::rootWindow()); // where a starting tray announces itself
@@ -106,11 +120,28 @@ void DropStatusItemView::embeddedIn(xcb::Window parent)
         undock();
         return;
     }
-    if (const auto place = xcb::screenGeometry(m_window)) {
-        m_panel = panelColorAt(*place, screen());
-    }
+    lookAtPanel();
     show();
+    m_panelWatch.start();
     settle(true);
+}
+
+void DropStatusItemView::lookAtPanel()
+{
+    const auto place = m_window == xcb::noWindow ? std::nullopt : xcb::screenGeometry(m_window);
+    if (place) {
+        m_panel = panelColorAt(*place, screen());
+        update();
+    }
+}
+
+void DropStatusItemView::showToolTip()
+{
+    QPalette look;
+    look.setColor(QPalette::ToolTipBase, palette::leatherDeep.toQColor());
+    look.setColor(QPalette::ToolTipText, palette::cream.toQColor());
+    QToolTip::setPalette(look);
+    QToolTip::showText(QCursor::pos(), QString(product::name));
 }
 
 void DropStatusItemView::settle(bool isDocked)
@@ -204,16 +235,37 @@ StatusItemArt DropStatusItemView::art(bool isTransparent) const
 void DropStatusItemView::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
-    art(format().alphaBufferSize() > 0).paint(painter, QRectF(QPointF(), QSizeF(size())));
+    const bool isTransparent = format().alphaBufferSize() > 0 && xcb::isComposited(m_atoms);
+    art(isTransparent).paint(painter, QRectF(QPointF(), QSizeF(size())));
+}
+
+void DropStatusItemView::moveEvent(QMoveEvent* /*event*/)
+{
+    m_panelWatch.start();
+}
+
+void DropStatusItemView::resizeEvent(QResizeEvent* event)
+{
+    QRasterWindow::resizeEvent(event);
+    m_panelWatch.start();
 }
 
 void DropStatusItemView::mousePressEvent(QMouseEvent* event)
 {
+    m_toolTipDelay.stop();
+    QToolTip::hideText();
     Q_EMIT menuRequested(event->globalPosition().toPoint());
 }
 
 bool DropStatusItemView::event(QEvent* event)
 {
+    if (event->type() == QEvent::Enter) {
+        lookAtPanel(); // its theme may have changed
+        m_toolTipDelay.start();
+    } else if (event->type() == QEvent::Leave) {
+        m_toolTipDelay.stop();
+        QToolTip::hideText();
+    }
     return handleDrag(event) || QRasterWindow::event(event);
 }
 

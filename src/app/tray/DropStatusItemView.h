@@ -46,6 +46,8 @@ Q_SIGNALS:
 protected:
     bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
 
@@ -59,6 +61,8 @@ private:
     void dock();
     void undock();
     void embeddedIn(xcb::Window parent);
+    void lookAtPanel();
+    void showToolTip();
     void settle(bool isDocked);
     void coverDuringDrag();
     void uncoverAfterDrag();
@@ -68,9 +72,11 @@ private:
     StatusItemDrops m_drops;
     std::unique_ptr<DragCover> m_cover; ///< over the item while somebody drags
     QTimer m_dragWatch;
+    QTimer m_panelWatch; ///< until the panel has drawn itself around the item
+    QTimer m_toolTipDelay;
     xcb::Window m_tray = xcb::noWindow;
     xcb::Window m_window = xcb::noWindow; ///< ours, while it is or wants to be docked
-    QColor m_panel;
+    QColor m_panel; ///< its colour around the item
     bool m_isDocked = false;
 };
 

@@ -55,6 +55,13 @@ Window parent(Window window)
     return reply ? reply->parent : noWindow;
 }
 
+Window owner(Atom selection)
+{
+    const Answer<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
+        connection(), xcb_get_selection_owner(connection(), selection), nullptr));
+    return reply ? reply->owner : noWindow;
+}
+
 } // namespace
 
 xcb_connection_t* connection()
@@ -73,6 +80,7 @@ Atoms atoms()
         .embedInfo = atom("_XEMBED_INFO"),
         .opacity = atom("_NET_WM_WINDOW_OPACITY"),
         .dragSelection = atom("XdndSelection"),
+        .compositor = atom("_NET_WM_CM_S0"),
     };
 }
 
@@ -83,9 +91,7 @@ Window rootWindow()
 
 Window trayOwner(const Atoms& atoms)
 {
-    const Answer<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
-        connection(), xcb_get_selection_owner(connection(), atoms.trayOwner), nullptr));
-    return reply ? reply->owner : noWindow;
+    return owner(atoms.trayOwner);
 }
 
 bool trayWantsAlpha(const Atoms& atoms, Window tray)
@@ -104,6 +110,11 @@ bool trayWantsAlpha(const Atoms& atoms, Window tray)
         }
     }
     return false;
+}
+
+bool isComposited(const Atoms& atoms)
+{
+    return owner(atoms.compositor) != noWindow;
 }
 
 void listenToStructure(Window window)

@@ -18,7 +18,9 @@
 //   desktop_probe pixel X Y           the colour there, as #rrggbb
 //   desktop_probe colors X Y W H      how many colours the rectangle has
 //   desktop_probe digest X Y W H      a number that tells one picture of the rectangle from another
-//   desktop_probe selection NAME      the window that owns the selection; fails if none does
+//   desktop_probe time                the server's own time, in milliseconds
+//   desktop_probe windows PID         the visible windows of the process, one a line: id, width,
+//                                     height, "screen" or "inside" for what it stands in, name
 
 namespace {
 
@@ -68,16 +70,82 @@ std::vector<std::uint32_t> pixels(xcb_connection_t* server, const Rectangle& pla
     return found;
 }
 
-std::optional<xcb_window_t> selectionOwner(xcb_connection_t* server, std::string_view name)
+/// The server tells it with every change of a property.
+std::optional<xcb_timestamp_t> serverTime(xcb_connection_t* server)
 {
-    const Answer<xcb_intern_atom_reply_t> atom(xcb_intern_atom_reply(server,
-        xcb_intern_atom(server, 0, static_cast<std::uint16_t>(name.size()), name.data()), nullptr));
-    if (!atom) {
+    const xcb_window_t window = xcb_generate_id(server);
+    constexpr std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    xcb_create_window(server, XCB_COPY_FROM_PARENT, window, rootWindow(server), 0, 0, 1, 1, 0,
+        XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &mask);
+    xcb_change_property(server, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8,
+        0, nullptr);
+    xcb_flush(server);
+    const Answer<xcb_generic_event_t> event(xcb_wait_for_event(server));
+    if (!event || (event->response_type & 0x7fU) != XCB_PROPERTY_NOTIFY) {
         return std::nullopt;
     }
-    const Answer<xcb_get_selection_owner_reply_t> owner(xcb_get_selection_owner_reply(
-        server, xcb_get_selection_owner(server, atom->atom), nullptr));
-    return owner && owner->owner != XCB_WINDOW_NONE ? std::optional(owner->owner) : std::nullopt;
+    return reinterpret_cast<const xcb_property_notify_event_t&>(*event).time;
+}
+
+std::string property(
+    xcb_connection_t* server, xcb_window_t window, xcb_atom_t name, xcb_atom_t type)
+{
+    const Answer<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+        server, xcb_get_property(server, 0, window, name, type, 0, 64), nullptr));
+    if (!reply) {
+        return {};
+    }
+    const auto length = static_cast<std::size_t>(xcb_get_property_value_length(reply.get()));
+    return { static_cast<const char*>(xcb_get_property_value(reply.get())), length };
+}
+
+xcb_atom_t atom(xcb_connection_t* server, std::string_view name)
+{
+    const Answer<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(server,
+        xcb_intern_atom(server, 0, static_cast<std::uint16_t>(name.size()), name.data()), nullptr));
+    return reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
+}
+
+struct Process {
+    std::uint32_t id;
+    xcb_atom_t idProperty;
+};
+
+void printIfVisible(xcb_connection_t* server, xcb_window_t window, xcb_window_t parent)
+{
+    const Answer<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
+        server, xcb_get_window_attributes(server, window), nullptr));
+    const Answer<xcb_get_geometry_reply_t> geometry(
+        xcb_get_geometry_reply(server, xcb_get_geometry(server, window), nullptr));
+    if (!attributes || !geometry || attributes->map_state != XCB_MAP_STATE_VIEWABLE) {
+        return;
+    }
+    std::printf("%u %u %u %s %s\n", window, geometry->width, geometry->height,
+        parent == rootWindow(server) ? "screen" : "inside",
+        property(server, window, XCB_ATOM_WM_NAME, XCB_ATOM_ANY).c_str());
+}
+
+/// Windows come and go meanwhile: one that is gone has no answers, and is passed over.
+void printWindows(xcb_connection_t* server, xcb_window_t parent, const Process& process)
+{
+    const Answer<xcb_query_tree_reply_t> tree(
+        xcb_query_tree_reply(server, xcb_query_tree(server, parent), nullptr));
+    if (!tree) {
+        return;
+    }
+    const std::span children(xcb_query_tree_children(tree.get()),
+        static_cast<std::size_t>(xcb_query_tree_children_length(tree.get())));
+    for (const xcb_window_t window : children) {
+        const std::string id = property(server, window, process.idProperty, XCB_ATOM_CARDINAL);
+        std::uint32_t number = 0;
+        if (id.size() == sizeof number) {
+            std::memcpy(&number, id.data(), sizeof number);
+        }
+        if (number == process.id) {
+            printIfVisible(server, window, parent);
+        }
+        printWindows(server, window, process);
+    }
 }
 
 int print(std::string_view what, std::vector<std::uint32_t> colors)
@@ -103,16 +171,20 @@ int print(std::string_view what, std::vector<std::uint32_t> colors)
 int run(std::span<char*> arguments)
 {
     const Server server(xcb_connect(nullptr, nullptr));
-    if (xcb_connection_has_error(server.get()) != 0 || arguments.size() < 2) {
+    if (xcb_connection_has_error(server.get()) != 0 || arguments.empty()) {
         return EXIT_FAILURE;
     }
     const std::string_view what = arguments[0];
-    if (what == "selection") {
-        const auto owner = selectionOwner(server.get(), arguments[1]);
-        if (owner) {
-            std::printf("0x%x\n", *owner);
-        }
-        return owner ? EXIT_SUCCESS : EXIT_FAILURE;
+    if (what == "time") {
+        const auto time = serverTime(server.get());
+        std::printf("%u\n", time.value_or(0));
+        return time ? EXIT_SUCCESS : EXIT_FAILURE;
+    }
+    if (what == "windows" && arguments.size() == 2) {
+        printWindows(server.get(), rootWindow(server.get()),
+            { .id = static_cast<std::uint32_t>(std::strtoul(arguments[1], nullptr, 10)),
+                .idProperty = atom(server.get(), "_NET_WM_PID") });
+        return EXIT_SUCCESS;
     }
     std::array<int, 4> numbers { 0, 0, 1, 1 };
     for (std::size_t index = 0; index < std::min(numbers.size(), arguments.size() - 1); ++index) {
