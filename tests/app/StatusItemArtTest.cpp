@@ -7,6 +7,9 @@
 #include <QSignalSpy>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
+
 namespace vellumine {
 namespace {
 
@@ -69,6 +72,29 @@ TEST(StatusItemArt, tintStandsOutFromThePanel)
 {
     EXPECT_GT(qGray(StatusItemArt::tintOn(QColor(32, 32, 32)).rgb()), 200);
     EXPECT_LT(qGray(StatusItemArt::tintOn(QColor(230, 230, 230)).rgb()), 60);
+}
+
+/// The contrast of two colours as the guidelines for accessible contents reckon it, from 1 to 21.
+double contrast(const QColor& one, const QColor& other)
+{
+    const auto linear = [](double value) {
+        return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+    };
+    const auto luminance = [&linear](const QColor& color) {
+        return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF())
+            + 0.0722 * linear(color.blueF()) + 0.05;
+    };
+    const auto [darker, lighter] = std::minmax({ luminance(one), luminance(other) });
+    return lighter / darker;
+}
+
+TEST(StatusItemArt, tintForAnyPanelIsSeenOnLightAndDarkOnes)
+{
+    for (const QColor& panel : { QColor(Qt::white), QColor(0xf6, 0xf5, 0xf4),
+             QColor(0x24, 0x24, 0x24), QColor(Qt::black) }) {
+        EXPECT_GT(contrast(StatusItemArt::tintOnAnyPanel(), panel), 3.0)
+            << panel.name().toStdString();
+    }
 }
 
 TEST(StatusMenu, listsItsItemsInOrder)

@@ -21,7 +21,7 @@ QIcon notifierIcon()
     QIcon icon;
     for (const int pixels : { 16, 22, 24, 32, 48 }) {
         const QImage image = SymbolImage::render(
-            QStringLiteral("photo.on.rectangle.angled"), StatusItemArt::tintOn(Qt::black), pixels);
+            QStringLiteral("photo.on.rectangle.angled"), StatusItemArt::tintOnAnyPanel(), pixels);
         if (!image.isNull()) {
             icon.addPixmap(QPixmap::fromImage(image));
         }

@@ -28,6 +28,11 @@ QColor StatusItemArt::tintOn(const QColor& panel)
     return qGray(panel.rgb()) < 140 ? QColor(0xf2, 0xef, 0xea) : QColor(0x26, 0x22, 0x1f);
 }
 
+QColor StatusItemArt::tintOnAnyPanel()
+{
+    return { 0xa8, 0x6e, 0x55 }; // copper, as bright as lies between black and white for the eye
+}
+
 void StatusItemArt::paint(QPainter& painter, const QRectF& bounds) const
 {
     painter.setCompositionMode(QPainter::CompositionMode_Source);

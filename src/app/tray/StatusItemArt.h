@@ -22,6 +22,8 @@ struct StatusItemArt {
     [[nodiscard]] static QRectF imageRect(const QRectF& bounds);
     /// A tint that stands out from the panel.
     [[nodiscard]] static QColor tintOn(const QColor& panel);
+    /// One that can be seen on light panels and on dark ones, for those that do not tell.
+    [[nodiscard]] static QColor tintOnAnyPanel();
 
     /// Fills the bounds. Lengths are device independent; the scale is the painter's.
     void paint(QPainter& painter, const QRectF& bounds) const;

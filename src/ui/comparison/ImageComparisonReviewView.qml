@@ -38,6 +38,7 @@ FocusScope {
                 Text {
                     id: heading
 
+                    Accessible.name: text
                     Accessible.role: Accessible.Heading
                     color: KestrovaTheme.cream
                     font.bold: true

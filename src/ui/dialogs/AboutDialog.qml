@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Vellumine
 
-// Name, version and maker of the program.
+// Name, version, maker, licence and credits of the program.
 KestrovaDialog {
     id: about
 
@@ -37,6 +37,29 @@ KestrovaDialog {
             Layout.alignment: Qt.AlignHCenter
             Layout.topMargin: 6
             compact: false
+        }
+
+        Text {
+            Layout.alignment: Qt.AlignHCenter
+            Layout.maximumWidth: 380
+            Layout.topMargin: 6
+            color: KestrovaTheme.creamMuted
+            font: TextStyle.subheadline
+            horizontalAlignment: Text.AlignHCenter
+            objectName: "licenceText"
+            text: ProductInfo.licenceText
+            wrapMode: Text.Wrap
+        }
+
+        Text {
+            Layout.alignment: Qt.AlignHCenter
+            Layout.maximumWidth: 380
+            color: KestrovaTheme.creamMuted
+            font: TextStyle.caption
+            horizontalAlignment: Text.AlignHCenter
+            objectName: "librariesText"
+            text: ProductInfo.librariesText
+            wrapMode: Text.Wrap
         }
 
         DialogButton {

@@ -21,6 +21,7 @@ RowLayout {
         spacing: 4
 
         Text {
+            Accessible.name: text
             Accessible.role: Accessible.Heading
             Layout.fillWidth: true
             color: KestrovaTheme.cream

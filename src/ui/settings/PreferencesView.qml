@@ -33,6 +33,7 @@ T.Pane {
                 spacing: 2
 
                 Text {
+                    Accessible.name: text
                     Accessible.role: Accessible.Heading
                     color: KestrovaTheme.cream
                     font: TextStyle.title2

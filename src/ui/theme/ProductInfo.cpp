@@ -23,6 +23,18 @@ QString ProductInfo::versionText()
     return tr("Version %1 (%2)").arg(QString(product::version), QString(product::buildNumber));
 }
 
+QString ProductInfo::licenceText()
+{
+    return tr("Free software under the GNU General Public License, version 3 or later");
+}
+
+QString ProductInfo::librariesText()
+{
+    return tr("With thanks to the makers of %1")
+        .arg(QStringLiteral("Qt, libjpeg-turbo, libpng, GIFLIB, libimagequant, LibTIFF, libheif, "
+                            "libwebp, zimg, Little CMS, Exiv2, libplist, GLib"));
+}
+
 QString ProductInfo::makerName()
 {
     return product::organisation;

@@ -13,6 +13,8 @@ class ProductInfo : public QObject {
     QML_SINGLETON
     Q_PROPERTY(QString name READ name CONSTANT)
     Q_PROPERTY(QString versionText READ versionText CONSTANT)
+    Q_PROPERTY(QString licenceText READ licenceText CONSTANT)
+    Q_PROPERTY(QString librariesText READ librariesText CONSTANT)
     Q_PROPERTY(QString makerName READ makerName CONSTANT)
     Q_PROPERTY(QString creditLine READ creditLine CONSTANT)
     Q_PROPERTY(QUrl makerUrl READ makerUrl CONSTANT)
@@ -28,6 +30,9 @@ public:
     [[nodiscard]] static QString name();
     /// "Version ", the version, " (", the build number, ")"
     [[nodiscard]] static QString versionText();
+    [[nodiscard]] static QString licenceText();
+    /// Names those whose work this program stands on.
+    [[nodiscard]] static QString librariesText();
     [[nodiscard]] static QString makerName();
     [[nodiscard]] static QString creditLine();
     [[nodiscard]] static QUrl makerUrl();

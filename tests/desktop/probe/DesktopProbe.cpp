@@ -46,7 +46,8 @@ xcb_window_t rootWindow(xcb_connection_t* server)
     return xcb_setup_roots_iterator(xcb_get_setup(server)).data->root;
 }
 
-/// The colours of the screen's rectangle, row by row, as 0xrrggbb. Empty where it leaves the screen.
+/// The colours of the screen's rectangle, row by row, as 0xrrggbb. Empty where it leaves the
+/// screen.
 std::vector<std::uint32_t> pixels(xcb_connection_t* server, const Rectangle& place)
 {
     constexpr std::uint32_t allPlanes = 0xffffffff;
@@ -77,8 +78,8 @@ std::optional<xcb_timestamp_t> serverTime(xcb_connection_t* server)
     constexpr std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
     xcb_create_window(server, XCB_COPY_FROM_PARENT, window, rootWindow(server), 0, 0, 1, 1, 0,
         XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &mask);
-    xcb_change_property(server, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8,
-        0, nullptr);
+    xcb_change_property(
+        server, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8, 0, nullptr);
     xcb_flush(server);
     const Answer<xcb_generic_event_t> event(xcb_wait_for_event(server));
     if (!event || (event->response_type & 0x7fU) != XCB_PROPERTY_NOTIFY) {

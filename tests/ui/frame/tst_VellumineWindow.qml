@@ -194,6 +194,12 @@ Item {
             const text = findChild(window, "versionText");
             verify(text);
             compare(text.text, ProductInfo.versionText);
+            for (const name of ["licenceText", "librariesText"]) {
+                const line = findChild(window, name);
+                compare(line.text, ProductInfo[name]);
+                verify(!line.truncated);
+                verify(line.width <= 380);
+            }
             tryVerify(() => findChild(window, "aboutCloseButton").activeFocus);
             keyClick(Qt.Key_Return);
             tryVerify(() => !text.visible);

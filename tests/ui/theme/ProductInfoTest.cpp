@@ -21,6 +21,15 @@ TEST(ProductInfoTest, CreditsTheMaker)
     EXPECT_EQ(ProductInfo::makerName(), QStringLiteral("Kestrova"));
 }
 
+TEST(ProductInfoTest, NamesTheLicenceAndThoseWhoseWorkItUses)
+{
+    EXPECT_TRUE(ProductInfo::licenceText().contains(QStringLiteral("General Public License")));
+    for (const char* library : { "Qt", "libjpeg-turbo", "libpng", "LibTIFF", "libheif", "libwebp",
+             "zimg", "Little CMS", "Exiv2" }) {
+        EXPECT_TRUE(ProductInfo::librariesText().contains(QLatin1String(library))) << library;
+    }
+}
+
 TEST(ProductInfoTest, SaysWhereTheLinksLead)
 {
     EXPECT_EQ(ProductInfo::makerHelpText(),
