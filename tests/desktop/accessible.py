@@ -19,7 +19,7 @@ import gi
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402  (the version has to be asked for first)
 
-PATIENCE = 30
+PATIENCE = 60
 PRESSES = ("press", "toggle", "click", "showmenu")
 
 

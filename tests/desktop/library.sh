@@ -67,9 +67,9 @@ end() { # PROCESS
     wait "$1" 2>/dev/null || true
 }
 
-# wait_for COMMAND...: until it succeeds, for thirty seconds.
+# wait_for COMMAND...: until it succeeds, for a minute, since the machine may have other work.
 wait_for() {
-    local deadline=$((SECONDS + 30))
+    local deadline=$((SECONDS + 60))
     while ((SECONDS < deadline)); do
         if "$@" >/dev/null 2>&1; then
             return

@@ -11,20 +11,8 @@ is_painted() { # X Y WIDTH HEIGHT, more than a plain ground and a line
     (($("$PROBE" colors "$@") > 4))
 }
 
-# Until the rectangle has looked the same ten times in a row.
 wait_until_still() { # X Y WIDTH HEIGHT
-    local deadline=$((SECONDS + 30)) last="" now same=0
-    while ((SECONDS < deadline && same < 10)); do
-        now="$("$PROBE" digest "$@")"
-        if [[ "$now" == "$last" ]]; then
-            ((++same))
-        else
-            same=0
-        fi
-        last="$now"
-        sleep 0.03
-    done
-    ((same == 10)) || fail "the screen does not come to rest"
+    "$PROBE" still "$@" || fail "the screen does not come to rest"
 }
 
 looks_other_than() { # DIGEST X Y WIDTH HEIGHT
@@ -98,7 +86,7 @@ carry() { # FROM_X FROM_Y TO_X TO_Y
 
 # hover_until COMMAND...: moves a little where it is, as a hand does, until the command succeeds.
 hover_until() {
-    local deadline=$((SECONDS + 30)) by=1
+    local deadline=$((SECONDS + 60)) by=1
     while ((SECONDS < deadline)); do
         xdotool mousemove_relative -- "$by" 0
         by=$((-by))

@@ -45,6 +45,15 @@ QColor panelColorAt(QRect item, const QScreen* screen)
     return pixel.isNull() ? QColor(Qt::black) : pixel.toImage().pixelColor(0, 0);
 }
 
+void showToolTip()
+{
+    QPalette look;
+    look.setColor(QPalette::ToolTipBase, palette::leatherDeep.toQColor());
+    look.setColor(QPalette::ToolTipText, palette::cream.toQColor());
+    QToolTip::setPalette(look);
+    QToolTip::showText(QCursor::pos(), QString(product::name));
+}
+
 } // namespace
 
 bool DropStatusItemView::isPossible()
@@ -72,7 +81,7 @@ DropStatusItemView::DropStatusItemView(StatusItemDrops::Process process)
     connect(&m_panelWatch, &QTimer::timeout, this, &DropStatusItemView::lookAtPanel);
     m_toolTipDelay.setSingleShot(true);
     m_toolTipDelay.setInterval(toolTipDelay);
-    connect(&m_toolTipDelay, &QTimer::timeout, this, &DropStatusItemView::showToolTip);
+    connect(&m_toolTipDelay, &QTimer::timeout, this, showToolTip);
 
     qGuiApp->installNativeEventFilter(this);
     xcb::listenToStructure(xcb::rootWindow()); // where a starting tray announces itself
@@ -133,15 +142,6 @@ void DropStatusItemView::lookAtPanel()
         m_panel = panelColorAt(*place, screen());
         update();
     }
-}
-
-void DropStatusItemView::showToolTip()
-{
-    QPalette look;
-    look.setColor(QPalette::ToolTipBase, palette::leatherDeep.toQColor());
-    look.setColor(QPalette::ToolTipText, palette::cream.toQColor());
-    QToolTip::setPalette(look);
-    QToolTip::showText(QCursor::pos(), QString(product::name));
 }
 
 void DropStatusItemView::settle(bool isDocked)

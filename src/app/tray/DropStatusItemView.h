@@ -62,7 +62,6 @@ private:
     void undock();
     void embeddedIn(xcb::Window parent);
     void lookAtPanel();
-    void showToolTip();
     void settle(bool isDocked);
     void coverDuringDrag();
     void uncoverAfterDrag();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -11,6 +12,8 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <thread>
+#include <utility>
 #include <vector>
 
 // What an X server shows, for scripts:
@@ -18,6 +21,7 @@
 //   desktop_probe pixel X Y           the colour there, as #rrggbb
 //   desktop_probe colors X Y W H      how many colours the rectangle has
 //   desktop_probe digest X Y W H      a number that tells one picture of the rectangle from another
+//   desktop_probe still X Y W H       waits, for a minute, until nothing moves in the rectangle
 //   desktop_probe time                the server's own time, in milliseconds
 //   desktop_probe windows PID         the visible windows of the process, one a line: id, width,
 //                                     height, "screen" or "inside" for what it stands in, name
@@ -149,6 +153,24 @@ void printWindows(xcb_connection_t* server, xcb_window_t parent, const Process& 
     }
 }
 
+/// Whether the rectangle came to look the same for a third of a second.
+bool comesToRest(xcb_connection_t* server, const Rectangle& place)
+{
+    using namespace std::chrono_literals;
+    constexpr auto step = 30ms;
+    constexpr int enough = 10;
+    const auto deadline = std::chrono::steady_clock::now() + 60s;
+    std::vector<std::uint32_t> last = pixels(server, place);
+    int same = 0;
+    while (same < enough && std::chrono::steady_clock::now() < deadline) {
+        std::this_thread::sleep_for(step);
+        std::vector<std::uint32_t> now = pixels(server, place);
+        same = now == last ? same + 1 : 0;
+        last = std::move(now);
+    }
+    return same == enough && !last.empty();
+}
+
 int print(std::string_view what, std::vector<std::uint32_t> colors)
 {
     if (colors.empty()) {
@@ -191,10 +213,13 @@ int run(std::span<char*> arguments)
     for (std::size_t index = 0; index < std::min(numbers.size(), arguments.size() - 1); ++index) {
         numbers.at(index) = std::atoi(arguments[index + 1]); // NOLINT(cert-err34-c)
     }
-    return print(what,
-        pixels(server.get(),
-            { static_cast<std::int16_t>(numbers[0]), static_cast<std::int16_t>(numbers[1]),
-                static_cast<std::uint16_t>(numbers[2]), static_cast<std::uint16_t>(numbers[3]) }));
+    const Rectangle place { static_cast<std::int16_t>(numbers[0]),
+        static_cast<std::int16_t>(numbers[1]), static_cast<std::uint16_t>(numbers[2]),
+        static_cast<std::uint16_t>(numbers[3]) };
+    if (what == "still") {
+        return comesToRest(server.get(), place) ? EXIT_SUCCESS : EXIT_FAILURE;
+    }
+    return print(what, pixels(server.get(), place));
 }
 
 } // namespace
