@@ -96,6 +96,9 @@ TEST_F(Program, choosingPreferencesTwiceMakesOneWindow)
     QQuickWindow* window = delegate().preferencesWindow();
     ASSERT_NE(window, nullptr);
     EXPECT_EQ(window->objectName(), QStringLiteral("VelluminePreferencesWindow"));
+    EXPECT_EQ(window->title(), QStringLiteral("Preferences"));
+    EXPECT_EQ(window->minimumSize(), QSize(620, 780));
+    EXPECT_EQ(window->width(), 620);
     delegate().showPreferences();
     EXPECT_EQ(delegate().preferencesWindow(), window);
 }
@@ -146,6 +149,21 @@ TEST_F(Program, growsWithItsFirstResult)
     ASSERT_TRUE(waitForResults(1));
     EXPECT_EQ(window.height(), std::min(650, available));
     EXPECT_EQ(window.width(), before.width());
+}
+
+TEST_F(Program, aListOfTheSameLengthLeavesTheWindowAlone)
+{
+    delegate().launch();
+    QQuickWindow& window = *delegate().mainWindow();
+    delegate().process({ brokenPicture("a.png") });
+    ASSERT_TRUE(waitForResults(1));
+    window.setHeight(500); // by the user
+    Q_EMIT model().resultInserted(model().results().first());
+    EXPECT_EQ(window.height(), 500);
+
+    delegate().process({ brokenPicture("b.png") });
+    ASSERT_TRUE(waitForResults(2));
+    EXPECT_EQ(window.height(), std::min(726, window.screen()->availableGeometry().height()));
 }
 
 TEST_F(Program, leavesAMaximisedWindowAlone)
@@ -224,6 +242,22 @@ TEST_F(Program, endsWhileAQuestionIsOpen)
     ASSERT_TRUE(QTest::qWaitFor([&] { return delegate().mainWindow()->isVisible(); }, 20000));
     m_delegate.reset();
     EXPECT_EQ(std::filesystem::file_size(m_folder / "pictures" / "a-small.png"), 10U);
+}
+
+TEST(ReusableWindow, isNoLargerThanItsScreen)
+{
+    ReusableWindow window([] {
+        auto made = std::make_unique<QQuickWindow>();
+        made->setMinimumSize({ 300, 20000 });
+        made->resize(300, 20000);
+        return made;
+    });
+    window.show();
+    ASSERT_NE(window.window(), nullptr);
+    const QRect available = window.window()->screen()->availableGeometry();
+    EXPECT_EQ(window.window()->height(), available.height());
+    EXPECT_EQ(window.window()->width(), 300);
+    EXPECT_NEAR(window.window()->geometry().center().x(), available.center().x(), 1);
 }
 
 TEST(WindowActivation, readsTheTimeOfAStartupId)

@@ -10,9 +10,11 @@
 namespace vellumine {
 namespace {
 
+/// In the middle of the screen, and no larger than it, whatever the window would like.
 void center(QWindow& window)
 {
     const QRect available = window.screen()->availableGeometry();
+    window.setMinimumSize(window.minimumSize().boundedTo(available.size()));
     QRect frame(QPoint(), window.size().boundedTo(available.size()));
     frame.moveCenter(available.center());
     window.setGeometry(frame);
