@@ -37,19 +37,20 @@ cp "$package" "$root/tmp/vellumine.deb"
 inside apt-get install -y -qq --no-install-recommends /tmp/vellumine.deb \
     dbus-daemon xvfb x11-utils libglib2.0-bin >/dev/null
 inside id somebody >/dev/null 2>&1 || inside useradd --create-home somebody
-rm -rf "$root/home/somebody/pictures"
-mkdir "$root/home/somebody/pictures"
+rm -rf "$root/home/somebody/check"
+mkdir -p "$root/home/somebody/check/pictures"
 if [[ -n "$pictures" ]]; then
-    cp -r "$pictures/." "$root/home/somebody/pictures/"
+    cp -r "$pictures/." "$root/home/somebody/check/pictures/"
 else
-    base64 -d >"$root/home/somebody/pictures/a.png" <<'PNG'
+    base64 -d >"$root/home/somebody/check/pictures/a.png" <<'PNG'
 iVBORw0KGgoAAAANSUhEUgAAAAgAAAAICAIAAABLbSncAAAAEUlEQVR42mPYkGCAFTEMLQkAYplQAZTtXNgAAAAASUVORK5CYII=
 PNG
 fi
-inside chown -R somebody: /home/somebody/pictures
+chmod -R u+w "$root/home/somebody/check/pictures"
+inside chown -R somebody: /home/somebody/check
 
 cat >"$root/tmp/check" <<'SCRIPT'
-cd "$HOME"
+cd "$HOME/check"
 echo "== vellumine-batch"
 vellumine-batch --version
 outputs() {
@@ -65,29 +66,31 @@ echo "$(($(outputs) - before)) new files"
 (($(outputs) > before))
 
 echo "== vellumine"
-export XDG_RUNTIME_DIR="$HOME/run"
+export XDG_RUNTIME_DIR="$PWD/run"
 mkdir -p "$XDG_RUNTIME_DIR" window
 chmod 700 "$XDG_RUNTIME_DIR"
 Xvfb -displayfd 9 -screen 0 1280x1000x24 -nolisten tcp -noreset 9>display >server.log 2>&1 &
 server=$!
-dbus-daemon --session --nofork --print-address=9 9>bus >bus.log 2>&1 &
-bus=$!
-trap 'kill "$bus" "$server" 2>/dev/null || true' EXIT
+trap 'kill "$server"' EXIT
 wait_for() {
     local deadline=$((SECONDS + 60))
     until "$@" >/dev/null 2>&1; do
-        ((SECONDS < deadline)) || { echo "waited in vain for: $*"; cat program.log; exit 1; }
+        ((SECONDS < deadline)) || { echo "waited in vain for: $*"; cat bus.log; exit 1; }
         sleep 0.1
     done
 }
 wait_for test -s display
-wait_for test -s bus
 DISPLAY=":$(<display)"
+export DISPLAY
+dbus-daemon --session --nofork --print-address=9 9>bus >bus.log 2>&1 &
+bus=$!
+trap 'kill "$bus" "$server"' EXIT
+wait_for test -s bus
 DBUS_SESSION_BUS_ADDRESS="$(head -n 1 bus)"
-export DISPLAY DBUS_SESSION_BUS_ADDRESS
+export DBUS_SESSION_BUS_ADDRESS
 cp "$(find pictures -name '*.png' | head -n 1)" "window/a picture.png"
 # The bus starts it by the file that the package has brought.
-gapplication launch com.kestrova.Vellumine "$HOME/window/a picture.png"
+gapplication launch com.kestrova.Vellumine "$PWD/window/a picture.png"
 window_is_shown() {
     xwininfo -root -tree | grep -q '"Vellumine".*820x'
 }
