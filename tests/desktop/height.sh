@@ -5,6 +5,8 @@
 . "$(dirname "$0")/library.sh"
 needs xrandr
 
+SHOTS="$SHOTS/height-$1"
+mkdir -p "$SHOTS"
 pictures=0
 
 # Has the program convert so many more pictures.
