@@ -1,33 +1,13 @@
 #include "app/tray/XcbTray.h"
 
-#include <QGuiApplication>
-
 #include <xcb/xcb.h>
 #include <xcb/xfixes.h>
 
 #include <array>
-#include <cstdlib>
 #include <cstring>
-#include <memory>
-#include <string_view>
 
 namespace vellumine::xcb {
 namespace {
-
-struct Freeing {
-    void operator()(void* reply) const { std::free(reply); } // NOLINT(*-no-malloc)
-};
-
-/// What the server answered; null on an error.
-template <typename Reply> using Answer = std::unique_ptr<Reply, Freeing>;
-
-Atom atom(std::string_view name)
-{
-    const Answer<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection(),
-        xcb_intern_atom(connection(), 0, static_cast<std::uint16_t>(name.size()), name.data()),
-        nullptr));
-    return reply ? reply->atom : static_cast<Atom>(XCB_ATOM_NONE);
-}
 
 /// A property of one number.
 std::optional<std::uint32_t> number(Window window, Atom property, Atom type)
@@ -40,12 +20,6 @@ std::optional<std::uint32_t> number(Window window, Atom property, Atom type)
     }
     std::memcpy(&value, xcb_get_property_value(reply.get()), sizeof value);
     return value;
-}
-
-const xcb_screen_t& screen()
-{
-    // Trays stand on the first screen; a display with several is a relic.
-    return *xcb_setup_roots_iterator(xcb_get_setup(connection())).data;
 }
 
 Window parent(Window window)
@@ -64,12 +38,6 @@ Window owner(Atom selection)
 
 } // namespace
 
-xcb_connection_t* connection()
-{
-    const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    return x11 ? x11->connection() : nullptr;
-}
-
 Atoms atoms()
 {
     return {
@@ -82,11 +50,6 @@ Atoms atoms()
         .dragSelection = atom("XdndSelection"),
         .compositor = atom("_NET_WM_CM_S0"),
     };
-}
-
-Window rootWindow()
-{
-    return screen().root;
 }
 
 Window trayOwner(const Atoms& atoms)

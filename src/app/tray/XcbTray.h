@@ -1,24 +1,16 @@
 #pragma once
 
-#include <QPoint>
+#include "app/x11/XcbConnection.h"
+
 #include <QRect>
 
 #include <cstdint>
 #include <optional>
 
-struct xcb_connection_t;
-
 // The requests to an X server that a status item needs: the system tray protocol, XEmbed, and what
 // tells that a drag is going on. Each waits for its answer; there are few of them.
 
 namespace vellumine::xcb {
-
-using Window = std::uint32_t;
-using Atom = std::uint32_t;
-inline constexpr Window noWindow = 0;
-
-/// The application's connection to its X server; none on another platform.
-[[nodiscard]] xcb_connection_t* connection();
 
 /// The atoms of the protocols.
 struct Atoms {
@@ -32,8 +24,6 @@ struct Atoms {
     Atom compositor; ///< _NET_WM_CM_S0
 };
 [[nodiscard]] Atoms atoms();
-
-[[nodiscard]] Window rootWindow();
 
 /// The window of the running tray, if one runs.
 [[nodiscard]] Window trayOwner(const Atoms& atoms);
