@@ -71,7 +71,7 @@ void resolveLargeTree(benchmark::State& state)
 {
     const LargeTree tree;
     platform::DesktopSecurityScope scope;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto iteration : state) {
         const QList<QUrl> found
             = FileInputResolver::imageURLs({ platform::fileUrl(tree.root()) }, scope);
         state.counters["found"] = static_cast<double>(found.size());
@@ -84,7 +84,7 @@ BENCHMARK(resolveLargeTree)->Unit(benchmark::kMillisecond);
 void orderFiles(benchmark::State& state)
 {
     const QList<QUrl> urls = manyPictures(state.range(0));
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto iteration : state) {
         ConversionQueue queue(std::vector<QUrl>(urls.begin(), urls.end()), {});
         benchmark::DoNotOptimize(queue.takeNext());
     }
@@ -95,7 +95,7 @@ BENCHMARK(orderFiles)->Arg(100'000)->Unit(benchmark::kMillisecond);
 void findParentFolders(benchmark::State& state)
 {
     const QList<QUrl> urls = manyPictures(state.range(0));
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto iteration : state) {
         benchmark::DoNotOptimize(FolderAccessGrants::uniqueParentFolders(urls));
     }
 }
@@ -107,7 +107,7 @@ void runBatchOfNothing(benchmark::State& state)
     const QCoreApplication application(argumentCount, nullptr);
     const QList<QUrl> urls = manyPictures(state.range(0));
     std::vector<qint64> gaps;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto iteration : state) {
         ProcessingModel model({
             .snapshot = [] { return OptimizerSettings(); },
             .record = [](const ProcessingResult&) {},

@@ -136,7 +136,7 @@ void convertManyPictures(benchmark::State& state, OutputFormat format)
     environment.executableFolder
         = QFile::encodeName(QCoreApplication::applicationDirPath()).toStdString();
     const qint64 before = cpuNanoseconds(CLOCK_PROCESS_CPUTIME_ID);
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto iteration : state) {
         StatsStore stats(pictures.dataFolder());
         qint64 recorded = 0;
         ProcessingModel model({
