@@ -32,6 +32,7 @@ RowLayout {
 
         SettingsChipGroup {
             Layout.fillWidth: true
+            objectName: "chips"
             settings: header.settings
         }
     }

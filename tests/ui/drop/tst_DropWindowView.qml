@@ -252,6 +252,12 @@ Item {
             const coffee = findChild(view, "coffeeLink");
             compare(left(coffee), 22);
             compare(left(full) + full.width, 820 - 22);
+            scene.width = 1000;
+            waitForRendering(view);
+            compare(left(coffee), 22);
+            compare(left(full) + full.width, 1000 - 22);
+            scene.width = 820;
+            waitForRendering(view);
             compare(left(findChild(view, "preferencesButton")), 22);
             verify(findChild(view, "background").mirrored);
         }

@@ -33,6 +33,15 @@ public:
         });
     }
 
+    Q_INVOKABLE void askFolder(const QUrl& folder)
+    {
+        m_folderPanel.show({ .message = QStringLiteral("Choose where converted images should be "
+                                                       "saved."),
+                               .prompt = {},
+                               .folder = folder },
+            [](const std::optional<QUrl>& /*chosen*/) {});
+    }
+
 Q_SIGNALS:
     void answered();
 

@@ -61,6 +61,9 @@ QString renderScene(QQmlEngine& engine, const QString& scene, const QString& pic
     for (int frameCount = 0; frameCount < 4; ++frameCount) {
         QCoreApplication::sendPostedEvents();
         QCoreApplication::processEvents();
+        // Nothing lies under the pointer, wherever it was when the window came.
+        QEvent leaving(QEvent::Leave);
+        QCoreApplication::sendEvent(window, &leaving);
         (void)window->grabWindow();
     }
     const bool written = window->grabWindow().save(picture);
