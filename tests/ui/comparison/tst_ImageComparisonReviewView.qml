@@ -24,28 +24,6 @@ Item {
         }
     }
 
-    Component {
-        id: bothComponent
-
-        Item {
-            property alias fixture: landscape
-            property alias view: landscapeView
-
-            anchors.fill: parent
-
-            ComparisonFixture {
-                id: landscape
-            }
-
-            ImageComparisonReviewView {
-                id: landscapeView
-
-                anchors.fill: parent
-                presenter: landscape.presenter
-            }
-        }
-    }
-
     TestCase {
         property ImageComparisonReviewView view
         property Item canvas
@@ -79,15 +57,6 @@ Item {
             compare(line.width, 2);
             compare(line.x + 1, canvas.width / 2);
             compare(findChild(canvas, "splitHandle").width, 22);
-        }
-
-        function test_showsThePicturesOfAPresenterThatWasThereBefore() {
-            const both = createTemporaryObject(bothComponent, root);
-            compare(both.fixture.presenter.split, 0.5);
-            waitForRendering(both.view);
-            const shot = grabImage(both.view);
-            const sky = shot.pixel(100, 100);
-            verify(sky.b > 0.4 && sky.r < 0.3, "the sky above the landscape, not " + sky);
         }
 
         function test_theSplitFollowsThePointer() {
