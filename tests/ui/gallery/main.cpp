@@ -2,6 +2,8 @@
 //     ui_gallery [--locale NAME] --output FOLDER SCENE.qml...
 // A scene is an Item or a Window with stand-ins for what it shows. QT_SCALE_FACTOR sets the scale.
 
+#include "ui/translation/Translations.h"
+
 #include <QCommandLineParser>
 #include <QDeadlineTimer>
 #include <QDir>
@@ -95,6 +97,7 @@ int main(int argumentCount, char** arguments)
     parser.process(application);
     const QLocale chosen = parser.isSet(locale) ? QLocale(parser.value(locale)) : QLocale::c();
     QLocale::setDefault(chosen);
+    const vellumine::Translations translations(chosen);
     QGuiApplication::setLayoutDirection(chosen.textDirection());
 
     const QDir folder(parser.value(output));
