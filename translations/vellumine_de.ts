@@ -471,7 +471,7 @@
     </message>
     <message>
         <source>No Resize</source>
-        <translation>Größe beibehalten</translation>
+        <translation>Größe behalten</translation>
     </message>
     <message>
         <source>WebP Lossy</source>
@@ -682,7 +682,7 @@
     </message>
     <message>
         <source>No resize</source>
-        <translation>Größe beibehalten</translation>
+        <translation>Größe behalten</translation>
     </message>
     <message>
         <source>Lossless</source>
@@ -737,7 +737,7 @@
     <name>vellumine::StatsPresenter</name>
     <message>
         <source>%1 lifetime files</source>
-        <translation>%1 Dateien insgesamt</translation>
+        <translation>Dateien insgesamt: %1</translation>
     </message>
     <message>
         <source>Net saved %1</source>
@@ -769,7 +769,7 @@
     </message>
     <message>
         <source>Largest Save</source>
-        <translation>Größte Ersparnis</translation>
+        <translation>Höchste Ersparnis</translation>
     </message>
 </context>
 <context>

@@ -41,7 +41,6 @@ Item {
             anchors.verticalCenter: parent.verticalCenter
             objectName: "updateStatus"
             updates: footer.updates
-            visible: implicitWidth > 0
         }
 
         BuyMeACoffeeLink {

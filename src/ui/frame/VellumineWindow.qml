@@ -26,7 +26,7 @@ Window {
     }
 
     function showMenu() {
-        menu.popup(titleBar.menuButton, 0, titleBar.menuButton.height + 4);
+        menu.openBelow(titleBar.menuButton);
     }
 
     LayoutMirroring.childrenInherit: true

@@ -85,6 +85,7 @@ T.Pane {
                 height: Math.max(implicitHeight, Math.min(page.height, implicitHeight + 60))
                 spacing: 8
                 width: page.width - (page.contentHeight > page.height ? 14 : 0)
+                x: view.LayoutMirroring.enabled ? page.width - width : 0
 
                 OutputPreferences {
                     Layout.fillWidth: true
@@ -138,7 +139,6 @@ T.Pane {
 
                         KestrovaSwitch {
                             Layout.fillWidth: true
-                            Layout.preferredWidth: 1
                             checked: view.settings.moveOriginalToTrash
                             light: true
                             text: qsTr("Move original to Trash")
@@ -148,7 +148,6 @@ T.Pane {
 
                         KestrovaSwitch {
                             Layout.fillWidth: true
-                            Layout.preferredWidth: 1
                             checked: view.settings.preserveModificationTime
                             light: true
                             text: qsTr("Preserve file modification time")
@@ -158,7 +157,6 @@ T.Pane {
 
                         KestrovaSwitch {
                             Layout.fillWidth: true
-                            Layout.preferredWidth: 1
                             checked: view.settings.warnBeforeOverwrite
                             light: true
                             text: qsTr("Show warning before overwrite")
@@ -168,7 +166,6 @@ T.Pane {
 
                         KestrovaSwitch {
                             Layout.fillWidth: true
-                            Layout.preferredWidth: 1
                             checked: view.settings.exitWhenComplete
                             light: true
                             text: qsTr("Exit when optimization complete")

@@ -33,12 +33,9 @@ public:
         });
     }
 
-    Q_INVOKABLE void askFolder(const QUrl& folder)
+    Q_INVOKABLE void askFolder(const QString& message, const QUrl& folder)
     {
-        m_folderPanel.show({ .message = QStringLiteral("Choose where converted images should be "
-                                                       "saved."),
-                               .prompt = {},
-                               .folder = folder },
+        m_folderPanel.show({ .message = message, .prompt = {}, .folder = folder },
             [](const std::optional<QUrl>& /*chosen*/) {});
     }
 
