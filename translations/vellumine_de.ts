@@ -541,6 +541,13 @@
     </message>
 </context>
 <context>
+    <name>vellumine::BatchAnnouncer</name>
+    <message>
+        <source>%1. %2</source>
+        <translation>%1. %2</translation>
+    </message>
+</context>
+<context>
     <name>vellumine::ComparisonPresenter</name>
     <message>
         <source>Before: </source>
@@ -664,6 +671,10 @@
     <message>
         <source>Total Saved</source>
         <translation>Insgesamt gespart</translation>
+    </message>
+    <message>
+        <source>Files: %1, %2: %3, Reduction: %4</source>
+        <translation>Dateien: %1, %2: %3, Ersparnis: %4</translation>
     </message>
 </context>
 <context>

@@ -48,6 +48,10 @@ Item {
         ProcessingFixture {}
     }
 
+    ResultsFixture {
+        id: filledList
+    }
+
     SignalSpy {
         id: preferencesSpy
 
@@ -267,6 +271,26 @@ Item {
             zone.forceActiveFocus();
             keyClick(Qt.Key_V, Qt.ControlModifier);
             tryCompare(batches, "begun", ["copied.png"]);
+        }
+
+        function test_batchesAnnounceThemselves() {
+            const announcement = findChild(view, "announcement");
+            const said = [];
+            announcement.visibleChanged.connect(() => {
+                if (announcement.visible)
+                    said.push(announcement.text);
+            });
+            compare(announcement.Accessible.role, Accessible.AlertMessage);
+            batches.dropPhotos(2);
+            tryVerify(() => batches.begun.length === 2);
+            filledList.addSuccess("photo-1.jpg", 2000000, 1500000);
+            view.results = filledList.model;
+            batches.letAllGo();
+            tryVerify(() => batches.presenter.statusText === "Done");
+            compare(said, ["Scanning for images...", "Optimizing 2 images with 2 workers...", "Done. Files: 1/1, Total Saved: 500 KB, Reduction: 25.0%"]);
+            batches.presenter.loadDroppedFiles(["file:///notes.txt"]);
+            tryVerify(() => said.length === 4);
+            compare(said[3], "No supported image files found", "without the totals of another batch");
         }
 
         function test_focusGoesFromTopToBottom() {
