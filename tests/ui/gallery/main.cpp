@@ -2,6 +2,7 @@
 //     ui_gallery [--locale NAME] --output FOLDER SCENE.qml...
 // A scene is an Item or a Window with stand-ins for what it shows. QT_SCALE_FACTOR sets the scale.
 
+#include "ui/theme/Motion.h"
 #include "ui/translation/Translations.h"
 
 #include <QCommandLineParser>
@@ -23,15 +24,6 @@
 #include <memory>
 
 namespace {
-
-void stopMotion(QQmlEngine& engine)
-{
-    QQmlComponent component(&engine);
-    component.setData("import QtQml\nimport Vellumine\n"
-                      "QtObject { Component.onCompleted: Motion.reducedMotion = true }",
-        QUrl());
-    const std::unique_ptr<QObject> done(component.create());
-}
 
 /// Renders one scene; an empty text, or what went wrong.
 QString renderScene(QQmlEngine& engine, const QString& scene, const QString& picture)
@@ -107,7 +99,8 @@ int main(int argumentCount, char** arguments)
     const QStringList scenes = parser.positionalArguments();
     for (const QString& scene : scenes) {
         QQmlEngine engine;
-        stopMotion(engine);
+        engine.singletonInstance<vellumine::Motion*>(qmlTypeId("Vellumine", 1, 0, "Motion"))
+            ->setReduced(true);
         const QString picture
             = folder.filePath(QFileInfo(scene).completeBaseName() + QStringLiteral(".png"));
         const QString failure = renderScene(engine, scene, picture);
