@@ -22,6 +22,7 @@ find_package(Qt6 6.4 REQUIRED COMPONENTS Core Concurrent DBus Network)
 # A machine without a desktop builds the command line alone.
 option(VELLUMINE_WINDOWS "Build the windows, which need Qt Quick" ON)
 if(VELLUMINE_WINDOWS AND NOT VELLUMINE_FUZZ)
-    find_package(Qt6 6.4 REQUIRED COMPONENTS Gui Widgets Qml Quick QuickControls2 QuickTest Svg DBus)
+    find_package(Qt6 6.4 REQUIRED COMPONENTS Gui Widgets Qml Quick QuickControls2 QuickTest Svg DBus
+        LinguistTools)
     pkg_check_modules(xcb REQUIRED IMPORTED_TARGET xcb xcb-xfixes)
 endif()

@@ -2,6 +2,7 @@
 
 #include "app/tray/StatusItem.h"
 #include "core/Product.h"
+#include "ui/theme/Motion.h"
 
 #include <QGuiApplication>
 #include <QQmlComponent>
@@ -16,6 +17,7 @@ AppDelegate::AppDelegate(Surroundings surroundings)
     , m_reveal(std::move(surroundings.reveal))
     , m_openPage(std::move(surroundings.openPage))
     , m_bus(surroundings.bus)
+    , m_motion(surroundings.bus)
     , m_windowGrowingTime(surroundings.windowGrowingTime)
     , m_models(modelSurroundings(surroundings))
     , m_settings(m_models.settings(), m_models.bookmarks(),
@@ -33,7 +35,9 @@ AppDelegate::AppDelegate(Surroundings surroundings)
     connect(&m_folderPanel, &FolderPanelPresenter::asked, this, &AppDelegate::showQuestion);
     connect(&m_mainWindow, &ReusableWindow::made, this, [this](QQuickWindow* window) {
         m_heightFollower.emplace(*window, m_models.processingModel(), m_windowGrowingTime);
+        applyMotion();
     });
+    connect(&m_motion, &platform::DesktopMotion::changed, this, &AppDelegate::applyMotion);
 }
 
 AppDelegate::~AppDelegate() = default;
@@ -112,6 +116,17 @@ void AppDelegate::showQuestion()
     if (!mainWindow() || !mainWindow()->isVisible()) {
         showMainWindow();
     }
+}
+
+void AppDelegate::applyMotion()
+{
+    if (!m_heightFollower) {
+        return; // with the main window
+    }
+    const bool isReduced = m_motion.isReduced();
+    m_engine.singletonInstance<Motion*>(qmlTypeId("Vellumine", 1, 0, "Motion"))
+        ->setReduced(isReduced);
+    m_heightFollower->setTime(isReduced ? std::chrono::milliseconds(0) : m_windowGrowingTime);
 }
 
 std::unique_ptr<QQuickWindow> AppDelegate::makeWindow(

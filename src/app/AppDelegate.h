@@ -4,6 +4,7 @@
 #include "app/instance/ActivationToken.h"
 #include "app/windows/HeightFollower.h"
 #include "app/windows/ReusableWindow.h"
+#include "platform/DesktopMotion.h"
 #include "ui/comparison/ImageComparisonPresenter.h"
 #include "ui/dialogs/FolderPanelPresenter.h"
 #include "ui/dialogs/OverwritePromptPresenter.h"
@@ -84,12 +85,14 @@ private:
     [[nodiscard]] std::unique_ptr<QQuickWindow> makeMainWindow();
     [[nodiscard]] std::unique_ptr<QQuickWindow> makePreferencesWindow();
     void showQuestion();
+    void applyMotion();
 
     // What the views hold outlives the engine, which ends before them; what conversions ask, those.
     std::function<void()> m_quit;
     std::function<void(const QUrl&)> m_reveal;
     std::function<void(const QUrl&)> m_openPage;
     QDBusConnection m_bus;
+    platform::DesktopMotion m_motion;
     std::chrono::milliseconds m_windowGrowingTime;
     OverwritePromptPresenter m_overwritePrompt;
     FolderPanelPresenter m_folderPanel;

@@ -6,6 +6,7 @@
 #include "platform/FilePath.h"
 #include "platform/FileRevealer.h"
 #include "stats/StatsFolder.h"
+#include "ui/translation/Translations.h"
 
 #include <QApplication>
 #include <QDesktopServices>
@@ -65,6 +66,7 @@ int run(int argc, char** argv)
     QApplication::setApplicationVersion(QString(product::version));
     QApplication::setDesktopFileName(SingleInstance::busName());
     QApplication::setQuitOnLastWindowClosed(false);
+    const Translations translations;
 
     const QDBusConnection bus = QDBusConnection::sessionBus();
     SingleInstance instance(bus);

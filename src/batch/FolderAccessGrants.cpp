@@ -3,6 +3,7 @@
 #include "platform/FileOperations.h"
 #include "platform/FilePath.h"
 
+#include <QCoreApplication>
 #include <QPointer>
 #include <QSet>
 
@@ -18,6 +19,10 @@ struct FolderAccessGrants::Request {
 };
 
 namespace {
+
+struct Translated {
+    Q_DECLARE_TR_FUNCTIONS(FolderAccessGrants)
+};
 
 /// Answers once, at the latest with its end.
 class AnswerOnce {
@@ -138,9 +143,9 @@ void FolderAccessGrants::requestSaveAccess(const QUrl& folder, PanelAnswer answe
 {
     const QString name = platform::lastPathComponent(folder);
     const SaveAccessPanel panel {
-        .message = QStringLiteral("Allow Vellumine to save converted images in ")
-            + (name.isEmpty() ? folder.toLocalFile() : name) + u'.',
-        .prompt = QStringLiteral("Allow Save Access"),
+        .message = Translated::tr("Allow Vellumine to save converted images in %1.")
+                       .arg(name.isEmpty() ? folder.toLocalFile() : name),
+        .prompt = Translated::tr("Allow Save Access"),
         .folder = folder,
     };
     const auto once = std::make_shared<AnswerOnce>(std::move(answer));

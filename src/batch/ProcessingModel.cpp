@@ -37,7 +37,7 @@ ProcessingModel::ProcessingModel(Dependencies dependencies, QObject* parent)
     , m_dependencies(std::move(dependencies))
     , m_folderAccess(m_dependencies.folderAccess)
     , m_debounce(this)
-    , m_statusText(QStringLiteral("Drop images here"))
+    , m_statusText(tr("Drop images here"))
 {
     m_debounce.setSingleShot(true);
     m_debounce.setTimerType(Qt::PreciseTimer);
@@ -60,7 +60,7 @@ void ProcessingModel::process(const QList<QUrl>& urls)
 {
     Q_ASSERT(thread() == QThread::currentThread());
     if (enqueueInputURLs(urls) == 0) {
-        setStatusText(QStringLiteral("No supported image files found"));
+        setStatusText(tr("No supported image files found"));
     } else if (!m_isProcessing) {
         schedulePendingBatch();
     }
@@ -93,7 +93,7 @@ void ProcessingModel::startPendingBatch()
     m_pendingInputKeys.clear();
     m_isProcessing = true;
     Q_EMIT isProcessingChanged();
-    setStatusText(QStringLiteral("Scanning for images..."));
+    setStatusText(tr("Scanning for images..."));
     m_batch = std::make_unique<Batch>();
     m_batch->settings = m_dependencies.snapshot();
     const auto future = QtConcurrent::run(&m_pool,
@@ -120,13 +120,13 @@ void ProcessingModel::processExpandedBatch(const ExpandedDrop& files)
         break;
     }
     if (files.urls.isEmpty()) {
-        completeBatch(QStringLiteral("No supported image files found"));
+        completeBatch(tr("No supported image files found"));
         return;
     }
     const OptimizerSettings& settings = m_batch->settings;
     if (settings.destinationMode == DestinationMode::selectedFolder
         && !settings.destinationFolderURL) {
-        completeBatch(QStringLiteral("Choose a destination folder"));
+        completeBatch(tr("Choose a destination folder"));
         return;
     }
     m_batch->files = files;
@@ -147,7 +147,7 @@ void ProcessingModel::processPermittedBatch(const std::optional<QList<QUrl>>& gr
         break;
     }
     if (!grants) {
-        completeBatch(QStringLiteral("Save permission needed"));
+        completeBatch(tr("Save permission needed"));
         return;
     }
     for (const QUrl& grant : *grants) {
@@ -157,12 +157,10 @@ void ProcessingModel::processPermittedBatch(const std::optional<QList<QUrl>>& gr
     const qsizetype count = m_totalCount;
     const qsizetype workers
         = std::min<qsizetype>(std::max(m_dependencies.activeProcessorCount, 2), count);
-    // Both endings follow the number of images, which is 1 exactly when there is one worker.
-    const QString plural = count == 1 ? QString() : QStringLiteral("s");
-    setStatusText(QStringLiteral("Optimizing %1 image%3 with %2 worker%3...")
-                      .arg(count)
-                      .arg(workers)
-                      .arg(plural));
+    // There is one worker exactly when there is one image.
+    setStatusText(count == 1
+            ? tr("Optimizing 1 image with 1 worker...")
+            : tr("Optimizing %1 images with %2 workers...").arg(count).arg(workers));
     processInParallel(workers);
 }
 
@@ -186,7 +184,7 @@ void ProcessingModel::collect(const ProcessingResult& result)
     setProgress(m_finishedCount + 1, m_totalCount);
     Q_EMIT resultInserted(result);
     m_dependencies.record(result);
-    setStatusText(QStringLiteral("Optimized %1 of %2").arg(m_finishedCount).arg(m_totalCount));
+    setStatusText(tr("Optimized %1 of %2").arg(m_finishedCount).arg(m_totalCount));
 }
 
 void ProcessingModel::finishConversions()
@@ -196,9 +194,8 @@ void ProcessingModel::finishConversions()
         return;
     }
     const bool isWhole = m_totalCount > 0 && m_finishedCount == m_totalCount;
-    completeBatch(isWhole
-            ? QStringLiteral("Done")
-            : QStringLiteral("Stopped after %1 of %2").arg(m_finishedCount).arg(m_totalCount));
+    completeBatch(
+        isWhole ? tr("Done") : tr("Stopped after %1 of %2").arg(m_finishedCount).arg(m_totalCount));
 }
 
 void ProcessingModel::completeBatch(const QString& status)

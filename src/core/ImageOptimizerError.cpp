@@ -2,6 +2,8 @@
 
 #include "platform/FilePath.h"
 
+#include <QCoreApplication>
+
 namespace vellumine {
 
 using platform::lastPathComponent;
@@ -9,46 +11,46 @@ using platform::lastPathComponent;
 namespace {
 
 struct Describe {
+    Q_DECLARE_TR_FUNCTIONS(ImageOptimizerError)
+
+public:
     // One wording on every system, whatever the image service is called: people search for it.
     QString operator()(const UnsupportedFormat& error) const
     {
-        return error.text + QStringLiteral(" is not supported by this macOS ImageIO installation.");
+        return tr("%1 is not supported by this macOS ImageIO installation.").arg(error.text);
     }
 
     QString operator()(const CannotCreateDestination& error) const
     {
-        return QStringLiteral("Could not create ") + lastPathComponent(error.url) + u'.';
+        return tr("Could not create %1.").arg(lastPathComponent(error.url));
     }
 
     QString operator()(const CannotFinalize& error) const
     {
-        const QString text
-            = QStringLiteral("Could not finish writing ") + lastPathComponent(error.url);
-        if (!error.detail || error.detail->isEmpty()) {
-            return text + u'.';
-        }
-        return text + QStringLiteral(": ") + *error.detail;
+        const QString name = lastPathComponent(error.url);
+        return !error.detail || error.detail->isEmpty()
+            ? tr("Could not finish writing %1.").arg(name)
+            : tr("Could not finish writing %1: %2").arg(name, *error.detail);
     }
 
     QString operator()(const CannotWriteOutput& error) const
     {
-        return QStringLiteral("Could not save ") + lastPathComponent(error.url)
-            + QStringLiteral(": ") + error.detail;
+        return tr("Could not save %1: %2").arg(lastPathComponent(error.url), error.detail);
     }
 
     QString operator()(UnreadableImage /*error*/) const
     {
-        return QStringLiteral("The image could not be read.");
+        return tr("The image could not be read.");
     }
 
     QString operator()(OverwriteDeclined /*error*/) const
     {
-        return QStringLiteral("Skipped because the output file already exists.");
+        return tr("Skipped because the output file already exists.");
     }
 
     QString operator()(MissingDestinationFolder /*error*/) const
     {
-        return QStringLiteral("The selected destination folder is no longer available.");
+        return tr("The selected destination folder is no longer available.");
     }
 };
 

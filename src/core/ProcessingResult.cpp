@@ -2,7 +2,16 @@
 
 #include "platform/ByteCount.h"
 
+#include <QCoreApplication>
+
 namespace vellumine {
+namespace {
+
+struct Translated {
+    Q_DECLARE_TR_FUNCTIONS(ProcessingResult)
+};
+
+} // namespace
 
 QString successMessage(qint64 originalBytes, qint64 outputBytes, OriginalInTrash original)
 {
@@ -10,12 +19,12 @@ QString successMessage(qint64 originalBytes, qint64 outputBytes, OriginalInTrash
     if (__builtin_sub_overflow(originalBytes, outputBytes, &saved)) {
         qFatal("the saving does not fit 64 bits");
     }
-    QString message = saved < 1 ? QStringLiteral("Converted")
-                                : QStringLiteral("Saved ") + platform::byteCountText(saved);
-    if (original == OriginalInTrash::couldNotBeMoved) {
-        message += QStringLiteral(". Original could not be moved to Trash");
-    }
-    return message;
+    const QString message = saved < 1
+        ? Translated::tr("Converted")
+        : Translated::tr("Saved %1").arg(platform::byteCountText(saved));
+    return original == OriginalInTrash::couldNotBeMoved
+        ? Translated::tr("%1. Original could not be moved to Trash").arg(message)
+        : message;
 }
 
 ProcessingResult failureResult(const QUrl& sourceURL, const OptimizeError& error)

@@ -4,6 +4,7 @@
 #include "platform/FileOperations.h"
 #include "platform/FilePath.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QStringDecoder>
 
@@ -18,6 +19,10 @@ using platform::PendingFile;
 using platform::toPath;
 
 namespace {
+
+struct Translated {
+    Q_DECLARE_TR_FUNCTIONS(CWebPEncoder)
+};
 
 QUrl urlOf(const std::filesystem::path& path)
 {
@@ -99,7 +104,7 @@ Outcome<void> ImageOptimizer::encodeWebPWithCWebP(imaging::Image&& image, const 
     const auto encoder = bundledCWebPExecutableURL(environment.executableFolder);
     if (!encoder) {
         return failed(
-            UnsupportedFormat { QStringLiteral("WebP support is not bundled in this build.") });
+            UnsupportedFormat { Translated::tr("WebP support is not bundled in this build.") });
     }
     const TemporaryFile pam(uniquePath(environment.temporaryFolder, "vellumine-", "pam"));
     const TemporaryFile webP(uniquePath(environment.temporaryFolder, "vellumine-", "webp"));
@@ -117,19 +122,18 @@ Outcome<void> ImageOptimizer::encodeWebPWithCWebP(imaging::Image&& image, const 
     }
     if (!exit) {
         return failed(
-            UnsupportedFormat { QStringLiteral("WebP encoder at ") + encoder->toLocalFile()
-                + QStringLiteral(" could not be launched: ") + exit.error().text });
+            UnsupportedFormat { Translated::tr("WebP encoder at %1 could not be launched: %2")
+                                    .arg(encoder->toLocalFile(), exit.error().text) });
     }
     if (exit->status != 0) {
         const QString text = trimmedText(exit->standardError);
         return failed(CannotFinalize { outputURL,
-            text.isEmpty()
-                ? QStringLiteral("cwebp exited with status ") + QString::number(exit->status)
-                : text });
+            text.isEmpty() ? Translated::tr("cwebp exited with status %1").arg(exit->status)
+                           : text });
     }
     if (platform::itemAt(webP.path()) == platform::ItemKind::none) {
         return failed(
-            CannotFinalize { outputURL, QStringLiteral("cwebp did not create an output file") });
+            CannotFinalize { outputURL, Translated::tr("cwebp did not create an output file") });
     }
     if (const auto placed = place(webP.path(), toPath(outputURL), existing); !placed) {
         return failed(CannotWriteOutput { outputURL, placed.error().text });

@@ -1,10 +1,16 @@
 #include "platform/ByteCount.h"
 
+#include <QCoreApplication>
+
 #include <array>
 
 namespace vellumine::platform {
 
 namespace {
+
+struct Translated {
+    Q_DECLARE_TR_FUNCTIONS(ByteCount)
+};
 
 struct Unit {
     quint64 bytes;
@@ -34,6 +40,16 @@ constexpr quint64 dividedHalfToEven(quint64 value, quint64 divisor)
     return up ? quotient + 1 : quotient;
 }
 
+/// In the locale's digits, all of them in one number.
+QString digits(quint64 number, const QLocale& locale, int width = 1)
+{
+    QString text;
+    for (; number > 0 || width > 0; number /= 10, --width) {
+        text.prepend(locale.toString(number % 10));
+    }
+    return text;
+}
+
 /// `scaled` divided by 10 to the power of `decimals`, without trailing zeros.
 QString decimalText(quint64 scaled, int decimals, const QLocale& locale)
 {
@@ -41,22 +57,21 @@ QString decimalText(quint64 scaled, int decimals, const QLocale& locale)
         scaled /= 10;
         --decimals;
     }
-    const quint64 whole = scaled / powerOfTen(decimals);
-    if (decimals == 0) {
-        return QString::number(whole);
-    }
-    return QString::number(whole) + locale.decimalPoint()
-        + QString::number(scaled % powerOfTen(decimals)).rightJustified(decimals, u'0');
+    const quint64 scale = powerOfTen(decimals);
+    const QString whole = digits(scaled / scale, locale);
+    return decimals == 0 ? whole
+                         : whole + locale.decimalPoint() + digits(scaled % scale, locale, decimals);
 }
 
 QString magnitudeText(quint64 bytes, const QLocale& locale)
 {
     if (bytes == 0) {
-        return QStringLiteral("Zero KB");
+        return Translated::tr("Zero KB");
     }
     if (bytes < 1000) {
-        return QString::number(bytes)
-            + (bytes == 1 ? QStringLiteral(" byte") : QStringLiteral(" bytes"));
+        const QString count = digits(bytes, locale);
+        return bytes == 1 ? Translated::tr("%1 byte").arg(count)
+                          : Translated::tr("%1 bytes").arg(count);
     }
     for (const Unit& unit : units) {
         const quint64 scale = powerOfTen(unit.decimals);

@@ -52,5 +52,14 @@ TEST(ByteCountLocale, givesTheDecimalSign)
     EXPECT_EQ(byteCountText(1'234'567, QLocale(QLocale::German)), QStringLiteral("1,2 MB"));
 }
 
+TEST(ByteCountLocale, givesTheDigitsOfTheWholeNumber)
+{
+    const QLocale egypt(QLocale::Arabic, QLocale::Egypt);
+    EXPECT_EQ(byteCountText(1'050'000'000, egypt), QString::fromUtf8("١٫٠٥ GB"));
+    EXPECT_EQ(byteCountText(1'500'000, egypt), QString::fromUtf8("١٫٥ MB"));
+    EXPECT_EQ(byteCountText(120'000, egypt), QString::fromUtf8("١٢٠ KB"));
+    EXPECT_EQ(byteCountText(7, egypt), QString::fromUtf8("٧ bytes"));
+}
+
 } // namespace
 } // namespace vellumine::platform

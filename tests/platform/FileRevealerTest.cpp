@@ -1,24 +1,15 @@
 #include "platform/FileRevealer.h"
 
 #include "platform/FilePath.h"
+#include "platform/PrivateBus.h"
 #include "support/QtPrinters.h"
 
-#include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusContext>
-#include <QDeadlineTimer>
-#include <QEventLoop>
-#include <QProcess>
-#include <QStandardPaths>
-#include <QTimer>
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <chrono>
 #include <filesystem>
-#include <memory>
-#include <string>
 
 namespace vellumine::platform {
 
@@ -54,45 +45,12 @@ private:
 
 namespace {
 
-/// A session bus of the test's own, ended with it.
-class FileRevealerTest : public testing::Test {
+class FileRevealerTest : public test::OnPrivateBus {
 protected:
-    void SetUp() override
-    {
-        m_application = std::make_unique<QCoreApplication>(m_argumentCount, m_arguments.data());
-        const QString daemon = QStandardPaths::findExecutable(QStringLiteral("dbus-daemon"));
-        if (daemon.isEmpty()) {
-            GTEST_SKIP() << "there is no dbus-daemon";
-        }
-        m_daemon.start(daemon,
-            { QStringLiteral("--session"), QStringLiteral("--nofork"),
-                QStringLiteral("--nopidfile"), QStringLiteral("--print-address=1") });
-        ASSERT_TRUE(m_daemon.waitForStarted());
-        while (!m_daemon.canReadLine()) {
-            ASSERT_TRUE(m_daemon.waitForReadyRead());
-        }
-        m_address = QString::fromLatin1(m_daemon.readLine()).trimmed();
-    }
-
-    void TearDown() override
-    {
-        QDBusConnection::disconnectFromBus(QStringLiteral("client"));
-        QDBusConnection::disconnectFromBus(QStringLiteral("manager"));
-        m_daemon.kill();
-        m_daemon.waitForFinished();
-    }
-
-    QDBusConnection client()
-    {
-        return QDBusConnection::connectToBus(m_address, QStringLiteral("client"));
-    }
-
     void start(FakeFileManager& manager)
     {
-        auto bus = QDBusConnection::connectToBus(m_address, QStringLiteral("manager"));
-        ASSERT_TRUE(bus.registerObject(QStringLiteral("/org/freedesktop/FileManager1"), &manager,
-            QDBusConnection::ExportAllSlots));
-        ASSERT_TRUE(bus.registerService(QStringLiteral("org.freedesktop.FileManager1")));
+        serve(manager, QStringLiteral("/org/freedesktop/FileManager1"),
+            QStringLiteral("org.freedesktop.FileManager1"));
     }
 
     DesktopFileRevealer::OpenFolder rememberFolder()
@@ -100,27 +58,7 @@ protected:
         return [this](const QUrl& folder) { m_opened.append(folder); };
     }
 
-    template <typename Predicate> [[nodiscard]] static bool runUntil(Predicate predicate)
-    {
-        const std::chrono::seconds limit(60);
-        const QDeadlineTimer deadline(limit);
-        QTimer wakeUp;
-        wakeUp.start(limit);
-        while (!predicate() && !deadline.hasExpired()) {
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-        }
-        return predicate();
-    }
-
     QList<QUrl> m_opened;
-
-private:
-    int m_argumentCount = 1;
-    std::string m_name = "platform_test";
-    std::array<char*, 2> m_arguments { m_name.data(), nullptr };
-    std::unique_ptr<QCoreApplication> m_application;
-    QProcess m_daemon;
-    QString m_address;
 };
 
 TEST_F(FileRevealerTest, asksTheFileManagerForThatFileAlone)

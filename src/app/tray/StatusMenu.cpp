@@ -8,10 +8,9 @@
 namespace vellumine {
 namespace {
 
-QString text(const char* source)
-{
-    return QCoreApplication::translate("StatusMenu", source);
-}
+struct Translated {
+    Q_DECLARE_TR_FUNCTIONS(StatusMenu)
+};
 
 QString styleSheet()
 {
@@ -30,11 +29,11 @@ std::unique_ptr<QMenu> makeStatusMenu(const StatusMenuActions& actions)
 {
     auto menu = std::make_unique<QMenu>();
     menu->setStyleSheet(styleSheet());
-    menu->addAction(text("Open Drop Window"), menu.get(), actions.openWindow);
-    menu->addAction(text("Preferences..."), menu.get(), actions.openPreferences);
-    menu->addAction(text("Kestrova Website"), menu.get(), actions.openWebsite);
+    menu->addAction(Translated::tr("Open Drop Window"), menu.get(), actions.openWindow);
+    menu->addAction(Translated::tr("Preferences..."), menu.get(), actions.openPreferences);
+    menu->addAction(Translated::tr("Kestrova Website"), menu.get(), actions.openWebsite);
     menu->addSeparator();
-    QAction* quit = menu->addAction(text("Quit Vellumine"), menu.get(), actions.quit);
+    QAction* quit = menu->addAction(Translated::tr("Quit Vellumine"), menu.get(), actions.quit);
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
     quit->setShortcutVisibleInContextMenu(true);
     return menu;

@@ -15,13 +15,18 @@ HeightFollower::HeightFollower(
     : QObject(parent)
     , m_window(window)
 {
-    m_growing.setDuration(static_cast<int>(time.count()));
+    setTime(time);
     m_growing.setEasingCurve(QEasingCurve::OutCubic);
     connect(&m_growing, &QVariantAnimation::valueChanged, this,
         [this](const QVariant& frame) { m_window.setGeometry(frame.toRect()); });
     connect(&model, &ProcessingModel::resultInserted, this,
         [this, &model] { follow(model.results().size()); });
     follow(model.results().size());
+}
+
+void HeightFollower::setTime(std::chrono::milliseconds time)
+{
+    m_growing.setDuration(static_cast<int>(time.count()));
 }
 
 void HeightFollower::follow(qsizetype resultCount)

@@ -23,6 +23,9 @@ public:
     HeightFollower(QWindow& window, const ProcessingModel& model,
         std::chrono::milliseconds time = growingTime, QObject* parent = nullptr);
 
+    /// How long it grows from now on.
+    void setTime(std::chrono::milliseconds time);
+
 private:
     void follow(qsizetype resultCount);
 

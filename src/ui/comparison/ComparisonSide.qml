@@ -5,7 +5,7 @@ import Vellumine
 Item {
     id: side
 
-    required property picture picture
+    property alias picture: pixels.image
     required property size pictureSize
     required property real pictureX
     required property real pictureY
@@ -13,8 +13,9 @@ Item {
     clip: true
 
     PixelImage {
+        id: pixels
+
         height: side.pictureSize.height
-        image: side.picture
         width: side.pictureSize.width
         x: side.pictureX
         y: side.pictureY

@@ -3,8 +3,14 @@ import QtQuick.Controls.Basic as Basic
 import QtQuick.Templates as T
 import Vellumine
 
+// A menu that opens below the control that it belongs to.
 T.Menu {
     id: menu
+
+    // Their leading edges stand in one line.
+    function openBelow(control) {
+        popup(control, control.LayoutMirroring.enabled ? control.width - implicitWidth : 0, control.height + 4);
+    }
 
     cascade: false
     contentWidth: {

@@ -22,7 +22,8 @@ T.Switch {
     implicitHeight: Math.max(implicitIndicatorHeight, implicitContentHeight) + topPadding + bottomPadding
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     opacity: enabled ? 1 : 0.5
-    padding: 3
+    padding: 0
+    verticalPadding: 3
     spacing: 10
 
     contentItem: Text {

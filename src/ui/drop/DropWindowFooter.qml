@@ -1,42 +1,50 @@
 import QtQuick
-import QtQuick.Layouts
 import Vellumine
 
 // The ways out: to the maker, to a newer version, to the donation page. The maker's link is short where its full form does not fit.
-RowLayout {
+Item {
     id: footer
 
     required property UpdatePresenter updates
-    readonly property bool fullFormFits: full.implicitWidth + update.implicitWidth + coffee.implicitWidth + 2 * spacing <= width
+    readonly property bool fullFormFits: full.implicitWidth + others.spacing + others.implicitWidth <= width
 
-    spacing: 14
+    implicitHeight: Math.max(full.implicitHeight, others.implicitHeight)
+    implicitWidth: compact.implicitWidth + others.spacing + others.implicitWidth
 
     KestrovaLink {
         id: full
 
+        anchors.left: parent.left
+        anchors.verticalCenter: parent.verticalCenter
         objectName: "fullLink"
         visible: footer.fullFormFits
     }
 
     KestrovaLink {
+        id: compact
+
+        anchors.left: parent.left
+        anchors.verticalCenter: parent.verticalCenter
         compact: true
         objectName: "compactLink"
         visible: !footer.fullFormFits
     }
 
-    Item {
-        Layout.fillWidth: true
-    }
+    Row {
+        id: others
 
-    UpdateStatusView {
-        id: update
+        anchors.right: parent.right
+        anchors.verticalCenter: parent.verticalCenter
+        spacing: 14
 
-        updates: footer.updates
-    }
+        UpdateStatusView {
+            anchors.verticalCenter: parent.verticalCenter
+            objectName: "updateStatus"
+            updates: footer.updates
+        }
 
-    BuyMeACoffeeLink {
-        id: coffee
-
-        objectName: "coffeeLink"
+        BuyMeACoffeeLink {
+            objectName: "coffeeLink"
+        }
     }
 }

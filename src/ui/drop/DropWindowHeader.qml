@@ -33,6 +33,7 @@ RowLayout {
 
         SettingsChipGroup {
             Layout.fillWidth: true
+            objectName: "chips"
             settings: header.settings
         }
     }

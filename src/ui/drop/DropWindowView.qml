@@ -76,6 +76,19 @@ FocusScope {
         }
     }
 
+    BatchAnnouncer {
+        processing: view.processing
+        summary: view.results.summary
+
+        onAnnounced: text => announcement.say(text)
+    }
+
+    Announcement {
+        id: announcement
+
+        objectName: "announcement"
+    }
+
     Shortcut {
         sequences: [ShortcutTexts.openKeys]
 

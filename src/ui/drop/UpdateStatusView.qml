@@ -7,8 +7,10 @@ Item {
 
     required property UpdatePresenter updates
 
-    implicitHeight: Math.max(retry.visible ? retry.implicitHeight : 0, update.visible ? update.implicitHeight : 0)
-    implicitWidth: retry.visible ? retry.implicitWidth : update.visible ? update.implicitWidth : 0
+    readonly property Item shown: updates.canRetry ? retry : updates.isAvailable ? update : null
+
+    implicitHeight: shown?.implicitHeight ?? 0
+    implicitWidth: shown?.implicitWidth ?? 0
 
     PlainButton {
         id: retry
@@ -16,7 +18,7 @@ Item {
         helpText: view.updates.retryHelpText
         objectName: "retryButton"
         text: view.updates.retryHelpText
-        visible: view.updates.canRetry
+        visible: view.shown === retry
 
         contentItem: SymbolImage {
             color: KestrovaTheme.copper
@@ -35,7 +37,7 @@ Item {
         helpText: view.updates.updateHelpText
         objectName: "updateButton"
         text: view.updates.updateText
-        visible: view.updates.isAvailable
+        visible: view.shown === update
 
         contentItem: Row {
             spacing: 5

@@ -26,12 +26,29 @@ Window {
     }
 
     function showMenu() {
-        menu.popup(titleBar.menuButton, 0, titleBar.menuButton.height + 4);
+        menu.openBelow(titleBar.menuButton);
     }
 
     LayoutMirroring.childrenInherit: true
     LayoutMirroring.enabled: Application.layoutDirection === Qt.RightToLeft
     color: "transparent"
+    // Of the file dialogs that Qt draws where the desktop has none. They are light: the path in them is on white, whatever
+    // the palette.
+    palette {
+        base: KestrovaTheme.lightCardRaised
+        button: KestrovaTheme.mixed(KestrovaTheme.lightCard, KestrovaTheme.copper, 0.2)
+        buttonText: KestrovaTheme.ink
+        dark: KestrovaTheme.copperStrong
+        highlight: KestrovaTheme.mixed(KestrovaTheme.lightCard, KestrovaTheme.copperBright, 0.6)
+        highlightedText: KestrovaTheme.ink
+        light: KestrovaTheme.lightCard
+        mid: KestrovaTheme.copper
+        midlight: KestrovaTheme.mixed(KestrovaTheme.lightCard, KestrovaTheme.copper, 0.3)
+        placeholderText: KestrovaTheme.mutedInk
+        text: KestrovaTheme.ink
+        window: KestrovaTheme.lightCardRaised
+        windowText: KestrovaTheme.ink
+    }
     flags: Qt.Window | Qt.FramelessWindowHint
 
     WindowMover {

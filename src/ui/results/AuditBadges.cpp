@@ -1,6 +1,7 @@
 #include "ui/results/AuditBadges.h"
 
 #include "ui/results/ResultTexts.h"
+#include "ui/settings/SettingsText.h"
 
 #include <QCoreApplication>
 
@@ -36,7 +37,8 @@ QList<AuditBadgeContent> auditBadges(const ConversionAudit& audit)
     QList<AuditBadgeContent> badges {
         { QStringLiteral("aspectratio"), results::dimensions(audit) },
         { QStringLiteral("doc.on.doc"),
-            audit.inputFormat + QStringLiteral(" -> ") + audit.outputFormat },
+            settings_text::formatName(audit.inputFormat) + QStringLiteral(" -> ")
+                + settings_text::formatName(audit.outputFormat) },
         metadataBadge(audit),
         colourBadge(audit),
     };

@@ -104,6 +104,9 @@ Item {
     Row {
         id: buttons
 
+        // the Tab key goes through the current row, and not through thousands of others
+        readonly property int focusPolicy: row.current ? Qt.StrongFocus : Qt.ClickFocus
+
         anchors.right: parent.right
         anchors.rightMargin: 14
         anchors.verticalCenter: parent.verticalCenter
@@ -112,6 +115,7 @@ Item {
         visible: row.hasOutput
 
         ComparisonReviewButtonStyle {
+            focusPolicy: buttons.focusPolicy
             helpText: qsTr("Open before and after viewer")
             objectName: "compare"
             symbol: "rectangle.split.2x1"
@@ -124,6 +128,7 @@ Item {
         }
 
         FinderRevealButtonStyle {
+            focusPolicy: buttons.focusPolicy
             helpText: qsTr("Show in Finder")
             objectName: "reveal"
             symbol: "magnifyingglass"

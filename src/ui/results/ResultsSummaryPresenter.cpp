@@ -54,4 +54,10 @@ QString ResultsSummaryPresenter::reductionText() const
     return hasGrown() ? QLatin1Char('+') + percentage : percentage;
 }
 
+QString ResultsSummaryPresenter::spokenText() const
+{
+    return tr("Files: %1, %2: %3, Reduction: %4")
+        .arg(filesText(), totalTitle(), totalText(), reductionText());
+}
+
 } // namespace vellumine

@@ -38,6 +38,9 @@ public:
     /// "25.0%", with a "+" in front when the outputs together are larger; "0%" without originals.
     [[nodiscard]] QString reductionText() const;
 
+    /// All of it in one sentence, for a screen reader.
+    [[nodiscard]] QString spokenText() const;
+
 Q_SIGNALS:
     void changed();
 

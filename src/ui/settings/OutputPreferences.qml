@@ -55,8 +55,7 @@ PreferenceSection {
         }
 
         KestrovaStepper {
-            // What was typed counts before it is stepped on from.
-            function step(steps) {
+            function stepFromWhatWasTyped(steps) {
                 if (pixels.activeFocus)
                     pixels.commit();
                 section.settings.stepMaximumPixels(steps);
@@ -68,8 +67,8 @@ PreferenceSection {
             objectName: "maximumStepper"
             light: true
 
-            onDecreased: step(-1)
-            onIncreased: step(1)
+            onDecreased: stepFromWhatWasTyped(-1)
+            onIncreased: stepFromWhatWasTyped(1)
         }
     }
 

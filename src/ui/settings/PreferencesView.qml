@@ -86,6 +86,7 @@ T.Pane {
                 height: Math.max(implicitHeight, Math.min(page.height, implicitHeight + 60))
                 spacing: 8
                 width: page.width - (page.contentHeight > page.height ? 14 : 0)
+                x: view.LayoutMirroring.enabled ? page.width - width : 0
 
                 OutputPreferences {
                     Layout.fillWidth: true
@@ -139,7 +140,6 @@ T.Pane {
 
                         KestrovaSwitch {
                             Layout.fillWidth: true
-                            Layout.preferredWidth: 1
                             checked: view.settings.moveOriginalToTrash
                             light: true
                             text: qsTr("Move original to Trash")
@@ -149,7 +149,6 @@ T.Pane {
 
                         KestrovaSwitch {
                             Layout.fillWidth: true
-                            Layout.preferredWidth: 1
                             checked: view.settings.preserveModificationTime
                             light: true
                             text: qsTr("Preserve file modification time")
@@ -159,7 +158,6 @@ T.Pane {
 
                         KestrovaSwitch {
                             Layout.fillWidth: true
-                            Layout.preferredWidth: 1
                             checked: view.settings.warnBeforeOverwrite
                             light: true
                             text: qsTr("Show warning before overwrite")
@@ -169,7 +167,6 @@ T.Pane {
 
                         KestrovaSwitch {
                             Layout.fillWidth: true
-                            Layout.preferredWidth: 1
                             checked: view.settings.exitWhenComplete
                             light: true
                             text: qsTr("Exit when optimization complete")

@@ -21,7 +21,7 @@ T.AbstractButton {
             return;
         }
         loader.active = true;
-        openMenu.popup(chip, 0, chip.height + 4);
+        openMenu.openBelow(chip);
     }
 
     Accessible.description: helpText

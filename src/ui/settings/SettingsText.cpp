@@ -2,12 +2,26 @@
 
 #include <QCoreApplication>
 
+#include <array>
 #include <limits>
 
 namespace vellumine::settings_text {
 namespace {
 
 constexpr const char* context = "SettingsText";
+
+/// The titles of the choices, for the tools that gather what is to be translated.
+[[maybe_unused]] constexpr std::array titles {
+    QT_TRANSLATE_NOOP("SettingsText", "Max Width"),
+    QT_TRANSLATE_NOOP("SettingsText", "Max Height"),
+    QT_TRANSLATE_NOOP("SettingsText", "Longest Edge"),
+    QT_TRANSLATE_NOOP("SettingsText", "No Resize"),
+    QT_TRANSLATE_NOOP("SettingsText", "WebP Lossy"),
+    QT_TRANSLATE_NOOP("SettingsText", "WebP Lossless"),
+    QT_TRANSLATE_NOOP("SettingsText", "Original Format"),
+    QT_TRANSLATE_NOOP("SettingsText", "Original Location"),
+    QT_TRANSLATE_NOOP("SettingsText", "Selected Folder"),
+};
 
 template <Enumeration Choice> QString translatedTitle(Choice choice)
 {
@@ -29,6 +43,11 @@ QString title(OutputFormat format)
 QString title(DestinationMode mode)
 {
     return translatedTitle(mode);
+}
+
+QString formatName(const QString& name)
+{
+    return QCoreApplication::translate(context, name.toUtf8().constData());
 }
 
 QString symbol(ResizeMode mode)
@@ -59,7 +78,7 @@ qint64 integerPart(double number)
 
 QString appVersion(QStringView version, QStringView build)
 {
-    return QCoreApplication::translate(context, "Version %1 (%2)")
+    return QCoreApplication::translate("SettingsText", "Version %1 (%2)")
         .arg(version.isEmpty() ? QStringView(u"0.0") : version,
             build.isEmpty() ? QStringView(u"0") : build);
 }

@@ -15,6 +15,9 @@ namespace vellumine::settings_text {
 [[nodiscard]] QString title(OutputFormat format);
 [[nodiscard]] QString title(DestinationMode mode);
 
+/// The name of a format as a conversion's audit carries it, in the user's language.
+[[nodiscard]] QString formatName(const QString& name);
+
 /// The name of the symbol that stands for the mode.
 [[nodiscard]] QString symbol(ResizeMode mode);
 

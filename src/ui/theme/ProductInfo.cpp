@@ -1,6 +1,7 @@
 #include "ui/theme/ProductInfo.h"
 
 #include "core/Product.h"
+#include "ui/settings/SettingsText.h"
 
 #include <QFile>
 
@@ -20,7 +21,7 @@ QString ProductInfo::name()
 
 QString ProductInfo::versionText()
 {
-    return tr("Version %1 (%2)").arg(QString(product::version), QString(product::buildNumber));
+    return settings_text::appVersion(product::version, product::buildNumber);
 }
 
 QString ProductInfo::licenceText()

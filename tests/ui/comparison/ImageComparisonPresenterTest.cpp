@@ -8,6 +8,7 @@
 #include <QCoreApplication>
 #include <QPointer>
 #include <QQmlEngine>
+#include <QQuickItem>
 #include <QQuickStyle>
 #include <QQuickWindow>
 #include <QScreen>
@@ -72,6 +73,21 @@ TEST_F(ImageComparisonPresenterTest, opensAWindowForTheTwoFiles)
                   .manhattanLength(),
         2);
     EXPECT_TRUE(m_revealed.isEmpty());
+}
+
+TEST_F(ImageComparisonPresenterTest, theWindowShowsThePictures)
+{
+    const ProcessingResult result = someResult();
+    m_presenter.show(result, *result.outputURL);
+    QQuickWindow& window = *m_presenter.openWindows().front();
+    QCoreApplication::processEvents(); // lays it out
+    const QImage shot = window.grabWindow();
+    const auto* canvas = window.findChild<QQuickItem*>(QStringLiteral("canvas"));
+    ASSERT_NE(canvas, nullptr);
+    const QPointF middle = canvas->mapToScene({ canvas->width() / 2, canvas->height() / 2 });
+    for (const QPointF offset : { QPointF(-100, 50), QPointF(100, 50) }) {
+        EXPECT_TRUE(shot.pixelColor((middle + offset).toPoint()) == QColor(Qt::red)) << offset.x();
+    }
 }
 
 TEST_F(ImageComparisonPresenterTest, theSameResultTwiceGivesTwoWindowsAndClosingOneLeavesTheOther)

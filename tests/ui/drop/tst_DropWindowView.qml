@@ -48,6 +48,10 @@ Item {
         ProcessingFixture {}
     }
 
+    ResultsFixture {
+        id: filledList
+    }
+
     SignalSpy {
         id: preferencesSpy
 
@@ -252,6 +256,12 @@ Item {
             const coffee = findChild(view, "coffeeLink");
             compare(left(coffee), 22);
             compare(left(full) + full.width, 820 - 22);
+            scene.width = 1000;
+            waitForRendering(view);
+            compare(left(coffee), 22);
+            compare(left(full) + full.width, 1000 - 22);
+            scene.width = 820;
+            waitForRendering(view);
             compare(left(findChild(view, "preferencesButton")), 22);
             verify(findChild(view, "background").mirrored);
         }
@@ -261,6 +271,26 @@ Item {
             zone.forceActiveFocus();
             keyClick(Qt.Key_V, Qt.ControlModifier);
             tryCompare(batches, "begun", ["copied.png"]);
+        }
+
+        function test_batchesAnnounceThemselves() {
+            const announcement = findChild(view, "announcement");
+            const said = [];
+            announcement.visibleChanged.connect(() => {
+                if (announcement.visible)
+                    said.push(announcement.text);
+            });
+            compare(announcement.Accessible.role, Accessible.AlertMessage);
+            batches.dropPhotos(2);
+            tryVerify(() => batches.begun.length === 2);
+            filledList.addSuccess("photo-1.jpg", 2000000, 1500000);
+            view.results = filledList.model;
+            batches.letAllGo();
+            tryVerify(() => batches.presenter.statusText === "Done");
+            compare(said, ["Scanning for images...", "Optimizing 2 images with 2 workers...", "Done. Files: 1/1, Total Saved: 500 KB, Reduction: 25.0%"]);
+            batches.presenter.loadDroppedFiles(["file:///notes.txt"]);
+            tryVerify(() => said.length === 4);
+            compare(said[3], "No supported image files found", "without the totals of another batch");
         }
 
         function test_focusGoesFromTopToBottom() {

@@ -1,5 +1,6 @@
 #include "ui/fakes/ComparisonFixture.h"
 
+#include <QBuffer>
 #include <QLinearGradient>
 #include <QPainter>
 #include <QPainterPath>
@@ -16,17 +17,16 @@ QImage flat(int width, int height, QRgb colour)
     return image;
 }
 
-/// Every colour channel in steps: what a strong compression might leave.
-QImage coarse(QImage image)
+/// What a strong compression leaves of a picture.
+QImage compressed(const QImage& image)
 {
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            const QRgb pixel = image.pixel(x / 4 * 4, y / 4 * 4);
-            const auto step = [](int value) { return value / 24 * 24 + 12; };
-            image.setPixel(x, y, qRgb(step(qRed(pixel)), step(qGreen(pixel)), step(qBlue(pixel))));
-        }
+    QByteArray bytes;
+    QBuffer file(&bytes);
+    constexpr int lowQuality = 22;
+    if (!image.save(&file, "jpeg", lowQuality)) {
+        qFatal("Qt cannot write JPEG here");
     }
-    return image;
+    return QImage::fromData(bytes, "jpeg");
 }
 
 } // namespace
@@ -95,7 +95,7 @@ void ComparisonFixture::makeLandscape()
     ridge(QColor(92, 78, 92), 320, 2.1);
     ridge(QColor(46, 42, 48), 390, 4.2);
     painter.end();
-    make(image, coarse(image));
+    make(image, compressed(image));
 }
 
 } // namespace vellumine

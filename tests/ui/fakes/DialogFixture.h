@@ -33,6 +33,12 @@ public:
         });
     }
 
+    Q_INVOKABLE void askFolder(const QString& message, const QUrl& folder)
+    {
+        m_folderPanel.show({ .message = message, .prompt = {}, .folder = folder },
+            [](const std::optional<QUrl>& /*chosen*/) {});
+    }
+
 Q_SIGNALS:
     void answered();
 

@@ -1,5 +1,6 @@
 #include "ui/fakes/ResultsFixture.h"
 
+#include "core/ImageOptimizerError.h"
 #include "platform/FilePath.h"
 
 #include <QRandomGenerator>
@@ -85,6 +86,11 @@ void ResultsFixture::addFailure(const QString& name, const QString& message)
     m_model.prepend(result);
 }
 
+void ResultsFixture::addUnreadable(const QString& name)
+{
+    addFailure(name, errorDescription(UnreadableImage {}));
+}
+
 void ResultsFixture::addMany(int count)
 {
     QRandomGenerator random(7);
@@ -92,7 +98,7 @@ void ResultsFixture::addMany(int count)
         const double original = random.bounded(1'000'000) * 10.0 + 1000;
         const QString name = QStringLiteral("DSC_%1.jpg").arg(number, 5, 10, QLatin1Char('0'));
         if (number % 17 == 0) {
-            addFailure(name, QStringLiteral("The image could not be read."));
+            addUnreadable(name);
         } else {
             addSuccess(name, original, original * random.bounded(1.1),
                 { { QStringLiteral("alpha"), number % 3 == 0 },

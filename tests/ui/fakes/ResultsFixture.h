@@ -27,6 +27,8 @@ public:
     Q_INVOKABLE void addSuccess(const QString& name, double originalBytes, double outputBytes,
         const QVariantMap& details = {});
     Q_INVOKABLE void addFailure(const QString& name, const QString& message);
+    /// A file that is no picture.
+    Q_INVOKABLE void addUnreadable(const QString& name);
     /// So many files, all different.
     Q_INVOKABLE void addMany(int count);
 

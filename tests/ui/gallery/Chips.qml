@@ -2,16 +2,22 @@ import QtQuick
 import Vellumine
 import VellumineTest
 
+// The chips with their first values, and with others where the room is short.
 Rectangle {
-    id: scene
-
-    width: 760
-    height: 420
     color: KestrovaTheme.bg
+    height: 140
+    width: 760
 
-    SettingsFixture { id: plain }
+    LayoutMirroring.childrenInherit: true
+    LayoutMirroring.enabled: Application.layoutDirection === Qt.RightToLeft
+
+    SettingsFixture {
+        id: plain
+    }
+
     SettingsFixture {
         id: other
+
         Component.onCompleted: {
             presenter.outputFormat = 1;
             presenter.resizeMode = 3;
@@ -23,13 +29,18 @@ Rectangle {
     }
 
     Column {
-        x: 20; y: 20
+        anchors.fill: parent
+        anchors.margins: 20
         spacing: 20
-        SettingsChipGroup { id: first; settings: plain.presenter }
-        SettingsChipGroup { id: second; settings: other.presenter; width: 520 }
-    }
-    Timer {
-        interval: 1; running: true
-        onTriggered: first.chips[1].press()
+
+        SettingsChipGroup {
+            settings: plain.presenter
+            width: parent.width
+        }
+
+        SettingsChipGroup {
+            settings: other.presenter
+            width: 520
+        }
     }
 }

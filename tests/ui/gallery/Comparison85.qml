@@ -2,20 +2,13 @@ import QtQuick
 import Vellumine
 import VellumineTest
 
-Item {
-    height: view.implicitHeight
-    width: view.implicitWidth
+// A comparison of which the split lies at 85 percent.
+ComparisonWindow {
+    presenter: fixture.presenter
+
+    Component.onCompleted: presenter.setSplit(0.85)
 
     ComparisonFixture {
         id: fixture
-
-        Component.onCompleted: presenter.setSplit(0.85)
-    }
-
-    ImageComparisonReviewView {
-        id: view
-
-        anchors.fill: parent
-        presenter: fixture.presenter
     }
 }

@@ -7,7 +7,7 @@ DropWindowStage {
     Component.onCompleted: {
         list.addSuccess("IMG_0001.heic", 2400000, 2400000, {"formats": ["HEIC", "HEIC"], "colour": "kept", "metadataKept": true});
         list.addSuccess("icon.png", 812, 1403, {"formats": ["PNG", "JPEG"], "sizes": [64, 64, 64, 64], "alpha": true});
-        list.addFailure("half-downloaded.jpg", "The image could not be read.");
+        list.addUnreadable("half-downloaded.jpg");
         list.addMany(6);
         totals.set(1312, 1304, 9412000000, 2210000000, 7202000000, 44802456);
     }

@@ -14,6 +14,20 @@ DropWindow {
     property alias totals: totals
     property alias news: news
 
+    function itemNamed(name, parent) {
+        for (let index = 0; index < parent.children.length; ++index) {
+            const child = parent.children[index];
+            const found = child.objectName === name ? child : itemNamed(name, child);
+            if (found)
+                return found;
+        }
+        return null;
+    }
+
+    function openMenu(chip) {
+        itemNamed("chips", contentItem).chips[chip].press();
+    }
+
     folderPanel: questions.folderPanel
     overwritePrompt: questions.overwritePrompt
     processing: batches.presenter

@@ -20,7 +20,7 @@ Rectangle {
             () => fixture.addSuccess("IMG_0001.heic", 2400000, 2400000, {"formats": ["HEIC", "HEIC"], "colour": "kept", "metadataKept": true}),
             () => fixture.addSuccess("winter/Hütte im Schnee – Übersicht mit einem sehr langen Namen, der nirgends ganz hineinpasst, weil er nicht aufhört.tiff", 48123456, 3321000, {"formats": ["TIFF", "WebP Lossless"]}),
             () => fixture.addSuccess("icon.png", 812, 1403, {"formats": ["PNG", "JPEG"], "sizes": [64, 64, 64, 64], "alpha": true}),
-            () => fixture.addFailure("half-downloaded.jpg", "The image could not be read."),
+            () => fixture.addUnreadable("half-downloaded.jpg"),
             () => fixture.addSuccess("Poster transparent.png", 12432100, 2210004, {"formats": ["PNG", "WebP Lossless"], "sizes": [10240, 12288, 10240, 12288], "alpha": true, "alphaKept": true, "colour": "removed"}),
             () => fixture.addSuccess("scan-17.bmp", 6220854, 412000, {"formats": ["BMP", "PNG"]}),
             () => fixture.addSuccess("Dolomites at dawn.jpg", 8411230, 1204551),

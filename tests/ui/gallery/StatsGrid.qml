@@ -7,6 +7,9 @@ Rectangle {
     height: 120
     width: 480
 
+    LayoutMirroring.childrenInherit: true
+    LayoutMirroring.enabled: Application.layoutDirection === Qt.RightToLeft
+
     StatsFixture {
         id: stats
 

@@ -2,6 +2,9 @@
 //     ui_gallery [--locale NAME] --output FOLDER SCENE.qml...
 // A scene is an Item or a Window with stand-ins for what it shows. QT_SCALE_FACTOR sets the scale.
 
+#include "ui/theme/Motion.h"
+#include "ui/translation/Translations.h"
+
 #include <QCommandLineParser>
 #include <QDeadlineTimer>
 #include <QDir>
@@ -21,15 +24,6 @@
 #include <memory>
 
 namespace {
-
-void stopMotion(QQmlEngine& engine)
-{
-    QQmlComponent component(&engine);
-    component.setData("import QtQml\nimport Vellumine\n"
-                      "QtObject { Component.onCompleted: Motion.reducedMotion = true }",
-        QUrl());
-    const std::unique_ptr<QObject> done(component.create());
-}
 
 /// Renders one scene; an empty text, or what went wrong.
 QString renderScene(QQmlEngine& engine, const QString& scene, const QString& picture)
@@ -61,6 +55,9 @@ QString renderScene(QQmlEngine& engine, const QString& scene, const QString& pic
     for (int frameCount = 0; frameCount < 4; ++frameCount) {
         QCoreApplication::sendPostedEvents();
         QCoreApplication::processEvents();
+        // Nothing lies under the pointer, wherever it was when the window came.
+        QEvent leaving(QEvent::Leave);
+        QCoreApplication::sendEvent(window, &leaving);
         (void)window->grabWindow();
     }
     const bool written = window->grabWindow().save(picture);
@@ -92,6 +89,7 @@ int main(int argumentCount, char** arguments)
     parser.process(application);
     const QLocale chosen = parser.isSet(locale) ? QLocale(parser.value(locale)) : QLocale::c();
     QLocale::setDefault(chosen);
+    const vellumine::Translations translations(chosen);
     QGuiApplication::setLayoutDirection(chosen.textDirection());
 
     const QDir folder(parser.value(output));
@@ -101,7 +99,8 @@ int main(int argumentCount, char** arguments)
     const QStringList scenes = parser.positionalArguments();
     for (const QString& scene : scenes) {
         QQmlEngine engine;
-        stopMotion(engine);
+        engine.singletonInstance<vellumine::Motion*>(qmlTypeId("Vellumine", 1, 0, "Motion"))
+            ->setReduced(true);
         const QString picture
             = folder.filePath(QFileInfo(scene).completeBaseName() + QStringLiteral(".png"));
         const QString failure = renderScene(engine, scene, picture);

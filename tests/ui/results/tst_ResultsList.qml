@@ -170,6 +170,20 @@ Item {
             compare(fixture.compared.length, 1);
         }
 
+        function test_tabGoesThroughTheButtonsOfTheCurrentRowAlone() {
+            fixture.addMany(20);
+            waitForRendering(list);
+            view().forceActiveFocus(Qt.TabFocusReason);
+            keyClick(Qt.Key_Down);
+            keyClick(Qt.Key_Tab);
+            verify(findChild(row(1), "compare").activeFocus);
+            keyClick(Qt.Key_Tab);
+            verify(findChild(row(1), "reveal").activeFocus);
+            keyClick(Qt.Key_Tab);
+            for (let index = 0; index < 8; ++index)
+                verify(!findChild(row(index), "compare").activeFocus);
+        }
+
         function test_onlyRowsInSightExist() {
             fixture.addMany(2000);
             waitForRendering(list);

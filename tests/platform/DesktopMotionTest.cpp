@@ -1,0 +1,138 @@
+#include "platform/DesktopMotion.h"
+
+#include "platform/PrivateBus.h"
+#include "support/NamedRows.h"
+#include "support/QtPrinters.h"
+
+#include <QDBusMetaType>
+#include <QDBusPendingCallWatcher>
+
+namespace vellumine::platform {
+
+/// A desktop's portal with the settings that it is given.
+class FakePortal : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
+
+public:
+    explicit FakePortal(DesktopSettings settings)
+        : m_settings(std::move(settings))
+    {
+        qDBusRegisterMetaType<DesktopSettings>();
+    }
+
+public Q_SLOTS:
+    // NOLINTNEXTLINE(readability-identifier-naming): the bus's own name
+    [[nodiscard]] vellumine::platform::DesktopSettings ReadAll(const QStringList& groups) const
+    {
+        DesktopSettings asked;
+        for (const QString& group : groups) {
+            if (m_settings.contains(group)) {
+                asked.insert(group, m_settings.value(group));
+            }
+        }
+        return asked;
+    }
+
+Q_SIGNALS:
+    // NOLINTNEXTLINE(readability-identifier-naming): the bus's own name
+    void SettingChanged(const QString& group, const QString& name, const QDBusVariant& value);
+
+private:
+    DesktopSettings m_settings;
+};
+
+namespace {
+
+const char* const gnome = "org.gnome.desktop.interface";
+
+class DesktopMotionTest : public test::OnPrivateBus {
+protected:
+    void start(FakePortal& portal)
+    {
+        serve(portal, QStringLiteral("/org/freedesktop/portal/desktop"),
+            QStringLiteral("org.freedesktop.portal.Desktop"));
+    }
+};
+
+TEST_F(DesktopMotionTest, isReducedWhereTheDesktopSaysSo)
+{
+    FakePortal portal(
+        { { QString::fromLatin1(gnome), { { QStringLiteral("enable-animations"), false } } } });
+    start(portal);
+    const DesktopMotion motion(client());
+    EXPECT_TRUE(runUntil([&] { return motion.isReduced(); }));
+}
+
+TEST_F(DesktopMotionTest, followsChanges)
+{
+    FakePortal portal({});
+    start(portal);
+    const DesktopMotion motion(client());
+    int changes = 0;
+    QObject::connect(&motion, &DesktopMotion::changed, [&] { ++changes; });
+    const auto change = [&](bool hasAnimations) {
+        Q_EMIT portal.SettingChanged(QString::fromLatin1(gnome),
+            QStringLiteral("enable-animations"), QDBusVariant(hasAnimations));
+    };
+    change(false);
+    EXPECT_TRUE(runUntil([&] { return motion.isReduced(); }));
+    change(true);
+    EXPECT_TRUE(runUntil([&] { return !motion.isReduced(); }));
+    EXPECT_EQ(changes, 2);
+}
+
+TEST_F(DesktopMotionTest, isAsUsualWithoutAPortalOrABus)
+{
+    const DesktopMotion withoutPortal(client());
+    const DesktopMotion withoutBus(QDBusConnection(QStringLiteral("none")));
+    // what is asked last is answered last
+    QDBusConnection bus = client();
+    bool isAnswered = false;
+    auto* answer = new QDBusPendingCallWatcher(
+        bus.asyncCall(QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
+            QStringLiteral("/org/freedesktop/DBus"), QStringLiteral("org.freedesktop.DBus"),
+            QStringLiteral("GetId"))),
+        qApp);
+    QObject::connect(answer, &QDBusPendingCallWatcher::finished, [&] { isAnswered = true; });
+    EXPECT_TRUE(runUntil([&] { return isAnswered; }));
+    EXPECT_FALSE(withoutPortal.isReduced());
+    EXPECT_FALSE(withoutBus.isReduced());
+}
+
+struct Setting {
+    const char* name;
+    const char* group;
+    const char* key;
+    QVariant value;
+    std::optional<bool> isReduced;
+};
+
+class MotionSetting : public testing::TestWithParam<Setting> { };
+
+TEST_P(MotionSetting, isUnderstood)
+{
+    EXPECT_EQ(asksForReducedMotion(QString::fromLatin1(GetParam().group),
+                  QString::fromLatin1(GetParam().key), GetParam().value),
+        GetParam().isReduced);
+}
+
+INSTANTIATE_TEST_SUITE_P(Desktops, MotionSetting,
+    testing::Values(
+        Setting { "sharedReduced", "org.freedesktop.appearance", "reduced-motion", 1U, true },
+        Setting { "sharedUsual", "org.freedesktop.appearance", "reduced-motion", 0U, false },
+        Setting { "gnomeReduced", gnome, "enable-animations", false, true },
+        Setting { "gnomeUsual", gnome, "enable-animations", true, false },
+        Setting { "plasmaReduced", "org.kde.kdeglobals.KDE", "AnimationDurationFactor",
+            QStringLiteral("0"), true },
+        Setting { "plasmaSlow", "org.kde.kdeglobals.KDE", "AnimationDurationFactor",
+            QStringLiteral("2"), false },
+        Setting { "plasmaWithoutANumber", "org.kde.kdeglobals.KDE", "AnimationDurationFactor",
+            QStringLiteral(""), false },
+        Setting { "anotherSetting", gnome, "clock-format", 1U, std::nullopt }),
+    test::RowName());
+
+} // namespace
+} // namespace vellumine::platform
+
+#include "DesktopMotionTest.moc"

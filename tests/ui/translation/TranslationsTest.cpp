@@ -1,0 +1,33 @@
+#include "ui/translation/Translations.h"
+
+#include "platform/ByteCount.h"
+#include "support/QtPrinters.h"
+#include "ui/settings/SettingsText.h"
+
+#include <gtest/gtest.h>
+
+namespace vellumine {
+namespace {
+
+TEST(TranslationsTest, speakTheLanguageOfTheLocaleWhileTheyLive)
+{
+    const QLocale german(QLocale::German, QLocale::Germany);
+    {
+        const Translations translations(german);
+        EXPECT_TRUE(translations.areLoaded());
+        EXPECT_EQ(settings_text::title(ResizeMode::longestEdge), QStringLiteral("Längste Seite"));
+        EXPECT_EQ(platform::byteCountText(0, german), QStringLiteral("Null KB"));
+        EXPECT_EQ(platform::byteCountText(2, german), QStringLiteral("2 Byte"));
+    }
+    EXPECT_EQ(settings_text::title(ResizeMode::longestEdge), QStringLiteral("Longest Edge"));
+}
+
+TEST(TranslationsTest, areEnglishWhereThereAreNone)
+{
+    const Translations translations(QLocale(QLocale::Icelandic));
+    EXPECT_FALSE(translations.areLoaded());
+    EXPECT_EQ(settings_text::title(ResizeMode::longestEdge), QStringLiteral("Longest Edge"));
+}
+
+} // namespace
+} // namespace vellumine
