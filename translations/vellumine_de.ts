@@ -661,6 +661,14 @@
         <source>Open %1</source>
         <translation>%1 öffnen</translation>
     </message>
+    <message>
+        <source>Free software under the GNU General Public License, version 3 or later</source>
+        <translation>Freie Software unter der GNU General Public License, Version 3 oder neuer</translation>
+    </message>
+    <message>
+        <source>With thanks to the makers of %1</source>
+        <translation>Mit Dank an alle, die %1 geschaffen haben</translation>
+    </message>
 </context>
 <context>
     <name>vellumine::ResultsSummaryPresenter</name>

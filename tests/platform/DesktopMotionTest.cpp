@@ -1,47 +1,13 @@
 #include "platform/DesktopMotion.h"
 
+#include "platform/FakePortal.h"
 #include "platform/PrivateBus.h"
 #include "support/NamedRows.h"
 #include "support/QtPrinters.h"
 
-#include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
 
 namespace vellumine::platform {
-
-/// A desktop's portal with the settings that it is given.
-class FakePortal : public QObject {
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
-
-public:
-    explicit FakePortal(DesktopSettings settings)
-        : m_settings(std::move(settings))
-    {
-        qDBusRegisterMetaType<DesktopSettings>();
-    }
-
-public Q_SLOTS:
-    // NOLINTNEXTLINE(readability-identifier-naming): the bus's own name
-    [[nodiscard]] vellumine::platform::DesktopSettings ReadAll(const QStringList& groups) const
-    {
-        DesktopSettings asked;
-        for (const QString& group : groups) {
-            if (m_settings.contains(group)) {
-                asked.insert(group, m_settings.value(group));
-            }
-        }
-        return asked;
-    }
-
-Q_SIGNALS:
-    // NOLINTNEXTLINE(readability-identifier-naming): the bus's own name
-    void SettingChanged(const QString& group, const QString& name, const QDBusVariant& value);
-
-private:
-    DesktopSettings m_settings;
-};
-
 namespace {
 
 const char* const gnome = "org.gnome.desktop.interface";
@@ -134,5 +100,3 @@ INSTANTIATE_TEST_SUITE_P(Desktops, MotionSetting,
 
 } // namespace
 } // namespace vellumine::platform
-
-#include "DesktopMotionTest.moc"

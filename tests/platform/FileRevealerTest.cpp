@@ -1,48 +1,17 @@
 #include "platform/FileRevealer.h"
 
+#include "platform/FakeFileManager.h"
 #include "platform/FilePath.h"
 #include "platform/PrivateBus.h"
 #include "support/QtPrinters.h"
 
 #include <QDBusConnection>
-#include <QDBusContext>
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 
 namespace vellumine::platform {
-
-/// A file manager that remembers what it was asked for.
-class FakeFileManager : public QObject, protected QDBusContext {
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.FileManager1")
-
-public:
-    enum class Answer { shown, refused };
-
-    explicit FakeFileManager(Answer answer)
-        : m_answer(answer)
-    {
-    }
-
-    [[nodiscard]] const QList<QStringList>& shown() const { return m_shown; }
-
-public Q_SLOTS:
-    void ShowItems(const QStringList& uris, const QString& startupId) // NOLINT: the bus's own name
-    {
-        EXPECT_TRUE(startupId.isEmpty());
-        m_shown.append(uris);
-        if (m_answer == Answer::refused) {
-            sendErrorReply(QDBusError::Failed, QStringLiteral("not today"));
-        }
-    }
-
-private:
-    Answer m_answer;
-    QList<QStringList> m_shown;
-};
-
 namespace {
 
 class FileRevealerTest : public test::OnPrivateBus {
@@ -132,5 +101,3 @@ TEST_F(FileRevealerTest, opensNothingOnceItIsGone)
 
 } // namespace
 } // namespace vellumine::platform
-
-#include "FileRevealerTest.moc"

@@ -24,13 +24,13 @@ class CountingScope final : public platform::SecurityScope {
 public:
     [[nodiscard]] bool startAccessing(const QUrl& url) override
     {
-        m_started.append(url);
+        started.append(url);
         return true;
     }
-    void stopAccessing(const QUrl& url) override { m_stopped.append(url); }
+    void stopAccessing(const QUrl& url) override { stopped.append(url); }
 
-    QList<QUrl> m_started;
-    QList<QUrl> m_stopped;
+    QList<QUrl> started;
+    QList<QUrl> stopped;
 };
 
 /// Red left of the middle and blue right of it, with one green pixel in the very middle.
@@ -107,8 +107,8 @@ TEST_F(ComparisonSampleTest, everyAccessThatStartedIsStopped)
     const QUrl good = write("a.png", marked({ 30, 20 }));
     const QUrl missing = platform::fileUrl(m_folder / "missing.png");
     EXPECT_FALSE(compare(good, missing));
-    EXPECT_EQ(m_scope.m_started, (QList<QUrl> { good, missing }));
-    EXPECT_EQ(m_scope.m_stopped, (QList<QUrl> { missing, good }));
+    EXPECT_EQ(m_scope.started, (QList<QUrl> { good, missing }));
+    EXPECT_EQ(m_scope.stopped, (QList<QUrl> { missing, good }));
 }
 
 /// A JPEG file with an orientation put behind its start marker, as cameras write it.

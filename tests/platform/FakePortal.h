@@ -1,0 +1,48 @@
+#pragma once
+
+#include "platform/DesktopMotion.h"
+
+#include <QDBusMetaType>
+#include <QDBusVariant>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+#include <utility>
+
+namespace vellumine::platform {
+
+/// A desktop's portal with the settings that it is given.
+class FakePortal : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
+
+public:
+    explicit FakePortal(DesktopSettings settings)
+        : m_settings(std::move(settings))
+    {
+        qDBusRegisterMetaType<DesktopSettings>();
+    }
+
+    // NOLINTNEXTLINE(readability-identifier-naming): the bus's own name
+    Q_SLOT [[nodiscard]] vellumine::platform::DesktopSettings ReadAll(
+        const QStringList& groups) const
+    {
+        DesktopSettings asked;
+        for (const QString& group : groups) {
+            if (m_settings.contains(group)) {
+                asked.insert(group, m_settings.value(group));
+            }
+        }
+        return asked;
+    }
+
+Q_SIGNALS:
+    // NOLINTNEXTLINE(readability-identifier-naming): the bus's own name
+    void SettingChanged(const QString& group, const QString& name, const QDBusVariant& value);
+
+private:
+    DesktopSettings m_settings;
+};
+
+} // namespace vellumine::platform
