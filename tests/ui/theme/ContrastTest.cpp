@@ -40,7 +40,7 @@ double luminance(Colour colour)
 double contrast(Colour text, Colour background)
 {
     const auto [darker, lighter]
-        = std::minmax(luminance(over(text, background)), luminance(background));
+        = std::minmax({ luminance(over(text, background)), luminance(background) });
     return (lighter + 0.05) / (darker + 0.05);
 }
 
