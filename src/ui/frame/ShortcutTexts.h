@@ -6,8 +6,8 @@
 
 namespace vellumine {
 
-/// The keys of the windows, as a Shortcut takes them, and those of the application menu as it writes
-/// them in the user's language.
+/// The keys of the windows, as a Shortcut takes them, and those of the application menu as it
+/// writes them in the user's language.
 class ShortcutTexts : public QObject {
     Q_OBJECT
     QML_ELEMENT

@@ -75,6 +75,7 @@ int main(int argumentCount, char** arguments)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
     QQuickStyle::setStyle(QStringLiteral("Basic"));
+    QQuickWindow::setDefaultAlphaBuffer(true); // the corners of our windows are round
     QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
     QGuiApplication application(argumentCount, arguments);
     QGuiApplication::setFont(QFont(QStringLiteral("Inter")));
