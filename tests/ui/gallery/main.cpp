@@ -33,6 +33,8 @@ QString renderScene(QQmlEngine& engine, const QString& scene, const QString& pic
     if (!root) {
         return component.errorString();
     }
+    engine.singletonInstance<vellumine::Motion*>(qmlTypeId("Vellumine", 1, 0, "Motion"))
+        ->setReduced(true);
     std::unique_ptr<QQuickWindow> frame;
     auto* window = qobject_cast<QQuickWindow*>(root.get());
     if (window == nullptr) {
@@ -100,8 +102,6 @@ int main(int argumentCount, char** arguments)
     const QStringList scenes = parser.positionalArguments();
     for (const QString& scene : scenes) {
         QQmlEngine engine;
-        engine.singletonInstance<vellumine::Motion*>(qmlTypeId("Vellumine", 1, 0, "Motion"))
-            ->setReduced(true);
         const QString picture
             = folder.filePath(QFileInfo(scene).completeBaseName() + QStringLiteral(".png"));
         const QString failure = renderScene(engine, scene, picture);
