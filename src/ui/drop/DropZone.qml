@@ -9,6 +9,7 @@ T.AbstractButton {
 
     required property ProcessingPresenter processing
     readonly property bool isTargeted: target.isTargeted
+    readonly property bool isChoosing: panel.visible
     readonly property real cornerRadius: 8
 
     function chooseFiles() {

@@ -33,6 +33,8 @@ QString renderScene(QQmlEngine& engine, const QString& scene, const QString& pic
     if (!root) {
         return component.errorString();
     }
+    engine.singletonInstance<vellumine::Motion*>(qmlTypeId("Vellumine", 1, 0, "Motion"))
+        ->setReduced(true);
     std::unique_ptr<QQuickWindow> frame;
     auto* window = qobject_cast<QQuickWindow*>(root.get());
     if (window == nullptr) {
@@ -75,6 +77,7 @@ int main(int argumentCount, char** arguments)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
     QQuickStyle::setStyle(QStringLiteral("Basic"));
+    QQuickWindow::setDefaultAlphaBuffer(true); // the corners of our windows are round
     QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
     QGuiApplication application(argumentCount, arguments);
     QGuiApplication::setFont(QFont(QStringLiteral("Inter")));
@@ -99,8 +102,6 @@ int main(int argumentCount, char** arguments)
     const QStringList scenes = parser.positionalArguments();
     for (const QString& scene : scenes) {
         QQmlEngine engine;
-        engine.singletonInstance<vellumine::Motion*>(qmlTypeId("Vellumine", 1, 0, "Motion"))
-            ->setReduced(true);
         const QString picture
             = folder.filePath(QFileInfo(scene).completeBaseName() + QStringLiteral(".png"));
         const QString failure = renderScene(engine, scene, picture);
