@@ -20,6 +20,9 @@ public:
     /// Creates a file for writing, which must not exist.
     static Result<FileDescriptor> createForWriting(const std::filesystem::path& path);
 
+    /// The same open file by a number of its own; the given one stays the caller's.
+    static Result<FileDescriptor> duplicateOf(int descriptor);
+
     FileDescriptor(FileDescriptor&& other) noexcept
         : m_descriptor(std::exchange(other.m_descriptor, -1))
     {

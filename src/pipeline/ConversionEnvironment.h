@@ -1,5 +1,6 @@
 #pragma once
 
+#include "imaging/Geometry.h"
 #include "imaging/Limits.h"
 #include "pipeline/MemoryBudget.h"
 #include "pipeline/OverwritePrompt.h"
@@ -8,12 +9,22 @@
 
 #include <QUrl>
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <memory>
 #include <stop_token>
 
 namespace vellumine {
+
+/// How long the WebP encoder may take before it counts as hung: far more than it ever needs, on any
+/// machine that is of use.
+struct EncoderPatience {
+    std::chrono::milliseconds atLeast = std::chrono::minutes(2);
+    std::chrono::milliseconds perMegapixel = std::chrono::seconds(30);
+
+    [[nodiscard]] std::chrono::milliseconds forPicture(imaging::Size size) const;
+};
 
 /// What a conversion needs from the world around it. One for all conversions of a batch; everything
 /// in it is safe to use from several threads at once.
@@ -31,6 +42,7 @@ struct ConversionEnvironment {
     std::filesystem::path temporaryFolder = std::filesystem::temp_directory_path();
     /// Where the program's executable is, with the WebP encoder beside it.
     std::filesystem::path executableFolder;
+    EncoderPatience encoderPatience;
     /// Once a stop is requested, conversions give up before their next large step, and a running
     /// WebP encoder is killed. They fail then and leave nothing behind; one that has written its
     /// output ends as it would have.

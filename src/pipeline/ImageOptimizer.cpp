@@ -113,7 +113,10 @@ Outcome<void> encode(Image&& image, UniformType type, ImageProperties properties
         return failed(CannotCreateDestination { outputURL });
     }
     {
-        auto destination = ImageDestination::create(pending->path(), type);
+        auto destination = imaging::FileDescriptor::duplicateOf(pending->file().get())
+                               .and_then([type](imaging::FileDescriptor&& file) {
+                                   return ImageDestination::create(std::move(file), type);
+                               });
         if (!destination) {
             return failed(CannotCreateDestination { outputURL });
         }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/FileDescriptor.h"
 #include "platform/FileError.h"
 
 #include <filesystem>
@@ -30,9 +31,7 @@ enum class ItemKind { none, folder, other };
 [[nodiscard]] Result<void> copyModificationTime(
     const std::filesystem::path& from, const std::filesystem::path& to);
 
-/// Copies content into a file that must not exist, with the permissions of a new file, and syncs
-/// it to disk. A copy that failed half way stays behind.
-[[nodiscard]] Result<void> copyToNewFile(
-    const std::filesystem::path& from, const std::filesystem::path& to);
+/// Copies content into an empty file that is open for writing, and syncs it to disk.
+[[nodiscard]] Result<void> copyInto(const std::filesystem::path& from, const FileDescriptor& to);
 
 } // namespace vellumine::platform
