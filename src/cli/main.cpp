@@ -5,6 +5,7 @@
 #include "cli/Report.h"
 #include "cli/Terminal.h"
 #include "cli/TerminationSignals.h"
+#include "confined/client/ConfinedDecoders.h"
 #include "pipeline/OverwritePrompt.h"
 #include "platform/FilePath.h"
 
@@ -16,6 +17,7 @@
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -45,6 +47,24 @@ QList<QUrl> inputURLs(const std::vector<std::filesystem::path>& paths, Report& r
     return urls;
 }
 
+std::filesystem::path programFolder()
+{
+    return platform::toPath(platform::fileUrl(QCoreApplication::applicationDirPath()));
+}
+
+/// Pictures are decoded in processes of their own, where the decoder is there.
+std::shared_ptr<confined::ConfinedDecoders> decoders()
+{
+    const auto executable = confined::ConfinedDecoders::findExecutable(programFolder());
+    return executable ? std::make_shared<confined::ConfinedDecoders>(*executable) : nullptr;
+}
+
+std::string confinementText()
+{
+    const auto confined = decoders();
+    return confined::confinementText(confined ? confined->confinement() : std::nullopt);
+}
+
 int convert(const CommandLine& line, TerminationSignals& signals)
 {
     OverwritePrompt prompt([&signals](const QUrl& url, const OverwritePrompt::Answer& answer) {
@@ -52,8 +72,14 @@ int convert(const CommandLine& line, TerminationSignals& signals)
     });
     ConversionEnvironment environment;
     environment.confirmOverwrite = [&prompt](const QUrl& url) { return prompt.ask(url); };
-    environment.executableFolder
-        = platform::toPath(platform::fileUrl(QCoreApplication::applicationDirPath()));
+    environment.executableFolder = programFolder();
+    if (auto confined = decoders()) {
+        environment.openImage
+            = [confined = std::move(confined)](const std::filesystem::path& path,
+                  const imaging::Limits& limits, const std::stop_token& interruption) {
+                  return confined->open(path, limits, interruption);
+              };
+    }
 
     // The samples that JSON names are for whoever reads it.
     PreviewSamples samples(environment.temporaryFolder,
@@ -131,6 +157,7 @@ int run(int argc, char** argv)
         return allWell;
     case Action::showVersion:
         std::puts("vellumine-batch " VELLUMINE_VERSION " (" VELLUMINE_BUILD_NUMBER ")");
+        std::puts(confinementText().c_str());
         return allWell;
     case Action::convert:
         return convert(*line, signals);

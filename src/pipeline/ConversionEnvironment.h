@@ -1,6 +1,7 @@
 #pragma once
 
 #include "imaging/Geometry.h"
+#include "imaging/ImageSource.h"
 #include "imaging/Limits.h"
 #include "pipeline/MemoryBudget.h"
 #include "pipeline/OverwritePrompt.h"
@@ -16,6 +17,12 @@
 #include <stop_token>
 
 namespace vellumine {
+
+/// Opens a picture file, as ImageSource::create() does. A source that is decoded elsewhere fails
+/// once a stop is requested.
+using OpenImage
+    = std::function<imaging::Result<imaging::ImageSource>(const std::filesystem::path& path,
+        const imaging::Limits& limits, const std::stop_token& interruption)>;
 
 /// How long the WebP encoder may take before it counts as hung: far more than it ever needs, on any
 /// machine that is of use.
@@ -35,6 +42,9 @@ struct ConversionEnvironment {
     std::function<platform::Result<void>(const QUrl&)> moveToTrash = platform::moveToTrash;
     std::shared_ptr<platform::SecurityScope> securityScope
         = std::make_shared<platform::DesktopSecurityScope>();
+    OpenImage openImage
+        = [](const std::filesystem::path& path, const imaging::Limits& allowed,
+              const std::stop_token&) { return imaging::ImageSource::create(path, allowed); };
     imaging::Limits limits = imaging::Limits::forThisMachine();
     std::shared_ptr<MemoryBudget> memoryBudget
         = std::make_shared<MemoryBudget>(MemoryBudget::bytesFor(limits));

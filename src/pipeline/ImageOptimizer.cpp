@@ -180,7 +180,7 @@ Outcome<ProcessingResult> ImageOptimizer::optimize(
         settings.destinationFolderURL.value_or(platform::parentFolder(url)));
 
     const qint64 originalBytes = fileSize(url);
-    auto source = ImageSource::create(toPath(url), environment.limits);
+    auto source = environment.openImage(toPath(url), environment.limits, environment.interruption);
     if (!source) {
         return failed(UnreadableImage {});
     }
@@ -207,7 +207,7 @@ Outcome<ProcessingResult> ImageOptimizer::optimize(
     auto comparison = prepared->sampler.compare(url, outputURL,
         settings.moveOriginalToTrash ? ComparisonSampler::ReadBack::whole
                                      : ComparisonSampler::ReadBack::sampleOnly,
-        environment.limits, environment.temporaryFolder);
+        environment);
     OriginalInTrash original = OriginalInTrash::asWished;
     if (settings.moveOriginalToTrash) {
         original = trashOriginal(url, outputURL, comparison.isReadBack, environment);
