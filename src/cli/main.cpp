@@ -65,6 +65,15 @@ std::string confinementText()
     return confined::confinementText(confined ? confined->confinement() : std::nullopt);
 }
 
+/// Files that end a decoder are worth a word to whoever looks into them.
+void reportDeaths(const confined::ConfinedDecoders* confined)
+{
+    if (confined != nullptr && confined->deathCount() > 0) {
+        std::fprintf(stderr, "vellumine-batch: the decoder was replaced %zu times\n",
+            confined->deathCount());
+    }
+}
+
 int convert(const CommandLine& line, TerminationSignals& signals)
 {
     OverwritePrompt prompt([&signals](const QUrl& url, const OverwritePrompt::Answer& answer) {
@@ -73,10 +82,11 @@ int convert(const CommandLine& line, TerminationSignals& signals)
     ConversionEnvironment environment;
     environment.confirmOverwrite = [&prompt](const QUrl& url) { return prompt.ask(url); };
     environment.executableFolder = programFolder();
-    if (auto confined = decoders()) {
+    const auto confined = decoders();
+    if (confined) {
         environment.openImage
-            = [confined = std::move(confined)](const std::filesystem::path& path,
-                  const imaging::Limits& limits, const std::stop_token& interruption) {
+            = [confined](const std::filesystem::path& path, const imaging::Limits& limits,
+                  const std::stop_token& interruption) {
                   return confined->open(path, limits, interruption);
               };
     }
@@ -124,6 +134,7 @@ int convert(const CommandLine& line, TerminationSignals& signals)
         model.process(urls);
         QCoreApplication::exec();
     }
+    reportDeaths(confined.get());
     if (isInterrupted) {
         report.finish();
         std::fprintf(stderr, "%s\n", model.statusText().toUtf8().constData());

@@ -48,6 +48,16 @@ qint64 fileSize(const std::filesystem::path& path)
     return status && S_ISREG(status->st_mode) ? status->st_size : 0;
 }
 
+std::optional<FileVersion> fileVersion(const std::filesystem::path& path)
+{
+    const auto status = followed(path);
+    if (!status) {
+        return std::nullopt;
+    }
+    return FileVersion { status->st_dev, status->st_ino, status->st_size, status->st_mtim.tv_sec,
+        status->st_mtim.tv_nsec };
+}
+
 bool isSameFile(const std::filesystem::path& first, const std::filesystem::path& second)
 {
     const auto a = followed(first);
