@@ -107,6 +107,19 @@ TEST_F(Confined, everyFormatIsDecodedAsInTheProgram)
     EXPECT_EQ(m_decoders.deathCount(), 0U);
 }
 
+TEST_F(Confined, whereMemoryIsSharedTheResultIsTheSame)
+{
+    ConfinedDecoders decoders(VELLUMINE_DECODER, {}, Handover::shared);
+    for (const UniformType type : imaging::ImageDestination::encodableTypes()) {
+        EXPECT_EQ(difference(decoders, picture(type)), "") << preferredExtension(type);
+    }
+    const auto path = picture(UniformType::jpeg, { 300, 200 });
+    const Rect part { 33, 50, 100, 40 };
+    EXPECT_TRUE(areEqual(ImageSource::create(path, Limits())->imageRegion(part).value(),
+        decoders.open(path, Limits())->imageRegion(part).value()));
+    EXPECT_EQ(decoders.deathCount(), 0U);
+}
+
 TEST_F(Confined, everySampleIsDecodedAsInTheProgram)
 {
     const auto folder = test::samplesFolder();

@@ -9,6 +9,7 @@
 #include <future>
 #include <stop_token>
 #include <string>
+#include <vector>
 
 namespace vellumine::confined {
 namespace {
@@ -50,21 +51,29 @@ protected:
 
 TEST_F(Hostile, followsTheProtocolWhereItIsHarmless)
 {
-    ConfinedDecoders decoders(helper("harmless"));
-    for (int i = 0; i < 3; ++i) {
-        const auto image = decode(decoders, file());
-        ASSERT_TRUE(image) << image.error().detail;
-        EXPECT_EQ(image->size(), (imaging::Size { 4, 3 }));
-        EXPECT_EQ(image->row8(2)[3], 0x80);
+    const auto executable = helper("harmless");
+    for (const Handover handover : { Handover::fetched, Handover::shared }) {
+        ConfinedDecoders decoders(executable, {}, handover);
+        for (int i = 0; i < 3; ++i) {
+            const auto image = decode(decoders, file());
+            ASSERT_TRUE(image) << image.error().detail;
+            EXPECT_EQ(image->size(), (imaging::Size { 4, 3 }));
+            EXPECT_EQ(image->row8(2)[3], 0x80);
+        }
+        EXPECT_EQ(decoders.deathCount(), 0U);
     }
-    EXPECT_EQ(decoders.deathCount(), 0U);
 }
 
-class HostileDecoder : public Hostile, public testing::WithParamInterface<const char*> { };
+struct AttackRow {
+    const char* name;
+    Handover handover;
+};
+
+class HostileDecoder : public Hostile, public testing::WithParamInterface<AttackRow> { };
 
 TEST_P(HostileDecoder, costsItsFileAndNothingElse)
 {
-    ConfinedDecoders decoders(helper(GetParam()), little);
+    ConfinedDecoders decoders(helper(GetParam().name), little, GetParam().handover);
     for (std::size_t files = 1; files <= 2; ++files) {
         const auto image = decode(decoders, file());
         ASSERT_FALSE(image);
@@ -72,17 +81,30 @@ TEST_P(HostileDecoder, costsItsFileAndNothingElse)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(That, HostileDecoder,
-    testing::Values("dies-opening", "dies-decoding", "hangs-opening", "hangs-decoding",
-        "declares-too-much", "says-nothing-known", "says-too-much", "answers-another-question",
-        "forgets-the-memory", "hands-over-a-file", "does-not-seal", "can-still-write",
-        "can-still-cut", "has-less-memory-than-said", "is-of-another-size", "gives-a-part-unasked",
-        "rows-reach-into-nothing", "begins-behind-its-end", "is-deeper-than-its-memory",
-        "has-colours-of-another-model", "attaches-garbage", "attaches-less"),
-    [](const auto& instance) {
-        std::string name = instance.param;
+std::vector<AttackRow> attackRows()
+{
+    std::vector<AttackRow> rows;
+    for (const char* name :
+        { "dies-opening", "dies-decoding", "hangs-opening", "hangs-decoding", "declares-too-much",
+            "says-nothing-known", "says-too-much", "answers-another-question", "is-of-another-size",
+            "gives-a-part-unasked", "names-no-memory", "rows-reach-into-nothing",
+            "attaches-nothing-that-is-there", "attaches-more-than-is-allowed",
+            "has-colours-of-another-model", "attaches-garbage", "attaches-less" }) {
+        rows.push_back({ name, Handover::fetched });
+    }
+    for (const char* name : { "shares-nothing", "shares-a-file", "shares-without-seals",
+             "shares-and-can-still-write", "shares-and-can-still-cut", "shares-less-than-said",
+             "has-colours-of-another-model", "attaches-garbage" }) {
+        rows.push_back({ name, Handover::shared });
+    }
+    return rows;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    That, HostileDecoder, testing::ValuesIn(attackRows()), [](const auto& instance) {
+        std::string name = instance.param.name;
         std::replace(name.begin(), name.end(), '-', '_');
-        return name;
+        return name + (instance.param.handover == Handover::shared ? "_shared" : "");
     });
 
 TEST_F(Hostile, thatCannotBeStartedFailsItsFile)

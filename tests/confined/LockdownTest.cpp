@@ -134,14 +134,9 @@ INSTANTIATE_TEST_SUITE_P(For, Need,
         NeedRow { "memory", [] { return static_cast<bool>(std::malloc(100'000'000)); } },
         NeedRow { "sharedMemory",
             [] {
-                auto pixels = SharedMemory::allocate(10'000'000);
-                if (!pixels) {
-                    return false;
-                }
-                const auto descriptor = imaging::FileDescriptor::duplicateOf(
-                    SharedMemory::behind(pixels)->descriptor().number());
-                pixels.reset();
-                return descriptor && appendAndSeal(*descriptor, 10'000'000, {}).has_value();
+                auto memory = SharedMemory::create();
+                const imaging::ByteBuffer bytes(10'000'000);
+                return memory && memory->append(bytes) && std::move(*memory).seal();
             } },
         NeedRow { "aThread",
             [] {

@@ -7,6 +7,7 @@
 
 #include <unistd.h>
 
+#include <functional>
 #include <mutex>
 #include <utility>
 #include <vector>
@@ -28,35 +29,68 @@ namespace {
 
 constexpr const char* helperName = "vellumine-decoder";
 
-/// The picture in an answer, as far as it is one that was asked for.
-Result<SourcePicture> pictureIn(const DecodedReply& reply, const FileDescriptor& memory,
-    const ImageHeader& header, const std::optional<Rect>& region, const Limits& limits)
+tl::unexpected<Error> nonsense()
 {
-    const auto nonsense = [] {
-        return imaging::failure(Error::Kind::malformed, "the picture is not what was asked for");
-    };
-    const bool isPart = reply.isRegion;
-    if ((isPart && !region) || reply.size != (isPart ? region->size() : header.size)
-        || !limits.check(reply.size.width, reply.size.height, reply.layout.bytesPerPixel())
-        || reply.attachmentsOffset > 2 * limits.maximumBytes
-        || reply.attachmentsBytes > 2 * limits.maximumBytes) {
-        return nonsense();
-    }
-    const auto bytes = mapSealed(
-        memory, static_cast<std::size_t>(reply.attachmentsOffset + reply.attachmentsBytes));
-    if (!bytes) {
-        return tl::unexpected(bytes.error());
-    }
-    auto attached = parseAttachments({ bytes->get() + reply.attachmentsOffset,
-        static_cast<std::size_t>(reply.attachmentsBytes) });
+    return imaging::failure(Error::Kind::io, "the picture is not what was asked for");
+}
+
+/// Whether the answer is to the question.
+bool isWhatWasAskedFor(const DecodedReply& reply, const ImageHeader& header,
+    const std::optional<Rect>& region, const Limits& limits)
+{
+    return (!reply.isRegion || region)
+        && reply.size == (reply.isRegion ? region->size() : header.size)
+        && limits.check(reply.size.width, reply.size.height, reply.layout.bytesPerPixel())
+        && reply.attachmentsBytes <= 2 * limits.maximumBytes;
+}
+
+Result<SourcePicture> described(const DecodedReply& reply, imaging::ByteSpan attachments,
+    const std::function<Image(imaging::ColorSpace)>& image)
+{
+    auto attached = parseAttachments(attachments);
     if (!attached || attached->colorSpace.model() != reply.layout.model) {
         return nonsense();
     }
-    Image image(reply.size, reply.layout, static_cast<std::size_t>(reply.rowBytes),
-        std::move(attached->colorSpace),
-        std::shared_ptr<const std::byte[]>(*bytes, bytes->get() + reply.pixelOffset));
-    return SourcePicture { std::move(image), isPart, attached->orientation,
-        std::move(attached->properties) };
+    return SourcePicture { image(std::move(attached->colorSpace)), reply.isRegion,
+        attached->orientation, std::move(attached->properties) };
+}
+
+/// Reads the picture from the helper's memory.
+Result<SourcePicture> fetched(const DecoderProcess& process, const DecodedReply& reply)
+{
+    auto pixels = imaging::PixelBuffer::create(reply.size, reply.layout);
+    if (!pixels) {
+        return tl::unexpected(pixels.error());
+    }
+    imaging::ByteBuffer attachments(static_cast<std::size_t>(reply.attachmentsBytes));
+    auto done
+        = process.fetch(pixels->bytes(), pixels->rowBytes(), reply.pixelsAddress, reply.rowBytes);
+    if (done) {
+        done = process.fetch(
+            attachments, attachments.size(), reply.attachmentsAddress, attachments.size());
+    }
+    if (!done) {
+        return tl::unexpected(done.error());
+    }
+    return described(reply, attachments, [&pixels](imaging::ColorSpace&& space) {
+        return Image(std::move(*pixels), std::move(space));
+    });
+}
+
+/// The picture in memory that was handed over.
+Result<SourcePicture> mapped(const FileDescriptor& memory, const DecodedReply& reply)
+{
+    const std::size_t rowBytes = tightRowBytes(reply.size, reply.layout);
+    const std::size_t pixelBytes = rowBytes * static_cast<std::size_t>(reply.size.height);
+    const auto attachmentsBytes = static_cast<std::size_t>(reply.attachmentsBytes);
+    const auto bytes = mapSealed(memory, pixelBytes + attachmentsBytes);
+    if (!bytes) {
+        return tl::unexpected(bytes.error());
+    }
+    return described(
+        reply, { bytes->get() + pixelBytes, attachmentsBytes }, [&](imaging::ColorSpace&& space) {
+            return Image(reply.size, reply.layout, rowBytes, std::move(space), *bytes);
+        });
 }
 
 } // namespace
@@ -70,13 +104,15 @@ public:
         bool hasServedBefore = false;
     };
 
-    Pool(std::filesystem::path executable, Patience patience)
+    Pool(std::filesystem::path executable, Patience patience, Handover handover)
         : m_executable(std::move(executable))
         , m_patience(patience)
+        , m_handover(handover)
     {
     }
 
     [[nodiscard]] const Patience& patience() const { return m_patience; }
+    [[nodiscard]] Handover handover() const { return m_handover; }
 
     Result<Loan> takeAny()
     {
@@ -136,6 +172,7 @@ private:
 
     const std::filesystem::path m_executable;
     const Patience m_patience;
+    const Handover m_handover;
     mutable std::mutex m_mutex;
     std::vector<std::unique_ptr<DecoderProcess>> m_idle;
     std::size_t m_deaths = 0;
@@ -274,13 +311,34 @@ private:
             return tl::unexpected(failed->error);
         }
         const auto* const decoded = std::get_if<DecodedReply>(&answer->reply);
-        auto picture = decoded != nullptr && answer->descriptor
-            ? pictureIn(*decoded, *answer->descriptor, m_header, region, m_limits)
-            : imaging::failure(Error::Kind::io, "the helper makes no sense");
-        if (!picture) {
+        auto picture = decoded != nullptr && isWhatWasAskedFor(*decoded, m_header, region, m_limits)
+            ? handedOver(*decoded)
+            : nonsense();
+        if (m_loan.process && picture) {
+            m_loan.process->tell(ReleaseRequest {});
+        } else if (m_loan.process) {
             loseHelper();
         }
         return picture;
+    }
+
+    Result<SourcePicture> handedOver(const DecodedReply& reply)
+    {
+        if (m_pool->handover() == Handover::fetched) {
+            auto picture = fetched(*m_loan.process, reply);
+            if (picture || picture.error().kind != Error::Kind::unsupported) {
+                return picture;
+            }
+        }
+        auto answer
+            = ask(ShareRequest {}, nullptr, m_pool->patience().toDecode(m_fileBytes, m_header));
+        if (!answer) {
+            return tl::unexpected(answer.error());
+        }
+        if (!std::holds_alternative<SharedReply>(answer->reply) || !answer->descriptor) {
+            return nonsense();
+        }
+        return mapped(*answer->descriptor, reply);
     }
 
     void giveHelperBack()
@@ -309,8 +367,9 @@ private:
     ImageHeader m_header;
 };
 
-ConfinedDecoders::ConfinedDecoders(std::filesystem::path executable, Patience patience)
-    : m_pool(std::make_shared<Pool>(std::move(executable), patience))
+ConfinedDecoders::ConfinedDecoders(
+    std::filesystem::path executable, Patience patience, Handover handover)
+    : m_pool(std::make_shared<Pool>(std::move(executable), patience, handover))
 {
 }
 

@@ -7,12 +7,19 @@
 #include "imaging/Limits.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <optional>
 #include <stop_token>
 
 namespace vellumine::confined {
+
+/// How a decoded picture comes from its helper.
+enum class Handover : std::uint8_t {
+    fetched, ///< read from its memory; shared where that is not allowed
+    shared, ///< in sealed memory
+};
 
 /// Picture files that are decoded by helper processes, one for each source that is being read at a
 /// time; a helper serves many files, one after the other, and another one takes its place when it
@@ -22,7 +29,8 @@ namespace vellumine::confined {
 /// Safe to use from several threads at once. Sources may outlive it.
 class ConfinedDecoders {
 public:
-    explicit ConfinedDecoders(std::filesystem::path executable, Patience patience = {});
+    explicit ConfinedDecoders(std::filesystem::path executable, Patience patience = {},
+        Handover handover = Handover::fetched);
     ~ConfinedDecoders();
     ConfinedDecoders(const ConfinedDecoders&) = delete;
     ConfinedDecoders& operator=(const ConfinedDecoders&) = delete;

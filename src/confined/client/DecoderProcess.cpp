@@ -6,15 +6,18 @@
 #include <poll.h>
 #include <spawn.h>
 #include <sys/resource.h>
+#include <sys/uio.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <climits>
 #include <csignal>
 #include <ctime>
 #include <system_error>
+#include <vector>
 
 namespace vellumine::confined {
 
@@ -79,6 +82,16 @@ private:
     posix_spawn_file_actions_t m_actions {};
     posix_spawnattr_t m_attributes {};
 };
+
+/// In one call; the system takes no more at once.
+constexpr std::size_t largestTransfer = std::size_t { 1 } << 30U;
+
+/// An address of the helper's, for the system alone.
+void* remote(std::uint64_t address)
+{
+    return reinterpret_cast<void*>(
+        static_cast<std::uintptr_t>(address)); // NOLINT(performance-no-int-to-ptr)
+}
 
 /// Sets the limit that counts, below the one that no process can raise for itself.
 bool limit(pid_t process, decltype(RLIMIT_AS) resource, rlim_t value)
@@ -173,6 +186,45 @@ bool DecoderProcess::isAlive() const
     // Nothing was asked: whatever there is to read is no answer.
     pollfd state { m_channel.socket().number(), POLLIN, 0 };
     return ::poll(&state, 1, 0) == 0;
+}
+
+void DecoderProcess::tell(const Request& request) const
+{
+    // One that does not hear it any more is found out by the next question.
+    (void)m_channel.send(serialised(request), nullptr);
+}
+
+Result<void> DecoderProcess::fetch(std::span<std::byte> to, std::size_t rowLength,
+    std::uint64_t address, std::uint64_t rowBytes) const
+{
+    const bool hasGaps = rowBytes != rowLength;
+    std::vector<iovec> rows;
+    while (!to.empty()) {
+        rows.clear();
+        std::size_t count = 0;
+        if (hasGaps) {
+            for (; rows.size() < IOV_MAX && count < to.size(); count += rowLength) {
+                rows.push_back({ remote(address), rowLength });
+                address += rowBytes;
+            }
+        } else {
+            count = std::min(to.size(), largestTransfer);
+            rows.push_back({ remote(address), count });
+            address += count;
+        }
+        const iovec here { to.data(), count };
+        const ssize_t done = ::process_vm_readv(m_number, &here, 1, rows.data(), rows.size(), 0);
+        if (done < 0) {
+            return imaging::failure(
+                errno == EPERM || errno == ENOSYS ? Error::Kind::unsupported : Error::Kind::io,
+                std::system_category().message(errno));
+        }
+        if (static_cast<std::size_t>(done) != count) {
+            return broken("the picture is not where it was said to be");
+        }
+        to = to.subspan(count);
+    }
+    return {};
 }
 
 Result<DecoderProcess::Answer> DecoderProcess::ask(const Request& request,

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <span>
 #include <stop_token>
 #include <sys/types.h>
 
@@ -39,6 +40,15 @@ public:
     [[nodiscard]] imaging::Result<Answer> ask(const Request& request,
         const imaging::FileDescriptor* descriptor, const Allowance& allowance,
         const std::stop_token& interruption) const;
+
+    /// Tells it what has no answer.
+    void tell(const Request& request) const;
+
+    /// Reads from the helper's memory: the rows begin at the address, so many bytes from each
+    /// other, and are of equal length. Fails with Unsupported where this process may not, and with
+    /// Io when there is no such memory.
+    [[nodiscard]] imaging::Result<void> fetch(std::span<std::byte> to, std::size_t rowLength,
+        std::uint64_t address, std::uint64_t rowBytes) const;
 
 private:
     DecoderProcess(pid_t number, Channel channel)

@@ -1,6 +1,5 @@
 #include "confined/decoder/Lockdown.h"
 
-#include <malloc.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 
@@ -21,8 +20,6 @@ void limit(decltype(RLIMIT_CORE) resource, rlim_t value)
 
 Confinement lockDown()
 {
-    // Each of a codec's threads would keep addresses for a heap of its own, which count as memory.
-    ::mallopt(M_ARENA_MAX, 2);
     limit(RLIMIT_CORE, 0);
     Confinement inForce;
     inForce.noNewPrivileges = ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0;
@@ -30,7 +27,6 @@ Confinement lockDown()
     // A sanitizer opens files, starts a program to name the lines of its report, and maps its
     // memory as no filter would let it: in such builds the helper is only a process of its own.
     limit(RLIMIT_NOFILE, mostDescriptors);
-    ::prctl(PR_SET_DUMPABLE, 0, 0, 0, 0);
     inForce.landlockVersion = raiseLandlock();
     inForce.systemCallFilter = installSystemCallFilter();
 #else

@@ -76,9 +76,8 @@ void allowMemory(Rules& rules)
     rules.allow(SCMP_SYS(mmap), { masked(2, PROT_EXEC, 0) });
     rules.allow(SCMP_SYS(mprotect), { masked(2, PROT_EXEC, 0) });
     rules.allow(SCMP_SYS(memfd_create), { equal(1, MFD_CLOEXEC | MFD_ALLOW_SEALING) });
-    rules.allow({ SCMP_SYS(ftruncate), SCMP_SYS(pwrite64) });
+    rules.allow({ SCMP_SYS(pwrite64) });
     rules.allow(SCMP_SYS(fcntl), { equal(1, F_ADD_SEALS) });
-    rules.allow(SCMP_SYS(fcntl), { equal(1, F_DUPFD_CLOEXEC) });
 }
 
 void allowFiles(Rules& rules)

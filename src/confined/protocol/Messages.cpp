@@ -17,7 +17,18 @@ using imaging::Size;
 
 namespace {
 
-enum class Tag : std::uint8_t { open, decode, decodeRegion, ready, opened, decoded, failed };
+enum class Tag : std::uint8_t {
+    open,
+    decode,
+    decodeRegion,
+    share,
+    release,
+    ready,
+    opened,
+    decoded,
+    shared,
+    failed,
+};
 
 // Texts of errors are for developers; the rest of a very long one says nothing more.
 constexpr std::size_t longestDetail = 512;
@@ -66,19 +77,13 @@ bool hasPixels(Size size)
     return size.width > 0 && size.height > 0;
 }
 
-/// Whether the rows lie in front of the attachments, whatever the numbers are.
+/// Whether the rows have room, and an end.
 bool isConsistent(const DecodedReply& reply)
 {
-    const auto width = static_cast<std::uint64_t>(reply.size.width);
+    const std::uint64_t used = tightRowBytes(reply.size, reply.layout);
     const auto rows = static_cast<std::uint64_t>(reply.size.height);
-    const auto used = width * static_cast<std::uint64_t>(reply.layout.bytesPerPixel());
-    const auto sampleBytes = static_cast<std::uint64_t>(reply.layout.bitsPerComponent) / 8;
-    const std::uint64_t end = reply.attachmentsOffset;
-    return reply.rowBytes >= used && reply.rowBytes % sampleBytes == 0
-        && reply.pixelOffset % sampleBytes == 0 && reply.pixelOffset <= end
-        && used <= end - reply.pixelOffset
-        && (rows == 1 || reply.rowBytes <= (end - reply.pixelOffset - used) / (rows - 1))
-        && reply.attachmentsBytes <= ~std::uint64_t { 0 } - end;
+    return reply.rowBytes >= used
+        && (rows == 1 || reply.rowBytes <= (~std::uint64_t { 0 } - used) / (rows - 1));
 }
 
 Result<Reply> parseReady(ByteReader& reader)
@@ -113,8 +118,8 @@ Result<Reply> parseDecoded(ByteReader& reader)
     reply.size = readSize(reader);
     reply.layout = readLayout(reader);
     reply.rowBytes = reader.number<std::uint64_t>();
-    reply.pixelOffset = reader.number<std::uint64_t>();
-    reply.attachmentsOffset = reader.number<std::uint64_t>();
+    reply.pixelsAddress = reader.number<std::uint64_t>();
+    reply.attachmentsAddress = reader.number<std::uint64_t>();
     reply.attachmentsBytes = reader.number<std::uint64_t>();
     reply.isRegion = reader.number<std::uint8_t>() != 0;
     if (!reader.isAtTheEnd() || !hasPixels(reply.size) || !isValid(reply.layout)
@@ -153,6 +158,8 @@ struct Serialiser {
             write(writer, request.region->size());
         }
     }
+    void operator()(const ShareRequest& /*request*/) { write(writer, Tag::share); }
+    void operator()(const ReleaseRequest& /*request*/) { write(writer, Tag::release); }
     void operator()(const ReadyReply& reply)
     {
         write(writer, Tag::ready);
@@ -174,11 +181,12 @@ struct Serialiser {
         write(writer, reply.size);
         write(writer, reply.layout);
         writer.number(reply.rowBytes);
-        writer.number(reply.pixelOffset);
-        writer.number(reply.attachmentsOffset);
+        writer.number(reply.pixelsAddress);
+        writer.number(reply.attachmentsAddress);
         writer.number(reply.attachmentsBytes);
         writer.number(static_cast<std::uint8_t>(reply.isRegion));
     }
+    void operator()(const SharedReply& /*reply*/) { write(writer, Tag::shared); }
     void operator()(const FailedReply& reply)
     {
         write(writer, Tag::failed);
@@ -195,6 +203,11 @@ template <typename Message> ByteBuffer serialisedMessage(const Message& message)
 }
 
 } // namespace
+
+std::size_t tightRowBytes(Size size, const PixelLayout& layout)
+{
+    return static_cast<std::size_t>(size.width) * static_cast<std::size_t>(layout.bytesPerPixel());
+}
 
 bool isValid(const PixelLayout& layout)
 {
@@ -225,6 +238,10 @@ Result<Request> parseRequest(ByteSpan message)
         request = OpenRequest { limits };
     } else if (tag == Tag::decode) {
         request = DecodeRequest {};
+    } else if (tag == Tag::share) {
+        request = ShareRequest {};
+    } else if (tag == Tag::release) {
+        request = ReleaseRequest {};
     } else if (tag == Tag::decodeRegion) {
         const auto x = reader.number<std::int32_t>();
         const auto y = reader.number<std::int32_t>();
@@ -249,6 +266,8 @@ Result<Reply> parseReply(ByteSpan message)
         return parseOpened(reader);
     case Tag::decoded:
         return parseDecoded(reader);
+    case Tag::shared:
+        return reader.isAtTheEnd() ? Result<Reply>(SharedReply {}) : malformed();
     case Tag::failed:
         return parseFailed(reader);
     default:

@@ -7,7 +7,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <new>
 #include <system_error>
 
 namespace vellumine::confined {
@@ -33,11 +32,23 @@ void unmap(const std::byte* memory, std::size_t size)
     ::munmap(const_cast<std::byte*>(memory), size);
 }
 
-Result<void> writeAt(const FileDescriptor& memory, std::size_t offset, imaging::ByteSpan bytes)
+} // namespace
+
+Result<SharedMemory> SharedMemory::create()
+{
+    const int number = ::memfd_create("picture", MFD_CLOEXEC | MFD_ALLOW_SEALING);
+    if (number < 0) {
+        return systemFailure(errno);
+    }
+    return SharedMemory(FileDescriptor::adopted(number));
+}
+
+// Written, not mapped: a page that is written as a whole is not zeroed before.
+Result<void> SharedMemory::append(imaging::ByteSpan bytes)
 {
     while (!bytes.empty()) {
-        const ssize_t count
-            = ::pwrite(memory.number(), bytes.data(), bytes.size(), static_cast<off_t>(offset));
+        const ssize_t count = ::pwrite(
+            m_descriptor.number(), bytes.data(), bytes.size(), static_cast<off_t>(m_size));
         if (count < 0 && errno == EINTR) {
             continue;
         }
@@ -45,62 +56,17 @@ Result<void> writeAt(const FileDescriptor& memory, std::size_t offset, imaging::
             return systemFailure(count < 0 ? errno : ENOSPC);
         }
         bytes = bytes.subspan(static_cast<std::size_t>(count));
-        offset += static_cast<std::size_t>(count);
+        m_size += static_cast<std::size_t>(count);
     }
     return {};
 }
 
-} // namespace
-
-std::shared_ptr<std::byte[]> SharedMemory::allocate(std::size_t bytes)
+Result<FileDescriptor> SharedMemory::seal() &&
 {
-    const int number = ::memfd_create("picture", MFD_CLOEXEC | MFD_ALLOW_SEALING);
-    if (number < 0) {
-        return nullptr;
-    }
-    SharedMemory owner;
-    try {
-        auto descriptor = std::make_shared<const FileDescriptor>(FileDescriptor::adopted(number));
-        owner.m_descriptor = std::move(descriptor);
-    } catch (const std::bad_alloc&) {
-        ::close(number);
-        return nullptr;
-    }
-    if (::ftruncate(number, static_cast<off_t>(bytes)) != 0) {
-        return nullptr;
-    }
-    // All pages at once cost half of what they do one by one, and a codec fills them all.
-    const int populate = bytes >= populatedAtOnce ? MAP_POPULATE : 0;
-    void* const memory
-        = ::mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_SHARED | populate, number, 0);
-    if (memory == MAP_FAILED) {
-        return nullptr;
-    }
-    owner.m_begin = static_cast<std::byte*>(memory);
-    owner.m_size = bytes;
-    return { owner.m_begin, owner };
-}
-
-const SharedMemory* SharedMemory::behind(const std::shared_ptr<const std::byte[]>& pixels)
-{
-    return std::get_deleter<SharedMemory>(pixels);
-}
-
-void SharedMemory::operator()(std::byte* memory) const
-{
-    unmap(memory, m_size);
-}
-
-Result<void> appendAndSeal(
-    const FileDescriptor& memory, std::size_t size, imaging::ByteSpan appended)
-{
-    if (auto written = writeAt(memory, size, appended); !written) {
-        return written;
-    }
-    if (::fcntl(memory.number(), F_ADD_SEALS, sealsOfPictures) != 0) {
+    if (::fcntl(m_descriptor.number(), F_ADD_SEALS, sealsOfPictures) != 0) {
         return systemFailure(errno);
     }
-    return {};
+    return std::move(m_descriptor);
 }
 
 Result<std::shared_ptr<const std::byte[]>> mapSealed(const FileDescriptor& memory, std::size_t size)

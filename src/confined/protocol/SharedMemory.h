@@ -9,32 +9,26 @@
 
 namespace vellumine::confined {
 
-/// Keeps memory that another process can be given: the deleter of the pixels that it is for.
+/// Memory that is filled by one process and handed to another one when it is complete.
 class SharedMemory {
 public:
-    /// So many bytes, zero. Null when there are none.
-    [[nodiscard]] static std::shared_ptr<std::byte[]> allocate(std::size_t bytes);
+    [[nodiscard]] static imaging::Result<SharedMemory> create();
 
-    /// The memory behind pixels that allocate() gave; null for any other.
-    [[nodiscard]] static const SharedMemory* behind(
-        const std::shared_ptr<const std::byte[]>& pixels);
+    /// Behind what is there already.
+    [[nodiscard]] imaging::Result<void> append(imaging::ByteSpan bytes);
 
-    void operator()(std::byte* memory) const;
-
-    [[nodiscard]] const imaging::FileDescriptor& descriptor() const { return *m_descriptor; }
-    [[nodiscard]] const std::byte* begin() const { return m_begin; }
-    [[nodiscard]] std::size_t size() const { return m_size; }
+    /// Neither size nor content can change any more.
+    [[nodiscard]] imaging::Result<imaging::FileDescriptor> seal() &&;
 
 private:
-    std::shared_ptr<const imaging::FileDescriptor> m_descriptor; // a deleter has to be copyable
-    std::byte* m_begin = nullptr;
+    explicit SharedMemory(imaging::FileDescriptor descriptor)
+        : m_descriptor(std::move(descriptor))
+    {
+    }
+
+    imaging::FileDescriptor m_descriptor;
     std::size_t m_size = 0;
 };
-
-/// Appends the bytes to the memory of a descriptor, which nobody has mapped for writing, and seals
-/// it: neither its size nor its content can change any more.
-[[nodiscard]] imaging::Result<void> appendAndSeal(
-    const imaging::FileDescriptor& memory, std::size_t size, imaging::ByteSpan appended);
 
 /// The bytes of sealed memory, mapped for reading for as long as anybody holds them. Fails with
 /// Malformed for a descriptor of anything else, or of less than `size` bytes: only what is sealed

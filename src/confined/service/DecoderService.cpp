@@ -3,7 +3,7 @@
 #include "confined/protocol/PictureAttachments.h"
 #include "confined/protocol/SharedMemory.h"
 
-#include <cstring>
+#include <cstdint>
 #include <new>
 
 namespace vellumine::confined {
@@ -12,7 +12,6 @@ using imaging::Error;
 using imaging::FileDescriptor;
 using imaging::Image;
 using imaging::Result;
-using imaging::SourcePicture;
 
 namespace {
 
@@ -21,58 +20,31 @@ DecoderService::Answer failed(Error error)
     return { FailedReply { std::move(error) }, std::nullopt };
 }
 
-/// The picture over pixels that can be handed over: itself, where its codec made them so.
-Result<Image> shared(const Image& image)
+std::uint64_t addressOf(const std::byte* memory)
 {
-    if (SharedMemory::behind(image.pixels()) != nullptr) {
-        return image;
-    }
-    const std::size_t rowBytes = image.row(0).size();
-    auto pixels = SharedMemory::allocate(rowBytes * static_cast<std::size_t>(image.height()));
-    if (!pixels) {
-        return imaging::failure(Error::Kind::outOfMemory, "no memory to share");
-    }
-    for (int y = 0; y < image.height(); ++y) {
-        const auto row = image.row(y);
-        std::memcpy(pixels.get() + static_cast<std::size_t>(y) * rowBytes, row.data(), row.size());
-    }
-    return Image(image.size(), image.layout(), rowBytes, image.colorSpace(), std::move(pixels));
+    return reinterpret_cast<std::uintptr_t>(memory);
 }
 
-/// Seals the picture's memory with everything in it. The picture is gone then: what is mapped for
-/// writing cannot be sealed.
-DecoderService::Answer handedOver(SourcePicture picture)
+Result<FileDescriptor> sealed(const Image& image, imaging::ByteSpan attachments)
 {
-    auto image = shared(picture.image);
-    if (!image) {
-        return failed(std::move(image.error()));
+    auto memory = SharedMemory::create();
+    if (!memory) {
+        return tl::unexpected(memory.error());
     }
-    picture.image = std::move(*image);
-    image = imaging::failure(Error::Kind::io, "moved");
-    const SharedMemory& memory = *SharedMemory::behind(picture.image.pixels());
-    DecodedReply reply {
-        .size = picture.image.size(),
-        .layout = picture.image.layout(),
-        .rowBytes = picture.image.rowBytes(),
-        .pixelOffset = static_cast<std::uint64_t>(picture.image.pixels().get() - memory.begin()),
-        .attachmentsOffset = memory.size(),
-        .attachmentsBytes = 0,
-        .isRegion = picture.isRegion,
-    };
-    auto descriptor = FileDescriptor::duplicateOf(memory.descriptor().number());
-    if (!descriptor) {
-        return failed(std::move(descriptor.error()));
+    const std::size_t rowBytes = image.row(0).size();
+    const bool hasGaps = image.rowBytes() != rowBytes;
+    const int step = hasGaps ? 1 : image.height();
+    for (int y = 0; y < image.height(); y += step) {
+        const imaging::ByteSpan rows(
+            image.row(y).data(), rowBytes * static_cast<std::size_t>(step));
+        if (auto appended = memory->append(rows); !appended) {
+            return tl::unexpected(appended.error());
+        }
     }
-    const imaging::ByteBuffer attachments = serialised(PictureAttachments {
-        picture.image.colorSpace(), picture.orientation, std::move(picture.properties) });
-    reply.attachmentsBytes = attachments.size();
-    {
-        const SourcePicture released = std::move(picture);
+    if (auto appended = memory->append(attachments); !appended) {
+        return tl::unexpected(appended.error());
     }
-    if (auto sealed = appendAndSeal(*descriptor, reply.attachmentsOffset, attachments); !sealed) {
-        return failed(std::move(sealed.error()));
-    }
-    return { reply, std::move(*descriptor) };
+    return std::move(*memory).seal();
 }
 
 } // namespace
@@ -88,18 +60,26 @@ void DecoderService::serve(const Channel& channel)
         if (!request) {
             return;
         }
-        const Answer answered = answer(*request, std::move(message->descriptor));
-        if (!channel.send(serialised(answered.reply),
-                answered.descriptor ? &*answered.descriptor : nullptr)) {
+        const auto answered = answer(*request, std::move(message->descriptor));
+        if (answered
+            && !channel.send(serialised(answered->reply),
+                answered->descriptor ? &*answered->descriptor : nullptr)) {
             return;
         }
     }
 }
 
-DecoderService::Answer DecoderService::answer(
+std::optional<DecoderService::Answer> DecoderService::answer(
     const Request& request, std::optional<FileDescriptor> descriptor)
 {
     try {
+        if (std::holds_alternative<ShareRequest>(request)) {
+            return share();
+        }
+        m_held.reset();
+        if (std::holds_alternative<ReleaseRequest>(request)) {
+            return std::nullopt;
+        }
         if (const auto* const asked = std::get_if<OpenRequest>(&request)) {
             return open(*asked, std::move(descriptor));
         }
@@ -140,7 +120,32 @@ DecoderService::Answer DecoderService::decode(const DecodeRequest& request)
     if (!picture) {
         return failed(std::move(picture.error()));
     }
-    return handedOver(std::move(*picture));
+    m_held.emplace(Held { picture->image,
+        serialised(PictureAttachments {
+            picture->image.colorSpace(), picture->orientation, std::move(picture->properties) }) });
+    const Image& image = m_held->image;
+    return { DecodedReply {
+                 .size = image.size(),
+                 .layout = image.layout(),
+                 .rowBytes = image.rowBytes(),
+                 .pixelsAddress = addressOf(image.row(0).data()),
+                 .attachmentsAddress = addressOf(m_held->attachments.data()),
+                 .attachmentsBytes = m_held->attachments.size(),
+                 .isRegion = picture->isRegion,
+             },
+        std::nullopt };
+}
+
+DecoderService::Answer DecoderService::share() const
+{
+    if (!m_held) {
+        return failed({ Error::Kind::io, "no picture is held" });
+    }
+    auto memory = sealed(m_held->image, m_held->attachments);
+    if (!memory) {
+        return failed(std::move(memory.error()));
+    }
+    return { SharedReply {}, std::move(*memory) };
 }
 
 } // namespace vellumine::confined

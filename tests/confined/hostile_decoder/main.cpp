@@ -54,30 +54,60 @@ ByteBuffer goodAttachments()
         imaging::ColorSpace::grey(), imaging::Orientation::topLeft, {} });
 }
 
+const ByteBuffer pixels(pixelBytes, std::byte { 0x80 });
+
+std::uint64_t addressOf(const ByteBuffer& bytes)
+{
+    return reinterpret_cast<std::uintptr_t>(bytes.data());
+}
+
 /// What a good helper would answer, with the parts that the attacks change.
 struct Picture {
     ByteBuffer attachments = goodAttachments();
+    std::size_t missingBytes = 0;
+    int seals = F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_WRITE | F_SEAL_SEAL;
     DecodedReply reply { .size = size,
         .layout = layout,
         .rowBytes = 4,
-        .pixelOffset = 0,
-        .attachmentsOffset = pixelBytes,
+        .pixelsAddress = addressOf(pixels),
+        .attachmentsAddress = addressOf(attachments),
         .attachmentsBytes = attachments.size(),
         .isRegion = false };
-    int seals = F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_WRITE | F_SEAL_SEAL;
 };
 
-void hand(const Channel& channel, const Picture& picture)
+FileDescriptor memoryWith(const Picture& picture)
 {
-    const FileDescriptor memory
+    FileDescriptor memory
         = FileDescriptor::adopted(::memfd_create("picture", MFD_CLOEXEC | MFD_ALLOW_SEALING));
-    const ByteBuffer pixels(pixelBytes, std::byte { 0x80 });
+    const ByteBuffer& attached = picture.attachments;
     if (::write(memory.number(), pixels.data(), pixels.size()) < 0
-        || ::write(memory.number(), picture.attachments.data(), picture.attachments.size()) < 0
+        || ::write(memory.number(), attached.data(), attached.size() - picture.missingBytes) < 0
         || ::fcntl(memory.number(), F_ADD_SEALS, picture.seals) != 0) {
         std::abort();
     }
-    say(channel, picture.reply, &memory);
+    return memory;
+}
+
+/// Answers the question for pixels, and the one for shared memory if it comes.
+void hand(const Channel& channel, const Picture& picture)
+{
+    say(channel, picture.reply);
+    const auto message = channel.receive();
+    const auto request
+        = message ? confined::parseRequest(message->bytes) : imaging::failure({}, "gone");
+    if (request && std::holds_alternative<confined::ShareRequest>(*request)) {
+        const FileDescriptor memory = memoryWith(picture);
+        say(channel, confined::SharedReply {}, &memory);
+        (void)channel.receive(); // that it may be forgotten
+    }
+}
+
+/// The same with a change to the picture.
+template <typename Change> void handChanged(const Channel& channel, Change change)
+{
+    Picture picture;
+    change(picture);
+    hand(channel, picture);
 }
 
 using Attack = void (*)(const Channel&);
@@ -95,85 +125,84 @@ const std::map<std::string, Attack> attacks {
         [](const Channel& channel) { (void)channel.send(ByteBuffer(100'000), nullptr); } },
     { "answers-another-question",
         [](const Channel& channel) { say(channel, confined::ReadyReply {}); } },
-    { "forgets-the-memory", [](const Channel& channel) { say(channel, Picture().reply); } },
-    { "hands-over-a-file",
-        [](const Channel& channel) {
-            const FileDescriptor file = FileDescriptor::adopted(::open("/proc/self/exe", O_RDONLY));
-            say(channel, Picture().reply, &file);
-        } },
-    { "does-not-seal",
-        [](const Channel& channel) {
-            Picture picture;
-            picture.seals = 0;
-            hand(channel, picture);
-        } },
-    { "can-still-write",
-        [](const Channel& channel) {
-            Picture picture;
-            picture.seals = F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL;
-            hand(channel, picture);
-        } },
-    { "can-still-cut",
-        [](const Channel& channel) {
-            Picture picture;
-            picture.seals = F_SEAL_GROW | F_SEAL_WRITE;
-            hand(channel, picture);
-        } },
-    { "has-less-memory-than-said",
-        [](const Channel& channel) {
-            Picture picture;
-            picture.reply.attachmentsBytes += 1;
-            hand(channel, picture);
-        } },
     { "is-of-another-size",
         [](const Channel& channel) {
-            Picture picture;
-            picture.reply.size = { 3, 4 };
-            hand(channel, picture);
+            handChanged(channel, [](Picture& picture) { picture.reply.size = { 3, 4 }; });
         } },
     { "gives-a-part-unasked",
         [](const Channel& channel) {
-            Picture picture;
-            picture.reply.isRegion = true;
-            hand(channel, picture);
+            handChanged(channel, [](Picture& picture) { picture.reply.isRegion = true; });
+        } },
+    { "names-no-memory",
+        [](const Channel& channel) {
+            handChanged(channel, [](Picture& picture) { picture.reply.pixelsAddress = 0; });
         } },
     { "rows-reach-into-nothing",
         [](const Channel& channel) {
-            Picture picture;
-            picture.reply.rowBytes = std::uint64_t { 1 } << 62U;
-            hand(channel, picture);
+            handChanged(channel,
+                [](Picture& picture) { picture.reply.rowBytes = std::uint64_t { 1 } << 46U; });
         } },
-    { "begins-behind-its-end",
+    { "attaches-nothing-that-is-there",
         [](const Channel& channel) {
-            Picture picture;
-            picture.reply.pixelOffset = ~std::uint64_t { 0 };
-            hand(channel, picture);
+            handChanged(channel, [](Picture& picture) { picture.reply.attachmentsAddress = 4096; });
         } },
-    { "is-deeper-than-its-memory",
+    { "attaches-more-than-is-allowed",
         [](const Channel& channel) {
-            Picture picture;
-            picture.reply.layout.bitsPerComponent = 16;
-            hand(channel, picture);
+            handChanged(channel,
+                [](Picture& picture) { picture.reply.attachmentsBytes = ~std::uint64_t { 0 }; });
         } },
     { "has-colours-of-another-model",
         [](const Channel& channel) {
-            Picture picture;
-            picture.attachments = confined::serialised(confined::PictureAttachments {
-                imaging::ColorSpace::deviceCmyk(), imaging::Orientation::topLeft, {} });
-            picture.reply.attachmentsBytes = picture.attachments.size();
-            hand(channel, picture);
+            handChanged(channel, [](Picture& picture) {
+                picture.attachments = confined::serialised(confined::PictureAttachments {
+                    imaging::ColorSpace::deviceCmyk(), imaging::Orientation::topLeft, {} });
+                picture.reply.attachmentsAddress = addressOf(picture.attachments);
+                picture.reply.attachmentsBytes = picture.attachments.size();
+            });
         } },
     { "attaches-garbage",
         [](const Channel& channel) {
-            Picture picture;
-            std::fill(picture.attachments.begin(), picture.attachments.end(), std::byte { 0xFF });
-            hand(channel, picture);
+            handChanged(channel, [](Picture& picture) {
+                std::fill(
+                    picture.attachments.begin(), picture.attachments.end(), std::byte { 0xFF });
+            });
         } },
     { "attaches-less",
         [](const Channel& channel) {
-            Picture picture;
-            picture.reply.attachmentsBytes -= 1;
-            hand(channel, picture);
+            handChanged(channel, [](Picture& picture) { picture.reply.attachmentsBytes -= 1; });
+        } },
+    // These only show where memory is shared.
+    { "shares-nothing",
+        [](const Channel& channel) {
+            say(channel, Picture().reply);
+            (void)channel.receive();
+            say(channel, confined::SharedReply {});
+        } },
+    { "shares-a-file",
+        [](const Channel& channel) {
+            say(channel, Picture().reply);
+            (void)channel.receive();
+            const FileDescriptor file = FileDescriptor::adopted(::open("/proc/self/exe", O_RDONLY));
+            say(channel, confined::SharedReply {}, &file);
+        } },
+    { "shares-without-seals",
+        [](const Channel& channel) {
+            handChanged(channel, [](Picture& picture) { picture.seals = 0; });
+        } },
+    { "shares-and-can-still-write",
+        [](const Channel& channel) {
+            handChanged(channel, [](Picture& picture) {
+                picture.seals = F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL;
+            });
+        } },
+    { "shares-and-can-still-cut",
+        [](const Channel& channel) {
+            handChanged(
+                channel, [](Picture& picture) { picture.seals = F_SEAL_GROW | F_SEAL_WRITE; });
+        } },
+    { "shares-less-than-said",
+        [](const Channel& channel) {
+            handChanged(channel, [](Picture& picture) { picture.missingBytes = 1; });
         } },
 };
 
