@@ -3,6 +3,7 @@
 #include "app/tray/StatusItem.h"
 #include "core/Product.h"
 #include "ui/theme/Motion.h"
+#include "ui/theme/ProductInfo.h"
 
 #include <QGuiApplication>
 #include <QQmlComponent>
@@ -141,6 +142,8 @@ std::unique_ptr<QQuickWindow> AppDelegate::makeWindow(
         qFatal("%s: %s", type, qPrintable(component.errorString()));
     }
     (void)made.release();
+    m_engine.singletonInstance<ProductInfo*>(qmlTypeId("Vellumine", 1, 0, "ProductInfo"))
+        ->setConfinementText([this] { return m_models.confinementText(); });
     // By which window managers and their users' rules know it.
     window->setProperty("_q_xcb_wm_window_role", window->objectName().toLatin1());
     connect(window, SIGNAL(preferencesRequested()), this, SLOT(openPreferencesFromMenu()));

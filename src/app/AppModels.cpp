@@ -1,6 +1,6 @@
 #include "app/AppModels.h"
 
-#include "core/Product.h"
+#include "update/VersionText.h"
 
 #include <QThread>
 
@@ -11,9 +11,10 @@ namespace vellumine {
 AppModels::AppModels(Surroundings surroundings)
     : m_settingsStore(std::move(surroundings.preferences), m_bookmarks)
     , m_statsStore(surroundings.statsFolder)
-    , m_updateChecker(std::move(surroundings.updateSource), QString(product::version))
+    , m_updateChecker(std::move(surroundings.updateSource), currentVersionText())
     , m_temporaryFolder(std::move(surroundings.temporaryFolder))
     , m_executableFolder(std::move(surroundings.executableFolder))
+    , m_decoders(confined::ConfinedDecoders::ofProgram(m_executableFolder))
     , m_securityScope(std::move(surroundings.securityScope))
     , m_showFolderPanel(std::move(surroundings.showFolderPanel))
     , m_samples(m_temporaryFolder, PreviewSamples::AtEnd::remove)
@@ -41,6 +42,12 @@ ProcessingModel& AppModels::processingModel()
             .folderAccess = folderAccess(),
             .activeProcessorCount = QThread::idealThreadCount(),
         });
+        QObject::connect(&*m_processingModel, &ProcessingModel::isProcessingChanged,
+            &*m_processingModel, [this] {
+                if (m_decoders && !m_processingModel->isProcessing()) {
+                    m_decoders->releaseIdle();
+                }
+            });
     }
     return *m_processingModel;
 }
@@ -53,7 +60,16 @@ ConversionEnvironment AppModels::conversionEnvironment()
     environment.securityScope = m_securityScope;
     environment.temporaryFolder = m_temporaryFolder;
     environment.executableFolder = m_executableFolder;
+    if (m_decoders) {
+        environment.openImage = confined::opener(m_decoders);
+    }
     return environment;
+}
+
+QString AppModels::confinementText() const
+{
+    return QString::fromStdString(
+        confined::confinementText(m_decoders ? m_decoders->confinement() : std::nullopt));
 }
 
 FolderAccessGrants::Dependencies AppModels::folderAccess()

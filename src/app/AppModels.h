@@ -2,6 +2,7 @@
 
 #include "batch/PreviewSamples.h"
 #include "batch/ProcessingModel.h"
+#include "confined/client/ConfinedDecoders.h"
 #include "core/SettingsStore.h"
 #include "pipeline/OverwritePrompt.h"
 #include "platform/FolderBookmarks.h"
@@ -30,7 +31,7 @@ public:
         UpdateChecker::Source updateSource;
         /// For work files and preview samples.
         std::filesystem::path temporaryFolder;
-        /// Where the WebP encoder is looked for first.
+        /// Where the WebP encoder is looked for first, and the decoder.
         std::filesystem::path executableFolder;
         std::shared_ptr<platform::SecurityScope> securityScope
             = std::make_shared<platform::DesktopSecurityScope>();
@@ -53,6 +54,8 @@ public:
     /// Made when it is first asked for; the same from then on.
     [[nodiscard]] ProcessingModel& processingModel();
     [[nodiscard]] bool hasProcessingModel() const { return m_processingModel.has_value(); }
+    /// A sentence on what holds the decoding of pictures back; starts a decoder to ask it.
+    [[nodiscard]] QString confinementText() const;
     [[nodiscard]] const ShowFolderPanel& showFolderPanel() const { return m_showFolderPanel; }
 
 private:
@@ -65,6 +68,8 @@ private:
     UpdateChecker m_updateChecker;
     std::filesystem::path m_temporaryFolder;
     std::filesystem::path m_executableFolder;
+    /// Null where the decoder is missing: pictures are decoded in this process then.
+    std::shared_ptr<confined::ConfinedDecoders> m_decoders;
     std::shared_ptr<platform::SecurityScope> m_securityScope;
     ShowFolderPanel m_showFolderPanel;
     PreviewSamples m_samples;

@@ -15,13 +15,18 @@ namespace {
 
 namespace fs = std::filesystem;
 
-bool isSampleName(std::string_view name)
+bool isUniqueName(std::string_view name, std::string_view prefix, std::string_view extension)
 {
-    constexpr std::string_view prefix = "vellumine-preview-";
-    constexpr std::string_view extension = ".png";
     constexpr std::size_t uuidLength = 36;
     return name.size() == prefix.size() + uuidLength + extension.size() && name.starts_with(prefix)
         && name.ends_with(extension);
+}
+
+/// A preview sample, or a file that a conversion hands to the WebP encoder or gets from it.
+bool isOurName(std::string_view name)
+{
+    return isUniqueName(name, "vellumine-preview-", ".png")
+        || isUniqueName(name, "vellumine-", ".pam") || isUniqueName(name, "vellumine-", ".webp");
 }
 
 /// A regular file of this user's. Others share the temporary folder.
@@ -103,7 +108,7 @@ void PreviewSamples::removeLeftOver() const
     std::vector<fs::path> leftOver;
     for (fs::directory_iterator entry(m_folder, error), end; !error && entry != end;
          entry.increment(error)) {
-        if (isSampleName(entry->path().filename().string()) && isOurs(entry->path())) {
+        if (isOurName(entry->path().filename().string()) && isOurs(entry->path())) {
             leftOver.push_back(entry->path());
         }
     }

@@ -11,11 +11,13 @@
 namespace vellumine {
 
 /// Keeps the temporary folder free of preview samples that nobody needs any more: this program's
-/// when it ends, and those that an earlier one left behind when it crashed.
+/// when it ends, and those that an earlier one left behind when it crashed, with the work files of
+/// its conversions.
 ///
-/// A sample's name does not say whose it is. So every program that makes samples shares a lock for
+/// A file's name does not say whose it is. So every program that makes samples shares a lock for
 /// as long as it runs. Whoever can have the lock alone knows that no such program is running, and
-/// that every sample of this user's is left over. Make it before the first conversion.
+/// that every sample and every work file of this user's is left over. Make it before the first
+/// conversion.
 class PreviewSamples {
 public:
     /// What is to become of this program's samples at its end.

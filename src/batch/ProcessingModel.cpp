@@ -2,6 +2,7 @@
 
 #include "batch/Deliver.h"
 #include "batch/FileInputResolver.h"
+#include "batch/LeftoverOutputs.h"
 #include "platform/FilePath.h"
 #include "platform/SecurityScope.h"
 
@@ -100,6 +101,7 @@ void ProcessingModel::startPendingBatch()
         [urls, settings = m_batch->settings, stop = m_batch->scan.get_token(),
             scope = m_dependencies.folderAccess.securityScope] {
             const QList<QUrl> found = FileInputResolver::imageURLs(urls, *scope, stop);
+            removeLeftoverOutputs(found, settings);
             return ExpandedDrop { found,
                 std::make_shared<ConversionQueue>(
                     std::vector<QUrl>(found.begin(), found.end()), settings) };

@@ -5,6 +5,7 @@
 #include "cli/Report.h"
 #include "cli/Terminal.h"
 #include "cli/TerminationSignals.h"
+#include "confined/client/ConfinedDecoders.h"
 #include "pipeline/OverwritePrompt.h"
 #include "platform/FilePath.h"
 
@@ -16,6 +17,7 @@
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -45,6 +47,26 @@ QList<QUrl> inputURLs(const std::vector<std::filesystem::path>& paths, Report& r
     return urls;
 }
 
+std::filesystem::path programFolder()
+{
+    return platform::toPath(platform::fileUrl(QCoreApplication::applicationDirPath()));
+}
+
+std::string confinementText()
+{
+    const auto confined = confined::ConfinedDecoders::ofProgram(programFolder());
+    return confined::confinementText(confined ? confined->confinement() : std::nullopt);
+}
+
+/// Files that end a decoder are worth a word to whoever looks into them.
+void reportDeaths(const confined::ConfinedDecoders* confined)
+{
+    if (confined != nullptr && confined->deathCount() > 0) {
+        std::fprintf(stderr, "vellumine-batch: the decoder was replaced %zu times\n",
+            confined->deathCount());
+    }
+}
+
 int convert(const CommandLine& line, TerminationSignals& signals)
 {
     OverwritePrompt prompt([&signals](const QUrl& url, const OverwritePrompt::Answer& answer) {
@@ -52,8 +74,11 @@ int convert(const CommandLine& line, TerminationSignals& signals)
     });
     ConversionEnvironment environment;
     environment.confirmOverwrite = [&prompt](const QUrl& url) { return prompt.ask(url); };
-    environment.executableFolder
-        = platform::toPath(platform::fileUrl(QCoreApplication::applicationDirPath()));
+    environment.executableFolder = programFolder();
+    const auto confined = confined::ConfinedDecoders::ofProgram(programFolder());
+    if (confined) {
+        environment.openImage = confined::opener(confined);
+    }
 
     // The samples that JSON names are for whoever reads it.
     PreviewSamples samples(environment.temporaryFolder,
@@ -98,6 +123,7 @@ int convert(const CommandLine& line, TerminationSignals& signals)
         model.process(urls);
         QCoreApplication::exec();
     }
+    reportDeaths(confined.get());
     if (isInterrupted) {
         report.finish();
         std::fprintf(stderr, "%s\n", model.statusText().toUtf8().constData());
@@ -131,6 +157,7 @@ int run(int argc, char** argv)
         return allWell;
     case Action::showVersion:
         std::puts("vellumine-batch " VELLUMINE_VERSION " (" VELLUMINE_BUILD_NUMBER ")");
+        std::puts(confinementText().c_str());
         return allWell;
     case Action::convert:
         return convert(*line, signals);

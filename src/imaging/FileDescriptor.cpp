@@ -52,6 +52,15 @@ Result<FileDescriptor> FileDescriptor::createForWriting(const std::filesystem::p
     return file;
 }
 
+Result<FileDescriptor> FileDescriptor::duplicateOf(int descriptor)
+{
+    FileDescriptor file(::fcntl(descriptor, F_DUPFD_CLOEXEC, 0));
+    if (file.m_descriptor < 0) {
+        return systemFailure(errno);
+    }
+    return file;
+}
+
 FileDescriptor::~FileDescriptor()
 {
     if (m_descriptor >= 0) {

@@ -20,6 +20,11 @@ public:
     /// Creates a file for writing, which must not exist.
     static Result<FileDescriptor> createForWriting(const std::filesystem::path& path);
 
+    /// The same open file by a number of its own; the given one stays the caller's.
+    static Result<FileDescriptor> duplicateOf(int descriptor);
+    /// Takes an open descriptor over.
+    static FileDescriptor adopted(int descriptor) { return FileDescriptor(descriptor); }
+
     FileDescriptor(FileDescriptor&& other) noexcept
         : m_descriptor(std::exchange(other.m_descriptor, -1))
     {
@@ -31,6 +36,8 @@ public:
     }
     ~FileDescriptor();
 
+    /// For calls of the system; it stays this object's.
+    [[nodiscard]] int number() const { return m_descriptor; }
     /// The file's size in bytes.
     [[nodiscard]] Result<std::uint64_t> size() const;
     /// Puts up to `count` further bytes behind those in the buffer: fewer only when the file ends.

@@ -67,6 +67,9 @@ public:
     [[nodiscard]] const std::uint8_t* row8(int y) const;
     [[nodiscard]] const std::uint16_t* row16(int y) const;
 
+    /// Where the pixels are, with what keeps them there.
+    [[nodiscard]] const std::shared_ptr<const std::byte[]>& pixels() const { return m_pixels; }
+
     /// The part inside `rect`, sharing these pixels. `rect` must lie inside the picture.
     [[nodiscard]] Image cropped(Rect rect) const;
     /// The same pixels, read as numbers of another colour space of the same model.

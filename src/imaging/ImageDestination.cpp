@@ -67,6 +67,14 @@ Result<ImageDestination> ImageDestination::create(
         [type](FileDescriptor&& file) { return ImageDestination(std::move(file), type); });
 }
 
+Result<ImageDestination> ImageDestination::create(FileDescriptor file, UniformType type)
+{
+    if (codecForType(type).encode == nullptr) {
+        return failure(Error::Kind::unsupported, "the type is only read");
+    }
+    return ImageDestination(std::move(file), type);
+}
+
 void ImageDestination::addImage(Image image, ImageProperties properties)
 {
     m_image = std::move(image);

@@ -24,6 +24,8 @@ public:
     /// Creates the file; one that exists is never written over. Fails with Unsupported for a type
     /// that is not encodable and with Io, the system's text as detail.
     static Result<ImageDestination> create(const std::filesystem::path& path, UniformType type);
+    /// The same for an empty file that is open for writing.
+    static Result<ImageDestination> create(FileDescriptor file, UniformType type);
 
     void setProfilePolicy(ProfilePolicy policy) { m_profile = policy; }
     void setEffort(Effort effort) { m_effort = effort; }

@@ -63,6 +63,11 @@ void ImageProperties::setBlocks(MetadataBlocks blocks, Orientation stored)
     setIf(groups.tiff, PropertyKey::tiff);
     setIf(groups.iptc, PropertyKey::iptc);
     setIf(groups.xmp, PropertyKey::xmp);
+    setKnownBlocks(std::move(blocks), stored);
+}
+
+void ImageProperties::setKnownBlocks(MetadataBlocks blocks, Orientation stored)
+{
     m_blocks = std::make_shared<const MetadataBlocks>(std::move(blocks));
     m_storedOrientation = stored;
 }

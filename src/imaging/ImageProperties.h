@@ -49,6 +49,9 @@ public:
     [[nodiscard]] std::optional<std::string> text(PropertyKey key) const;
     [[nodiscard]] bool empty() const { return m_values.empty(); }
 
+    /// All of them, for whoever takes them to another process.
+    [[nodiscard]] const std::map<PropertyKey, PropertyValue>& values() const { return m_values; }
+
     void set(PropertyKey key, PropertyValue value);
     void remove(PropertyKey key);
 
@@ -57,6 +60,9 @@ public:
     /// Keeps the blocks of a picture that is stored in the given orientation, and sets the keys of
     /// the dictionaries that they hold (Exif, Gps, Tiff, Iptc, Xmp).
     void setBlocks(MetadataBlocks blocks, Orientation stored);
+    /// The same with keys that say already what the blocks hold, so that nobody has to look into
+    /// them.
+    void setKnownBlocks(MetadataBlocks blocks, Orientation stored);
     /// The orientation that came with the blocks, whatever becomes of the key Orientation: it says
     /// whether what the blocks hold of the picture (a thumbnail) lies as the upright picture does.
     [[nodiscard]] Orientation storedOrientation() const { return m_storedOrientation; }

@@ -2,9 +2,7 @@
 
 #include "imaging/BitmapContext.h"
 #include "imaging/FileDescriptor.h"
-#include "imaging/codecs/Codec.h"
-#include "imaging/codecs/CodecTable.h"
-#include "imaging/metadata/Metadata.h"
+#include "imaging/SourceDecoder.h"
 
 #include <algorithm>
 #include <cmath>
@@ -12,23 +10,6 @@
 namespace vellumine::imaging {
 
 namespace {
-
-// Every format is told by its first bytes; a long film under a picture's name is refused without
-// being read to its end.
-constexpr std::size_t sniffedBytes = 4096;
-
-std::string_view nameOf(ColorModel model)
-{
-    switch (model) {
-    case ColorModel::grey:
-        return "Gray";
-    case ColorModel::rgb:
-        return "RGB";
-    case ColorModel::cmyk:
-        return "CMYK";
-    }
-    return {};
-}
 
 Size fitted(Size size, int maximumSide)
 {
@@ -60,16 +41,15 @@ tl::unexpected<Error> released()
 } // namespace
 
 struct ImageSource::State {
-    const Codec* codec = nullptr;
+    UniformType type;
     ImageHeader header;
-    Limits limits;
-    ByteBuffer file; // until the picture is decoded
+    std::unique_ptr<SourceDecoder> decoder; // until the picture is decoded
     std::optional<Result<Image>> decoded; // a failure is remembered like a picture
     std::optional<ImageProperties> properties;
     Orientation orientation = Orientation::topLeft;
 
     void decode();
-    void adopt(DecodedImage picture);
+    void adopt(SourcePicture picture);
 };
 
 // Decodes the whole picture, unless that was tried before.
@@ -78,50 +58,22 @@ void ImageSource::State::decode()
     if (decoded) {
         return;
     }
-    auto result = codec->decode(file, { .limits = limits, .region = std::nullopt });
+    auto result = decoder->decode(std::nullopt);
     if (result) {
         adopt(std::move(*result));
     } else {
         decoded = tl::unexpected(std::move(result.error()));
-        file = {};
+        decoder.reset();
     }
 }
 
-// Keeps a whole picture and what its file says about it. The file's bytes have served then, and
-// their memory is given back before the next steps ask for theirs.
-void ImageSource::State::adopt(DecodedImage picture)
+// Keeps a whole picture and what its file says about it. The file has served then, and its memory
+// is given back before the next steps ask for theirs.
+void ImageSource::State::adopt(SourcePicture picture)
 {
-    MetadataBlocks blocks
-        = codec->type == UniformType::tiff ? metadata::readTiff(file) : std::move(picture.metadata);
-    file = {};
-    const auto known = picture.orientation ? picture.orientation : metadata::orientation(blocks);
-    orientation = known.value_or(Orientation::topLeft);
-
-    ImageProperties found;
-    found.setBlocks(std::move(blocks), orientation);
-    found.set(PropertyKey::pixelWidth, std::int64_t { picture.storedSize.width });
-    found.set(PropertyKey::pixelHeight, std::int64_t { picture.storedSize.height });
-    if (known) {
-        found.set(PropertyKey::orientation, static_cast<std::int64_t>(*known));
-    }
-    found.set(PropertyKey::colorModel, std::string(nameOf(picture.image.layout().model)));
-    if (std::string name = picture.image.colorSpace().profileName(); !name.empty()) {
-        found.set(PropertyKey::profileName, std::move(name));
-    }
-    switch (codec->type) {
-    case UniformType::png:
-        found.set(PropertyKey::png, DictionaryPresent {});
-        break;
-    case UniformType::jpeg:
-        found.set(PropertyKey::jfif, DictionaryPresent {});
-        break;
-    case UniformType::gif:
-        found.set(PropertyKey::gif, DictionaryPresent {});
-        break;
-    default:
-        break;
-    }
-    properties = std::move(found);
+    decoder.reset();
+    orientation = picture.orientation;
+    properties = std::move(picture.properties);
     decoded = std::move(picture.image);
 }
 
@@ -135,60 +87,31 @@ ImageSource::~ImageSource() = default;
 
 Result<ImageSource> ImageSource::create(const std::filesystem::path& path, const Limits& limits)
 {
-    auto descriptor = FileDescriptor::openForReading(path);
-    if (!descriptor) {
-        return tl::unexpected(descriptor.error());
-    }
-    const auto size = descriptor->size();
-    if (!size) {
-        return tl::unexpected(size.error());
-    }
-    ByteBuffer file;
-    const auto read = [&](std::uint64_t upTo) {
-        return descriptor->readInto(file, static_cast<std::size_t>(upTo) - file.size());
-    };
-    if (const auto done = read(std::min<std::uint64_t>(*size, sniffedBytes)); !done) {
-        return tl::unexpected(done.error());
-    }
-    if (codecForContent(file) == nullptr) {
-        return failure(Error::Kind::unknownType, "the content is of no known type");
-    }
-    if (*size > limits.maximumBytes) {
-        return failure(Error::Kind::limitExceeded, "the file is too large");
-    }
-    // Read, not mapped: a mapped file that somebody cuts short meanwhile ends the program.
-    if (const auto done = read(*size); !done) {
-        return tl::unexpected(done.error());
-    }
-    return create(std::move(file), limits);
+    return FileDescriptor::openForReading(path)
+        .and_then(
+            [&limits](FileDescriptor&& file) { return decodingHere(std::move(file), limits); })
+        .map([](std::unique_ptr<SourceDecoder>&& decoder) { return create(std::move(decoder)); });
 }
 
 Result<ImageSource> ImageSource::create(ByteBuffer file, const Limits& limits)
 {
-    const Codec* const codec = codecForContent(file);
-    if (codec == nullptr) {
-        return failure(Error::Kind::unknownType, "the content is of no known type");
-    }
-    const auto header = codec->readHeader(file);
-    if (!header) {
-        return tl::unexpected(header.error());
-    }
-    if (const auto allowed
-        = limits.check(header->size.width, header->size.height, header->layout.bytesPerPixel());
-        !allowed) {
-        return tl::unexpected(allowed.error());
-    }
+    return decodingHere(std::move(file), limits).map([](std::unique_ptr<SourceDecoder>&& decoder) {
+        return create(std::move(decoder));
+    });
+}
+
+ImageSource ImageSource::create(std::unique_ptr<SourceDecoder> decoder)
+{
     auto state = std::make_unique<State>();
-    state->codec = codec;
-    state->header = *header;
-    state->limits = limits;
-    state->file = std::move(file);
+    state->type = decoder->type();
+    state->header = decoder->header();
+    state->decoder = std::move(decoder);
     return ImageSource(std::move(state));
 }
 
 UniformType ImageSource::type() const
 {
-    return m_state->codec->type;
+    return m_state->type;
 }
 
 Size ImageSource::storedSize() const
@@ -240,8 +163,7 @@ Result<Image> ImageSource::imageRegion(Rect region)
         return failure(Error::Kind::malformed, "the part lies outside of the picture");
     }
     if (!m_state->decoded) {
-        auto part = m_state->codec->decode(
-            m_state->file, { .limits = m_state->limits, .region = region });
+        auto part = m_state->decoder->decode(region);
         if (part && part->isRegion) {
             return std::move(part->image);
         }
@@ -255,7 +177,7 @@ Result<Image> ImageSource::imageRegion(Rect region)
 
 void ImageSource::releaseImage()
 {
-    m_state->file = {};
+    m_state->decoder.reset();
     m_state->decoded = released();
 }
 

@@ -14,6 +14,8 @@
 
 namespace vellumine::imaging {
 
+class SourceDecoder;
+
 /// A picture file that is open for reading. Opening reads the file and looks at its header; the
 /// picture is decoded once, when it is first asked for, and given back from then on. Not for
 /// several threads at once.
@@ -26,6 +28,9 @@ public:
     static Result<ImageSource> create(const std::filesystem::path& path, const Limits& limits);
     /// The same over bytes in memory.
     static Result<ImageSource> create(ByteBuffer file, const Limits& limits);
+
+    /// Over a file that somebody else has opened, to be decoded wherever that is.
+    static ImageSource create(std::unique_ptr<SourceDecoder> decoder);
 
     ImageSource(ImageSource&& other) noexcept;
     ImageSource& operator=(ImageSource&& other) noexcept;

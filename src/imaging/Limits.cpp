@@ -1,17 +1,14 @@
 #include "imaging/Limits.h"
 
-#include <unistd.h>
+#include "imaging/MachineMemory.h"
 
 namespace vellumine::imaging {
 
 Limits Limits::forThisMachine()
 {
     Limits limits;
-    const long pages = ::sysconf(_SC_PHYS_PAGES);
-    const long pageSize = ::sysconf(_SC_PAGESIZE);
-    if (pages > 0 && pageSize > 0) {
-        limits.maximumBytes
-            = static_cast<std::uint64_t>(pages) * static_cast<std::uint64_t>(pageSize) / 4;
+    if (const auto memory = memoryForThisProcess()) {
+        limits.maximumBytes = *memory / 4;
     }
     return limits;
 }

@@ -13,7 +13,8 @@ struct Limits {
     std::uint32_t maximumSide = 65'535;
     std::uint64_t maximumBytes = std::uint64_t { 1 } << 30; ///< for one decoded picture
 
-    /// The limits above with `maximumBytes` set to a quarter of this machine's memory.
+    /// The limits above with `maximumBytes` set to a quarter of the memory that this process can
+    /// have: the machine's, or what it was given of that.
     [[nodiscard]] static Limits forThisMachine();
 
     /// Fails with LimitExceeded when a picture of that size and depth is too large, and with

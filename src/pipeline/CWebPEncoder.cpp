@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QStringDecoder>
 
+#include <chrono>
 #include <cmath>
 #include <string>
 #include <vector>
@@ -59,6 +60,12 @@ std::vector<std::string> encoderArguments(const OptimizerSettings& settings,
     return arguments;
 }
 
+QString overdueText(std::chrono::milliseconds patience)
+{
+    return QStringLiteral("cwebp did not finish within %1 seconds")
+        .arg(std::chrono::ceil<std::chrono::seconds>(patience).count());
+}
+
 /// The encoder's own words, empty when they are no UTF-8.
 QString trimmedText(const QByteArray& bytes)
 {
@@ -75,13 +82,19 @@ platform::Result<void> place(
     if (!pending) {
         return tl::unexpected(pending.error());
     }
-    if (auto copied = platform::copyToNewFile(webP, pending->path()); !copied) {
+    if (auto copied = platform::copyInto(webP, pending->file()); !copied) {
         return copied;
     }
     return std::move(*pending).publish(existing);
 }
 
 } // namespace
+
+std::chrono::milliseconds EncoderPatience::forPicture(imaging::Size size) const
+{
+    const std::int64_t pixels = std::int64_t { size.width } * size.height;
+    return atLeast + perMegapixel * pixels / 1'000'000;
+}
 
 std::optional<QUrl> ImageOptimizer::bundledCWebPExecutableURL(
     const std::filesystem::path& executableFolder)
@@ -106,6 +119,7 @@ Outcome<void> ImageOptimizer::encodeWebPWithCWebP(imaging::Image&& image, const 
         return failed(
             UnsupportedFormat { Translated::tr("WebP support is not bundled in this build.") });
     }
+    const auto patience = environment.encoderPatience.forPicture(image.size());
     const TemporaryFile pam(uniquePath(environment.temporaryFolder, "vellumine-", "pam"));
     const TemporaryFile webP(uniquePath(environment.temporaryFolder, "vellumine-", "webp"));
     {
@@ -116,7 +130,8 @@ Outcome<void> ImageOptimizer::encodeWebPWithCWebP(imaging::Image&& image, const 
         }
     }
     const auto exit = platform::runProcess(toPath(*encoder),
-        encoderArguments(settings, pam.path(), webP.path()), environment.interruption);
+        encoderArguments(settings, pam.path(), webP.path()),
+        { .interruption = environment.interruption, .time = patience });
     if (auto goesOn = checkInterruption(environment); !goesOn) {
         return goesOn;
     }
@@ -124,6 +139,9 @@ Outcome<void> ImageOptimizer::encodeWebPWithCWebP(imaging::Image&& image, const 
         return failed(
             UnsupportedFormat { Translated::tr("WebP encoder at %1 could not be launched: %2")
                                     .arg(encoder->toLocalFile(), exit.error().text) });
+    }
+    if (exit->hasTimedOut) {
+        return failed(CannotFinalize { outputURL, overdueText(patience) });
     }
     if (exit->status != 0) {
         const QString text = trimmedText(exit->standardError);

@@ -15,7 +15,6 @@
 namespace vellumine {
 
 using imaging::Image;
-using imaging::ImageSource;
 using imaging::PixelBuffer;
 using imaging::Rect;
 using imaging::Size;
@@ -49,9 +48,10 @@ QSizeF sizeF(Size size)
 
 } // namespace
 
-std::optional<Image> ImageOptimizer::decoded(const QUrl& url, const imaging::Limits& limits)
+std::optional<Image> ImageOptimizer::decoded(
+    const QUrl& url, const ConversionEnvironment& environment)
 {
-    auto source = ImageSource::create(platform::toPath(url), limits);
+    auto source = environment.openImage(platform::toPath(url), environment.limits, {});
     if (!source) {
         return std::nullopt;
     }
@@ -83,24 +83,24 @@ struct ComparisonSampler::OutputSample {
     std::optional<Image> crop;
     bool isReadBack = false;
 
-    static std::optional<OutputSample> read(
-        const QUrl& url, ReadBack readBack, Size orientedSize, const imaging::Limits& limits);
+    static std::optional<OutputSample> read(const QUrl& url, ReadBack readBack, Size orientedSize,
+        const ConversionEnvironment& environment);
 };
 
 std::optional<ComparisonSampler::OutputSample> ComparisonSampler::OutputSample::read(
-    const QUrl& url, ReadBack readBack, Size orientedSize, const imaging::Limits& limits)
+    const QUrl& url, ReadBack readBack, Size orientedSize, const ConversionEnvironment& environment)
 {
     const auto cropRect = [orientedSize](Size whole) {
         return centredRect(whole, smaller(smaller(orientedSize, whole), largest));
     };
     if (readBack == ReadBack::whole) {
-        const auto image = ImageOptimizer::decoded(url, limits);
+        const auto image = ImageOptimizer::decoded(url, environment);
         if (!image) {
             return std::nullopt;
         }
         return OutputSample { image->size(), copied(*image, cropRect(image->size())), true };
     }
-    auto source = ImageSource::create(platform::toPath(url), limits);
+    auto source = environment.openImage(platform::toPath(url), environment.limits, {});
     if (!source) {
         return std::nullopt;
     }
@@ -139,11 +139,10 @@ std::optional<Image> ComparisonSampler::sourceCrop(Size sample) const
 }
 
 ComparisonSampler::Comparison ComparisonSampler::compare(const QUrl& sourceURL,
-    const QUrl& outputURL, ReadBack readBack, const imaging::Limits& limits,
-    const std::filesystem::path& folder) const
+    const QUrl& outputURL, ReadBack readBack, const ConversionEnvironment& environment) const
 {
     Comparison comparison;
-    auto output = OutputSample::read(outputURL, readBack, m_orientedSize, limits);
+    auto output = OutputSample::read(outputURL, readBack, m_orientedSize, environment);
     comparison.isReadBack = output && output->isReadBack && output->size == m_encodedSize;
     if (!output) {
         output = OutputSample { m_encodedSize, m_encoded, false };
@@ -155,11 +154,13 @@ ComparisonSampler::Comparison ComparisonSampler::compare(const QUrl& sourceURL,
     if (!source) {
         return comparison;
     }
-    const auto sourceSample = ImageOptimizer::writePreviewSample(*source, folder);
+    const auto sourceSample
+        = ImageOptimizer::writePreviewSample(*source, environment.temporaryFolder);
     if (!sourceSample) {
         return comparison;
     }
-    const auto outputSample = ImageOptimizer::writePreviewSample(*output->crop, folder);
+    const auto outputSample
+        = ImageOptimizer::writePreviewSample(*output->crop, environment.temporaryFolder);
     if (!outputSample) {
         return comparison;
     }

@@ -2,14 +2,14 @@
 
 #include "core/ProcessingResult.h"
 #include "imaging/Image.h"
-#include "imaging/Limits.h"
 
 #include <QUrl>
 
-#include <filesystem>
 #include <optional>
 
 namespace vellumine {
+
+struct ConversionEnvironment;
 
 /// Cuts the same part out of the middle of a source and of its output, for the two to be compared.
 /// Keeps only what the samples need, so that the whole pictures can go.
@@ -31,11 +31,10 @@ public:
 
     ComparisonSampler(const imaging::Image& oriented, const imaging::Image& encoded);
 
-    /// Reads the written file and writes the samples. What cannot be read is sampled from the
+    /// Reads the written file and writes the samples, whether or not the conversion was to give up. What cannot be read is sampled from the
     /// picture that was encoded. The first sample stays where the second cannot be written.
     [[nodiscard]] Comparison compare(const QUrl& sourceURL, const QUrl& outputURL,
-        ReadBack readBack, const imaging::Limits& limits,
-        const std::filesystem::path& folder) const;
+        ReadBack readBack, const ConversionEnvironment& environment) const;
 
 private:
     struct OutputSample;

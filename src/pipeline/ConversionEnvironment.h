@@ -1,5 +1,7 @@
 #pragma once
 
+#include "imaging/Geometry.h"
+#include "imaging/ImageSource.h"
 #include "imaging/Limits.h"
 #include "pipeline/MemoryBudget.h"
 #include "pipeline/OverwritePrompt.h"
@@ -8,12 +10,28 @@
 
 #include <QUrl>
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <memory>
 #include <stop_token>
 
 namespace vellumine {
+
+/// Opens a picture file, as ImageSource::create() does. A source that is decoded elsewhere fails
+/// once a stop is requested.
+using OpenImage
+    = std::function<imaging::Result<imaging::ImageSource>(const std::filesystem::path& path,
+        const imaging::Limits& limits, const std::stop_token& interruption)>;
+
+/// How long the WebP encoder may take before it counts as hung: far more than it ever needs, on any
+/// machine that is of use.
+struct EncoderPatience {
+    std::chrono::milliseconds atLeast = std::chrono::minutes(2);
+    std::chrono::milliseconds perMegapixel = std::chrono::seconds(30);
+
+    [[nodiscard]] std::chrono::milliseconds forPicture(imaging::Size size) const;
+};
 
 /// What a conversion needs from the world around it. One for all conversions of a batch; everything
 /// in it is safe to use from several threads at once.
@@ -24,6 +42,9 @@ struct ConversionEnvironment {
     std::function<platform::Result<void>(const QUrl&)> moveToTrash = platform::moveToTrash;
     std::shared_ptr<platform::SecurityScope> securityScope
         = std::make_shared<platform::DesktopSecurityScope>();
+    OpenImage openImage
+        = [](const std::filesystem::path& path, const imaging::Limits& allowed,
+              const std::stop_token&) { return imaging::ImageSource::create(path, allowed); };
     imaging::Limits limits = imaging::Limits::forThisMachine();
     std::shared_ptr<MemoryBudget> memoryBudget
         = std::make_shared<MemoryBudget>(MemoryBudget::bytesFor(limits));
@@ -31,6 +52,7 @@ struct ConversionEnvironment {
     std::filesystem::path temporaryFolder = std::filesystem::temp_directory_path();
     /// Where the program's executable is, with the WebP encoder beside it.
     std::filesystem::path executableFolder;
+    EncoderPatience encoderPatience;
     /// Once a stop is requested, conversions give up before their next large step, and a running
     /// WebP encoder is killed. They fail then and leave nothing behind; one that has written its
     /// output ends as it would have.

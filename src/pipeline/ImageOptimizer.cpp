@@ -2,6 +2,7 @@
 
 #include "imaging/ImageDestination.h"
 #include "pipeline/ComparisonSampler.h"
+#include "platform/FileOperations.h"
 #include "platform/FilePath.h"
 
 #include <algorithm>
@@ -39,8 +40,12 @@ std::uint64_t drawnBytes(imaging::Size size)
         * static_cast<std::uint64_t>(imaging::rgba8Premultiplied.bytesPerPixel());
 }
 
+/// What the WebP encoder has of a picture, in pictures: what it reads, its own copy, and planes.
+constexpr std::uint64_t picturesInWebPEncoder = 3;
+
 /// The most memory that the conversion has in use at one time: the decoded picture with its upright
-/// copy or with the one drawn from it, or that one with the encoder's input.
+/// copy or with the one drawn from it, or that one with the encoder's input; or the WebP encoder,
+/// by when nothing else is left.
 std::uint64_t peakBytes(
     const ImageSource& source, qint64 fileBytes, const OptimizerSettings& settings)
 {
@@ -50,8 +55,10 @@ std::uint64_t peakBytes(
         = std::max(drawnBytes(ImageOptimizer::transformedSize(stored, settings)),
             drawnBytes(ImageOptimizer::transformedSize(turned, settings)));
     const std::uint64_t decoded = source.decodedBytes();
-    return static_cast<std::uint64_t>(fileBytes) + std::max(decoded, drawn)
-        + std::max(decoded, drawn);
+    const std::uint64_t inWebPEncoder
+        = isWebP(settings.outputFormat) ? picturesInWebPEncoder * drawn : 0;
+    return std::max(
+        static_cast<std::uint64_t>(fileBytes) + 2 * std::max(decoded, drawn), inWebPEncoder);
 }
 
 QSizeF sizeF(imaging::Size size)
@@ -113,7 +120,10 @@ Outcome<void> encode(Image&& image, UniformType type, ImageProperties properties
         return failed(CannotCreateDestination { outputURL });
     }
     {
-        auto destination = ImageDestination::create(pending->path(), type);
+        auto destination = imaging::FileDescriptor::duplicateOf(pending->file().get())
+                               .and_then([type](imaging::FileDescriptor&& file) {
+                                   return ImageDestination::create(std::move(file), type);
+                               });
         if (!destination) {
             return failed(CannotCreateDestination { outputURL });
         }
@@ -148,15 +158,17 @@ Outcome<void> write(
         prepared.outputURL, prepared.existing, settings);
 }
 
-/// Only an original whose output is known to be readable may go.
-OriginalInTrash trashOriginal(const QUrl& url, const QUrl& outputURL, bool isReadBack,
-    const ConversionEnvironment& environment)
+/// Only an original whose output is known to be readable may go, and only as it was read: what was
+/// written there since is in no output.
+OriginalInTrash trashOriginal(const QUrl& url, const std::optional<platform::FileVersion>& asRead,
+    const QUrl& outputURL, bool isReadBack, const ConversionEnvironment& environment)
 {
     if (platform::standardized(url) == platform::standardized(outputURL)) {
         return OriginalInTrash::asWished;
     }
-    return isReadBack && environment.moveToTrash(url) ? OriginalInTrash::asWished
-                                                      : OriginalInTrash::couldNotBeMoved;
+    const bool mayGo = isReadBack && asRead && platform::fileVersion(toPath(url)) == asRead;
+    return mayGo && environment.moveToTrash(url) ? OriginalInTrash::asWished
+                                                 : OriginalInTrash::couldNotBeMoved;
 }
 
 } // namespace
@@ -176,8 +188,9 @@ Outcome<ProcessingResult> ImageOptimizer::optimize(
     const ScopedAccess folderAccess(*environment.securityScope,
         settings.destinationFolderURL.value_or(platform::parentFolder(url)));
 
+    const auto version = platform::fileVersion(toPath(url));
     const qint64 originalBytes = fileSize(url);
-    auto source = ImageSource::create(toPath(url), environment.limits);
+    auto source = environment.openImage(toPath(url), environment.limits, environment.interruption);
     if (!source) {
         return failed(UnreadableImage {});
     }
@@ -204,10 +217,10 @@ Outcome<ProcessingResult> ImageOptimizer::optimize(
     auto comparison = prepared->sampler.compare(url, outputURL,
         settings.moveOriginalToTrash ? ComparisonSampler::ReadBack::whole
                                      : ComparisonSampler::ReadBack::sampleOnly,
-        environment.limits, environment.temporaryFolder);
+        environment);
     OriginalInTrash original = OriginalInTrash::asWished;
     if (settings.moveOriginalToTrash) {
-        original = trashOriginal(url, outputURL, comparison.isReadBack, environment);
+        original = trashOriginal(url, version, outputURL, comparison.isReadBack, environment);
     }
     const qint64 outputBytes = fileSize(outputURL);
     return ProcessingResult {

@@ -103,7 +103,7 @@ public:
 
     /// The file's picture, none when it cannot be read.
     [[nodiscard]] static std::optional<imaging::Image> decoded(
-        const QUrl& url, const imaging::Limits& limits);
+        const QUrl& url, const ConversionEnvironment& environment);
 
     /// Writes a PNG file with a name of its own into the folder; none when that fails.
     [[nodiscard]] static std::optional<QUrl> writePreviewSample(

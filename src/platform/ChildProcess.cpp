@@ -1,101 +1,152 @@
 #include "platform/ChildProcess.h"
 
+#include "platform/ChildStart.h"
 #include "platform/FileDescriptor.h"
 
 #include <fcntl.h>
-#include <spawn.h>
+#include <poll.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <climits>
 #include <csignal>
-
-// posix_spawn rather than QProcess: nothing of the parent's memory is copied, a program that cannot
-// be started is known at once and by its errno, and no event machinery is set up for a call that
-// blocks its worker thread anyway.
 
 namespace vellumine::platform {
 
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
 constexpr qsizetype mostErrorText = qsizetype { 4 } << 20U;
 
-/// What the child starts with.
-class SpawnSetup {
+/// A moment, which may be never.
+class Deadline {
 public:
-    explicit SpawnSetup(int standardError)
+    explicit Deadline(std::chrono::milliseconds time)
     {
-        posix_spawn_file_actions_init(&m_actions);
-        posix_spawn_file_actions_adddup2(&m_actions, standardError, STDERR_FILENO);
-        // A library may hold descriptors open that were not made to close themselves.
-        posix_spawn_file_actions_addclosefrom_np(&m_actions, STDERR_FILENO + 1);
-
-        posix_spawnattr_init(&m_attributes);
-        sigset_t signals;
-        sigemptyset(&signals);
-        posix_spawnattr_setsigmask(&m_attributes, &signals);
-        sigaddset(&signals, SIGPIPE);
-        posix_spawnattr_setsigdefault(&m_attributes, &signals);
-        posix_spawnattr_setflags(
-            &m_attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP);
-        posix_spawnattr_setpgroup(&m_attributes, 0);
+        const auto now = Clock::now();
+        if (time < std::chrono::duration_cast<std::chrono::milliseconds>(
+                Clock::time_point::max() - now)) {
+            m_moment = now + time;
+        }
     }
-    ~SpawnSetup()
+
+    [[nodiscard]] bool isOver() const { return Clock::now() >= m_moment; }
+
+    /// For poll(): never too short, so that nothing is polled in vain.
+    [[nodiscard]] int pollTimeout() const
     {
-        posix_spawn_file_actions_destroy(&m_actions);
-        posix_spawnattr_destroy(&m_attributes);
+        if (m_moment == Clock::time_point::max()) {
+            return -1;
+        }
+        const auto left
+            = std::chrono::ceil<std::chrono::milliseconds>(m_moment - Clock::now()).count();
+        return static_cast<int>(std::clamp<decltype(left)>(left, 0, INT_MAX));
     }
-    SpawnSetup(const SpawnSetup&) = delete;
-    SpawnSetup& operator=(const SpawnSetup&) = delete;
-
-    [[nodiscard]] const posix_spawn_file_actions_t* actions() const { return &m_actions; }
-    [[nodiscard]] const posix_spawnattr_t* attributes() const { return &m_attributes; }
 
 private:
-    posix_spawn_file_actions_t m_actions {};
-    posix_spawnattr_t m_attributes {};
+    Clock::time_point m_moment = Clock::time_point::max();
 };
 
-QByteArray readToEnd(int descriptor)
+/// A child that is killed by its group, until its status is taken.
+class Child {
+public:
+    explicit Child(pid_t number)
+        : m_number(number)
+        , m_handle(static_cast<int>(::syscall(SYS_pidfd_open, number, 0)))
+    {
+    }
+
+    /// Becomes readable when the child ends; not open where the system has no such thing.
+    [[nodiscard]] const FileDescriptor& handle() const { return m_handle; }
+
+    void kill() const { ::kill(-m_number, SIGKILL); }
+
+    /// Waits without taking the status: the child's number stays its own.
+    void waitUntilEnded() const
+    {
+        siginfo_t information {};
+        while (::waitid(P_PID, static_cast<id_t>(m_number), &information, WEXITED | WNOWAIT) < 0
+            && errno == EINTR) { }
+    }
+
+    [[nodiscard]] Result<int> takeStatus() const
+    {
+        int status = 0;
+        while (::waitpid(m_number, &status, 0) < 0) {
+            if (errno != EINTR) {
+                return failure(errno);
+            }
+        }
+        return WIFSIGNALED(status) ? WTERMSIG(status) : WEXITSTATUS(status);
+    }
+
+private:
+    pid_t m_number;
+    FileDescriptor m_handle;
+};
+
+enum class Reading { goesOn, isOver };
+
+/// Takes what can be read without waiting.
+Reading readWhatIsThere(int descriptor, QByteArray& text)
 {
-    QByteArray text;
     std::array<char, 16384> chunk {};
     while (true) {
         const ssize_t count = ::read(descriptor, chunk.data(), chunk.size());
         if (count < 0 && errno == EINTR) {
             continue;
         }
+        if (count < 0 && errno == EAGAIN) {
+            return Reading::goesOn;
+        }
         if (count <= 0) {
-            return text;
+            return Reading::isOver;
         }
         text.append(chunk.data(), std::min<qsizetype>(count, mostErrorText - text.size()));
     }
 }
 
-/// Waits without taking the status: the child's number stays its own.
-void waitUntilEnded(pid_t child)
+/// Reads until the text ends, the child does (whatever it started may hold the text open) or the
+/// time is up. Gives whether it was the time.
+bool readUntilTheEnd(const Child& child, int descriptor, const Deadline& deadline, QByteArray& text)
 {
-    siginfo_t information {};
-    while (::waitid(P_PID, static_cast<id_t>(child), &information, WEXITED | WNOWAIT) < 0
-        && errno == EINTR) { }
-}
-
-Result<int> takeStatus(pid_t child)
-{
-    int status = 0;
-    while (::waitpid(child, &status, 0) < 0) {
-        if (errno != EINTR) {
-            return failure(errno);
+    while (!deadline.isOver()) {
+        std::array<pollfd, 2> waiting { { { descriptor, POLLIN, 0 },
+            { child.handle().get(), POLLIN, 0 } } };
+        const int ready = ::poll(waiting.data(), waiting.size(), deadline.pollTimeout());
+        if (ready < 0 && errno != EINTR) {
+            return false;
+        }
+        // Asked first: what the child wrote before its end is there then.
+        const bool hasEnded = ready > 0 && waiting[1].revents != 0;
+        if (readWhatIsThere(descriptor, text) == Reading::isOver || hasEnded) {
+            return false;
         }
     }
-    return WIFSIGNALED(status) ? WTERMSIG(status) : WEXITSTATUS(status);
+    return true;
+}
+
+/// Waits for a child that has closed its standard error and may go on without it.
+bool waitForTheEnd(const Child& child, const Deadline& deadline)
+{
+    while (child.handle().isOpen() && !deadline.isOver()) {
+        pollfd waiting { child.handle().get(), POLLIN, 0 };
+        if (::poll(&waiting, 1, deadline.pollTimeout()) > 0) {
+            return false;
+        }
+    }
+    return child.handle().isOpen();
 }
 
 } // namespace
 
 Result<ProcessExit> runProcess(const std::filesystem::path& executable,
-    const std::vector<std::string>& arguments, const std::stop_token& interruption)
+    const std::vector<std::string>& arguments, const ProcessLimits& limits)
 {
     std::array<int, 2> ends {};
     if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
@@ -103,33 +154,34 @@ Result<ProcessExit> runProcess(const std::filesystem::path& executable,
     }
     const FileDescriptor readEnd(ends[0]);
     FileDescriptor writeEnd(ends[1]);
+    ::fcntl(readEnd.get(), F_SETFL, O_NONBLOCK); // only this end: the child's writes may wait
 
-    // The child only reads them; the type of exec's parameter is older than const.
-    std::vector<char*> pointers { const_cast<char*>(executable.c_str()) };
-    for (const std::string& argument : arguments) {
-        pointers.push_back(const_cast<char*>(argument.c_str()));
-    }
-    pointers.push_back(nullptr);
-
-    pid_t child = 0;
-    const SpawnSetup setup(writeEnd.get());
-    const int error = ::posix_spawn(
-        &child, executable.c_str(), setup.actions(), setup.attributes(), pointers.data(), environ);
-    if (error != 0) {
-        return failure(error);
-    }
+    const auto number = startChild(executable, arguments, writeEnd.get());
     // Only the child's copy may be left, or the end of its text would never come.
     writeEnd.reset();
-    QByteArray text;
+    if (!number) {
+        return tl::unexpected(number.error());
+    }
+    const Child child(*number);
+    const Deadline deadline(limits.time);
+    ProcessExit exit;
     {
         // Killing is over before the status is taken, after which the number may be another's.
-        const std::stop_callback kill(interruption, [child] { ::kill(-child, SIGKILL); });
-        text = readToEnd(readEnd.get());
-        waitUntilEnded(child);
+        const std::stop_callback kill(limits.interruption, [&child] { child.kill(); });
+        exit.hasTimedOut = readUntilTheEnd(child, readEnd.get(), deadline, exit.standardError)
+            || waitForTheEnd(child, deadline);
+        if (exit.hasTimedOut) {
+            child.kill();
+        }
+        child.waitUntilEnded();
+        child.kill(); // what it started and left
     }
-    return takeStatus(child).map([&text](int status) {
-        return ProcessExit { status, std::move(text) };
-    });
+    const auto status = child.takeStatus();
+    if (!status) {
+        return tl::unexpected(status.error());
+    }
+    exit.status = *status;
+    return exit;
 }
 
 } // namespace vellumine::platform

@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 
+#include <chrono>
 #include <filesystem>
 #include <stop_token>
 #include <string>
@@ -17,14 +18,23 @@ struct ProcessExit {
     int status = 0;
     /// What it wrote to its standard error, the first 4 MiB of it.
     QByteArray standardError;
+    /// Whether it was killed because its time was up.
+    bool hasTimedOut = false;
+};
+
+/// What ends a child process before its own time.
+struct ProcessLimits {
+    std::stop_token interruption;
+    std::chrono::milliseconds time = std::chrono::milliseconds::max();
 };
 
 /// Runs a program, without a shell, and waits for its end. Its standard input and output are this
 /// process's own, no other descriptor reaches it, and its standard error is read all the time, so
 /// that it never waits for a reader. It leads a process group of its own, so that an interruption
-/// typed at the terminal is not its business; when a stop is requested, the group is killed. Fails
-/// when the program cannot be started. Safe to call from several threads at once.
+/// typed at the terminal is not its business; the group is killed when a stop is requested or the
+/// time is up, and what is left of it when the program has ended. It does not outlive this process.
+/// Fails when the program cannot be started. Safe to call from several threads at once.
 [[nodiscard]] Result<ProcessExit> runProcess(const std::filesystem::path& executable,
-    const std::vector<std::string>& arguments, const std::stop_token& interruption = {});
+    const std::vector<std::string>& arguments, const ProcessLimits& limits = {});
 
 } // namespace vellumine::platform

@@ -1,7 +1,5 @@
 #include "platform/FileOperations.h"
 
-#include "platform/FileDescriptor.h"
-
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -24,9 +22,9 @@ std::optional<struct stat> followed(const std::filesystem::path& path)
     return status;
 }
 
-Result<FileDescriptor> opened(const std::filesystem::path& path, int flags, mode_t mode = 0)
+Result<FileDescriptor> openedForReading(const std::filesystem::path& path)
 {
-    FileDescriptor descriptor(::open(path.c_str(), flags | O_CLOEXEC, mode));
+    FileDescriptor descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
     if (!descriptor.isOpen()) {
         return failure(errno);
     }
@@ -48,6 +46,16 @@ qint64 fileSize(const std::filesystem::path& path)
 {
     const auto status = followed(path);
     return status && S_ISREG(status->st_mode) ? status->st_size : 0;
+}
+
+std::optional<FileVersion> fileVersion(const std::filesystem::path& path)
+{
+    const auto status = followed(path);
+    if (!status) {
+        return std::nullopt;
+    }
+    return FileVersion { status->st_dev, status->st_ino, status->st_size, status->st_mtim.tv_sec,
+        status->st_mtim.tv_nsec };
 }
 
 bool isSameFile(const std::filesystem::path& first, const std::filesystem::path& second)
@@ -85,17 +93,12 @@ Result<void> copyModificationTime(
     return {};
 }
 
-Result<void> copyToNewFile(const std::filesystem::path& from, const std::filesystem::path& to)
+Result<void> copyInto(const std::filesystem::path& from, const FileDescriptor& to)
 {
     constexpr std::size_t chunk = std::size_t { 1 } << 20U;
-    const auto source = opened(from, O_RDONLY);
+    const auto source = openedForReading(from);
     if (!source) {
         return tl::unexpected(source.error());
-    }
-    // The umask takes away what the user wants new files to lack.
-    const auto target = opened(to, O_WRONLY | O_CREAT | O_EXCL, 0666);
-    if (!target) {
-        return tl::unexpected(target.error());
     }
     std::vector<std::byte> buffer(chunk);
     while (true) {
@@ -109,12 +112,12 @@ Result<void> copyToNewFile(const std::filesystem::path& from, const std::filesys
         if (count == 0) {
             break;
         }
-        auto written = target->writeAll(std::span(buffer).first(static_cast<std::size_t>(count)));
+        auto written = to.writeAll(std::span(buffer).first(static_cast<std::size_t>(count)));
         if (!written) {
             return written;
         }
     }
-    if (::fsync(target->get()) != 0) {
+    if (::fsync(to.get()) != 0 && errno != EINVAL) {
         return failure(errno);
     }
     return {};

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "platform/FileDescriptor.h"
 #include "platform/FileError.h"
 
+#include <cstdint>
 #include <filesystem>
+#include <optional>
 
 namespace vellumine::platform {
 
@@ -14,6 +17,20 @@ enum class ItemKind { none, folder, other };
 
 /// Size in bytes of the file, links followed; 0 when it cannot be read.
 [[nodiscard]] qint64 fileSize(const std::filesystem::path& path);
+
+/// Tells a file from what may have taken its place or been written into it since.
+struct FileVersion {
+    std::uint64_t device = 0;
+    std::uint64_t number = 0;
+    std::int64_t size = 0;
+    std::int64_t modifiedSeconds = 0;
+    std::int64_t modifiedNanoseconds = 0;
+
+    friend bool operator==(const FileVersion&, const FileVersion&) = default;
+};
+
+/// Of the file, links followed; nothing when there is none.
+[[nodiscard]] std::optional<FileVersion> fileVersion(const std::filesystem::path& path);
 
 /// Whether both paths exist and lead to the same file: through links of either kind, or by other
 /// letters on a disk that does not tell upper from lower case.
@@ -30,9 +47,7 @@ enum class ItemKind { none, folder, other };
 [[nodiscard]] Result<void> copyModificationTime(
     const std::filesystem::path& from, const std::filesystem::path& to);
 
-/// Copies content into a file that must not exist, with the permissions of a new file, and syncs
-/// it to disk. A copy that failed half way stays behind.
-[[nodiscard]] Result<void> copyToNewFile(
-    const std::filesystem::path& from, const std::filesystem::path& to);
+/// Copies content into an empty file that is open for writing, and syncs it to disk.
+[[nodiscard]] Result<void> copyInto(const std::filesystem::path& from, const FileDescriptor& to);
 
 } // namespace vellumine::platform

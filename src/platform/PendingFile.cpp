@@ -1,10 +1,11 @@
 #include "platform/PendingFile.h"
 
-#include "platform/FileDescriptor.h"
+#include "platform/FolderListing.h"
 
 #include <QUuid>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -43,6 +44,54 @@ void syncFolder(const std::filesystem::path& folder)
     }
 }
 
+bool isStillAt(const std::filesystem::path& path, const FileDescriptor& file)
+{
+    struct stat held { };
+    struct stat found { };
+    return ::fstat(file.get(), &held) == 0 && ::lstat(path.c_str(), &found) == 0
+        && held.st_dev == found.st_dev && held.st_ino == found.st_ino;
+}
+
+/// Creates the file and locks it for as long as it is open. Without a lock nobody takes it for left
+/// over, so one that cannot be had on this disk is not missed.
+Result<FileDescriptor> createdAndLocked(const std::filesystem::path& path)
+{
+    // The umask takes away what the user wants new files to lack.
+    FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    if (!file.isOpen()) {
+        return failure(errno);
+    }
+    // Somebody who clears up can come between the two: whoever then has the lock has removed it.
+    if (::flock(file.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+        return failure(EAGAIN);
+    }
+    if (!isStillAt(path, file)) {
+        return failure(EAGAIN);
+    }
+    return file;
+}
+
+bool isPendingName(std::string_view name)
+{
+    constexpr std::size_t uuidLength = 36;
+    return name.size() == PendingFile::prefix.size() + uuidLength + PendingFile::suffix.size()
+        && name.starts_with(PendingFile::prefix) && name.ends_with(PendingFile::suffix);
+}
+
+/// Removes a file of this user's whose lock nobody holds. The lock is kept until it is gone, so
+/// that an owner that was about to take it learns of that.
+void removeIfAbandoned(const std::filesystem::path& path)
+{
+    const FileDescriptor file(
+        ::open(path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+    struct stat status { };
+    if (file.isOpen() && ::fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode)
+        && status.st_uid == ::geteuid() && ::flock(file.get(), LOCK_EX | LOCK_NB) == 0
+        && isStillAt(path, file)) {
+        ::unlink(path.c_str());
+    }
+}
+
 } // namespace
 
 Result<PendingFile> PendingFile::beside(const std::filesystem::path& target)
@@ -55,20 +104,41 @@ Result<PendingFile> PendingFile::beside(const std::filesystem::path& target)
     if (::lstat(folder.c_str(), &status) != 0) {
         return failure(errno);
     }
-    const std::string uuid
-        = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper().toStdString();
-    return PendingFile(folder / (std::string(prefix) + uuid + std::string(suffix)), target);
+    while (true) {
+        const std::string uuid
+            = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper().toStdString();
+        std::filesystem::path path = folder / (std::string(prefix) + uuid + std::string(suffix));
+        auto file = createdAndLocked(path);
+        if (file) {
+            return PendingFile(std::move(path), target, std::move(*file));
+        }
+        if (file.error() != FileError::fromErrno(EAGAIN)) {
+            return tl::unexpected(file.error());
+        }
+    }
 }
 
-PendingFile::PendingFile(std::filesystem::path path, std::filesystem::path target)
+void PendingFile::removeLeftOver(const std::filesystem::path& folder)
+{
+    for (const FolderEntry& entry : folderEntries(folder, FinalLink::follow)) {
+        if (entry.kind == EntryKind::other && isPendingName(entry.name)) {
+            removeIfAbandoned(folder / entry.name);
+        }
+    }
+}
+
+PendingFile::PendingFile(
+    std::filesystem::path path, std::filesystem::path target, FileDescriptor file)
     : m_path(std::move(path))
     , m_target(std::move(target))
+    , m_file(std::move(file))
 {
 }
 
 PendingFile::PendingFile(PendingFile&& other) noexcept
     : m_path(std::move(other.m_path))
     , m_target(std::move(other.m_target))
+    , m_file(std::move(other.m_file))
 {
     other.m_path.clear();
 }

@@ -121,10 +121,21 @@ TEST_F(PreviewSamplesTest, theyAreKeptWhereSomebodyWasToldOfThem)
     EXPECT_TRUE(fs::exists(told));
 }
 
+TEST_F(PreviewSamplesTest, workFilesThatACrashLeftAreRemovedToo)
+{
+    for (const char* name : { "vellumine-0A1B2C3D-0000-4000-8000-000000000001.pam",
+             "vellumine-0A1B2C3D-0000-4000-8000-000000000002.webp" }) {
+        test::writeFile(m_folder / name, std::string_view("half"));
+    }
+    const auto running = start();
+    EXPECT_FALSE(fs::exists(m_folder / "vellumine-0A1B2C3D-0000-4000-8000-000000000001.pam"));
+    EXPECT_FALSE(fs::exists(m_folder / "vellumine-0A1B2C3D-0000-4000-8000-000000000002.webp"));
+}
+
 TEST_F(PreviewSamplesTest, nothingElseIsTouched)
 {
     for (const char* name : { "vellumine-preview-.png", "vellumine-preview-notes.png",
-             "vellumine-0A1B2C3D-0000-4000-8000-000000000001.pam", "photo.png" }) {
+             "vellumine-notes.pam", "photo.png" }) {
         test::writeFile(m_folder / name, std::string_view("x"));
     }
     const fs::path folder = m_folder / "vellumine-preview-CCCCCCCC-0000-4000-8000-000000000001.png";
@@ -132,7 +143,7 @@ TEST_F(PreviewSamplesTest, nothingElseIsTouched)
     start().reset();
     EXPECT_TRUE(fs::exists(m_folder / "vellumine-preview-.png"));
     EXPECT_TRUE(fs::exists(m_folder / "vellumine-preview-notes.png"));
-    EXPECT_TRUE(fs::exists(m_folder / "vellumine-0A1B2C3D-0000-4000-8000-000000000001.pam"));
+    EXPECT_TRUE(fs::exists(m_folder / "vellumine-notes.pam"));
     EXPECT_TRUE(fs::exists(m_folder / "photo.png"));
     EXPECT_TRUE(fs::exists(folder));
 }

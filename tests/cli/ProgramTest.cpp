@@ -191,6 +191,8 @@ TEST_F(Program, helpAndVersionGoToStandardOutput)
     const Outcome version = run({ QStringLiteral("--version") });
     EXPECT_EQ(version.status, 0);
     EXPECT_TRUE(version.output.startsWith(QStringLiteral("vellumine-batch ")));
+    EXPECT_TRUE(version.output.contains(
+        QStringLiteral("\nPictures are decoded in a process of their own")));
 }
 
 TEST_F(Program, withoutATerminalAnExistingFileIsSkipped)

@@ -1,8 +1,11 @@
 // Writes a small sound file of every kind of picture in every format that can be written, for the
 // fuzz targets to start from:
 //     make_seeds FOLDER
-// The files of a format land in a folder of its name: FOLDER/png/grey.png.
+// The files of a format land in a folder of its name: FOLDER/png/grey.png. The seeds of the other
+// targets are messages, a page and pixels, each as its target takes its input apart.
 
+#include "confined/protocol/Messages.h"
+#include "confined/protocol/PictureAttachments.h"
 #include "imaging/codecs/CodecTable.h"
 
 #include <array>
@@ -17,6 +20,7 @@
 namespace {
 
 using namespace vellumine::imaging;
+namespace confined = vellumine::confined;
 
 constexpr std::array<std::pair<const char*, PixelLayout>, 5> kinds { {
     { "rgb", { ColorModel::rgb, 8, AlphaInfo::none } },
@@ -80,6 +84,84 @@ bool writeSeeds(const Codec& codec, const std::filesystem::path& folder)
     return true;
 }
 
+/// With its length in front.
+void append(ByteBuffer& seed, const ByteBuffer& message)
+{
+    seed.push_back(static_cast<std::byte>(message.size()));
+    seed.insert(seed.end(), message.begin(), message.end());
+}
+
+/// A conversation with a helper about a picture, which stands behind it.
+ByteBuffer requestsSeed(const Codec& codec)
+{
+    using confined::Request;
+    const std::array<Request, 4> requests { confined::OpenRequest {},
+        confined::DecodeRequest { Rect { 3, 2, 8, 8 } }, confined::DecodeRequest {},
+        confined::ShareRequest {} };
+    ByteBuffer seed { static_cast<std::byte>(requests.size()) };
+    for (const Request& request : requests) {
+        append(seed, confined::serialised(request));
+    }
+    const auto file = codec.encode(pattern(kinds.front().second), {});
+    if (file) {
+        seed.insert(seed.end(), file->begin(), file->end());
+    }
+    return seed;
+}
+
+/// A picture as a helper answers with it.
+ByteBuffer repliesSeed(PixelLayout layout)
+{
+    ColorSpace space = colorSpaceOf(layout.model);
+    if (layout.model == ColorModel::rgb) {
+        space = ColorSpace::fromIcc(space.iccProfile(), layout.model).value_or(space);
+    }
+    confined::PictureAttachments attached { space, Orientation::rightTop, {} };
+    attached.properties.set(PropertyKey::pixelWidth, std::int64_t { 19 });
+    attached.properties.set(PropertyKey::profileName, std::string("a profile"));
+    const ByteBuffer attachments = confined::serialised(attached);
+    const confined::DecodedReply reply { .size = { 19, 13 },
+        .layout = layout,
+        .rowBytes = confined::tightRowBytes({ 19, 13 }, layout),
+        .pixelsAddress = 4096,
+        .attachmentsAddress = 8192,
+        .attachmentsBytes = attachments.size(),
+        .isRegion = false };
+    ByteBuffer seed;
+    append(seed, confined::serialised(confined::Reply(reply)));
+    seed.insert(seed.end(), attachments.begin(), attachments.end());
+    return seed;
+}
+
+bool writeText(const std::filesystem::path& path, std::string_view text)
+{
+    return write(path, std::as_bytes(std::span(text)));
+}
+
+bool writeOtherSeeds(const std::filesystem::path& folder)
+{
+    bool complete = true;
+    for (const Codec& codec : codecTable()) {
+        if (codec.encode != nullptr) {
+            complete = write(folder / "helper_requests" / preferredExtension(codec.type),
+                           requestsSeed(codec))
+                && complete;
+        }
+    }
+    for (const auto& [name, layout] : kinds) {
+        complete = write(folder / "helper_replies" / name, repliesSeed(layout)) && complete;
+        const auto byte = [](auto value) { return static_cast<std::byte>(value); };
+        const ByteBuffer head { byte(layout.model), byte(layout.bitsPerComponent == 16),
+            byte(layout.alpha), byte(18), byte(12), byte(1), byte(254) };
+        complete = write(folder / "pam" / name, head) && complete;
+    }
+    return writeText(folder / "page/data.html",
+               "<html><script type=\"application/ld+json\">{\"softwareVersion\": \"1.4.2\"}"
+               "</script></html>")
+        && writeText(folder / "page/text.html", "<p>Version 1.5 \xC2\xB7 Linux</p>")
+        && writeText(folder / "page/none.html", "<p>Soon</p>") && complete;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -95,5 +177,6 @@ int main(int argc, char** argv)
             complete = writeSeeds(codec, arguments[1]) && complete;
         }
     }
+    complete = writeOtherSeeds(arguments[1]) && complete;
     return complete ? EXIT_SUCCESS : EXIT_FAILURE;
 }

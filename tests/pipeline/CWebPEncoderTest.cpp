@@ -8,6 +8,7 @@
 
 #include <sys/stat.h>
 
+#include <chrono>
 #include <fstream>
 #include <future>
 #include <limits>
@@ -16,6 +17,7 @@
 namespace vellumine {
 namespace {
 
+using namespace std::chrono_literals;
 using platform::ExistingItem;
 using test::listing;
 using test::textOf;
@@ -250,6 +252,55 @@ TEST_F(CWebP, existingOutputStandsUntilTheNewOneIsComplete)
     ASSERT_TRUE(encode());
     EXPECT_EQ(textOf(m_workplace.programs() / "seen"), "old");
     EXPECT_EQ(textOf(output()), "encoded");
+}
+
+TEST_F(CWebP, anEncoderThatHangsIsKilledAndNamed)
+{
+    m_workplace.replaceEncoder(
+        "while [ \"$1\" != \"-o\" ]; do shift; done\nprintf half > \"$2\"\nsleep 1000\n");
+    writeFile(output(), "old");
+    auto environment = m_workplace.environment();
+    environment.encoderPatience = { .atLeast = 200ms, .perMegapixel = 0ms };
+    const auto encoded = ImageOptimizer::encodeWebPWithCWebP(
+        test::gradient({ 47, 33 }, imaging::rgba8Premultiplied), urlOf(output()),
+        ExistingItem::replace, m_settings, {}, environment);
+    ASSERT_FALSE(encoded);
+    EXPECT_EQ(localizedDescription(encoded.error()),
+        QStringLiteral("Could not finish writing out.webp: cwebp did not finish within 1 seconds"));
+    EXPECT_EQ(listing(m_workplace.temporary()), "");
+    EXPECT_EQ(listing(m_workplace.pictures()), "out.webp");
+    EXPECT_EQ(textOf(output()), "old");
+}
+
+TEST(EncoderPatience, growsWithThePixels)
+{
+    EXPECT_EQ(EncoderPatience().forPicture({ 47, 33 }), 2min + 46ms);
+    EXPECT_EQ(EncoderPatience().forPicture({ 6000, 4000 }), 2min + 24 * 30s);
+    EXPECT_EQ(EncoderPatience().forPicture({ 16383, 16383 }), 2min + 8052080ms);
+}
+
+TEST_F(CWebP, aMegabyteOfErrorTextIsTheMessageOfAFailure)
+{
+    m_workplace.replaceEncoder("head -c 1000000 /dev/zero | tr '\\0' x >&2\nexit 1\n");
+    expectFailure("Could not finish writing out.webp: " + std::string(1'000'000, 'x'));
+}
+
+TEST_F(CWebP, anEncoderBesideTheProgramThatCannotBeExecutedCountsAsMissing)
+{
+    m_workplace.removeEncoder();
+    writeFile(m_workplace.programs() / "cwebp", "x");
+    expectFailure("WebP support is not bundled in this build. is not supported by this macOS "
+                  "ImageIO installation.");
+}
+
+TEST_F(CWebP, namesThatBeginWithADashAreNoOptions)
+{
+    m_settings.outputFormat = OutputFormat::webpLossless;
+    const QUrl dash = urlOf(m_workplace.pictures() / "-version.webp");
+    ASSERT_TRUE(
+        ImageOptimizer::encodeWebPWithCWebP(test::gradient({ 47, 33 }, imaging::rgba8Premultiplied),
+            dash, ExistingItem::replace, m_settings, {}, m_workplace.environment()));
+    EXPECT_EQ(test::readPicture(m_workplace.pictures() / "-version.webp").size(), test::oddSize);
 }
 
 TEST_F(CWebP, encoderOfTheEnvironmentComesFirst)

@@ -7,8 +7,10 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <csignal>
 #include <fstream>
 #include <future>
@@ -18,6 +20,7 @@
 namespace vellumine::platform {
 namespace {
 
+using namespace std::chrono_literals;
 using test::TemporaryFolder;
 using test::writeProgram;
 
@@ -118,8 +121,10 @@ TEST(ChildProcess, isKilledWithItsOwnChildrenWhenAStopIsRequested)
     // Two processes hold the standard error open.
     writeProgram(folder / "program", "sleep 1000 &\necho started > \"$1\"\nwait\n");
     std::stop_source stop;
-    auto exit = std::async(std::launch::async,
-        [&] { return runProcess(folder / "program", { started.string() }, stop.get_token()); });
+    auto exit = std::async(std::launch::async, [&] {
+        return runProcess(
+            folder / "program", { started.string() }, { .interruption = stop.get_token() });
+    });
     std::ifstream reader(started); // opens when the program has come that far
     std::string line;
     std::getline(reader, line);
@@ -136,9 +141,74 @@ TEST(ChildProcess, isKilledAtOnceWhenTheStopWasRequestedBefore)
     writeProgram(folder / "program", "sleep 1000\n");
     std::stop_source stop;
     stop.request_stop();
-    const auto result = runProcess(folder / "program", {}, stop.get_token());
+    const auto result = runProcess(folder / "program", {}, { .interruption = stop.get_token() });
     ASSERT_TRUE(result);
     EXPECT_EQ(result->status, SIGKILL);
+}
+
+TEST(ChildProcess, isKilledWithItsOwnChildrenWhenItsTimeIsUp)
+{
+    const TemporaryFolder folder;
+    writeProgram(folder / "program", "echo busy >&2\nsleep 1000 &\nsleep 1000\n");
+    const auto exit = runProcess(folder / "program", {}, { .interruption = {}, .time = 100ms });
+    ASSERT_TRUE(exit);
+    EXPECT_TRUE(exit->hasTimedOut);
+    EXPECT_EQ(exit->status, SIGKILL);
+}
+
+TEST(ChildProcess, isKilledWhenItsTimeIsUpThoughItClosedItsErrorText)
+{
+    const TemporaryFolder folder;
+    writeProgram(folder / "program", "exec 2>&-\nexec sleep 1000\n");
+    const auto exit = runProcess(folder / "program", {}, { .interruption = {}, .time = 100ms });
+    ASSERT_TRUE(exit);
+    EXPECT_TRUE(exit->hasTimedOut);
+}
+
+TEST(ChildProcess, whatItLeavesBehindIsNotWaitedForAndIsKilled)
+{
+    const TemporaryFolder folder;
+    const std::filesystem::path left = folder / "left";
+    ASSERT_EQ(::mkfifo(left.c_str(), 0600), 0);
+    // Holds the standard error open, and a pipe that ends with it.
+    writeProgram(folder / "program", "exec 3> \"$1\"\nsleep 1000 &\necho said >&2\nexit 4\n");
+    auto exit = std::async(
+        std::launch::async, [&] { return runProcess(folder / "program", { left.string() }); });
+    std::ifstream reader(left);
+    EXPECT_EQ(reader.get(), std::ifstream::traits_type::eof());
+    const auto result = exit.get();
+    ASSERT_TRUE(result);
+    EXPECT_FALSE(result->hasTimedOut);
+    EXPECT_EQ(result->status, 4);
+    EXPECT_EQ(result->standardError, QByteArray("said\n"));
+}
+
+TEST(ChildProcess, doesNotOutliveThisProcess)
+{
+    const TemporaryFolder folder;
+    const std::filesystem::path held = folder / "held";
+    ASSERT_EQ(::mkfifo(held.c_str(), 0600), 0);
+    writeProgram(folder / "program", "exec 3> \"$1\"\nexec sleep 1000\n");
+    const pid_t parent = ::fork();
+    if (parent == 0) {
+        (void)runProcess(folder / "program", { held.string() });
+        ::_exit(0);
+    }
+    std::ifstream reader(held); // opens when the program has
+    ::kill(parent, SIGKILL);
+    ASSERT_EQ(::waitpid(parent, nullptr, 0), parent);
+    EXPECT_EQ(reader.get(), std::ifstream::traits_type::eof());
+}
+
+TEST(ChildProcess, takesSignalsAsAnyProgramDoes)
+{
+    const TemporaryFolder folder;
+    const auto before = ::signal(SIGPIPE, SIG_IGN);
+    writeProgram(folder / "program", "kill -PIPE $$\nexit 0\n");
+    const auto exit = runProcess(folder / "program", {});
+    ::signal(SIGPIPE, before);
+    ASSERT_TRUE(exit);
+    EXPECT_EQ(exit->status, SIGPIPE);
 }
 
 } // namespace

@@ -116,29 +116,21 @@ TEST(FileDescriptor, saysWhyItCannotWrite)
     EXPECT_EQ(written.error().text, QStringLiteral("No space left on device"));
 }
 
-TEST(CopyToNewFile, copiesLargeContentAndNeverWritesOver)
+TEST(CopyInto, copiesLargeContentAndSaysWhatFails)
 {
     const TemporaryFolder folder;
     writeFile(folder / "from", std::string(3'000'001, 'z'));
-    ASSERT_TRUE(copyToNewFile(folder / "from", folder / "to"));
+    const auto to = FileDescriptor::createPrivateFile(folder / "to");
+    ASSERT_TRUE(to);
+    ASSERT_TRUE(copyInto(folder / "from", *to));
     EXPECT_EQ(test::readFile(folder / "to"), test::readFile(folder / "from"));
-    EXPECT_FALSE(copyToNewFile(folder / "from", folder / "to"));
-    EXPECT_FALSE(copyToNewFile(folder / "none", folder / "other"));
-    EXPECT_EQ(itemAt(folder / "other"), ItemKind::none);
-}
-
-TEST(CopyToNewFile, hasThePermissionsOfANewFile)
-{
-    const TemporaryFolder folder;
-    writeFile(folder / "from", "x");
-    std::filesystem::permissions(folder / "from", std::filesystem::perms::owner_all);
-    const mode_t before = ::umask(027);
-    const auto copied = copyToNewFile(folder / "from", folder / "to");
-    ::umask(before);
-    ASSERT_TRUE(copied);
-    struct stat status { };
-    ASSERT_EQ(::stat((folder / "to").c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 07777U, 0640U);
+    const auto missing = copyInto(folder / "none", *to);
+    ASSERT_FALSE(missing);
+    EXPECT_EQ(missing.error().text, QStringLiteral("No such file or directory"));
+    const FileDescriptor full(::open("/dev/full", O_WRONLY | O_CLOEXEC));
+    const auto written = copyInto(folder / "from", full);
+    ASSERT_FALSE(written);
+    EXPECT_EQ(written.error().text, QStringLiteral("No space left on device"));
 }
 
 } // namespace

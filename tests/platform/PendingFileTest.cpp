@@ -6,7 +6,11 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <string>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace vellumine::platform {
 namespace {
@@ -38,6 +42,60 @@ TEST(PendingFile, isHiddenBesideItsTargetUntilItIsPublished)
         EXPECT_EQ(content(folder / "out.png"), "new");
     }
     EXPECT_EQ(listing(folder.path()), "out.png");
+}
+
+TEST(PendingFile, hasThePermissionsOfANewFile)
+{
+    const TemporaryFolder folder;
+    const mode_t before = ::umask(027);
+    const auto pending = PendingFile::beside(folder / "out.png");
+    ::umask(before);
+    ASSERT_TRUE(pending);
+    struct stat status { };
+    ASSERT_EQ(::stat(pending->path().c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777U, 0640U);
+}
+
+TEST(PendingFile, whatAKilledProcessLeftIsRemoved)
+{
+    const TemporaryFolder folder;
+    const pid_t child = ::fork();
+    if (child == 0) {
+        const auto pending = PendingFile::beside(folder / "out.png");
+        ::kill(::getpid(), SIGKILL);
+    }
+    ASSERT_EQ(::waitpid(child, nullptr, 0), child);
+    ASSERT_EQ(listing(folder.path()).find(".vellumine-"), 0U);
+    PendingFile::removeLeftOver(folder.path());
+    EXPECT_EQ(listing(folder.path()), "");
+}
+
+TEST(PendingFile, whatIsStillBeingWrittenIsNoLeftOver)
+{
+    const TemporaryFolder folder;
+    auto pending = PendingFile::beside(folder / "out.png");
+    ASSERT_TRUE(pending);
+    writeFile(pending->path(), "half");
+    PendingFile::removeLeftOver(folder.path());
+    EXPECT_EQ(content(pending->path()), "half");
+    ASSERT_TRUE(std::move(*pending).publish(ExistingItem::replace));
+    EXPECT_EQ(listing(folder.path()), "out.png");
+}
+
+TEST(PendingFile, onlyFilesOfItsNameCountAsLeftOver)
+{
+    const TemporaryFolder folder;
+    const std::string uuid = "01234567-89AB-CDEF-0123-456789ABCDEF";
+    writeFile(folder / ".vellumine-short.part", "x");
+    writeFile(folder / (".vellumine-" + uuid + ".part.jpg"), "x");
+    writeFile(folder / ("vellumine-" + uuid + ".part"), "x");
+    writeFile(folder / "target", "x");
+    std::filesystem::create_directory(folder / (".vellumine-" + uuid + ".part"));
+    std::filesystem::create_symlink("target", folder / (".vellumine-1" + uuid.substr(1) + ".part"));
+    const std::string before = listing(folder.path());
+    PendingFile::removeLeftOver(folder.path());
+    PendingFile::removeLeftOver(folder / "none");
+    EXPECT_EQ(listing(folder.path()), before);
 }
 
 TEST(PendingFile, leavesNothingWhenItIsDropped)

@@ -101,6 +101,23 @@ ColorSpace ColorSpace::deviceCmyk()
     return ColorSpace(data);
 }
 
+ColorSpace ColorSpace::fromData(Data data)
+{
+    switch (data.kind) {
+    case Kind::sRgb:
+        return sRgb();
+    case Kind::deviceRgb:
+        return deviceRgb();
+    case Kind::grey:
+        return grey();
+    case Kind::deviceCmyk:
+        return deviceCmyk();
+    case Kind::icc:
+        break;
+    }
+    return ColorSpace(std::make_shared<const Data>(std::move(data)));
+}
+
 Result<ColorSpace> ColorSpace::fromIcc(ByteSpan profile, ColorModel model)
 {
     const colour::Context context = colour::makeContext();

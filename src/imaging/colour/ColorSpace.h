@@ -63,8 +63,11 @@ public:
     friend bool operator==(const ColorSpace& a, const ColorSpace& b);
 
     struct Data;
-    /// For the colour code of this folder.
+    /// For the colour code of this folder, and for whoever takes a space to another process.
     [[nodiscard]] const Data& data() const { return *m_data; }
+    /// The space of that data, which nobody has to look into. Kinds without a profile take nothing
+    /// but their kind from it.
+    static ColorSpace fromData(Data data);
 
 private:
     explicit ColorSpace(std::shared_ptr<const Data> data);

@@ -2,12 +2,13 @@
 
 #include "imaging/colour/ColorSpace.h"
 
+#include <cstdint>
 #include <string>
 
 namespace vellumine::imaging {
 
 struct ColorSpace::Data {
-    enum class Kind { sRgb, deviceRgb, grey, deviceCmyk, icc };
+    enum class Kind : std::uint8_t { sRgb, deviceRgb, grey, deviceCmyk, icc };
 
     Kind kind = Kind::sRgb;
     ColorModel model = ColorModel::rgb;

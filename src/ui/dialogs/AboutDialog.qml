@@ -62,6 +62,18 @@ KestrovaDialog {
             wrapMode: Text.Wrap
         }
 
+        Text {
+            Layout.alignment: Qt.AlignHCenter
+            Layout.maximumWidth: 380
+            color: KestrovaTheme.creamMuted
+            font: TextStyle.caption
+            horizontalAlignment: Text.AlignHCenter
+            objectName: "confinementText"
+            text: about.visible ? ProductInfo.confinementText : ""
+            visible: text !== ""
+            wrapMode: Text.Wrap
+        }
+
         DialogButton {
             Layout.alignment: Qt.AlignHCenter
             Layout.topMargin: 12

@@ -33,7 +33,12 @@ QString ProductInfo::librariesText()
 {
     return tr("With thanks to the makers of %1")
         .arg(QStringLiteral("Qt, libjpeg-turbo, libpng, GIFLIB, libimagequant, LibTIFF, libheif, "
-                            "libwebp, zimg, Little CMS, Exiv2, libplist, GLib"));
+                            "libwebp, zimg, Little CMS, Exiv2, libplist, libseccomp, GLib"));
+}
+
+QString ProductInfo::confinementText() const
+{
+    return m_confinementText ? m_confinementText() : QString();
 }
 
 QString ProductInfo::makerName()

@@ -4,6 +4,9 @@
 #include <QQmlEngine>
 #include <QUrl>
 
+#include <functional>
+#include <utility>
+
 namespace vellumine {
 
 /// What the windows say about the product and its maker, and where their links lead.
@@ -15,6 +18,8 @@ class ProductInfo : public QObject {
     Q_PROPERTY(QString versionText READ versionText CONSTANT)
     Q_PROPERTY(QString licenceText READ licenceText CONSTANT)
     Q_PROPERTY(QString librariesText READ librariesText CONSTANT)
+    /// How pictures are kept from doing harm; asked for when it is read.
+    Q_PROPERTY(QString confinementText READ confinementText CONSTANT)
     Q_PROPERTY(QString makerName READ makerName CONSTANT)
     Q_PROPERTY(QString creditLine READ creditLine CONSTANT)
     Q_PROPERTY(QUrl makerUrl READ makerUrl CONSTANT)
@@ -33,6 +38,8 @@ public:
     [[nodiscard]] static QString licenceText();
     /// Names those whose work this program stands on.
     [[nodiscard]] static QString librariesText();
+    [[nodiscard]] QString confinementText() const;
+    void setConfinementText(std::function<QString()> text) { m_confinementText = std::move(text); }
     [[nodiscard]] static QString makerName();
     [[nodiscard]] static QString creditLine();
     [[nodiscard]] static QUrl makerUrl();
@@ -48,6 +55,7 @@ public:
 
 private:
     QUrl m_logo;
+    std::function<QString()> m_confinementText;
 };
 
 } // namespace vellumine

@@ -1,0 +1,96 @@
+#pragma once
+
+#include "confined/protocol/Confinement.h"
+#include "imaging/Bytes.h"
+#include "imaging/Error.h"
+#include "imaging/Geometry.h"
+#include "imaging/Limits.h"
+#include "imaging/Orientation.h"
+#include "imaging/PixelLayout.h"
+#include "imaging/UniformType.h"
+#include "imaging/codecs/Codec.h"
+
+#include <cstdint>
+#include <optional>
+#include <variant>
+
+namespace vellumine::confined {
+
+// What the program asks a helper, and what that answers. Every message is one datagram with at most
+// one descriptor. A decoded picture is fetched: the program reads it from the helper's memory, by
+// addresses that the helper names. Where a program may not do that, the helper puts it into sealed
+// memory and hands that over. (Shared memory comes in pages of 4 KiB, and costs six times what
+// copying into large pages does.)
+// A helper that was taken over by a picture can send anything: only what parses,
+// and lies within the limits that were asked with, is believed.
+
+/// Changes with the messages, so that a helper of another build is noticed.
+inline constexpr std::uint32_t protocolVersion = 1;
+
+/// Longer messages are not sent and not read.
+inline constexpr std::size_t largestMessage = 4096;
+
+/// Opens the picture file whose descriptor comes along. The one that was open is closed.
+struct OpenRequest {
+    imaging::Limits limits;
+};
+
+/// Decodes the open picture, or the region of it where that costs less.
+struct DecodeRequest {
+    std::optional<imaging::Rect> region;
+};
+
+/// Puts the decoded picture into sealed memory: its rows without gaps, then its attachments.
+struct ShareRequest { };
+
+/// Forgets the decoded picture. Has no answer.
+struct ReleaseRequest { };
+
+using Request = std::variant<OpenRequest, DecodeRequest, ShareRequest, ReleaseRequest>;
+
+/// The helper's first word.
+struct ReadyReply {
+    Confinement confinement;
+};
+
+struct OpenedReply {
+    imaging::UniformType type;
+    imaging::ImageHeader header;
+};
+
+/// The picture is in the helper's memory until the next request but one for sharing: its pixels,
+/// and its attachments (PictureAttachments.h).
+struct DecodedReply {
+    imaging::Size size;
+    imaging::PixelLayout layout;
+    std::uint64_t rowBytes = 0;
+    std::uint64_t pixelsAddress = 0;
+    std::uint64_t attachmentsAddress = 0;
+    std::uint64_t attachmentsBytes = 0;
+    bool isRegion = false;
+};
+
+struct FailedReply {
+    imaging::Error error;
+};
+
+/// The memory's descriptor comes along.
+struct SharedReply { };
+
+using Reply = std::variant<ReadyReply, OpenedReply, DecodedReply, SharedReply, FailedReply>;
+
+[[nodiscard]] imaging::ByteBuffer serialised(const Request& request);
+[[nodiscard]] imaging::ByteBuffer serialised(const Reply& reply);
+
+/// Fail with Malformed for anything that serialised() does not give: a wrong length, a number that
+/// stands for no enumerator, sizes and offsets that contradict each other.
+[[nodiscard]] imaging::Result<Request> parseRequest(imaging::ByteSpan message);
+[[nodiscard]] imaging::Result<Reply> parseReply(imaging::ByteSpan message);
+
+/// Bytes of a row without gaps.
+[[nodiscard]] std::size_t tightRowBytes(imaging::Size size, const imaging::PixelLayout& layout);
+
+/// Whether the layout is one that pictures have.
+[[nodiscard]] bool isValid(const imaging::PixelLayout& layout);
+
+} // namespace vellumine::confined

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "confined/protocol/Channel.h"
+#include "confined/protocol/Messages.h"
+#include "imaging/SourceDecoder.h"
+
+#include <memory>
+#include <optional>
+
+namespace vellumine::confined {
+
+/// The helper's side: opens and decodes pictures as it is asked to, one at a time.
+class DecoderService {
+public:
+    struct Answer {
+        Reply reply;
+        std::optional<imaging::FileDescriptor> descriptor;
+    };
+
+    /// Answers until the other end is gone, or sends what makes no sense.
+    void serve(const Channel& channel);
+
+    /// The answer to one request; none where it has none. A request that makes no sense here
+    /// (nothing is open, no descriptor came along) fails like a picture that cannot be read.
+    [[nodiscard]] std::optional<Answer> answer(
+        const Request& request, std::optional<imaging::FileDescriptor> descriptor);
+
+private:
+    Answer open(const OpenRequest& request, std::optional<imaging::FileDescriptor> file);
+    Answer decode(const DecodeRequest& request);
+    [[nodiscard]] Answer share() const;
+
+    /// A decoded picture that waits to be fetched.
+    struct Held {
+        imaging::Image image;
+        imaging::ByteBuffer attachments;
+    };
+
+    std::optional<Held> m_held;
+    std::unique_ptr<imaging::SourceDecoder> m_decoder;
+};
+
+} // namespace vellumine::confined

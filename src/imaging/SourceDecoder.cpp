@@ -1,0 +1,149 @@
+#include "imaging/SourceDecoder.h"
+
+#include "imaging/codecs/CodecTable.h"
+#include "imaging/metadata/Metadata.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+
+namespace vellumine::imaging {
+
+namespace {
+
+// Every format is told by its first bytes; a long film under a picture's name is refused without
+// being read to its end.
+constexpr std::size_t sniffedBytes = 4096;
+
+std::string_view nameOf(ColorModel model)
+{
+    switch (model) {
+    case ColorModel::grey:
+        return "Gray";
+    case ColorModel::rgb:
+        return "RGB";
+    case ColorModel::cmyk:
+        return "CMYK";
+    }
+    return {};
+}
+
+std::optional<PropertyKey> dictionaryOf(UniformType type)
+{
+    switch (type) {
+    case UniformType::png:
+        return PropertyKey::png;
+    case UniformType::jpeg:
+        return PropertyKey::jfif;
+    case UniformType::gif:
+        return PropertyKey::gif;
+    default:
+        return std::nullopt;
+    }
+}
+
+class CodecDecoder final : public SourceDecoder {
+public:
+    CodecDecoder(
+        const Codec& codec, const ImageHeader& header, const Limits& limits, ByteBuffer file)
+        : m_codec(codec)
+        , m_header(header)
+        , m_limits(limits)
+        , m_file(std::move(file))
+    {
+    }
+
+    [[nodiscard]] UniformType type() const override { return m_codec.type; }
+    [[nodiscard]] const ImageHeader& header() const override { return m_header; }
+
+    Result<SourcePicture> decode(const std::optional<Rect>& region) override
+    {
+        auto decoded = m_codec.decode(m_file, { .limits = m_limits, .region = region });
+        if (!decoded) {
+            return tl::unexpected(std::move(decoded.error()));
+        }
+        if (decoded->isRegion) {
+            return SourcePicture { std::move(decoded->image), true, Orientation::topLeft, {} };
+        }
+        return described(std::move(*decoded));
+    }
+
+private:
+    [[nodiscard]] SourcePicture described(DecodedImage picture) const
+    {
+        MetadataBlocks blocks = m_codec.type == UniformType::tiff ? metadata::readTiff(m_file)
+                                                                  : std::move(picture.metadata);
+        const auto known
+            = picture.orientation ? picture.orientation : metadata::orientation(blocks);
+        const Orientation orientation = known.value_or(Orientation::topLeft);
+
+        ImageProperties found;
+        found.setBlocks(std::move(blocks), orientation);
+        found.set(PropertyKey::pixelWidth, std::int64_t { picture.storedSize.width });
+        found.set(PropertyKey::pixelHeight, std::int64_t { picture.storedSize.height });
+        if (known) {
+            found.set(PropertyKey::orientation, static_cast<std::int64_t>(*known));
+        }
+        found.set(PropertyKey::colorModel, std::string(nameOf(picture.image.layout().model)));
+        if (std::string name = picture.image.colorSpace().profileName(); !name.empty()) {
+            found.set(PropertyKey::profileName, std::move(name));
+        }
+        if (const auto dictionary = dictionaryOf(m_codec.type)) {
+            found.set(*dictionary, DictionaryPresent {});
+        }
+        return { std::move(picture.image), false, orientation, std::move(found) };
+    }
+
+    const Codec& m_codec;
+    ImageHeader m_header;
+    Limits m_limits;
+    ByteBuffer m_file;
+};
+
+} // namespace
+
+Result<std::unique_ptr<SourceDecoder>> decodingHere(FileDescriptor file, const Limits& limits)
+{
+    const auto size = file.size();
+    if (!size) {
+        return tl::unexpected(size.error());
+    }
+    ByteBuffer bytes;
+    const auto read = [&](std::uint64_t upTo) {
+        return file.readInto(bytes, static_cast<std::size_t>(upTo) - bytes.size());
+    };
+    if (const auto done = read(std::min<std::uint64_t>(*size, sniffedBytes)); !done) {
+        return tl::unexpected(done.error());
+    }
+    if (codecForContent(bytes) == nullptr) {
+        return failure(Error::Kind::unknownType, "the content is of no known type");
+    }
+    if (*size > limits.maximumBytes) {
+        return failure(Error::Kind::limitExceeded, "the file is too large");
+    }
+    // Read, not mapped: a mapped file that somebody cuts short meanwhile ends the program.
+    if (const auto done = read(*size); !done) {
+        return tl::unexpected(done.error());
+    }
+    return decodingHere(std::move(bytes), limits);
+}
+
+Result<std::unique_ptr<SourceDecoder>> decodingHere(ByteBuffer file, const Limits& limits)
+{
+    const Codec* const codec = codecForContent(file);
+    if (codec == nullptr) {
+        return failure(Error::Kind::unknownType, "the content is of no known type");
+    }
+    const auto header = codec->readHeader(file);
+    if (!header) {
+        return tl::unexpected(header.error());
+    }
+    if (const auto allowed
+        = limits.check(header->size.width, header->size.height, header->layout.bytesPerPixel());
+        !allowed) {
+        return tl::unexpected(allowed.error());
+    }
+    return std::make_unique<CodecDecoder>(*codec, *header, limits, std::move(file));
+}
+
+} // namespace vellumine::imaging

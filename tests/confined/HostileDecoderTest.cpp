@@ -1,0 +1,144 @@
+#include "confined/client/ConfinedDecoders.h"
+#include "support/TestImages.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <future>
+#include <stop_token>
+#include <string>
+#include <vector>
+
+namespace vellumine::confined {
+namespace {
+
+using namespace std::chrono_literals;
+using imaging::Error;
+using imaging::ImageSource;
+using imaging::Limits;
+
+/// A little patience, for those that hang.
+constexpr Patience little { .timeAtLeast = 300ms, .timePerMegabyte = 0ms, .timePerMegapixel = 0ms };
+
+class Hostile : public testing::Test {
+protected:
+    /// The helper that does what the name says.
+    [[nodiscard]] std::filesystem::path helper(const std::string& name) const
+    {
+        std::filesystem::path path = m_folder / name;
+        std::filesystem::create_symlink(VELLUMINE_HOSTILE_DECODER, path);
+        return path;
+    }
+
+    [[nodiscard]] std::filesystem::path file() const
+    {
+        test::writeFile(m_folder / "picture", std::string_view("what it holds does not matter"));
+        return m_folder / "picture";
+    }
+
+    static imaging::Result<imaging::Image> decode(
+        ConfinedDecoders& decoders, const std::filesystem::path& path)
+    {
+        return decoders.open(path, Limits()).and_then([](ImageSource&& source) {
+            return source.image();
+        });
+    }
+
+    test::TemporaryFolder m_folder;
+};
+
+TEST_F(Hostile, followsTheProtocolWhereItIsHarmless)
+{
+    const auto executable = helper("harmless");
+    for (const Handover handover : { Handover::fetched, Handover::shared }) {
+        ConfinedDecoders decoders(executable, {}, handover);
+        for (int i = 0; i < 3; ++i) {
+            const auto image = decode(decoders, file());
+            ASSERT_TRUE(image) << image.error().detail;
+            EXPECT_EQ(image->size(), (imaging::Size { 4, 3 }));
+            EXPECT_EQ(image->row8(2)[3], 0x80);
+        }
+        EXPECT_EQ(decoders.deathCount(), 0U);
+    }
+}
+
+struct AttackRow {
+    const char* name;
+    Handover handover;
+};
+
+class HostileDecoder : public Hostile, public testing::WithParamInterface<AttackRow> { };
+
+TEST_P(HostileDecoder, costsItsFileAndNothingElse)
+{
+    ConfinedDecoders decoders(helper(GetParam().name), little, GetParam().handover);
+    for (std::size_t files = 1; files <= 2; ++files) {
+        const auto image = decode(decoders, file());
+        ASSERT_FALSE(image);
+        EXPECT_EQ(decoders.deathCount(), files);
+    }
+}
+
+std::vector<AttackRow> attackRows()
+{
+    std::vector<AttackRow> rows;
+    for (const char* name :
+        { "dies-opening", "dies-decoding", "hangs-opening", "hangs-decoding", "declares-too-much",
+            "says-nothing-known", "says-too-much", "answers-another-question", "is-of-another-size",
+            "gives-a-part-unasked", "names-no-memory", "rows-reach-into-nothing",
+            "attaches-nothing-that-is-there", "attaches-more-than-is-allowed",
+            "has-colours-of-another-model", "attaches-garbage", "attaches-less" }) {
+        rows.push_back({ name, Handover::fetched });
+    }
+    for (const char* name : { "shares-nothing", "shares-a-file", "shares-without-seals",
+             "shares-and-can-still-write", "shares-and-can-still-cut", "shares-less-than-said",
+             "has-colours-of-another-model", "attaches-garbage" }) {
+        rows.push_back({ name, Handover::shared });
+    }
+    return rows;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    That, HostileDecoder, testing::ValuesIn(attackRows()), [](const auto& instance) {
+        std::string name = instance.param.name;
+        std::replace(name.begin(), name.end(), '-', '_');
+        return name + (instance.param.handover == Handover::shared ? "_shared" : "");
+    });
+
+TEST_F(Hostile, thatCannotBeStartedFailsItsFile)
+{
+    for (const char* name : { "dies-at-start", "is-of-another-build" }) {
+        ConfinedDecoders decoders(helper(name), little);
+        EXPECT_FALSE(decode(decoders, file())) << name;
+        EXPECT_FALSE(decoders.confinement()) << name;
+    }
+    ConfinedDecoders missing(m_folder / "none");
+    const auto image = decode(missing, file());
+    ASSERT_FALSE(image);
+    EXPECT_EQ(image.error().detail, "No such file or directory");
+}
+
+TEST_F(Hostile, thatAnEarlierFileHarmedDoesNotCostALaterOne)
+{
+    ConfinedDecoders decoders(helper("dies-over-its-second-file"));
+    EXPECT_TRUE(decode(decoders, file()));
+    EXPECT_TRUE(decode(decoders, file()));
+    EXPECT_EQ(decoders.deathCount(), 1U);
+}
+
+TEST_F(Hostile, thatHangsIsLeftWhenAStopIsRequested)
+{
+    ConfinedDecoders decoders(helper("hangs-decoding"));
+    std::stop_source stop;
+    auto source = decoders.open(file(), Limits(), stop.get_token());
+    ASSERT_TRUE(source);
+    auto image = std::async(std::launch::async, [&] { return source->image(); });
+    stop.request_stop();
+    EXPECT_FALSE(image.get());
+    EXPECT_EQ(decoders.deathCount(), 0U);
+}
+
+} // namespace
+} // namespace vellumine::confined

@@ -1,0 +1,253 @@
+#include "confined/protocol/Messages.h"
+
+#include "confined/protocol/ByteStream.h"
+#include "confined/protocol/PictureAttachments.h"
+#include "imaging/colour/ColorSpaceData.h"
+#include "support/NamedRows.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <string>
+
+namespace vellumine::confined {
+namespace {
+
+using imaging::AlphaInfo;
+using imaging::ByteBuffer;
+using imaging::ByteSpan;
+using imaging::ColorModel;
+using imaging::ColorSpace;
+using imaging::Error;
+using imaging::PixelLayout;
+using imaging::PropertyKey;
+
+constexpr PixelLayout deepColour { ColorModel::rgb, 16, AlphaInfo::last };
+
+DecodedReply decodedReply()
+{
+    return { .size = { 47, 33 },
+        .layout = deepColour,
+        .rowBytes = 400,
+        .pixelsAddress = 4096,
+        .attachmentsAddress = 8192,
+        .attachmentsBytes = 12,
+        .isRegion = true };
+}
+
+template <typename Message> const Message& as(const imaging::Result<Reply>& reply)
+{
+    return std::get<Message>(reply.value());
+}
+
+TEST(Messages, requestsComeBackAsTheyWere)
+{
+    imaging::Limits limits { .maximumPixels = 1, .maximumSide = 2, .maximumBytes = 3 };
+    const auto open
+        = std::get<OpenRequest>(*parseRequest(serialised(Request(OpenRequest { limits }))));
+    EXPECT_EQ(open.limits.maximumPixels, 1U);
+    EXPECT_EQ(open.limits.maximumSide, 2U);
+    EXPECT_EQ(open.limits.maximumBytes, 3U);
+    const auto whole
+        = std::get<DecodeRequest>(*parseRequest(serialised(Request(DecodeRequest {}))));
+    EXPECT_FALSE(whole.region);
+    const imaging::Rect rect { 1, -2, 3, 4 };
+    const auto part
+        = std::get<DecodeRequest>(*parseRequest(serialised(Request(DecodeRequest { rect }))));
+    EXPECT_EQ(part.region, rect);
+}
+
+TEST(Messages, repliesComeBackAsTheyWere)
+{
+    const Confinement confinement { .systemCallFilter = true, .landlockVersion = 7 };
+    EXPECT_EQ(as<ReadyReply>(parseReply(serialised(Reply(ReadyReply { confinement })))).confinement,
+        confinement);
+    const auto opened = parseReply(
+        serialised(Reply(OpenedReply { imaging::UniformType::tiff, { { 5, 6 }, deepColour } })));
+    EXPECT_EQ(as<OpenedReply>(opened).type, imaging::UniformType::tiff);
+    EXPECT_EQ(as<OpenedReply>(opened).header.size, (imaging::Size { 5, 6 }));
+    EXPECT_EQ(as<OpenedReply>(opened).header.layout, deepColour);
+    const auto decoded = parseReply(serialised(Reply(decodedReply())));
+    EXPECT_EQ(as<DecodedReply>(decoded).size, (imaging::Size { 47, 33 }));
+    EXPECT_EQ(as<DecodedReply>(decoded).rowBytes, 400U);
+    EXPECT_EQ(as<DecodedReply>(decoded).pixelsAddress, 4096U);
+    EXPECT_EQ(as<DecodedReply>(decoded).attachmentsAddress, 8192U);
+    EXPECT_EQ(as<DecodedReply>(decoded).attachmentsBytes, 12U);
+    EXPECT_TRUE(as<DecodedReply>(decoded).isRegion);
+    const Error error { Error::Kind::truncated, "data is missing" };
+    EXPECT_EQ(as<FailedReply>(parseReply(serialised(Reply(FailedReply { error })))).error, error);
+}
+
+TEST(Messages, aLongReasonStillFits)
+{
+    const auto bytes
+        = serialised(Reply(FailedReply { { Error::Kind::io, std::string(1'000'000, 'x') } }));
+    EXPECT_LE(bytes.size(), largestMessage);
+    EXPECT_EQ(
+        as<FailedReply>(parseReply(bytes)).error.detail.substr(0, 100), std::string(100, 'x'));
+}
+
+TEST(Messages, areRefusedWhenTheyAreCutOrLonger)
+{
+    for (const Reply& reply : { Reply(ReadyReply {}),
+             Reply(OpenedReply { imaging::UniformType::png, { { 5, 6 }, deepColour } }),
+             Reply(decodedReply()), Reply(FailedReply { { Error::Kind::io, "why" } }) }) {
+        ByteBuffer bytes = serialised(reply);
+        for (std::size_t length = 0; length < bytes.size(); ++length) {
+            EXPECT_FALSE(parseReply(ByteSpan(bytes).first(length)))
+                << reply.index() << ' ' << length;
+        }
+        bytes.push_back(std::byte { 0 });
+        EXPECT_FALSE(parseReply(bytes)) << reply.index();
+    }
+    for (const Request& request :
+        { Request(OpenRequest {}), Request(DecodeRequest { imaging::Rect { 1, 2, 3, 4 } }) }) {
+        ByteBuffer bytes = serialised(request);
+        for (std::size_t length = 0; length < bytes.size(); ++length) {
+            EXPECT_FALSE(parseRequest(ByteSpan(bytes).first(length)));
+        }
+        bytes.push_back(std::byte { 0 });
+        EXPECT_FALSE(parseRequest(bytes));
+    }
+}
+
+struct BadRow {
+    const char* name;
+    void (*spoil)(DecodedReply& reply);
+};
+
+class BadReply : public testing::TestWithParam<BadRow> { };
+
+TEST_P(BadReply, isRefused)
+{
+    DecodedReply reply = decodedReply();
+    ASSERT_TRUE(parseReply(serialised(Reply(reply))));
+    GetParam().spoil(reply);
+    EXPECT_FALSE(parseReply(serialised(Reply(reply))));
+}
+
+constexpr std::uint64_t huge = std::numeric_limits<std::uint64_t>::max();
+
+INSTANTIATE_TEST_SUITE_P(With, BadReply,
+    testing::Values(BadRow { "noWidth", [](DecodedReply& reply) { reply.size.width = 0; } },
+        BadRow { "negativeHeight", [](DecodedReply& reply) { reply.size.height = -33; } },
+        BadRow { "unknownModel",
+            [](DecodedReply& reply) { reply.layout.model = static_cast<ColorModel>(3); } },
+        BadRow { "unknownAlpha",
+            [](DecodedReply& reply) { reply.layout.alpha = static_cast<AlphaInfo>(8); } },
+        BadRow { "oddDepth", [](DecodedReply& reply) { reply.layout.bitsPerComponent = 12; } },
+        BadRow { "shortRows", [](DecodedReply& reply) { reply.rowBytes = 374; } },
+        BadRow { "hugeRows", [](DecodedReply& reply) { reply.rowBytes = huge; } },
+        BadRow { "rowsThatWrapAround",
+            [](DecodedReply& reply) { reply.rowBytes = std::uint64_t { 1 } << 59U; } }),
+    test::RowName());
+
+TEST(Messages, thoseWithoutContentAreToldApart)
+{
+    EXPECT_TRUE(
+        std::holds_alternative<ShareRequest>(*parseRequest(serialised(Request(ShareRequest {})))));
+    EXPECT_TRUE(std::holds_alternative<ReleaseRequest>(
+        *parseRequest(serialised(Request(ReleaseRequest {})))));
+    EXPECT_TRUE(
+        std::holds_alternative<SharedReply>(*parseReply(serialised(Reply(SharedReply {})))));
+    EXPECT_FALSE(parseReply(serialised(Request(ShareRequest {}))));
+    EXPECT_FALSE(parseRequest(serialised(Reply(SharedReply {}))));
+    EXPECT_FALSE(parseReply({}));
+    EXPECT_FALSE(parseRequest({}));
+}
+
+ByteBuffer bytesOf(std::string_view text)
+{
+    const auto bytes = std::as_bytes(std::span(text));
+    return { bytes.begin(), bytes.end() };
+}
+
+PictureAttachments fullAttachments()
+{
+    ColorSpace::Data data;
+    data.kind = ColorSpace::Data::Kind::icc;
+    data.model = ColorModel::cmyk;
+    data.icc = bytesOf("profile");
+    data.name = "Ink";
+    PictureAttachments attached { ColorSpace::fromData(data), imaging::Orientation::leftBottom,
+        {} };
+    attached.properties.setKnownBlocks(
+        { bytesOf("exif"), bytesOf("xmp"), {} }, imaging::Orientation::leftBottom);
+    attached.properties.set(PropertyKey::exif, imaging::DictionaryPresent {});
+    attached.properties.set(PropertyKey::pixelWidth, std::int64_t { 47 });
+    attached.properties.set(PropertyKey::lossyCompressionQuality, 0.5);
+    attached.properties.set(PropertyKey::profileName, std::string("Ink"));
+    return attached;
+}
+
+TEST(Attachments, comeBackAsTheyWere)
+{
+    const PictureAttachments before = fullAttachments();
+    const auto after = parseAttachments(serialised(before));
+    ASSERT_TRUE(after);
+    EXPECT_EQ(after->colorSpace, before.colorSpace);
+    EXPECT_EQ(after->colorSpace.profileName(), "Ink");
+    EXPECT_EQ(after->orientation, imaging::Orientation::leftBottom);
+    EXPECT_EQ(after->properties.values(), before.properties.values());
+    EXPECT_EQ(after->properties.blocks(), before.properties.blocks());
+    EXPECT_EQ(after->properties.storedOrientation(), imaging::Orientation::leftBottom);
+}
+
+TEST(Attachments, knowTheSpacesWithoutAProfile)
+{
+    for (const ColorSpace& space : { ColorSpace::sRgb(), ColorSpace::deviceRgb(),
+             ColorSpace::grey(), ColorSpace::deviceCmyk() }) {
+        const auto after = parseAttachments(
+            serialised(PictureAttachments { space, imaging::Orientation::topLeft, {} }));
+        ASSERT_TRUE(after);
+        EXPECT_EQ(after->colorSpace, space);
+    }
+}
+
+TEST(Attachments, areRefusedWhenTheyAreCutOrLonger)
+{
+    ByteBuffer bytes = serialised(fullAttachments());
+    for (std::size_t length = 0; length < bytes.size(); ++length) {
+        EXPECT_FALSE(parseAttachments(ByteSpan(bytes).first(length))) << length;
+    }
+    bytes.push_back(std::byte { 0 });
+    EXPECT_FALSE(parseAttachments(bytes));
+}
+
+TEST(Attachments, numbersThatStandForNothingAreRefused)
+{
+    const ByteBuffer good = serialised(fullAttachments());
+    // The kind of space, its model, and the orientation behind "profile" and "Ink".
+    for (const std::size_t at : { 0U, 1U, 3U + 8U + 7U + 8U + 3U }) {
+        ByteBuffer bytes = good;
+        bytes.at(at) = std::byte { 77 };
+        EXPECT_FALSE(parseAttachments(bytes)) << at;
+    }
+}
+
+TEST(ByteReader, readsNothingPastTheEnd)
+{
+    const ByteBuffer bytes(3);
+    ByteReader reader(bytes);
+    EXPECT_EQ(reader.number<std::uint16_t>(), 0);
+    EXPECT_TRUE(reader.isWhole());
+    EXPECT_EQ(reader.number<std::uint16_t>(), 0);
+    EXPECT_FALSE(reader.isWhole());
+    EXPECT_EQ(reader.number<std::uint8_t>(), 0); // not the byte that is left
+    EXPECT_FALSE(reader.isAtTheEnd());
+}
+
+TEST(ConfinementText, namesWhatIsInForce)
+{
+    EXPECT_EQ(confinementText(std::nullopt),
+        "Pictures are decoded in the program itself: the decoder is missing.");
+    EXPECT_EQ(confinementText(Confinement {}), "Pictures are decoded in a process of their own.");
+    EXPECT_EQ(confinementText(Confinement { .memoryLimit = true }),
+        "Pictures are decoded in a process of their own, confined by a memory limit.");
+    EXPECT_EQ(confinementText(Confinement { true, 7, true, true, true }),
+        "Pictures are decoded in a process of their own, confined by a system call filter, "
+        "Landlock 7, no new privileges, a memory limit and a processor time limit.");
+}
+
+} // namespace
+} // namespace vellumine::confined

@@ -1,0 +1,259 @@
+#include "confined/protocol/Channel.h"
+#include "confined/protocol/HelperDescriptor.h"
+#include "confined/protocol/Messages.h"
+#include "confined/protocol/PictureAttachments.h"
+#include "confined/protocol/SharedMemory.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+#include <string>
+
+// Follows the protocol up to the point that its name says, and breaks it there. Pictures are 4 x 3
+// pixels of grey.
+
+namespace {
+
+using namespace vellumine;
+using confined::Channel;
+using confined::DecodedReply;
+using imaging::ByteBuffer;
+using imaging::FileDescriptor;
+
+constexpr imaging::Size size { 4, 3 };
+constexpr imaging::PixelLayout layout { imaging::ColorModel::grey, 8, imaging::AlphaInfo::none };
+constexpr std::size_t pixelBytes = 12;
+
+[[noreturn]] void hang()
+{
+    while (true) {
+        ::pause();
+    }
+}
+
+[[noreturn]] void die()
+{
+    ::raise(SIGKILL);
+    std::abort();
+}
+
+void say(
+    const Channel& channel, const confined::Reply& reply, const FileDescriptor* memory = nullptr)
+{
+    (void)channel.send(confined::serialised(reply), memory);
+}
+
+ByteBuffer goodAttachments()
+{
+    return confined::serialised(confined::PictureAttachments {
+        imaging::ColorSpace::grey(), imaging::Orientation::topLeft, {} });
+}
+
+const ByteBuffer pixels(pixelBytes, std::byte { 0x80 });
+
+std::uint64_t addressOf(const ByteBuffer& bytes)
+{
+    return reinterpret_cast<std::uintptr_t>(bytes.data());
+}
+
+/// What a good helper would answer, with the parts that the attacks change.
+struct Picture {
+    ByteBuffer attachments = goodAttachments();
+    std::size_t missingBytes = 0;
+    int seals = F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_WRITE | F_SEAL_SEAL;
+    DecodedReply reply { .size = size,
+        .layout = layout,
+        .rowBytes = 4,
+        .pixelsAddress = addressOf(pixels),
+        .attachmentsAddress = addressOf(attachments),
+        .attachmentsBytes = attachments.size(),
+        .isRegion = false };
+};
+
+FileDescriptor memoryWith(const Picture& picture)
+{
+    FileDescriptor memory
+        = FileDescriptor::adopted(::memfd_create("picture", MFD_CLOEXEC | MFD_ALLOW_SEALING));
+    const ByteBuffer& attached = picture.attachments;
+    if (::write(memory.number(), pixels.data(), pixels.size()) < 0
+        || ::write(memory.number(), attached.data(), attached.size() - picture.missingBytes) < 0
+        || ::fcntl(memory.number(), F_ADD_SEALS, picture.seals) != 0) {
+        std::abort();
+    }
+    return memory;
+}
+
+/// Answers the question for pixels, and the one for shared memory if it comes.
+void hand(const Channel& channel, const Picture& picture)
+{
+    say(channel, picture.reply);
+    const auto message = channel.receive();
+    const auto request
+        = message ? confined::parseRequest(message->bytes) : imaging::failure({}, "gone");
+    if (request && std::holds_alternative<confined::ShareRequest>(*request)) {
+        const FileDescriptor memory = memoryWith(picture);
+        say(channel, confined::SharedReply {}, &memory);
+        (void)channel.receive(); // that it may be forgotten
+    }
+}
+
+/// The same with a change to the picture.
+template <typename Change> void handChanged(const Channel& channel, Change change)
+{
+    Picture picture;
+    change(picture);
+    hand(channel, picture);
+}
+
+using Attack = void (*)(const Channel&);
+
+// What is answered to the second question, the one for pixels.
+const std::map<std::string, Attack> attacks {
+    { "harmless", [](const Channel& channel) { hand(channel, {}); } },
+    { "dies-decoding", [](const Channel&) { die(); } },
+    { "hangs-decoding", [](const Channel&) { hang(); } },
+    { "says-nothing-known",
+        [](const Channel& channel) {
+            (void)channel.send(ByteBuffer(17, std::byte { 0xEE }), nullptr);
+        } },
+    { "says-too-much",
+        [](const Channel& channel) { (void)channel.send(ByteBuffer(100'000), nullptr); } },
+    { "answers-another-question",
+        [](const Channel& channel) { say(channel, confined::ReadyReply {}); } },
+    { "is-of-another-size",
+        [](const Channel& channel) {
+            handChanged(channel, [](Picture& picture) { picture.reply.size = { 3, 4 }; });
+        } },
+    { "gives-a-part-unasked",
+        [](const Channel& channel) {
+            handChanged(channel, [](Picture& picture) { picture.reply.isRegion = true; });
+        } },
+    { "names-no-memory",
+        [](const Channel& channel) {
+            handChanged(channel, [](Picture& picture) { picture.reply.pixelsAddress = 0; });
+        } },
+    { "rows-reach-into-nothing",
+        [](const Channel& channel) {
+            handChanged(channel,
+                [](Picture& picture) { picture.reply.rowBytes = std::uint64_t { 1 } << 46U; });
+        } },
+    { "attaches-nothing-that-is-there",
+        [](const Channel& channel) {
+            handChanged(channel, [](Picture& picture) { picture.reply.attachmentsAddress = 4096; });
+        } },
+    { "attaches-more-than-is-allowed",
+        [](const Channel& channel) {
+            handChanged(channel,
+                [](Picture& picture) { picture.reply.attachmentsBytes = ~std::uint64_t { 0 }; });
+        } },
+    { "has-colours-of-another-model",
+        [](const Channel& channel) {
+            handChanged(channel, [](Picture& picture) {
+                picture.attachments = confined::serialised(confined::PictureAttachments {
+                    imaging::ColorSpace::deviceCmyk(), imaging::Orientation::topLeft, {} });
+                picture.reply.attachmentsAddress = addressOf(picture.attachments);
+                picture.reply.attachmentsBytes = picture.attachments.size();
+            });
+        } },
+    { "attaches-garbage",
+        [](const Channel& channel) {
+            handChanged(channel, [](Picture& picture) {
+                std::fill(
+                    picture.attachments.begin(), picture.attachments.end(), std::byte { 0xFF });
+            });
+        } },
+    { "attaches-less",
+        [](const Channel& channel) {
+            handChanged(channel, [](Picture& picture) { picture.reply.attachmentsBytes -= 1; });
+        } },
+    // These only show where memory is shared.
+    { "shares-nothing",
+        [](const Channel& channel) {
+            say(channel, Picture().reply);
+            (void)channel.receive();
+            say(channel, confined::SharedReply {});
+        } },
+    { "shares-a-file",
+        [](const Channel& channel) {
+            say(channel, Picture().reply);
+            (void)channel.receive();
+            const FileDescriptor file = FileDescriptor::adopted(::open("/proc/self/exe", O_RDONLY));
+            say(channel, confined::SharedReply {}, &file);
+        } },
+    { "shares-without-seals",
+        [](const Channel& channel) {
+            handChanged(channel, [](Picture& picture) { picture.seals = 0; });
+        } },
+    { "shares-and-can-still-write",
+        [](const Channel& channel) {
+            handChanged(channel, [](Picture& picture) {
+                picture.seals = F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL;
+            });
+        } },
+    { "shares-and-can-still-cut",
+        [](const Channel& channel) {
+            handChanged(
+                channel, [](Picture& picture) { picture.seals = F_SEAL_GROW | F_SEAL_WRITE; });
+        } },
+    { "shares-less-than-said",
+        [](const Channel& channel) {
+            handChanged(channel, [](Picture& picture) { picture.missingBytes = 1; });
+        } },
+};
+
+/// Whether this one is to behave, as those do that come after the first one's death.
+bool isSecondStart(const std::filesystem::path& program)
+{
+    const std::filesystem::path mark = program.string() + ".started";
+    const bool second = std::filesystem::exists(mark);
+    FileDescriptor::adopted(::open(mark.c_str(), O_WRONLY | O_CREAT, 0600));
+    return second;
+}
+
+} // namespace
+
+int main(int /*count*/, char** arguments)
+{
+    const std::filesystem::path program = arguments[0];
+    const std::string name = program.filename().string();
+    const Channel channel(FileDescriptor::adopted(confined::helperDescriptor));
+    if (name == "dies-at-start") {
+        die();
+    }
+    if (name == "is-of-another-build") {
+        ByteBuffer ready = confined::serialised(confined::Reply(confined::ReadyReply {}));
+        ready[1] = std::byte { 99 };
+        (void)channel.send(ready, nullptr);
+        hang();
+    }
+    say(channel, confined::ReadyReply {});
+    const bool diesLater = name == "dies-over-its-second-file" && !isSecondStart(program);
+    for (int file = 1;; ++file) {
+        auto message = channel.receive();
+        if (!message || (diesLater && file == 2)) {
+            die();
+        }
+        if (name == "dies-opening") {
+            die();
+        }
+        if (name == "hangs-opening") {
+            hang();
+        }
+        if (name == "declares-too-much") {
+            say(channel,
+                confined::OpenedReply { imaging::UniformType::png, { { 65535, 65535 }, layout } });
+            continue;
+        }
+        say(channel, confined::OpenedReply { imaging::UniformType::png, { size, layout } });
+        if (!channel.receive()) {
+            return 0;
+        }
+        const auto attack = attacks.find(name);
+        (attack == attacks.end() ? attacks.at("harmless") : attack->second)(channel);
+    }
+}

@@ -1,0 +1,81 @@
+#include "imaging/MachineMemory.h"
+
+#include "support/TestImages.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <string_view>
+
+namespace vellumine::imaging {
+namespace {
+
+class ControlGroups : public testing::Test {
+protected:
+    void list(std::string_view text) const { test::writeFile(m_folder / "list", text); }
+
+    void limit(std::string_view file, std::string_view text) const
+    {
+        const auto path = m_folder.path() / "mounted" / file;
+        std::filesystem::create_directories(path.parent_path());
+        test::writeFile(path, text);
+    }
+
+    [[nodiscard]] std::optional<std::uint64_t> memory() const
+    {
+        return controlGroupMemory(m_folder / "list", m_folder / "mounted");
+    }
+
+    test::TemporaryFolder m_folder;
+};
+
+TEST_F(ControlGroups, theSmallestLimitOnTheWayCounts)
+{
+    list("0::/user.slice/batch.scope\n");
+    limit("user.slice/memory.max", "3000\n");
+    limit("user.slice/batch.scope/memory.max", "max\n");
+    EXPECT_EQ(memory(), 3000U);
+    limit("user.slice/batch.scope/memory.max", "2000\n");
+    EXPECT_EQ(memory(), 2000U);
+}
+
+TEST_F(ControlGroups, thoseOfTheFirstVersionCount)
+{
+    list("11:cpu:/other\n4:hugetlb,memory:/box\n0::/\n");
+    limit("memory/memory.limit_in_bytes", "9223372036854771712\n");
+    limit("memory/box/memory.limit_in_bytes", "4096\n");
+    limit("memory/other/memory.limit_in_bytes", "1\n");
+    EXPECT_EQ(memory(), 4096U);
+}
+
+TEST_F(ControlGroups, aContainerSeesItsOwnAtTheRoot)
+{
+    list("0::/../elsewhere\n");
+    limit("memory.max", "5000\n");
+    EXPECT_EQ(memory(), 5000U);
+}
+
+TEST_F(ControlGroups, withoutLimitsThereIsNone)
+{
+    EXPECT_EQ(memory(), std::nullopt);
+    list("nonsense\n0::/a\n:\n");
+    limit("a/memory.max", "max\n");
+    EXPECT_EQ(memory(), std::nullopt);
+}
+
+TEST(MemoryForThisProcess, isNoMoreThanItsAddresses)
+{
+    ASSERT_TRUE(memoryForThisProcess());
+    EXPECT_EXIT(
+        {
+            const rlimit limit { rlim_t { 1 } << 20U, RLIM_INFINITY };
+            ::setrlimit(RLIMIT_AS, &limit);
+            ::_exit(memoryForThisProcess() == std::uint64_t { 1 } << 20U ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
+} // namespace
+} // namespace vellumine::imaging
