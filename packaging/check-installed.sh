@@ -66,7 +66,7 @@ vellumine-batch pictures >batch.log 2>&1 || status=$?
 tail -n 1 batch.log
 # Pictures that are broken fail, and that is all that may.
 ((status < 2))
-echo "$(($(outputs) - before)) new files"
+echo "new files: $(($(outputs) - before))"
 (($(outputs) > before))
 
 echo "== vellumine"
