@@ -13,6 +13,10 @@ if ((EUID != 0)); then
     echo "To make a system of its own this has to be run as root." >&2
     exit 1
 fi
+if ! command -v debootstrap >/dev/null; then
+    echo "Please install debootstrap, which makes that system." >&2
+    exit 1
+fi
 
 root="${CHECK_ROOT:-}"
 if [[ -z "$root" ]]; then
@@ -34,7 +38,7 @@ inside() { # COMMAND...
 
 cp "$package" "$root/tmp/vellumine.deb"
 # What a desktop brings, and the package does not need on a machine without one.
-inside apt-get install -y -qq --no-install-recommends /tmp/vellumine.deb \
+inside apt-get install -y -qq -o Dpkg::Use-Pty=0 --no-install-recommends /tmp/vellumine.deb \
     dbus-daemon xvfb x11-utils libglib2.0-bin >/dev/null
 inside id somebody >/dev/null 2>&1 || inside useradd --create-home somebody
 rm -rf "$root/home/somebody/check"
@@ -62,7 +66,7 @@ vellumine-batch pictures >batch.log 2>&1 || status=$?
 tail -n 1 batch.log
 # Pictures that are broken fail, and that is all that may.
 ((status < 2))
-echo "$(($(outputs) - before)) new files"
+echo "new files: $(($(outputs) - before))"
 (($(outputs) > before))
 
 echo "== vellumine"
@@ -104,7 +108,7 @@ wait_for window_is_away
 echo "started, converted a picture, and ended"
 SCRIPT
 inside su somebody --shell /bin/bash --command "bash -euo pipefail /tmp/check"
-inside apt-get purge -y -qq vellumine >/dev/null
+inside apt-get purge -y -qq -o Dpkg::Use-Pty=0 vellumine >/dev/null
 if inside find /usr /etc -iname '*vellumine*' | grep .; then
     echo "These were left behind." >&2
     exit 1
