@@ -10,6 +10,8 @@ Loader {
     property string text
 
     active: control.hovered && text.length > 0
+    // The component may reach what is around it, which cannot be said to qmllint before Qt 6.5.
+    // qmllint disable unqualified
     sourceComponent: T.ToolTip {
         id: tip
 

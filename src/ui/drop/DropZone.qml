@@ -14,7 +14,7 @@ T.AbstractButton {
     function chooseFiles() {
         if (!panel.item)
             panel.setSource("OpenFilesDialog.qml", {"processing": zone.processing});
-        panel.item.open();
+        panel.item["open"]();
     }
 
     Accessible.description: processing.hintText
