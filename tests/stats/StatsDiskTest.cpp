@@ -34,10 +34,10 @@ TEST(StatsOnAFullDisk, keepTheOldFileAndAreWrittenOnceThereIsRoom)
     disk->fill();
     store.record(success(1000, 400));
     EXPECT_EQ(test::readFile(disk->path() / "stats.json"), before);
-    EXPECT_EQ(StatsStore(folder).stats().totalFilesOptimized, 1);
+    EXPECT_EQ(StatsStore(folder).stats().filesSucceeded, 1);
     std::filesystem::remove(disk->path() / "filling");
     store.record(success(1000, 400));
-    EXPECT_EQ(StatsStore(folder).stats().totalFilesOptimized, 3);
+    EXPECT_EQ(StatsStore(folder).stats().filesSucceeded, 3);
 }
 
 } // namespace
