@@ -65,16 +65,21 @@ TEST_F(ControlGroups, withoutLimitsThereIsNone)
     EXPECT_EQ(memory(), std::nullopt);
 }
 
+/// For a process of its own: ends it, with 0 where its memory is what its addresses are limited to.
+[[noreturn]] void endWithLimitedAddresses()
+{
+    constexpr rlim_t addresses = rlim_t { 1 } << 20U;
+    rlimit limit {};
+    limit.rlim_cur = addresses;
+    limit.rlim_max = RLIM_INFINITY;
+    ::setrlimit(RLIMIT_AS, &limit);
+    ::_exit(memoryForThisProcess() == std::uint64_t { addresses } ? 0 : 1);
+}
+
 TEST(MemoryForThisProcess, isNoMoreThanItsAddresses)
 {
     ASSERT_TRUE(memoryForThisProcess());
-    EXPECT_EXIT(
-        {
-            const rlimit limit { rlim_t { 1 } << 20U, RLIM_INFINITY };
-            ::setrlimit(RLIMIT_AS, &limit);
-            ::_exit(memoryForThisProcess() == std::uint64_t { 1 } << 20U ? 0 : 1);
-        },
-        testing::ExitedWithCode(0), "");
+    EXPECT_EXIT(endWithLimitedAddresses(), testing::ExitedWithCode(0), "");
 }
 
 } // namespace
