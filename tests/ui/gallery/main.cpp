@@ -25,6 +25,16 @@
 
 namespace {
 
+/// Before anything is shown: what moves would be seen half-way.
+void stopMotion(QQmlEngine& engine)
+{
+    QQmlComponent component(&engine);
+    component.setData("import QtQml\nimport Vellumine\nQtObject {}", QUrl()); // has the types known
+    const std::unique_ptr<QObject> made(component.create());
+    engine.singletonInstance<vellumine::Motion*>(qmlTypeId("Vellumine", 1, 0, "Motion"))
+        ->setReduced(true);
+}
+
 /// Renders one scene; an empty text, or what went wrong.
 QString renderScene(QQmlEngine& engine, const QString& scene, const QString& picture)
 {
@@ -33,8 +43,6 @@ QString renderScene(QQmlEngine& engine, const QString& scene, const QString& pic
     if (!root) {
         return component.errorString();
     }
-    engine.singletonInstance<vellumine::Motion*>(qmlTypeId("Vellumine", 1, 0, "Motion"))
-        ->setReduced(true);
     std::unique_ptr<QQuickWindow> frame;
     auto* window = qobject_cast<QQuickWindow*>(root.get());
     if (window == nullptr) {
@@ -102,6 +110,7 @@ int main(int argumentCount, char** arguments)
     const QStringList scenes = parser.positionalArguments();
     for (const QString& scene : scenes) {
         QQmlEngine engine;
+        stopMotion(engine);
         const QString picture
             = folder.filePath(QFileInfo(scene).completeBaseName() + QStringLiteral(".png"));
         const QString failure = renderScene(engine, scene, picture);
