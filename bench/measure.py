@@ -67,7 +67,7 @@ class Row:
                 "verdict": self.verdict, "values": self.values}
 
     def as_markdown(self):
-        digits = 0 if self.unit else 3
+        digits = {"": 3, "ms": 1}.get(self.unit, 0)
         numbers = [f"{value:.{digits}f} {self.unit}".strip()
                    for value in (self.median, min(self.values), max(self.values))]
         goal = "" if self.goal is None else f"≤ {self.goal:g} {self.unit}".strip()

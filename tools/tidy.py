@@ -2,7 +2,8 @@
 """Runs clang-tidy over source files in parallel and prints what it finds.
 
 A file that passed is not looked at again until it, a header of ours that it includes, the checks or
-the way it is compiled changes: the hash of all of these names an empty file in the cache folder.
+the way it is compiled changes: the hash of all of these names an empty file in the cache folder,
+which checkouts may share.
 """
 
 import argparse
@@ -53,7 +54,8 @@ def with_headers(path):
 
 def compile_commands(build):
     entries = json.loads((build / "compile_commands.json").read_text())
-    return {pathlib.Path(entry["file"]).resolve(): entry.get("command", "") for entry in entries}
+    return {pathlib.Path(entry["file"]).resolve(): entry.get("command", "").replace(str(ROOT), ".")
+            for entry in entries}
 
 
 def key(path, common, commands):

@@ -53,17 +53,21 @@ QList<QUrl> FolderAccessGrants::uniqueParentFolders(const QList<QUrl>& urls)
 {
     QList<QUrl> folders;
     QSet<QByteArray> seen;
-    QByteArray last;
+    QString last;
     for (const QUrl& url : urls) {
-        const QUrl folder = platform::parentFolder(url);
-        const QByteArray path = platform::standardizedPath(folder);
         // The files of one folder mostly come one after the other.
-        if (path == last || seen.contains(path)) {
+        const QString path = url.path();
+        const QStringView parent = QStringView(path).left(path.lastIndexOf(u'/') + 1);
+        if (parent == last && parent != path) {
             continue;
         }
-        last = path;
-        seen.insert(path);
-        folders.append(platform::standardized(folder));
+        last = parent.toString();
+        const QUrl folder = platform::parentFolder(url);
+        const QByteArray key = platform::standardizedPath(folder);
+        if (!seen.contains(key)) {
+            seen.insert(key);
+            folders.append(platform::standardized(folder));
+        }
     }
     return folders;
 }

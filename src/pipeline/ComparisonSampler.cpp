@@ -90,8 +90,8 @@ struct ComparisonSampler::OutputSample {
 std::optional<ComparisonSampler::OutputSample> ComparisonSampler::OutputSample::read(
     const QUrl& url, ReadBack readBack, Size orientedSize, const ConversionEnvironment& environment)
 {
-    const auto cropRect = [orientedSize](Size size) {
-        return centredRect(size, smaller(smaller(orientedSize, size), largest));
+    const auto cropRect = [orientedSize](Size whole) {
+        return centredRect(whole, smaller(smaller(orientedSize, whole), largest));
     };
     if (readBack == ReadBack::whole) {
         const auto image = ImageOptimizer::decoded(url, environment);

@@ -9,10 +9,11 @@
 namespace vellumine::test {
 
 /// Lets the event loop run until the predicate holds, waking up for events alone; false when that
-/// takes longer than any test should.
-template <typename Predicate> [[nodiscard]] bool runUntil(Predicate predicate)
+/// takes longer than the limit, by default than any test should.
+template <typename Predicate>
+[[nodiscard]] bool runUntil(
+    Predicate predicate, std::chrono::milliseconds limit = std::chrono::seconds(60))
 {
-    const std::chrono::seconds limit(60);
     const QDeadlineTimer deadline(limit);
     QTimer wakeUp;
     wakeUp.setSingleShot(true);

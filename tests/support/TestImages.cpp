@@ -164,9 +164,13 @@ double maximumDifference(const Image& a, const Image& b)
 }
 
 TemporaryFolder::TemporaryFolder()
+    : TemporaryFolder(std::filesystem::temp_directory_path())
 {
-    std::string pattern
-        = (std::filesystem::temp_directory_path() / "vellumine-test-XXXXXX").string();
+}
+
+TemporaryFolder::TemporaryFolder(const std::filesystem::path& parent)
+{
+    std::string pattern = (parent / "vellumine-test-XXXXXX").string();
     if (::mkdtemp(pattern.data()) == nullptr) {
         throw std::runtime_error("no temporary folder could be made");
     }

@@ -47,6 +47,7 @@ inline constexpr imaging::Size oddSize { 47, 33 };
 class TemporaryFolder {
 public:
     TemporaryFolder();
+    explicit TemporaryFolder(const std::filesystem::path& parent);
     ~TemporaryFolder();
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;

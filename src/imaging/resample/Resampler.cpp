@@ -1,11 +1,12 @@
 #include "imaging/resample/Resampler.h"
 
+#include "imaging/PixelMemory.h"
+
 #include <zimg.h>
 
 #include <algorithm>
 #include <cassert>
 #include <cstddef>
-#include <cstdlib>
 #include <memory>
 
 namespace vellumine::imaging {
@@ -19,19 +20,15 @@ struct GraphDeleter {
 };
 using Graph = std::unique_ptr<zimg_filter_graph, GraphDeleter>;
 
-struct FreeDeleter {
-    void operator()(void* memory) const { std::free(memory); }
-};
-using AlignedMemory = std::unique_ptr<void, FreeDeleter>;
-
 std::size_t roundedUp(std::size_t bytes)
 {
     return (bytes + alignment - 1) / alignment * alignment;
 }
 
-AlignedMemory allocateAligned(std::size_t bytes)
+/// At least one byte, aligned as the library wants it.
+PixelMemory allocateAligned(std::size_t bytes)
 {
-    return AlignedMemory(std::aligned_alloc(alignment, std::max(alignment, roundedUp(bytes))));
+    return allocatePixels(std::max(alignment, roundedUp(bytes)));
 }
 
 zimg_image_format planarFormat(Size size, int planes)
@@ -104,8 +101,7 @@ public:
     }
     [[nodiscard]] std::byte* plane(int index) const
     {
-        return static_cast<std::byte*>(m_memory.get())
-            + m_planeBytes * static_cast<std::size_t>(index);
+        return m_memory.get() + m_planeBytes * static_cast<std::size_t>(index);
     }
 
     [[nodiscard]] PlanarRow row(unsigned y, unsigned left, unsigned right) const
@@ -123,7 +119,7 @@ private:
     unsigned m_mask;
     std::size_t m_rowBytes;
     std::size_t m_planeBytes = 0;
-    AlignedMemory m_memory;
+    PixelMemory m_memory;
 };
 
 /// What the library's callbacks get to see.
@@ -162,7 +158,7 @@ Result<void> resample(const ResampleJob& job)
         job.source.width, job.planes, inputLines, static_cast<unsigned>(job.source.height));
     const RowRing output(
         job.target.width, job.planes, outputLines, static_cast<unsigned>(job.target.height));
-    const AlignedMemory scratch = allocateAligned(scratchBytes);
+    const PixelMemory scratch = allocateAligned(scratchBytes);
     if (!input.isValid() || !output.isValid() || !scratch) {
         return failure(Error::Kind::outOfMemory, "no memory to resample in");
     }
