@@ -31,8 +31,9 @@ public:
 
     ComparisonSampler(const imaging::Image& oriented, const imaging::Image& encoded);
 
-    /// Reads the written file and writes the samples, whether or not the conversion was to give up. What cannot be read is sampled from the
-    /// picture that was encoded. The first sample stays where the second cannot be written.
+    /// Reads the written file and writes the samples, whether or not the conversion was to give up.
+    /// What cannot be read is sampled from the picture that was encoded. The first sample stays
+    /// where the second cannot be written.
     [[nodiscard]] Comparison compare(const QUrl& sourceURL, const QUrl& outputURL,
         ReadBack readBack, const ConversionEnvironment& environment) const;
 

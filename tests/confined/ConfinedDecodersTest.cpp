@@ -84,7 +84,7 @@ protected:
     [[nodiscard]] std::filesystem::path picture(
         UniformType type, imaging::Size size = test::oddSize) const
     {
-        const std::filesystem::path path
+        std::filesystem::path path
             = m_folder / (std::string("picture.") + std::string(preferredExtension(type)));
         std::filesystem::remove(path);
         auto destination = imaging::ImageDestination::create(path, type);

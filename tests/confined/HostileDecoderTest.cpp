@@ -15,7 +15,6 @@ namespace vellumine::confined {
 namespace {
 
 using namespace std::chrono_literals;
-using imaging::Error;
 using imaging::ImageSource;
 using imaging::Limits;
 

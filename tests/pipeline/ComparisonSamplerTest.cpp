@@ -57,8 +57,8 @@ protected:
         const Image& oriented, const Image& encoded, ReadBack readBack = ReadBack::sampleOnly)
     {
         return ComparisonSampler(oriented, encoded)
-            .compare(urlOf("/from/source.jpg"), urlOf(output()), readBack,
-                m_workplace.environment());
+            .compare(
+                urlOf("/from/source.jpg"), urlOf(output()), readBack, m_workplace.environment());
     }
 
     [[nodiscard]] std::filesystem::path output() const

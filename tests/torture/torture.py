@@ -117,6 +117,7 @@ def torture_with_hostile_inputs(table, program, samples, count, seed):
                         if not path.name.startswith("vellumine-preview-"))
             replaced = re.search(r"replaced (\d+) time", errors)
             deaths += int(replaced.group(1)) if replaced else 0
+            print(f"{sum(kinds.values())} of {count} hostile inputs", file=sys.stderr, flush=True)
     for kind, number in kinds.items():
         table.add(f"hostile inputs, {kind}", number)
     table.add("hostile inputs in all", sum(kinds.values()), count)

@@ -13,7 +13,6 @@ using imaging::ColorModel;
 using imaging::ColorSpace;
 using imaging::Error;
 using imaging::ImageProperties;
-using imaging::Orientation;
 using imaging::PropertyKey;
 using imaging::PropertyValue;
 
