@@ -17,6 +17,7 @@ import sys
 import tempfile
 
 from measure import Row, ratios, run, run_all
+from windows import Windows
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 WIDTH = 2560
@@ -254,6 +255,11 @@ def main():
                          bench.main_thread_mostly, bench.model, bench.growth, bench.scan):
             rows.append(question())
             print(rows[-1].as_markdown(), flush=True)
+        if (arguments.build / "bin/vellumine").exists():
+            print("\n| windows | median | min | max | goal | |\n|---|---|---|---|---|---|")
+            for row in Windows(arguments.build, scratch, arguments.repetitions).rows():
+                rows.append(row)
+                print(row.as_markdown(), flush=True)
     report(rows, arguments.output, photos)
     return 0
 

@@ -177,13 +177,6 @@
     </message>
 </context>
 <context>
-    <name>DropZone</name>
-    <message>
-        <source>Optimize Images</source>
-        <translation>Bilder optimieren</translation>
-    </message>
-</context>
-<context>
     <name>FolderAccessGrants</name>
     <message>
         <source>Allow Vellumine to save converted images in %1.</source>
@@ -275,6 +268,13 @@
     <message>
         <source>Toggle metadata removal</source>
         <translation>Entfernen der Metadaten ein- oder ausschalten</translation>
+    </message>
+</context>
+<context>
+    <name>OpenFilesDialog</name>
+    <message>
+        <source>Optimize Images</source>
+        <translation>Bilder optimieren</translation>
     </message>
 </context>
 <context>

@@ -23,7 +23,7 @@ VellumineWindow {
     }
 
     Shortcut {
-        sequences: [StandardKey.Cancel]
+        sequences: [ShortcutTexts.cancelKeys]
 
         onActivated: window.close()
     }

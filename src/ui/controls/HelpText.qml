@@ -2,40 +2,49 @@ import QtQuick
 import QtQuick.Templates as T
 import Vellumine
 
-// The help text of a control, shown while the pointer rests on it.
-T.ToolTip {
-    id: tip
+// The help text of a control, shown while the pointer rests on it, and made only then.
+Loader {
+    id: help
 
     required property T.Control control
+    property string text
 
-    delay: 600
-    enter: Transition {
-        NumberAnimation {
-            duration: Motion.quick
-            from: 0
-            property: "opacity"
-            to: 1
+    active: control.hovered && text.length > 0
+    // The component may reach what is around it, which cannot be said to qmllint before Qt 6.5.
+    // qmllint disable unqualified
+    sourceComponent: T.ToolTip {
+        id: tip
+
+        delay: 600
+        horizontalPadding: 8
+        implicitHeight: contentItem.implicitHeight + topPadding + bottomPadding
+        implicitWidth: contentItem.implicitWidth + leftPadding + rightPadding
+        margins: 6
+        parent: help.control
+        text: help.text
+        timeout: 8000
+        verticalPadding: 5
+        visible: help.control.hovered
+        x: (help.control.width - width) / 2
+        y: help.control.height + 6
+
+        background: Rectangle {
+            border.color: KestrovaTheme.faded(KestrovaTheme.cream, 0.2)
+            color: KestrovaTheme.leatherDeep
+            radius: 6
         }
-    }
-    implicitHeight: contentItem.implicitHeight + topPadding + bottomPadding
-    implicitWidth: contentItem.implicitWidth + leftPadding + rightPadding
-    horizontalPadding: 8
-    margins: 6
-    parent: control
-    timeout: 8000
-    verticalPadding: 5
-    visible: control.hovered && text.length > 0
-    x: (control.width - width) / 2
-    y: control.height + 6
-
-    background: Rectangle {
-        border.color: KestrovaTheme.faded(KestrovaTheme.cream, 0.2)
-        color: KestrovaTheme.leatherDeep
-        radius: 6
-    }
-    contentItem: Text {
-        color: KestrovaTheme.cream
-        font: TextStyle.subheadline
-        text: tip.text
+        contentItem: Text {
+            color: KestrovaTheme.cream
+            font: TextStyle.subheadline
+            text: tip.text
+        }
+        enter: Transition {
+            NumberAnimation {
+                duration: Motion.quick
+                from: 0
+                property: "opacity"
+                to: 1
+            }
+        }
     }
 }

@@ -9,16 +9,24 @@ FolderDialog {
     required property FolderPanelPresenter panel
     property Connections requests: Connections {
         function onAsked() {
-            dialog.title = dialog.panel.message;
-            dialog.acceptLabel = dialog.panel.prompt;
-            dialog.currentFolder = dialog.panel.folder;
-            dialog.options = dialog.panel.dialogOptions;
-            dialog.open();
+            dialog.show();
         }
 
         target: dialog.panel
     }
 
+    function show() {
+        title = panel.message;
+        acceptLabel = panel.prompt;
+        currentFolder = panel.folder;
+        options = panel.dialogOptions;
+        open();
+    }
+
+    Component.onCompleted: {
+        if (panel.isShown)
+            show();
+    }
     onAccepted: panel.choose(selectedFolder)
     onRejected: panel.cancel()
 }

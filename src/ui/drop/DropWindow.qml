@@ -38,7 +38,26 @@ VellumineWindow {
         prompt: window.overwritePrompt
     }
 
-    FolderPanelDialog {
-        panel: window.folderPanel
+    // By its address: what dialogs need is loaded when the first one opens.
+    Loader {
+        id: folderDialog
+
+        function load() {
+            if (!item)
+                setSource("FolderPanelDialog.qml", {"panel": window.folderPanel});
+        }
+
+        Component.onCompleted: {
+            if (window.folderPanel.isShown)
+                load();
+        }
+    }
+
+    Connections {
+        function onAsked() {
+            folderDialog.load();
+        }
+
+        target: window.folderPanel
     }
 }

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Dialogs
 import QtQuick.Templates as T
 import Vellumine
 
@@ -9,10 +8,13 @@ T.AbstractButton {
 
     required property ProcessingPresenter processing
     readonly property bool isTargeted: target.isTargeted
+    readonly property bool isChoosing: panel.item?.visible ?? false
     readonly property real cornerRadius: 8
 
     function chooseFiles() {
-        panel.open();
+        if (!panel.item)
+            panel.setSource("OpenFilesDialog.qml", {"processing": zone.processing});
+        panel.item["open"]();
     }
 
     Accessible.description: processing.hintText
@@ -68,14 +70,9 @@ T.AbstractButton {
         processing: zone.processing
     }
 
-    FileDialog {
+    // By its address: what dialogs need is loaded when the first one opens.
+    Loader {
         id: panel
-
-        fileMode: FileDialog.OpenFiles
-        nameFilters: zone.processing.nameFilters
-        title: qsTr("Optimize Images")
-
-        onAccepted: zone.processing.loadDroppedFiles(selectedFiles)
     }
 
     onClicked: chooseFiles()

@@ -19,6 +19,7 @@ class ShortcutTexts : public QObject {
     Q_PROPERTY(QKeySequence openKeys READ openKeys CONSTANT)
     Q_PROPERTY(QKeySequence pasteKeys READ pasteKeys CONSTANT)
     Q_PROPERTY(QKeySequence closeKeys READ closeKeys CONSTANT)
+    Q_PROPERTY(QKeySequence cancelKeys READ cancelKeys CONSTANT)
 
 public:
     explicit ShortcutTexts(QObject* parent = nullptr)
@@ -31,6 +32,7 @@ public:
     [[nodiscard]] static QKeySequence openKeys() { return { Qt::CTRL | Qt::Key_O }; }
     [[nodiscard]] static QKeySequence pasteKeys() { return { Qt::CTRL | Qt::Key_V }; }
     [[nodiscard]] static QKeySequence closeKeys() { return { Qt::CTRL | Qt::Key_W }; }
+    [[nodiscard]] static QKeySequence cancelKeys() { return { Qt::Key_Escape }; }
     [[nodiscard]] static QString preferences()
     {
         return preferencesKeys().toString(QKeySequence::NativeText);

@@ -7,6 +7,8 @@ SettingsChip {
     required property SettingsPresenter settings
 
     helpText: qsTr("Change output destination")
+    // The component may reach what is around it, which cannot be said to qmllint before Qt 6.5.
+    // qmllint disable unqualified
     menu: KestrovaMenu {
         MenuTitle {
             text: qsTr("Destination")

@@ -1,29 +1,31 @@
 import QtQuick
-import QtQuick.Controls.Basic as Basic
 import QtQuick.Layouts
 import QtQuick.Templates as T
 import Vellumine
 
 // Every setting in labelled sections, the lifetime totals and the version.
-T.Pane {
+FocusScope {
     id: view
 
     required property SettingsPresenter settings
     required property StatsPresenter stats
     property real cornerRadius: 0
 
-    bottomPadding: 16
     implicitHeight: 840
     implicitWidth: 620
-    leftPadding: 22
-    rightPadding: 22
-    topPadding: 42
 
-    background: WindowBackground {
+    WindowBackground {
+        anchors.fill: parent
         mirrored: view.LayoutMirroring.enabled
         radius: view.cornerRadius
     }
-    contentItem: ColumnLayout {
+
+    ColumnLayout {
+        anchors.bottomMargin: 16
+        anchors.fill: parent
+        anchors.leftMargin: 22
+        anchors.rightMargin: 22
+        anchors.topMargin: 42
         spacing: 10
 
         RowLayout {
@@ -70,14 +72,7 @@ T.Pane {
             contentHeight: sections.implicitHeight
             contentWidth: width
 
-            T.ScrollBar.vertical: Basic.ScrollBar {
-                contentItem: Rectangle {
-                    color: KestrovaTheme.faded(KestrovaTheme.cream, parent.pressed ? 0.5 : 0.3)
-                    implicitWidth: 6
-                    radius: 3
-                }
-                policy: page.contentHeight > page.height ? Basic.ScrollBar.AlwaysOn : Basic.ScrollBar.AlwaysOff
-            }
+            T.ScrollBar.vertical: KestrovaScrollBar {}
 
             ColumnLayout {
                 id: sections

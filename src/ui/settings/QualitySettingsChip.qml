@@ -11,6 +11,8 @@ SettingsChip {
     systemName: settings.qualitySymbol
     text: settings.qualityText
 
+    // The component may reach what is around it, which cannot be said to qmllint before Qt 6.5.
+    // qmllint disable unqualified
     Component {
         id: presets
 

@@ -4,7 +4,7 @@ import Vellumine
 // The maker's mark, or a seal where the program carries none.
 Item {
     property url logo: ProductInfo.logo
-    readonly property bool showsLogo: logo.toString().length > 0
+    readonly property bool showsLogo: String(logo).length > 0
 
     implicitHeight: 44
     implicitWidth: 44
@@ -14,7 +14,8 @@ Item {
         fillMode: Image.PreserveAspectFit
         objectName: "logo"
         source: parent.logo
-        sourceSize: Qt.size(width, height)
+        sourceSize.height: height
+        sourceSize.width: width
         visible: parent.showsLogo
     }
 

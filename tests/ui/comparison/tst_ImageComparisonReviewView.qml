@@ -59,6 +59,20 @@ Item {
             compare(findChild(canvas, "splitHandle").width, 22);
         }
 
+        function test_textsAroundTheCanvas() {
+            const texts = [];
+            const collect = parent => {
+                for (const child of Array.from(parent.children)) {
+                    if (child instanceof Text && child.visible && child !== canvas)
+                        texts.push(child.text);
+                    if (child !== canvas)
+                        collect(child);
+                }
+            };
+            collect(view);
+            compare(texts, ["Before / After Review", "100% center sample", fixture.presenter.sourceText, fixture.presenter.outputText, "Before", fixture.presenter.sourceSizeText, "After", fixture.presenter.outputSizeText, "Move the pointer"]);
+        }
+
         function test_theSplitFollowsThePointer() {
             mouseMove(canvas, 200, 100);
             compare(fixture.presenter.split, 200 / canvas.width);

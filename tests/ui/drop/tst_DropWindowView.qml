@@ -266,6 +266,47 @@ Item {
             verify(findChild(view, "background").mirrored);
         }
 
+        function test_keysAndAClickAskForFiles_data() {
+            return [
+                {tag: "a click", act: () => mouseClick(zone)},
+                {tag: "Return", act: () => keyClick(Qt.Key_Return)},
+                {tag: "Enter", act: () => keyClick(Qt.Key_Enter)},
+                {tag: "the space bar", act: () => keyClick(Qt.Key_Space)},
+                {tag: "Ctrl+O", act: () => keyClick(Qt.Key_O, Qt.ControlModifier)},
+                {tag: "Ctrl+O elsewhere", act: () => {
+                    findChild(view, "preferencesButton").forceActiveFocus(Qt.TabFocusReason);
+                    keyClick(Qt.Key_O, Qt.ControlModifier);
+                }}
+            ];
+        }
+
+        function test_keysAndAClickAskForFiles(row) {
+            zone.forceActiveFocus(Qt.TabFocusReason);
+            verify(!zone.isChoosing);
+            row.act();
+            tryCompare(zone, "isChoosing", true);
+            keyClick(Qt.Key_Escape);
+            tryCompare(zone, "isChoosing", false);
+            compare(batches.begun, [], "nothing was chosen");
+        }
+
+        function test_severalFilesAndFoldersAtOnce() {
+            const files = ["a.jpg", "b.PNG", "c.heif", "notes.txt"].map(name => "file:///pictures/" + name);
+            verify(drag.enterWithUris(zone, 50, 50, files));
+            verify(drag.drop(zone, 50, 50));
+            batches.letAllGo();
+            tryVerify(() => batches.begun.length === 3);
+            compare(Array.from(batches.begun).sort(), ["a.jpg", "b.PNG", "c.heif"]);
+        }
+
+        function test_pasteOfATextIsNothing() {
+            batches.copyText("/pictures/copied.png");
+            zone.forceActiveFocus();
+            const before = batches.presenter.statusText;
+            keyClick(Qt.Key_V, Qt.ControlModifier);
+            compare(batches.presenter.statusText, before);
+        }
+
         function test_pasteTakesCopiedFiles() {
             batches.copyUris(["file:///pictures/copied.png"]);
             zone.forceActiveFocus();

@@ -25,6 +25,16 @@
 
 namespace {
 
+/// Before anything is shown: what moves would be seen half-way.
+void stopMotion(QQmlEngine& engine)
+{
+    QQmlComponent component(&engine);
+    component.setData("import QtQml\nimport Vellumine\nQtObject {}", QUrl()); // has the types known
+    const std::unique_ptr<QObject> made(component.create());
+    engine.singletonInstance<vellumine::Motion*>(qmlTypeId("Vellumine", 1, 0, "Motion"))
+        ->setReduced(true);
+}
+
 /// Renders one scene; an empty text, or what went wrong.
 QString renderScene(QQmlEngine& engine, const QString& scene, const QString& picture)
 {
@@ -75,6 +85,7 @@ int main(int argumentCount, char** arguments)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
     QQuickStyle::setStyle(QStringLiteral("Basic"));
+    QQuickWindow::setDefaultAlphaBuffer(true); // the corners of our windows are round
     QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
     QGuiApplication application(argumentCount, arguments);
     QGuiApplication::setFont(QFont(QStringLiteral("Inter")));
@@ -99,8 +110,7 @@ int main(int argumentCount, char** arguments)
     const QStringList scenes = parser.positionalArguments();
     for (const QString& scene : scenes) {
         QQmlEngine engine;
-        engine.singletonInstance<vellumine::Motion*>(qmlTypeId("Vellumine", 1, 0, "Motion"))
-            ->setReduced(true);
+        stopMotion(engine);
         const QString picture
             = folder.filePath(QFileInfo(scene).completeBaseName() + QStringLiteral(".png"));
         const QString failure = renderScene(engine, scene, picture);

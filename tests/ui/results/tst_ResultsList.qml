@@ -105,6 +105,45 @@ Item {
             verify(findChild(row(0), "buttons").visible);
         }
 
+        function test_textsOfARowAsTheyShouldLook() {
+            fixture.addSuccess("a.jpg", 2000000, 1500000);
+            waitForRendering(list);
+            const name = findChild(row(0), "fileName");
+            const message = findChild(row(0), "message");
+            const metrics = findChild(row(0), "metrics");
+            fuzzyCompare(name.color, KestrovaTheme.cream, 1);
+            fuzzyCompare(message.color, KestrovaTheme.creamMuted, 1);
+            fuzzyCompare(metrics.color, KestrovaTheme.creamSubtle, 1);
+            compare([message.font.pixelSize, metrics.font.pixelSize], [TextStyle.caption.pixelSize, TextStyle.caption.pixelSize]);
+            compare([name.maximumLineCount, message.maximumLineCount], [1, 1]);
+            compare(message.y - name.y - name.height, 2);
+            compare(metrics.y - message.y - message.height, 2);
+            const buttons = findChild(row(0), "buttons");
+            compare(buttons.spacing, 7);
+            compare([findChild(row(0), "compare").symbol, findChild(row(0), "reveal").symbol], ["rectangle.split.2x1", "magnifyingglass"]);
+        }
+
+        function test_badgesAsTheyShouldLook() {
+            fixture.addSuccess("a.jpg", 2000000, 1500000);
+            waitForRendering(list);
+            const badge = findChild(row(0), "badges").children[0];
+            const symbol = badge.children[0];
+            const label = badge.children[1];
+            compare(badge.systemName, "aspectratio");
+            compare(symbol.name, "aspectratio");
+            compare(label.text, "4032x3024 -> 2560x1920");
+            compare(label.font.pixelSize, 9);
+            compare(label.font.weight, Font.DemiBold);
+            fuzzyCompare(label.color, KestrovaTheme.creamMuted, 1);
+            compare(symbol.x, 5);
+            compare(label.x, 5 + symbol.width + 3);
+            compare(badge.height, label.implicitHeight + 2 * 2);
+            fuzzyCompare(badge.color, KestrovaTheme.faded(KestrovaTheme.cream, 0.07), 1);
+            fuzzyCompare(badge.border.color, KestrovaTheme.faded(KestrovaTheme.cream, 0.1), 1);
+            compare(badge.border.width, 1);
+            verify(badge.radius > 0);
+        }
+
         function badgesShown(item: Item): int {
             const badges = findChild(item, "badges");
             let count = 0;

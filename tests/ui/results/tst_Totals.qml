@@ -87,6 +87,18 @@ Item {
             verify(findChild(strip, "best").visible);
         }
 
+        function test_theStripsLine() {
+            const files = findChild(strip, "files");
+            const line = files.parent;
+            compare(line.spacing, 10);
+            compare([line.x, line.y, strip.width - line.x - line.width], [12, 8, 12]);
+            compare(files.font.pixelSize, TextStyle.caption.pixelSize);
+            compare(files.font.weight, Font.DemiBold);
+            const symbol = line.children[0];
+            compare(symbol.name, "chart.line.uptrend.xyaxis");
+            fuzzyCompare(symbol.color, KestrovaTheme.copperBright, 1);
+        }
+
         function test_theStripIsACapsule() {
             compare(strip.radius, strip.height / 2);
             compare(strip.color.a.toFixed(2), "0.08");
