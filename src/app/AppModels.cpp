@@ -1,6 +1,6 @@
 #include "app/AppModels.h"
 
-#include "core/Product.h"
+#include "update/VersionText.h"
 
 #include <QThread>
 
@@ -11,7 +11,7 @@ namespace vellumine {
 AppModels::AppModels(Surroundings surroundings)
     : m_settingsStore(std::move(surroundings.preferences), m_bookmarks)
     , m_statsStore(surroundings.statsFolder)
-    , m_updateChecker(std::move(surroundings.updateSource), QString(product::version))
+    , m_updateChecker(std::move(surroundings.updateSource), currentVersionText())
     , m_temporaryFolder(std::move(surroundings.temporaryFolder))
     , m_executableFolder(std::move(surroundings.executableFolder))
     , m_securityScope(std::move(surroundings.securityScope))
