@@ -663,7 +663,7 @@
     </message>
     <message>
         <source>Free software under the GNU General Public License, version 3 or later</source>
-        <translation>Freie Software unter der GNU General Public License, Version 3 oder neuer</translation>
+        <translation>Freie Software unter der GNU GPL, Version 3 oder neuer</translation>
     </message>
     <message>
         <source>With thanks to the makers of %1</source>

@@ -58,12 +58,13 @@ QList<QUrl> FolderAccessGrants::uniqueParentFolders(const QList<QUrl>& urls)
 {
     QList<QUrl> folders;
     QSet<QByteArray> seen;
-    QString last;
+    std::optional<QString> last;
     for (const QUrl& url : urls) {
-        // The files of one folder mostly come one after the other.
-        const QString path = url.path();
+        // The files of one folder mostly come one after the other. Encoded, as names that are not
+        // UTF-8 are the same decoded.
+        const QString path = url.path(QUrl::FullyEncoded);
         const QStringView parent = QStringView(path).left(path.lastIndexOf(u'/') + 1);
-        if (parent == last && parent != path) {
+        if (last == parent && parent != path) {
             continue;
         }
         last = parent.toString();

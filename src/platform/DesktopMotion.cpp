@@ -42,6 +42,8 @@ DesktopMotion::DesktopMotion(QDBusConnection bus, QObject* parent)
     if (!m_bus.isConnected()) {
         return;
     }
+    // A slot whose types are not known yet is not connected.
+    qRegisterMetaType<QDBusVariant>();
     qDBusRegisterMetaType<DesktopSettings>();
     m_bus.connect(portal, path, settings, QStringLiteral("SettingChanged"), this,
         SLOT(take(QString, QString, QDBusVariant)));
@@ -51,7 +53,8 @@ DesktopMotion::DesktopMotion(QDBusConnection bus, QObject* parent)
     connect(watcher, &QDBusPendingCallWatcher::finished, this,
         [this](QDBusPendingCallWatcher* finished) {
             const QDBusPendingReply<DesktopSettings> reply = *finished;
-            if (!reply.isError()) {
+            // A change is newer than the answer, even where it is delivered before it.
+            if (!reply.isError() && !m_hasChanged) {
                 takeAll(reply.value());
             }
             finished->deleteLater();
@@ -61,6 +64,7 @@ DesktopMotion::DesktopMotion(QDBusConnection bus, QObject* parent)
 void DesktopMotion::take(const QString& group, const QString& name, const QDBusVariant& value)
 {
     if (const auto isReduced = asksForReducedMotion(group, name, value.variant())) {
+        m_hasChanged = true;
         set(*isReduced);
     }
 }

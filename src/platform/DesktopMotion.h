@@ -35,11 +35,12 @@ Q_SIGNALS:
 
 private:
     Q_SLOT void take(const QString& group, const QString& name, const QDBusVariant& value);
-    void takeAll(const DesktopSettings& settings);
+    void takeAll(const DesktopSettings& all);
     void set(bool isReduced);
 
     QDBusConnection m_bus;
     bool m_isReduced = false;
+    bool m_hasChanged = false; ///< since this began to listen
 };
 
 } // namespace vellumine::platform

@@ -107,6 +107,21 @@ TEST_F(FolderAccessGrantsTest, foldersWrittenWithDotsAreOne)
         urls({ QStringLiteral("/a/b") }));
 }
 
+TEST_F(FolderAccessGrantsTest, foldersWhoseNamesAreNotUtf8AreKeptApart)
+{
+    const auto url
+        = [](const char* path) { return platform::fileUrl(std::filesystem::path(path)); };
+    EXPECT_EQ(FolderAccessGrants::uniqueParentFolders({ url("/\xFE/1.png"), url("/\xFF/2.png") }),
+        QList<QUrl>({ url("/\xFE"), url("/\xFF") }));
+}
+
+TEST_F(FolderAccessGrantsTest, aFolderThatIsNamedWithASlashIsNoFileOfItself)
+{
+    EXPECT_EQ(FolderAccessGrants::uniqueParentFolders(
+                  urls({ QStringLiteral("/a/b/1.png"), QStringLiteral("/a/b/") })),
+        urls({ QStringLiteral("/a/b"), QStringLiteral("/a") }));
+}
+
 TEST_F(FolderAccessGrantsTest, aFileInTheRootFolderHasAParent)
 {
     EXPECT_EQ(FolderAccessGrants::uniqueParentFolders(urls({ QStringLiteral("/x.png") })),

@@ -26,7 +26,7 @@ TEST_F(DesktopMotionTest, isReducedWhereTheDesktopSaysSo)
     FakePortal portal(
         { { QString::fromLatin1(gnome), { { QStringLiteral("enable-animations"), false } } } });
     start(portal);
-    const DesktopMotion motion(client());
+    DesktopMotion motion(client());
     EXPECT_TRUE(runUntil([&] { return motion.isReduced(); }));
 }
 
@@ -34,7 +34,8 @@ TEST_F(DesktopMotionTest, followsChanges)
 {
     FakePortal portal({});
     start(portal);
-    const DesktopMotion motion(client());
+    DesktopMotion motion(client());
+    ASSERT_TRUE(runUntil([&] { return portal.wasRead(); }));
     int changes = 0;
     QObject::connect(&motion, &DesktopMotion::changed, [&] { ++changes; });
     const auto change = [&](bool hasAnimations) {
@@ -50,8 +51,8 @@ TEST_F(DesktopMotionTest, followsChanges)
 
 TEST_F(DesktopMotionTest, isAsUsualWithoutAPortalOrABus)
 {
-    const DesktopMotion withoutPortal(client());
-    const DesktopMotion withoutBus(QDBusConnection(QStringLiteral("none")));
+    DesktopMotion withoutPortal(client());
+    DesktopMotion withoutBus(QDBusConnection(QStringLiteral("none")));
     // what is asked last is answered last
     QDBusConnection bus = client();
     bool isAnswered = false;

@@ -25,9 +25,9 @@ public:
     }
 
     // NOLINTNEXTLINE(readability-identifier-naming): the bus's own name
-    Q_SLOT [[nodiscard]] vellumine::platform::DesktopSettings ReadAll(
-        const QStringList& groups) const
+    Q_SLOT [[nodiscard]] vellumine::platform::DesktopSettings ReadAll(const QStringList& groups)
     {
+        m_wasRead = true;
         DesktopSettings asked;
         for (const QString& group : groups) {
             if (m_settings.contains(group)) {
@@ -37,12 +37,16 @@ public:
         return asked;
     }
 
+    /// Whether somebody has asked: by then the bus knows of what they listen to, too.
+    [[nodiscard]] bool wasRead() const { return m_wasRead; }
+
 Q_SIGNALS:
     // NOLINTNEXTLINE(readability-identifier-naming): the bus's own name
     void SettingChanged(const QString& group, const QString& name, const QDBusVariant& value);
 
 private:
     DesktopSettings m_settings;
+    bool m_wasRead = false;
 };
 
 } // namespace vellumine::platform

@@ -40,15 +40,19 @@ FocusScope {
 
                     Accessible.name: text
                     Accessible.role: Accessible.Heading
+                    anchors.left: parent.left
                     color: KestrovaTheme.cream
                     font.bold: true
                     font.pixelSize: 15
+                    objectName: "headingText"
                     text: qsTr("Before / After Review")
                 }
 
                 Text {
+                    anchors.left: parent.left
                     color: KestrovaTheme.creamMuted
                     font: TextStyle.captionStrong
+                    objectName: "sampleText"
                     text: qsTr("100% center sample")
                 }
             }

@@ -112,6 +112,17 @@ Item {
             compare(shown(canvas.width - 100, 300), "after");
         }
 
+        function test_mirroringTurnsTheTextsAround() {
+            const heading = findChild(view, "headingText");
+            const sample = findChild(view, "sampleText");
+            compare(sample.mapToItem(view, 0, 0).x, heading.mapToItem(view, 0, 0).x);
+            view.LayoutMirroring.enabled = true;
+            view.LayoutMirroring.childrenInherit = true;
+            waitForRendering(view);
+            verify(sample.width < heading.width);
+            compare(sample.mapToItem(view, sample.width, 0).x, heading.mapToItem(view, heading.width, 0).x);
+        }
+
         function test_pixelsAreOnePointLargeAndSharp() {
             view.destroy();
             fixture.makeChecked(120, 90);

@@ -30,8 +30,8 @@ protected:
         return [this](const Answer& chosen) { m_answers.push_back(chosen); };
     }
 
+    std::vector<Answer> m_answers; // the presenter's end answers what is open
     FolderPanelPresenter m_presenter;
-    std::vector<Answer> m_answers;
 };
 
 TEST_F(FolderPanelPresenterTest, ShowsThePanelForAGrant)

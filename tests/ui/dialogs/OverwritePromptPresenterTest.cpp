@@ -25,8 +25,8 @@ protected:
             file(path), [this](OverwriteDecision decision) { m_answers.push_back(decision); });
     }
 
+    std::vector<OverwriteDecision> m_answers; // the presenter's end answers what is open
     OverwritePromptPresenter m_presenter;
-    std::vector<OverwriteDecision> m_answers;
 };
 
 TEST_F(OverwritePromptPresenterTest, AsksAboutTheFileByItsName)

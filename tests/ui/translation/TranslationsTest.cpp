@@ -24,7 +24,8 @@ TEST(TranslationsTest, speakTheLanguageOfTheLocaleWhileTheyLive)
 
 TEST(TranslationsTest, areEnglishWhereThereAreNone)
 {
-    const Translations translations(QLocale(QLocale::Icelandic));
+    const QLocale icelandic(QLocale::Icelandic);
+    const Translations translations(icelandic);
     EXPECT_FALSE(translations.areLoaded());
     EXPECT_EQ(settings_text::title(ResizeMode::longestEdge), QStringLiteral("Longest Edge"));
 }
