@@ -1,13 +1,13 @@
 #pragma once
 
 #include "confined/client/Allowance.h"
+#include "confined/client/PictureHandover.h"
 #include "confined/protocol/Confinement.h"
 #include "imaging/Error.h"
 #include "imaging/ImageSource.h"
 #include "imaging/Limits.h"
 
 #include <cstddef>
-#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -16,11 +16,7 @@
 
 namespace vellumine::confined {
 
-/// How a decoded picture comes from its helper.
-enum class Handover : std::uint8_t {
-    fetched, ///< read from its memory; shared where that is not allowed
-    shared, ///< in sealed memory
-};
+class DecoderPool;
 
 /// Picture files that are decoded by helper processes, one for each source that is being read at a
 /// time; a helper serves many files, one after the other, and another one takes its place when it
@@ -60,9 +56,7 @@ public:
     [[nodiscard]] std::optional<Confinement> confinement();
 
 private:
-    class Pool;
-    class Decoder;
-    std::shared_ptr<Pool> m_pool;
+    std::shared_ptr<DecoderPool> m_pool;
 };
 
 /// ConfinedDecoders::open() as a function that keeps the decoders.
