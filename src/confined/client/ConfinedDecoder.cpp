@@ -89,8 +89,8 @@ Result<DecoderProcess::Answer> ConfinedDecoder::ask(
     auto answer = m_loan.process->ask(request, descriptor, allowance, m_interruption);
     if (!answer) {
         const bool isOverdue = Channel::Clock::now() >= deadline;
-        m_hasLostServant = m_loan.hasServedBefore && !isOverdue;
         loseHelper();
+        m_hasLostServant = m_hasLostServant && !isOverdue; // another one would take as long
     }
     return answer;
 }
@@ -140,7 +140,8 @@ Result<SourcePicture> ConfinedDecoder::decodeInHelper(const std::optional<Rect>&
         return tl::unexpected(failed->error);
     }
     const auto* const decoded = std::get_if<DecodedReply>(&answer->reply);
-    auto picture = decoded != nullptr && isWhatWasAskedFor(*decoded, m_header, region, m_limits)
+    auto picture = decoded != nullptr
+            && isWhatWasAskedFor(*decoded, { m_header, region, m_limits, m_fileBytes })
         ? handedOver(*decoded)
         : notWhatWasAskedFor();
     if (m_loan.process && picture) {
@@ -179,6 +180,7 @@ void ConfinedDecoder::giveHelperBack()
 void ConfinedDecoder::loseHelper()
 {
     m_loan.process.reset();
+    m_hasLostServant = m_loan.hasServedBefore;
     if (!m_interruption.stop_requested()) {
         m_pool->countDeath();
     }

@@ -41,7 +41,8 @@ private:
         const std::optional<imaging::Rect>& region);
     imaging::Result<imaging::SourcePicture> handedOver(const DecodedReply& reply);
 
-    /// Whether a helper died over this file that had served others: one of them may have harmed it.
+    /// Whether a helper died or made no sense over this file that had served others: one of them
+    /// may have harmed it.
     [[nodiscard]] bool mayTryAgain() const;
     void giveHelperBack();
     void loseHelper();

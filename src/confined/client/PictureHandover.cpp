@@ -13,13 +13,18 @@ namespace vellumine::confined {
 using imaging::Error;
 using imaging::FileDescriptor;
 using imaging::Image;
-using imaging::ImageHeader;
-using imaging::Limits;
-using imaging::Rect;
 using imaging::Result;
 using imaging::SourcePicture;
 
 namespace {
+
+/// What is attached is stored in the file, most of it as it stands; what a PNG holds compressed is
+/// bounded by its codec, well below the constant.
+std::uint64_t mostAttachments(std::uint64_t fileBytes)
+{
+    constexpr std::uint64_t inflated = std::uint64_t { 64 } << 20U;
+    return inflated + 2 * fileBytes;
+}
 
 Result<SourcePicture> described(const DecodedReply& reply, imaging::ByteSpan attachments,
     const std::function<Image(imaging::ColorSpace)>& image)
@@ -34,13 +39,13 @@ Result<SourcePicture> described(const DecodedReply& reply, imaging::ByteSpan att
 
 } // namespace
 
-bool isWhatWasAskedFor(const DecodedReply& reply, const ImageHeader& header,
-    const std::optional<Rect>& region, const Limits& limits)
+bool isWhatWasAskedFor(const DecodedReply& reply, const PictureQuestion& question)
 {
+    const auto& [header, region, limits, fileBytes] = question;
     return (!reply.isRegion || region)
         && reply.size == (reply.isRegion ? region->size() : header.size)
         && limits.check(reply.size.width, reply.size.height, reply.layout.bytesPerPixel())
-        && reply.attachmentsBytes <= 2 * limits.maximumBytes;
+        && reply.attachmentsBytes <= mostAttachments(fileBytes);
 }
 
 Result<SourcePicture> fetchPicture(const DecoderProcess& process, const DecodedReply& reply)

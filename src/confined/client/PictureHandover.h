@@ -19,9 +19,17 @@ enum class Handover : std::uint8_t {
     shared, ///< in sealed memory
 };
 
-/// Whether the answer is to the question: of the size that was asked for, and within the limits.
-[[nodiscard]] bool isWhatWasAskedFor(const DecodedReply& reply, const imaging::ImageHeader& header,
-    const std::optional<imaging::Rect>& region, const imaging::Limits& limits);
+/// What a picture is asked for by.
+struct PictureQuestion {
+    imaging::ImageHeader header;
+    std::optional<imaging::Rect> region;
+    imaging::Limits limits;
+    std::uint64_t fileBytes = 0;
+};
+
+/// Whether the answer is to the question: of the size that was asked for, within the limits, and
+/// with no more attached than its file can hold.
+[[nodiscard]] bool isWhatWasAskedFor(const DecodedReply& reply, const PictureQuestion& question);
 
 /// Reads a picture that was asked for from the helper's memory. Fails with Unsupported where this
 /// process may not, and with Io when what is there is no such picture.
