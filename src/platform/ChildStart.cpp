@@ -1,5 +1,9 @@
 #include "platform/ChildStart.h"
 
+#ifdef __SANITIZE_THREAD__
+#include <dlfcn.h>
+#endif
+
 #include <sched.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
@@ -53,14 +57,16 @@ void resetSignals()
     }
 }
 
-/// Nothing here may allocate or lock: other threads go on meanwhile.
-int becomeProgram(void* argument)
+/// Gives the child's exit status where it does not become the program. Nothing here may allocate or
+/// lock: other threads go on meanwhile. Nor may a sanitizer count what is entered here and never
+/// left.
+[[gnu::no_sanitize("thread")]] int becomeProgram(void* argument)
 {
     auto* const start = static_cast<Start*>(argument);
     resetSignals();
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (::getppid() != start->parent) {
-        ::_exit(0); // too late to hear of the parent's end
+        return 0; // too late to hear of the parent's end
     }
     ::setpgid(0, 0);
     if (start->standardError == STDERR_FILENO
@@ -73,7 +79,22 @@ int becomeProgram(void* argument)
         ::execve(start->executable, start->arguments, environ);
     }
     start->error = errno;
-    ::_exit(127);
+    return 127;
+}
+
+using Clone = int(int (*)(void*), void*, int, void*, ...);
+
+/// clone() of the system's library. ThreadSanitizer puts its own before it, which takes every child
+/// for a copy: of one that shares this process's memory, it would lift its locks twice and note,
+/// here as well, that no thread may be started any more.
+Clone* systemClone()
+{
+#ifdef __SANITIZE_THREAD__
+    return reinterpret_cast<Clone*>(
+        ::dlsym(::dlopen("libc.so.6", RTLD_LAZY | RTLD_NOLOAD), "clone"));
+#else
+    return ::clone;
+#endif
 }
 
 /// No signal is delivered to the thread while this lives.
@@ -110,7 +131,7 @@ Result<pid_t> startChild(const std::filesystem::path& executable,
     pid_t child = -1;
     {
         const BlockedSignals blocked;
-        child = ::clone(
+        child = systemClone()(
             becomeProgram, stack.get() + stackBytes, CLONE_VM | CLONE_VFORK | SIGCHLD, &start);
     }
     if (child < 0) {
