@@ -15,6 +15,7 @@
 #include <iostream>
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace {
@@ -138,8 +139,52 @@ bool writeText(const std::filesystem::path& path, std::string_view text)
     return write(path, std::as_bytes(std::span(text)));
 }
 
+/// Each block as the target for metadata tells them apart, by a byte in front.
+bool writeMetadataSeeds(const std::filesystem::path& folder)
+{
+    using namespace std::string_view_literals;
+    constexpr std::string_view exif = "II*\0\b\0\0\0\2\0"
+                                      "\x12\1\3\0\1\0\0\0\6\0\0\0" // orientation
+                                      "\x69\x87\4\0\1\0\0\0\x26\0\0\0" // the Exif directory
+                                      "\0\0\0\0"
+                                      "\1\0\0\x90\7\0\4\0\0\0000232" // its version
+                                      "\0\0\0\0"sv;
+    constexpr std::string_view xmp
+        = "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\"><rdf:RDF"
+          " xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\"><rdf:Description"
+          " xmlns:tiff=\"http://ns.adobe.com/tiff/1.0/\" tiff:Orientation=\"6\"/>"
+          "</rdf:RDF></x:xmpmeta>"sv;
+    constexpr std::string_view iptc = "\x1C\2\x50\0\4Name\x1C\2\5\0\5Title"sv;
+    const std::array<std::pair<const char*, std::string_view>, 3> blocks { {
+        { "exif", exif },
+        { "xmp", xmp },
+        { "iptc", iptc },
+    } };
+    bool complete = true;
+    char kind = 0;
+    for (const auto& [name, block] : blocks) {
+        complete = writeText(folder / name, std::string(1, kind++).append(block)) && complete;
+    }
+    const auto tiff = codecForType(UniformType::tiff).encode(pattern(kinds.front().second), {});
+    ByteBuffer file { std::byte { 3 } };
+    if (tiff) {
+        file.insert(file.end(), tiff->begin(), tiff->end());
+    }
+    return write(folder / "tiff", file) && complete;
+}
+
 bool writeOtherSeeds(const std::filesystem::path& folder)
 {
+    using namespace std::string_view_literals;
+    constexpr std::string_view plist = "bplist00"
+                                       "\xA2\1\2" // an array of two
+                                       "\x43"
+                                       "abc"
+                                       "\x42"
+                                       "de"
+                                       "\x08\x0B\x0F" // where they stand
+                                       "\0\0\0\0\0\0\1\1" // how wide numbers are
+                                       "\0\0\0\0\0\0\0\3\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x12"sv;
     bool complete = true;
     for (const Codec& codec : codecTable()) {
         if (codec.encode != nullptr) {
@@ -155,9 +200,11 @@ bool writeOtherSeeds(const std::filesystem::path& folder)
             byte(layout.alpha), byte(18), byte(12), byte(1), byte(254) };
         complete = write(folder / "pam" / name, head) && complete;
     }
-    return writeText(folder / "page/data.html",
-               "<html><script type=\"application/ld+json\">{\"softwareVersion\": \"1.4.2\"}"
-               "</script></html>")
+    return writeMetadataSeeds(folder / "metadata")
+        && writeText(folder / "page/data.html",
+            "<html><script type=\"application/ld+json\">{\"softwareVersion\": \"1.4.2\"}"
+            "</script></html>")
+        && writeText(folder / "plist/values", plist)
         && writeText(folder / "page/text.html", "<p>Version 1.5 \xC2\xB7 Linux</p>")
         && writeText(folder / "page/none.html", "<p>Soon</p>") && complete;
 }
