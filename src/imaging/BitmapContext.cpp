@@ -1,5 +1,7 @@
 #include "imaging/BitmapContext.h"
 
+#include "imaging/DeferredPixels.h"
+#include "imaging/Orientation.h"
 #include "imaging/PixelConversion.h"
 #include "imaging/colour/ColorTransform.h"
 #include "imaging/resample/PlanarPixels.h"
@@ -13,21 +15,6 @@
 namespace vellumine::imaging {
 
 namespace {
-
-ResampleFilter filterFor(InterpolationQuality quality)
-{
-    switch (quality) {
-    case InterpolationQuality::none:
-        return ResampleFilter::point;
-    case InterpolationQuality::low:
-        return ResampleFilter::bilinear;
-    case InterpolationQuality::medium:
-        return ResampleFilter::bicubic;
-    case InterpolationQuality::high:
-        return ResampleFilter::lanczos3;
-    }
-    return ResampleFilter::lanczos3;
-}
 
 /// Colours converted, size kept: every row goes through the planes, without a resampling between.
 void convertRows(const PlanarReader& reader, RgbaWriter& writer, Size size)
@@ -84,6 +71,10 @@ Result<void> BitmapContext::draw(const Image& image)
         return failure(Error::Kind::unsupported, "a mask has no colour to draw");
     }
     const bool scales = image.size() != m_size;
+    if (!image.hasRows()) {
+        return scales ? drawDeferred(image)
+                      : image.withRows().and_then([this](const Image& rows) { return draw(rows); });
+    }
     if (!scales && image.layout().model == ColorModel::rgb
         && sameNumbers(image.colorSpace(), m_colorSpace)) {
         auto same = relayout(image, rgba8Premultiplied);
@@ -122,6 +113,21 @@ Result<void> BitmapContext::draw(const Image& image)
         }
     }
     m_drawn.emplace(std::move(*target), m_colorSpace);
+    return {};
+}
+
+/// Scales the picture as it is stored, and turns the smaller one upright.
+Result<void> BitmapContext::drawDeferred(const Image& image)
+{
+    const Orientation orientation = image.orientation();
+    auto drawn = image.deferred()
+                     ->drawn(uprightSize(m_size, orientation), m_colorSpace, m_quality)
+                     .and_then([orientation](
+                                   const Image& stored) { return upright(stored, orientation); });
+    if (!drawn) {
+        return tl::unexpected(drawn.error());
+    }
+    m_drawn = std::move(*drawn);
     return {};
 }
 

@@ -31,6 +31,7 @@ public:
 
 private:
     BitmapContext(Size size, ColorSpace colorSpace);
+    Result<void> drawDeferred(const Image& image);
 
     Size m_size;
     ColorSpace m_colorSpace;

@@ -1,6 +1,7 @@
 #include "imaging/Orientation.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstring>
 
 namespace vellumine::imaging {
@@ -88,10 +89,40 @@ std::optional<Orientation> orientationFromTag(std::int64_t value)
     return static_cast<Orientation>(value);
 }
 
+Rect storedRect(Rect upright, Size uprightSize, Orientation orientation)
+{
+    const int fromRight = uprightSize.width - upright.x - upright.width;
+    const int fromBottom = uprightSize.height - upright.y - upright.height;
+    switch (orientation) {
+    case Orientation::topLeft:
+        break;
+    case Orientation::topRight:
+        return { fromRight, upright.y, upright.width, upright.height };
+    case Orientation::bottomRight:
+        return { fromRight, fromBottom, upright.width, upright.height };
+    case Orientation::bottomLeft:
+        return { upright.x, fromBottom, upright.width, upright.height };
+    case Orientation::leftTop:
+        return { upright.y, upright.x, upright.height, upright.width };
+    case Orientation::rightTop:
+        return { upright.y, fromRight, upright.height, upright.width };
+    case Orientation::rightBottom:
+        return { fromBottom, fromRight, upright.height, upright.width };
+    case Orientation::leftBottom:
+        return { fromBottom, upright.x, upright.height, upright.width };
+    }
+    return upright;
+}
+
 Result<Image> upright(const Image& stored, Orientation orientation)
 {
     if (orientation == Orientation::topLeft) {
         return stored;
+    }
+    if (!stored.hasRows()) {
+        assert(stored.orientation() == Orientation::topLeft);
+        return Image(
+            stored.size(), stored.layout(), stored.colorSpace(), stored.deferred(), orientation);
     }
     auto target = PixelBuffer::create(uprightSize(stored.size(), orientation), stored.layout());
     if (!target) {

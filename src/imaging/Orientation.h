@@ -34,7 +34,11 @@ enum class Orientation : std::uint8_t {
     return swapsSides(orientation) ? Size { stored.height, stored.width } : stored;
 }
 
-/// The picture turned upright, pixel for pixel. TopLeft gives the very same picture back. Fails
+/// Where the part of the upright picture stands in the stored one.
+[[nodiscard]] Rect storedRect(Rect upright, Size uprightSize, Orientation orientation);
+
+/// The picture turned upright, pixel for pixel. One with deferred pixels keeps them so; it must
+/// not have been turned before. TopLeft gives the very same picture back. Fails
 /// with OutOfMemory only.
 [[nodiscard]] Result<Image> upright(const Image& stored, Orientation orientation);
 

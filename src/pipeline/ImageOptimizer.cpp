@@ -22,6 +22,16 @@ using platform::toPath;
 
 namespace {
 
+/// A picture that is drawn smaller is decoded for that. Which side the limit is for is known when
+/// the picture is upright; here it may be either.
+imaging::ImageUse useOf(imaging::Size stored, const OptimizerSettings& settings)
+{
+    const imaging::Size turned { stored.height, stored.width };
+    const bool isScaled = ImageOptimizer::transformedSize(stored, settings) != stored
+        && ImageOptimizer::transformedSize(turned, settings) != turned;
+    return isScaled ? imaging::ImageUse::toBeScaled : imaging::ImageUse::asRows;
+}
+
 /// All that is left of the source when it has been read: everything that writing needs.
 struct Prepared {
     Image encoded; ///< as it goes to the encoder
@@ -81,7 +91,7 @@ ConversionAudit auditOf(const QUrl& url, UniformType sourceType, const Image& or
 Outcome<Prepared> prepare(ImageSource source, const QUrl& url, const OptimizerSettings& settings,
     const ConversionEnvironment& environment)
 {
-    const auto decoded = source.image();
+    const auto decoded = source.image(useOf(source.storedSize(), settings));
     if (!decoded) {
         return failed(UnreadableImage {});
     }
