@@ -1,7 +1,6 @@
 #include "imaging/BitmapContext.h"
 
 #include "imaging/DeferredPixels.h"
-#include "imaging/Orientation.h"
 #include "imaging/PixelConversion.h"
 #include "imaging/colour/ColorTransform.h"
 #include "imaging/resample/PlanarPixels.h"
@@ -72,8 +71,9 @@ Result<void> BitmapContext::draw(const Image& image)
     }
     const bool scales = image.size() != m_size;
     if (!image.hasRows()) {
-        return scales ? drawDeferred(image)
-                      : image.withRows().and_then([this](const Image& rows) { return draw(rows); });
+        return image.deferred()
+            ->drawn({ m_size, m_colorSpace, m_quality, image.orientation() })
+            .map([this](Image&& drawn) { m_drawn = std::move(drawn); });
     }
     if (!scales && image.layout().model == ColorModel::rgb
         && sameNumbers(image.colorSpace(), m_colorSpace)) {
@@ -113,21 +113,6 @@ Result<void> BitmapContext::draw(const Image& image)
         }
     }
     m_drawn.emplace(std::move(*target), m_colorSpace);
-    return {};
-}
-
-/// Scales the picture as it is stored, and turns the smaller one upright.
-Result<void> BitmapContext::drawDeferred(const Image& image)
-{
-    const Orientation orientation = image.orientation();
-    auto drawn = image.deferred()
-                     ->drawn(uprightSize(m_size, orientation), m_colorSpace, m_quality)
-                     .and_then([orientation](
-                                   const Image& stored) { return upright(stored, orientation); });
-    if (!drawn) {
-        return tl::unexpected(drawn.error());
-    }
-    m_drawn = std::move(*drawn);
     return {};
 }
 

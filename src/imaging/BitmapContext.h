@@ -31,7 +31,6 @@ public:
 
 private:
     BitmapContext(Size size, ColorSpace colorSpace);
-    Result<void> drawDeferred(const Image& image);
 
     Size m_size;
     ColorSpace m_colorSpace;

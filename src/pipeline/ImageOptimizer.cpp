@@ -22,14 +22,15 @@ using platform::toPath;
 
 namespace {
 
-/// A picture that is drawn smaller is decoded for that. Which side the limit is for is known when
-/// the picture is upright; here it may be either.
+/// Whether the picture will be drawn. Which of its sides the limit is for is known when it is
+/// upright; until then it may be either.
 imaging::ImageUse useOf(imaging::Size stored, const OptimizerSettings& settings)
 {
     const imaging::Size turned { stored.height, stored.width };
-    const bool isScaled = ImageOptimizer::transformedSize(stored, settings) != stored
-        && ImageOptimizer::transformedSize(turned, settings) != turned;
-    return isScaled ? imaging::ImageUse::toBeScaled : imaging::ImageUse::asRows;
+    const bool isDrawn = settings.optimizeColorForSharing || settings.removeColorManagement
+        || ImageOptimizer::transformedSize(stored, settings) != stored
+        || ImageOptimizer::transformedSize(turned, settings) != turned;
+    return isDrawn ? imaging::ImageUse::toBeDrawn : imaging::ImageUse::asRows;
 }
 
 /// All that is left of the source when it has been read: everything that writing needs.

@@ -54,27 +54,45 @@ zimg_image_format planarFormat(Size size, int planes)
     return format;
 }
 
-zimg_image_format yccFormat(const ycc::YccPlanes& planes)
+/// Brightness and colour in planes. The range is called limited, whatever the samples fill of it:
+/// then the library only shifts them on their way from 8 to 16 bits, where the full range takes a
+/// multiplication. A linear filter gives the same either way.
+zimg_image_format yccFormat(Size size)
+{
+    zimg_image_format format;
+    zimg_image_format_default(&format, ZIMG_API_VERSION);
+    format.width = static_cast<unsigned>(size.width);
+    format.height = static_cast<unsigned>(size.height);
+    format.pixel_range = ZIMG_RANGE_LIMITED;
+    format.color_family = ZIMG_COLOR_YUV;
+    format.matrix_coefficients = ZIMG_MATRIX_ST170_M;
+    return format;
+}
+
+zimg_image_format yccSourceFormat(const ycc::YccPlanes& planes)
 {
     const Size size = planes.size();
     const auto [x, y] = planes.subsampling();
-    zimg_image_format format;
-    zimg_image_format_default(&format, ZIMG_API_VERSION);
     // The library takes whole pairs of pixels that share a colour; the picture may end inside one.
-    format.width = static_cast<unsigned>((size.width + x - 1) / x * x);
-    format.height = static_cast<unsigned>((size.height + y - 1) / y * y);
+    zimg_image_format format
+        = yccFormat({ (size.width + x - 1) / x * x, (size.height + y - 1) / y * y });
     format.active_region.left = 0;
     format.active_region.top = 0;
     format.active_region.width = size.width;
     format.active_region.height = size.height;
     format.subsample_w = static_cast<unsigned>(x - 1);
     format.subsample_h = static_cast<unsigned>(y - 1);
+    format.chroma_location = ZIMG_CHROMA_CENTER;
     format.pixel_type = ZIMG_PIXEL_BYTE;
     format.depth = 8;
-    format.pixel_range = ZIMG_RANGE_FULL;
-    format.color_family = ZIMG_COLOR_YUV;
-    format.matrix_coefficients = ZIMG_MATRIX_ST170_M;
-    format.chroma_location = ZIMG_CHROMA_CENTER;
+    return format;
+}
+
+zimg_image_format yccTargetFormat(Size size)
+{
+    zimg_image_format format = yccFormat(size);
+    format.pixel_type = ZIMG_PIXEL_WORD;
+    format.depth = 16;
     return format;
 }
 
@@ -244,7 +262,7 @@ Result<void> resample(
     const ycc::YccPlanes& source, Size target, ResampleFilter filter, const RowHandler& write)
 {
     constexpr int planes = 3;
-    const Graph graph = build(yccFormat(source), planarFormat(target, planes), filter);
+    const Graph graph = build(yccSourceFormat(source), yccTargetFormat(target), filter);
     if (!graph) {
         return failure(Error::Kind::unsupported, "the sizes cannot be resampled");
     }

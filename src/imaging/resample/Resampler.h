@@ -48,7 +48,7 @@ struct ResampleJob {
 Result<void> resample(const ResampleJob& job);
 
 /// The same for a photograph in planes, whose last pairs must be complete. `write` takes rows of
-/// red, green and blue.
+/// Y, Cb and Cr, whose samples are 256 times as large as the source's.
 Result<void> resample(
     const ycc::YccPlanes& source, Size target, ResampleFilter filter, const RowHandler& write);
 

@@ -2,8 +2,9 @@
 
 #include "imaging/BitmapContext.h"
 #include "imaging/colour/ColorTransform.h"
-#include "imaging/resample/PlanarPixels.h"
 #include "imaging/resample/Resampler.h"
+#include "imaging/resample/UprightRows.h"
+#include "imaging/ycc/YccRowWriter.h"
 #include "imaging/ycc/YccToRgb.h"
 
 #include <utility>
@@ -24,24 +25,31 @@ Result<Image> YccPixels::rows(Rect part) const
     });
 }
 
-Result<Image> YccPixels::drawn(
-    Size size, const ColorSpace& colorSpace, InterpolationQuality quality) const
+Result<Image> YccPixels::drawn(const Drawing& drawing) const
 {
-    const auto transform = ColorTransform::create(m_colorSpace, 8, colorSpace);
+    const auto transform = ColorTransform::create(m_colorSpace, 8, drawing.colorSpace);
     if (!transform) {
         return tl::unexpected(transform.error());
     }
-    auto target = PixelBuffer::create(size, rgba8Premultiplied);
+    auto target = PixelBuffer::create(drawing.size, rgba8Premultiplied);
     if (!target) {
         return tl::unexpected(target.error());
     }
-    RgbaWriter writer(*target, *transform, 3, 8, false);
-    const auto done = resample(
-        m_planes, size, filterFor(quality), [&writer](const PlanarRow& row) { writer.write(row); });
-    if (!done) {
-        return tl::unexpected(done.error());
+    auto rows = UprightRows::create(*target, drawing.orientation);
+    if (!rows) {
+        return tl::unexpected(rows.error());
     }
-    return Image(std::move(*target), colorSpace);
+    if (rows->storedSize() == m_planes.size()) {
+        toRgba(m_planes, *transform, *rows);
+    } else {
+        YccRowWriter writer(*rows, *transform);
+        const auto done = resample(m_planes, rows->storedSize(), filterFor(drawing.quality),
+            [&writer](const PlanarRow& row) { writer.write(row); });
+        if (!done) {
+            return tl::unexpected(done.error());
+        }
+    }
+    return Image(std::move(*target), drawing.colorSpace);
 }
 
 } // namespace vellumine::imaging::ycc

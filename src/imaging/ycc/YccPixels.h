@@ -14,8 +14,7 @@ public:
     YccPixels(YccPlanes planes, ColorSpace colorSpace);
 
     [[nodiscard]] Result<Image> rows(Rect part) const override;
-    [[nodiscard]] Result<Image> drawn(
-        Size size, const ColorSpace& colorSpace, InterpolationQuality quality) const override;
+    [[nodiscard]] Result<Image> drawn(const Drawing& drawing) const override;
 
 private:
     YccPlanes m_planes;

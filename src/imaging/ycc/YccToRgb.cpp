@@ -25,17 +25,41 @@ constexpr std::uint8_t clamped(int value)
     return static_cast<std::uint8_t>(std::clamp(value, 0, 255));
 }
 
+struct Rgb {
+    std::uint8_t red;
+    std::uint8_t green;
+    std::uint8_t blue;
+
+    constexpr Rgb(int y, int cb, int cr)
+        : red(clamped(y + ((fixed(1.402) * cr + half) >> 16)))
+        , green(clamped(y + ((-fixed(0.34414) * cb - fixed(0.71414) * cr + half) >> 16)))
+        , blue(clamped(y + ((fixed(1.772) * cb + half) >> 16)))
+    {
+    }
+};
+
 VELLUMINE_VECTOR_CLONES
-void convert(const std::uint8_t* __restrict brightness, const std::uint8_t* __restrict blueness,
-    const std::uint8_t* __restrict redness, std::uint8_t* __restrict rgb, int count)
+void convertToRgb(const std::uint8_t* __restrict y, const std::uint8_t* __restrict cb,
+    const std::uint8_t* __restrict cr, std::uint8_t* __restrict to, int count)
 {
     for (std::ptrdiff_t x = 0; x < count; ++x) {
-        const int y = brightness[x];
-        const int cb = blueness[x] - 128;
-        const int cr = redness[x] - 128;
-        rgb[3 * x] = clamped(y + ((fixed(1.402) * cr + half) >> 16));
-        rgb[3 * x + 1] = clamped(y + ((-fixed(0.34414) * cb - fixed(0.71414) * cr + half) >> 16));
-        rgb[3 * x + 2] = clamped(y + ((fixed(1.772) * cb + half) >> 16));
+        const Rgb rgb(y[x], cb[x] - 128, cr[x] - 128);
+        to[3 * x] = rgb.red;
+        to[3 * x + 1] = rgb.green;
+        to[3 * x + 2] = rgb.blue;
+    }
+}
+
+VELLUMINE_VECTOR_CLONES
+void convertToRgba(const std::uint8_t* __restrict y, const std::uint8_t* __restrict cb,
+    const std::uint8_t* __restrict cr, std::uint8_t* __restrict to, int count)
+{
+    for (std::ptrdiff_t x = 0; x < count; ++x) {
+        const Rgb rgb(y[x], cb[x] - 128, cr[x] - 128);
+        to[4 * x] = rgb.red;
+        to[4 * x + 1] = rgb.green;
+        to[4 * x + 2] = rgb.blue;
+        to[4 * x + 3] = 255;
     }
 }
 
@@ -149,10 +173,29 @@ Result<PixelBuffer> toRgb(const YccPlanes& planes, Rect part)
     ColorRows blueness(planes, 1, part);
     ColorRows redness(planes, 2, part);
     for (int y = 0; y < part.height; ++y) {
-        convert(planes.row(0, part.y + y) + part.x, blueness.row(part.y + y),
+        convertToRgb(planes.row(0, part.y + y) + part.x, blueness.row(part.y + y),
             redness.row(part.y + y), rgb->row8(y), part.width);
     }
     return rgb;
+}
+
+void toRgba(const YccPlanes& planes, const ColorTransform& transform, UprightRows& target)
+{
+    const auto [width, height] = planes.size();
+    assert(target.storedSize() == planes.size());
+    ColorRows blueness(planes, 1, { 0, 0, width, height });
+    ColorRows redness(planes, 2, { 0, 0, width, height });
+    std::vector<std::uint8_t> rgb(transform.isIdentity() ? 0 : 3 * static_cast<std::size_t>(width));
+    for (int y = 0; y < height; ++y) {
+        const PlanarRow row { y, 0, width, {} };
+        std::uint8_t* const to = target.begin(row);
+        convertToRgba(planes.row(0, y), blueness.row(y), redness.row(y), to, width);
+        if (!transform.isIdentity()) {
+            convertToRgb(planes.row(0, y), blueness.row(y), redness.row(y), rgb.data(), width);
+            transform.apply(rgb.data(), to, width); // leaves alpha as it is
+        }
+        target.end(row);
+    }
 }
 
 } // namespace vellumine::imaging::ycc

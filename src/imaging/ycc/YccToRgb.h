@@ -1,6 +1,8 @@
 #pragma once
 
 #include "imaging/Image.h"
+#include "imaging/colour/ColorTransform.h"
+#include "imaging/resample/UprightRows.h"
 #include "imaging/ycc/YccPlanes.h"
 
 namespace vellumine::imaging::ycc {
@@ -10,5 +12,9 @@ namespace vellumine::imaging::ycc {
 /// converted by the formula of ITU-T T.871, all in integers and rounded as the JPEG library does
 /// it. Fails with OutOfMemory.
 [[nodiscard]] Result<PixelBuffer> toRgb(const YccPlanes& planes, Rect part);
+
+/// The whole picture as opaque RGBA, its RGB converted by the transform. The target's size must be
+/// the picture's.
+void toRgba(const YccPlanes& planes, const ColorTransform& transform, UprightRows& target);
 
 } // namespace vellumine::imaging::ycc

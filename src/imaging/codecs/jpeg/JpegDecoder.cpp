@@ -1,5 +1,6 @@
 #include "imaging/codecs/MetadataCarriers.h"
 #include "imaging/codecs/jpeg/JpegCodec.h"
+#include "imaging/codecs/jpeg/JpegCoefficients.h"
 #include "imaging/codecs/jpeg/JpegErrors.h"
 #include "imaging/codecs/jpeg/JpegMarkers.h"
 #include "imaging/codecs/jpeg/JpegPlanes.h"
@@ -51,6 +52,7 @@ private:
     Errors m_errors;
     Source m_source;
     ScanWatch m_scans;
+    Coefficients m_coefficients;
     jpeg_decompress_struct m_library {};
 };
 
@@ -87,6 +89,7 @@ Result<ImageHeader> Reader::readHeader(Markers markers)
 {
     const auto read = m_errors.run([this, markers] {
         jpeg_create_decompress(&m_library);
+        m_coefficients.manage(reinterpret_cast<j_common_ptr>(&m_library));
         m_library.src = &m_source;
         if (markers == Markers::keep) {
             keepMarkers(m_library);
@@ -266,7 +269,7 @@ Result<DecodedImage> Reader::decode(const DecodeOptions& options)
         region.reset();
     }
     const auto planes
-        = options.use == ImageUse::toBeScaled && !region ? subsampling(m_library) : std::nullopt;
+        = options.use == ImageUse::toBeDrawn && !region ? subsampling(m_library) : std::nullopt;
     return (planes ? decodePlanes(header->layout, *planes) : decodeRows(header->layout, region))
         .map([&](Image&& image) {
             return DecodedImage { std::move(image), header->size, region.has_value(),
