@@ -83,10 +83,10 @@ TEST(PixelArena, refusesWhatItHasNoRoomFor)
     PixelArena arena;
     EXPECT_EQ(arena.take(PixelArena::capacity + 1), nullptr);
     EXPECT_EQ(arena.take(SIZE_MAX), nullptr);
-    std::byte* const most = arena.take(90 * megabyte);
+    std::byte* const most = arena.take(120 * megabyte);
     ASSERT_NE(most, nullptr);
     EXPECT_EQ(arena.take(10 * megabyte), nullptr);
-    arena.give(most, 90 * megabyte);
+    arena.give(most, 120 * megabyte);
     EXPECT_EQ(arena.take(10 * megabyte), most);
 }
 
