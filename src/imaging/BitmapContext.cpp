@@ -1,5 +1,6 @@
 #include "imaging/BitmapContext.h"
 
+#include "imaging/DeferredPixels.h"
 #include "imaging/PixelConversion.h"
 #include "imaging/colour/ColorTransform.h"
 #include "imaging/resample/PlanarPixels.h"
@@ -13,21 +14,6 @@
 namespace vellumine::imaging {
 
 namespace {
-
-ResampleFilter filterFor(InterpolationQuality quality)
-{
-    switch (quality) {
-    case InterpolationQuality::none:
-        return ResampleFilter::point;
-    case InterpolationQuality::low:
-        return ResampleFilter::bilinear;
-    case InterpolationQuality::medium:
-        return ResampleFilter::bicubic;
-    case InterpolationQuality::high:
-        return ResampleFilter::lanczos3;
-    }
-    return ResampleFilter::lanczos3;
-}
 
 /// Colours converted, size kept: every row goes through the planes, without a resampling between.
 void convertRows(const PlanarReader& reader, RgbaWriter& writer, Size size)
@@ -84,6 +70,11 @@ Result<void> BitmapContext::draw(const Image& image)
         return failure(Error::Kind::unsupported, "a mask has no colour to draw");
     }
     const bool scales = image.size() != m_size;
+    if (!image.hasRows()) {
+        return image.deferred()
+            ->drawn({ m_size, m_colorSpace, m_quality, image.orientation() })
+            .map([this](Image&& drawn) { m_drawn = std::move(drawn); });
+    }
     if (!scales && image.layout().model == ColorModel::rgb
         && sameNumbers(image.colorSpace(), m_colorSpace)) {
         auto same = relayout(image, rgba8Premultiplied);

@@ -1,5 +1,7 @@
 #include "imaging/Image.h"
 
+#include "imaging/DeferredPixels.h"
+#include "imaging/Orientation.h"
 #include "imaging/PixelMemory.h"
 
 #include <cassert>
@@ -93,8 +95,20 @@ Image::Image(Size size, PixelLayout layout, std::size_t rowBytes, ColorSpace col
     assert(m_colorSpace.model() == m_layout.model);
 }
 
+Image::Image(Size storedSize, PixelLayout layout, ColorSpace colorSpace,
+    std::shared_ptr<const DeferredPixels> pixels, Orientation orientation)
+    : m_size(uprightSize(storedSize, orientation))
+    , m_layout(layout)
+    , m_colorSpace(std::move(colorSpace))
+    , m_deferred(std::move(pixels))
+    , m_orientation(orientation)
+{
+    assert(m_deferred);
+}
+
 std::span<const std::byte> Image::row(int y) const
 {
+    assert(hasRows());
     assert(y >= 0 && y < m_size.height);
     return { m_pixels.get() + static_cast<std::size_t>(y) * m_rowBytes,
         tightRowBytes(m_size, m_layout) };
@@ -114,21 +128,39 @@ const std::uint16_t* Image::row16(int y) const
 
 Image Image::cropped(Rect rect) const
 {
-    assert(contains(m_size, rect));
+    assert(hasRows() && contains(m_size, rect));
     const std::size_t offset = static_cast<std::size_t>(rect.y) * m_rowBytes
         + static_cast<std::size_t>(rect.x) * static_cast<std::size_t>(m_layout.bytesPerPixel());
     return { rect.size(), m_layout, m_rowBytes, m_colorSpace,
         std::shared_ptr<const std::byte[]>(m_pixels, m_pixels.get() + offset) };
 }
 
+Result<Image> Image::rows(Rect rect) const
+{
+    assert(contains(m_size, rect));
+    if (hasRows()) {
+        return cropped(rect);
+    }
+    return m_deferred->rows(storedRect(rect, m_size, m_orientation))
+        .and_then([this](const Image& stored) { return upright(stored, m_orientation); });
+}
+
+Result<Image> Image::withRows() const
+{
+    return hasRows() ? *this : rows({ 0, 0, m_size.width, m_size.height });
+}
+
 Image Image::withColorSpace(ColorSpace colorSpace) const
 {
-    return { m_size, m_layout, m_rowBytes, std::move(colorSpace), m_pixels };
+    Image image = *this;
+    image.m_colorSpace = std::move(colorSpace);
+    return image;
 }
 
 bool Image::isSameAs(const Image& other) const
 {
-    return m_pixels.get() == other.m_pixels.get() && m_size == other.m_size
+    return m_pixels == other.m_pixels && m_deferred == other.m_deferred
+        && m_orientation == other.m_orientation && m_size == other.m_size
         && m_layout == other.m_layout && m_rowBytes == other.m_rowBytes
         && m_colorSpace == other.m_colorSpace;
 }

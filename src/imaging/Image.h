@@ -13,6 +13,9 @@
 
 namespace vellumine::imaging {
 
+class DeferredPixels;
+enum class Orientation : std::uint8_t;
+
 /// Pixels that are still being written, owned by one writer. Rows follow each other without gaps
 /// unless a row length is given; the memory starts out uninitialised.
 class PixelBuffer {
@@ -47,6 +50,9 @@ private:
 };
 
 /// An immutable picture. Copies share the pixels; a crop is a view of the same pixels.
+///
+/// Its pixels are in memory row by row, or they are deferred: decoded, and laid out in rows where
+/// somebody needs that. What takes a picture takes either, unless it says otherwise.
 class Image {
 public:
     /// Takes the buffer's pixels over. The colour space must be of the layout's model.
@@ -54,24 +60,40 @@ public:
     /// A picture over pixels that somebody else owns, shared memory for example.
     Image(Size size, PixelLayout layout, std::size_t rowBytes, ColorSpace colorSpace,
         std::shared_ptr<const std::byte[]> pixels);
+    /// A picture with deferred pixels, turned upright from the orientation in which they are
+    /// stored. `storedSize` and `layout` are theirs.
+    Image(Size storedSize, PixelLayout layout, ColorSpace colorSpace,
+        std::shared_ptr<const DeferredPixels> pixels, Orientation orientation);
 
     [[nodiscard]] Size size() const { return m_size; }
     [[nodiscard]] int width() const { return m_size.width; }
     [[nodiscard]] int height() const { return m_size.height; }
     [[nodiscard]] PixelLayout layout() const { return m_layout; }
-    [[nodiscard]] std::size_t rowBytes() const { return m_rowBytes; }
     [[nodiscard]] const ColorSpace& colorSpace() const { return m_colorSpace; }
     [[nodiscard]] bool hasAlpha() const { return imaging::hasAlpha(m_layout.alpha); }
 
+    /// Whether the pixels are in memory row by row. The next five functions are for such pictures.
+    [[nodiscard]] bool hasRows() const { return m_pixels != nullptr; }
+    [[nodiscard]] std::size_t rowBytes() const { return m_rowBytes; }
     [[nodiscard]] std::span<const std::byte> row(int y) const;
     [[nodiscard]] const std::uint8_t* row8(int y) const;
     [[nodiscard]] const std::uint16_t* row16(int y) const;
-
-    /// Where the pixels are, with what keeps them there.
-    [[nodiscard]] const std::shared_ptr<const std::byte[]>& pixels() const { return m_pixels; }
-
     /// The part inside `rect`, sharing these pixels. `rect` must lie inside the picture.
     [[nodiscard]] Image cropped(Rect rect) const;
+
+    /// For the others: what they come from, and how that is turned to give this picture.
+    [[nodiscard]] const std::shared_ptr<const DeferredPixels>& deferred() const
+    {
+        return m_deferred;
+    }
+    [[nodiscard]] Orientation orientation() const { return m_orientation; }
+
+    /// The part inside `rect`, which must lie inside the picture, with rows. Fails with OutOfMemory
+    /// and with what deferred pixels say.
+    [[nodiscard]] Result<Image> rows(Rect rect) const;
+    /// The same of the whole picture; the very same picture when it has rows.
+    [[nodiscard]] Result<Image> withRows() const;
+
     /// The same pixels, read as numbers of another colour space of the same model.
     [[nodiscard]] Image withColorSpace(ColorSpace colorSpace) const;
     /// Whether the two share their first pixel and their shape: the very same picture.
@@ -82,7 +104,9 @@ private:
     PixelLayout m_layout;
     std::size_t m_rowBytes = 0;
     ColorSpace m_colorSpace;
-    std::shared_ptr<const std::byte[]> m_pixels;
+    std::shared_ptr<const std::byte[]> m_pixels; ///< null when they are deferred
+    std::shared_ptr<const DeferredPixels> m_deferred;
+    Orientation m_orientation {}; ///< of the deferred pixels
 };
 
 } // namespace vellumine::imaging

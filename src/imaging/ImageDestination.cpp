@@ -104,7 +104,11 @@ Result<void> ImageDestination::finalize()
     if (!m_image) {
         return failure(Error::Kind::encodingFailed, "no picture was added");
     }
-    Image image = *std::exchange(m_image, std::nullopt);
+    auto withRows = std::exchange(m_image, std::nullopt)->withRows();
+    if (!withRows) {
+        return tl::unexpected(withRows.error());
+    }
+    Image image = std::move(*withRows);
     if (!storesColors(m_type, image)) {
         auto converted = convertedToSRgb(image);
         if (!converted) {

@@ -48,23 +48,24 @@ struct ImageSource::State {
     std::optional<ImageProperties> properties;
     Orientation orientation = Orientation::topLeft;
 
-    void decode();
+    const Result<Image>& picture(ImageUse use = ImageUse::asRows);
     void adopt(SourcePicture picture);
 };
 
-// Decodes the whole picture, unless that was tried before.
-void ImageSource::State::decode()
+// The whole picture, which is decoded unless that was tried before.
+const Result<Image>& ImageSource::State::picture(ImageUse use)
 {
     if (decoded) {
-        return;
+        return *decoded;
     }
-    auto result = decoder->decode(std::nullopt);
+    auto result = decoder->decode({ .region = std::nullopt, .use = use });
     if (result) {
         adopt(std::move(*result));
     } else {
         decoded = tl::unexpected(std::move(result.error()));
         decoder.reset();
     }
+    return *decoded;
 }
 
 // Keeps a whole picture and what its file says about it. The file has served then, and its memory
@@ -127,24 +128,24 @@ std::uint64_t ImageSource::decodedBytes() const
         * static_cast<std::uint64_t>(header.layout.bytesPerPixel());
 }
 
-Result<Image> ImageSource::image()
+Result<Image> ImageSource::image(ImageUse use)
 {
-    m_state->decode();
-    return *m_state->decoded;
+    const Result<Image>& picture = m_state->picture(use);
+    return picture && use == ImageUse::asRows ? picture->withRows() : picture;
 }
 
 Result<ImageProperties> ImageSource::properties()
 {
-    m_state->decode();
+    const Result<Image>& picture = m_state->picture();
     if (!m_state->properties) {
-        return tl::unexpected(m_state->decoded->error());
+        return tl::unexpected(picture.error());
     }
     return *m_state->properties;
 }
 
 Result<Image> ImageSource::thumbnailWithTransform(int maximumPixelSize)
 {
-    auto stored = image();
+    const Result<Image>& stored = m_state->picture();
     if (!stored) {
         return stored;
     }
@@ -163,7 +164,7 @@ Result<Image> ImageSource::imageRegion(Rect region)
         return failure(Error::Kind::malformed, "the part lies outside of the picture");
     }
     if (!m_state->decoded) {
-        auto part = m_state->decoder->decode(region);
+        auto part = m_state->decoder->decode({ .region = region, .use = ImageUse::asRows });
         if (part && part->isRegion) {
             return std::move(part->image);
         }
@@ -172,7 +173,8 @@ Result<Image> ImageSource::imageRegion(Rect region)
         }
         m_state->adopt(std::move(*part));
     }
-    return image().map([region](const Image& whole) { return whole.cropped(region); });
+    const Result<Image>& whole = m_state->picture();
+    return whole ? whole->rows(region) : whole;
 }
 
 void ImageSource::releaseImage()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "imaging/Bytes.h"
+#include "imaging/DeferredPixels.h"
 #include "imaging/Error.h"
 #include "imaging/Image.h"
 #include "imaging/ImageProperties.h"
@@ -43,8 +44,8 @@ public:
     /// Memory that the decoded picture takes, from the header, in bytes.
     [[nodiscard]] std::uint64_t decodedBytes() const;
 
-    /// The first picture as it is stored.
-    Result<Image> image();
+    /// The first picture as it is stored. It is decoded for the use that is named first.
+    Result<Image> image(ImageUse use = ImageUse::asRows);
     /// Its properties; decodes the picture when that has not happened yet.
     Result<ImageProperties> properties();
     /// The first picture turned upright, scaled down to fit `maximumPixelSize` on its longer side

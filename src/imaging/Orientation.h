@@ -34,7 +34,17 @@ enum class Orientation : std::uint8_t {
     return swapsSides(orientation) ? Size { stored.height, stored.width } : stored;
 }
 
-/// The picture turned upright, pixel for pixel. TopLeft gives the very same picture back. Fails
+/// Where the part of the upright picture stands in the stored one.
+[[nodiscard]] Rect storedRect(Rect upright, Size uprightSize, Orientation orientation);
+/// Where the part of the stored picture stands in the upright one.
+[[nodiscard]] Rect uprightRect(Rect stored, Size storedSize, Orientation orientation);
+
+/// Turns a picture, or a part of one, upright and writes it to its place in the upright picture's
+/// pixels, from column `x` and row `y` on. The layouts must be equal, and there must be room.
+void writeUpright(const Image& stored, Orientation orientation, PixelBuffer& pixels, int x, int y);
+
+/// The picture turned upright, pixel for pixel. One with deferred pixels keeps them so; it must
+/// not have been turned before. TopLeft gives the very same picture back. Fails
 /// with OutOfMemory only.
 [[nodiscard]] Result<Image> upright(const Image& stored, Orientation orientation);
 

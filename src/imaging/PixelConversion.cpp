@@ -155,6 +155,10 @@ Result<Image> relayout(const Image& image, PixelLayout layout)
     if (from == layout) {
         return image;
     }
+    if (!image.hasRows()) {
+        return image.withRows().and_then(
+            [layout](const Image& rows) { return relayout(rows, layout); });
+    }
     auto target = PixelBuffer::create(image.size(), layout);
     if (!target) {
         return tl::unexpected(target.error());

@@ -22,7 +22,8 @@ namespace vellumine::imaging {
 /// its numbers would change their meaning). Gives the very same picture when nothing changes.
 [[nodiscard]] Result<Image> relayout(const Image& image, PixelLayout layout);
 
-/// Whether every pixel is fully opaque; true for pictures without alpha.
+/// Whether every pixel is fully opaque; true for pictures without alpha. One with alpha must have
+/// rows, and so must the next function's.
 [[nodiscard]] bool isOpaque(const Image& image);
 
 /// Whether every pixel of an RGB picture has three equal samples; true for grey pictures.

@@ -56,9 +56,10 @@ public:
     [[nodiscard]] UniformType type() const override { return m_codec.type; }
     [[nodiscard]] const ImageHeader& header() const override { return m_header; }
 
-    Result<SourcePicture> decode(const std::optional<Rect>& region) override
+    Result<SourcePicture> decode(const PictureWish& wish) override
     {
-        auto decoded = m_codec.decode(m_file, { .limits = m_limits, .region = region });
+        auto decoded = m_codec.decode(
+            m_file, { .limits = m_limits, .region = wish.region, .use = wish.use });
         if (!decoded) {
             return tl::unexpected(std::move(decoded.error()));
         }

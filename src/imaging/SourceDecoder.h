@@ -1,6 +1,7 @@
 #pragma once
 
 #include "imaging/Bytes.h"
+#include "imaging/DeferredPixels.h"
 #include "imaging/Error.h"
 #include "imaging/FileDescriptor.h"
 #include "imaging/Geometry.h"
@@ -25,6 +26,12 @@ struct SourcePicture {
     ImageProperties properties;
 };
 
+/// What of a picture is wanted, and what for.
+struct PictureWish {
+    std::optional<Rect> region; ///< the only part of the stored picture that is needed
+    ImageUse use = ImageUse::asRows;
+};
+
 /// An open picture file of known type whose header was found good: what an ImageSource stands on.
 class SourceDecoder {
 public:
@@ -36,9 +43,9 @@ public:
     [[nodiscard]] virtual UniformType type() const = 0;
     [[nodiscard]] virtual const ImageHeader& header() const = 0;
 
-    /// The first picture: the whole of it, or the region alone where that costs less. Once the
-    /// whole picture was given, or failed, nothing is asked for any more.
-    virtual Result<SourcePicture> decode(const std::optional<Rect>& region) = 0;
+    /// The first picture: the whole of it, or the region alone, in rows, where that costs less.
+    /// Once the whole picture was given, or failed, nothing is asked for any more.
+    virtual Result<SourcePicture> decode(const PictureWish& wish) = 0;
 };
 
 /// Reads the file and decodes it in this process. Fails as ImageSource::create() does.

@@ -23,6 +23,17 @@ using platform::toPath;
 
 namespace {
 
+/// Whether the picture will be drawn. Which of its sides the limit is for is known when it is
+/// upright; until then it may be either.
+imaging::ImageUse useOf(imaging::Size stored, const OptimizerSettings& settings)
+{
+    const imaging::Size turned { stored.height, stored.width };
+    const bool isDrawn = settings.optimizeColorForSharing || settings.removeColorManagement
+        || ImageOptimizer::transformedSize(stored, settings) != stored
+        || ImageOptimizer::transformedSize(turned, settings) != turned;
+    return isDrawn ? imaging::ImageUse::toBeDrawn : imaging::ImageUse::asRows;
+}
+
 /// All that is left of the source when it has been read: everything that writing needs.
 struct Prepared {
     Image encoded; ///< as it goes to the encoder
@@ -88,7 +99,7 @@ ConversionAudit auditOf(const QUrl& url, UniformType sourceType, const Image& or
 Outcome<Prepared> prepare(ImageSource source, const QUrl& url, const OptimizerSettings& settings,
     const ConversionEnvironment& environment)
 {
-    const auto decoded = source.image();
+    const auto decoded = source.image(useOf(source.storedSize(), settings));
     if (!decoded) {
         return failed(UnreadableImage {});
     }
@@ -104,10 +115,13 @@ Outcome<Prepared> prepare(ImageSource source, const QUrl& url, const OptimizerSe
         return tl::unexpected(existing.error());
     }
 
-    Image encoded = ImageOptimizer::transformed(oriented, settings);
-    ConversionAudit audit = auditOf(url, source.type(), oriented, encoded, settings);
-    ComparisonSampler sampler(oriented, encoded);
-    return Prepared { std::move(encoded), source.type(), std::move(properties),
+    auto encoded = ImageOptimizer::transformed(oriented, settings).withRows();
+    if (!encoded) {
+        return failed(UnreadableImage {}); // whatever holds the pixels lost them
+    }
+    ConversionAudit audit = auditOf(url, source.type(), oriented, *encoded, settings);
+    ComparisonSampler sampler(oriented, *encoded);
+    return Prepared { std::move(*encoded), source.type(), std::move(properties),
         std::move(*outputURL), *existing, std::move(audit), std::move(sampler) };
 }
 

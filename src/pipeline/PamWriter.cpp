@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -44,10 +45,11 @@ std::string header(imaging::Size size)
         + "\nDEPTH 4\nMAXVAL 255\nTUPLTYPE RGB_ALPHA\nENDHDR\n";
 }
 
-/// Rows to write at once: about a mebibyte of them.
+/// Rows to write at once: as many as stay in the cache from the look at their alpha to the copy
+/// that the system makes.
 int rowsPerPiece(std::size_t rowBytes)
 {
-    constexpr std::size_t piece = std::size_t { 1 } << 20U;
+    constexpr std::size_t piece = std::size_t { 1 } << 18U;
     return static_cast<int>(std::max<std::size_t>(1, piece / rowBytes));
 }
 
@@ -55,6 +57,47 @@ std::span<const std::uint8_t> samples(std::span<const std::byte> row)
 {
     return { reinterpret_cast<const std::uint8_t*>(row.data()), row.size() };
 }
+
+/// Rows without gaps between them; none where there are some.
+std::optional<std::span<const std::uint8_t>> joinedRows(const Image& image, int top, int count)
+{
+    const auto first = samples(image.row(top));
+    if (first.size() != image.rowBytes()) {
+        return std::nullopt;
+    }
+    return std::span(first.data(), first.size() * static_cast<std::size_t>(count));
+}
+
+/// The pixels with straight alpha, piece by piece: those of opaque pictures, which nearly all are,
+/// go from where they stand.
+class StraightPixels {
+public:
+    explicit StraightPixels(const Image& image)
+        : m_image(image)
+    {
+    }
+
+    /// Valid until the next call.
+    [[nodiscard]] std::span<const std::uint8_t> rows(int top, int count)
+    {
+        const auto joined = joinedRows(m_image, top, count);
+        if (joined && isOpaque(*joined)) {
+            return *joined;
+        }
+        const std::size_t rowBytes = static_cast<std::size_t>(m_image.width()) * bytesPerPixel;
+        m_piece.resize(rowBytes * static_cast<std::size_t>(count));
+        std::span<std::uint8_t> left(m_piece);
+        for (int y = top; y < top + count; ++y) {
+            unpremultiply(samples(m_image.row(y)), left.first(rowBytes));
+            left = left.subspan(rowBytes);
+        }
+        return m_piece;
+    }
+
+private:
+    const Image& m_image;
+    std::vector<std::uint8_t> m_piece;
+};
 
 platform::Result<void> writeFile(const Image& image, const std::filesystem::path& path)
 {
@@ -66,18 +109,11 @@ platform::Result<void> writeFile(const Image& image, const std::filesystem::path
     if (auto written = file->writeAll(std::as_bytes(std::span(head))); !written) {
         return written;
     }
-    const std::size_t rowBytes = static_cast<std::size_t>(image.width()) * bytesPerPixel;
-    const int rows = std::min(image.height(), rowsPerPiece(rowBytes));
-    std::vector<std::uint8_t> piece(rowBytes * static_cast<std::size_t>(rows));
+    StraightPixels pixels(image);
+    const int rows = rowsPerPiece(static_cast<std::size_t>(image.width()) * bytesPerPixel);
     for (int top = 0; top < image.height(); top += rows) {
-        const int count = std::min(rows, image.height() - top);
-        std::span<std::uint8_t> left(piece);
-        for (int y = top; y < top + count; ++y) {
-            unpremultiply(samples(image.row(y)), left.first(rowBytes));
-            left = left.subspan(rowBytes);
-        }
-        const std::span<const std::uint8_t> filled(piece.data(), piece.size() - left.size());
-        if (auto written = file->writeAll(std::as_bytes(filled)); !written) {
+        const auto piece = pixels.rows(top, std::min(rows, image.height() - top));
+        if (auto written = file->writeAll(std::as_bytes(piece)); !written) {
             return written;
         }
     }

@@ -26,6 +26,8 @@ constexpr std::uint8_t straight(std::uint8_t sample, std::uint8_t alpha)
         std::min<std::uint64_t>(255, value * reciprocals[alpha] >> 32U));
 }
 
+} // namespace
+
 bool isOpaque(std::span<const std::uint8_t> pixels)
 {
     std::uint8_t all = 255;
@@ -34,8 +36,6 @@ bool isOpaque(std::span<const std::uint8_t> pixels)
     }
     return all == 255;
 }
-
-} // namespace
 
 void unpremultiply(std::span<const std::uint8_t> from, std::span<std::uint8_t> to)
 {

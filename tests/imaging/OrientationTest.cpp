@@ -128,5 +128,47 @@ TEST(Orientation, tagsOutsideOneToEightAreNone)
     }
 }
 
+TEST(Orientation, partsAreFoundInEitherPicture)
+{
+    const Size stored { 7, 5 };
+    for (int tag = 1; tag <= 8; ++tag) {
+        const Orientation orientation = orientationFromTag(tag).value();
+        for (const Rect part : { Rect { 0, 0, 7, 5 }, Rect { 1, 2, 3, 2 }, Rect { 6, 4, 1, 1 } }) {
+            const Rect place = uprightRect(part, stored, orientation);
+            const Point first = placeOf(orientation, { part.x, part.y }, stored);
+            const Point last = placeOf(
+                orientation, { part.x + part.width - 1, part.y + part.height - 1 }, stored);
+            EXPECT_EQ(place.x, std::min(first.x, last.x)) << tag;
+            EXPECT_EQ(place.y, std::min(first.y, last.y)) << tag;
+            EXPECT_EQ(place.x + place.width - 1, std::max(first.x, last.x)) << tag;
+            EXPECT_EQ(place.y + place.height - 1, std::max(first.y, last.y)) << tag;
+            EXPECT_EQ(storedRect(place, uprightSize(stored, orientation), orientation), part)
+                << tag;
+        }
+    }
+}
+
+TEST(Orientation, partsTurnedOneByOneMakeTheUprightPicture)
+{
+    const PixelLayout layout { ColorModel::rgb, 8, AlphaInfo::none };
+    const Image stored = test::gradient(test::oddSize, layout);
+    for (int tag = 1; tag <= 8; ++tag) {
+        const Orientation orientation = orientationFromTag(tag).value();
+        auto pixels
+            = PixelBuffer::createZeroed(uprightSize(stored.size(), orientation), layout).value();
+        for (int y = 0; y < stored.height(); y += 10) {
+            for (int x = 0; x < stored.width(); x += 20) {
+                const Rect part { x, y, std::min(20, stored.width() - x),
+                    std::min(10, stored.height() - y) };
+                const Rect place = uprightRect(part, stored.size(), orientation);
+                writeUpright(stored.cropped(part), orientation, pixels, place.x, place.y);
+            }
+        }
+        const Image turned(std::move(pixels), stored.colorSpace());
+        EXPECT_EQ(test::maximumDifference(turned, upright(stored, orientation).value()), 0.0)
+            << tag;
+    }
+}
+
 } // namespace
 } // namespace vellumine::imaging

@@ -54,10 +54,10 @@ Result<ImageSource> ConfinedDecoders::open(
 {
     return FileDescriptor::openForReading(path)
         .and_then([&](FileDescriptor&& file) {
-            return ConfinedDecoder::open(m_pool, std::move(file), limits, interruption);
+            return HelperSession::open(m_pool, std::move(file), limits, interruption);
         })
-        .map([](std::unique_ptr<ConfinedDecoder>&& decoder) {
-            return ImageSource::create(std::move(decoder));
+        .map([](std::shared_ptr<HelperSession>&& session) {
+            return ImageSource::create(std::make_unique<ConfinedDecoder>(std::move(session)));
         });
 }
 

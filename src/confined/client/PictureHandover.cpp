@@ -2,19 +2,18 @@
 
 #include "confined/client/DecoderProcess.h"
 #include "confined/protocol/Messages.h"
-#include "confined/protocol/PictureAttachments.h"
 #include "confined/protocol/SharedMemory.h"
 
-#include <functional>
+#include <memory>
 #include <utility>
 
 namespace vellumine::confined {
 
+using imaging::ColorSpace;
 using imaging::Error;
 using imaging::FileDescriptor;
 using imaging::Image;
 using imaging::Result;
-using imaging::SourcePicture;
 
 namespace {
 
@@ -26,15 +25,13 @@ std::uint64_t mostAttachments(std::uint64_t fileBytes)
     return inflated + 2 * fileBytes;
 }
 
-Result<SourcePicture> described(const DecodedReply& reply, imaging::ByteSpan attachments,
-    const std::function<Image(imaging::ColorSpace)>& image)
+Result<PictureAttachments> parsed(const DecodedReply& reply, imaging::ByteSpan bytes)
 {
-    auto attached = parseAttachments(attachments);
-    if (!attached || attached->colorSpace.model() != reply.layout.model) {
+    auto attachments = parseAttachments(bytes);
+    if (!attachments || attachments->colorSpace.model() != reply.layout.model) {
         return notWhatWasAskedFor();
     }
-    return SourcePicture { image(std::move(attached->colorSpace)), reply.isRegion,
-        attached->orientation, std::move(attached->properties) };
+    return attachments;
 }
 
 } // namespace
@@ -48,39 +45,49 @@ bool isWhatWasAskedFor(const DecodedReply& reply, const PictureQuestion& questio
         && reply.attachmentsBytes <= mostAttachments(fileBytes);
 }
 
-Result<SourcePicture> fetchPicture(const DecoderProcess& process, const DecodedReply& reply)
+Result<PictureAttachments> fetchAttachments(
+    const DecoderProcess& process, const DecodedReply& reply)
+{
+    imaging::ByteBuffer bytes(static_cast<std::size_t>(reply.attachmentsBytes));
+    if (auto done = process.fetch(bytes, bytes.size(), reply.attachmentsAddress, bytes.size());
+        !done) {
+        return tl::unexpected(done.error());
+    }
+    return parsed(reply, bytes);
+}
+
+Result<Image> fetchPixels(
+    const DecoderProcess& process, const PixelsReply& reply, const ColorSpace& colorSpace)
 {
     auto pixels = imaging::PixelBuffer::create(reply.size, reply.layout);
     if (!pixels) {
         return tl::unexpected(pixels.error());
     }
-    imaging::ByteBuffer attachments(static_cast<std::size_t>(reply.attachmentsBytes));
-    auto done
-        = process.fetch(pixels->bytes(), pixels->rowBytes(), reply.pixelsAddress, reply.rowBytes);
-    if (done) {
-        done = process.fetch(
-            attachments, attachments.size(), reply.attachmentsAddress, attachments.size());
-    }
-    if (!done) {
+    if (auto done
+        = process.fetch(pixels->bytes(), pixels->rowBytes(), reply.address, reply.rowBytes);
+        !done) {
         return tl::unexpected(done.error());
     }
-    return described(reply, attachments, [&pixels](imaging::ColorSpace&& space) {
-        return Image(std::move(*pixels), std::move(space));
-    });
+    return Image(std::move(*pixels), colorSpace);
 }
 
-Result<SourcePicture> mapPicture(const FileDescriptor& memory, const DecodedReply& reply)
+Result<PictureAttachments> mapAttachments(const FileDescriptor& memory, const DecodedReply& reply)
 {
-    const std::size_t rowBytes = tightRowBytes(reply.size, reply.layout);
-    const std::size_t pixelBytes = rowBytes * static_cast<std::size_t>(reply.size.height);
-    const auto attachmentsBytes = static_cast<std::size_t>(reply.attachmentsBytes);
-    const auto bytes = mapSealed(memory, pixelBytes + attachmentsBytes);
+    const auto size = static_cast<std::size_t>(reply.attachmentsBytes);
+    const auto bytes = mapSealed(memory, size);
     if (!bytes) {
         return tl::unexpected(bytes.error());
     }
-    return described(
-        reply, { bytes->get() + pixelBytes, attachmentsBytes }, [&](imaging::ColorSpace&& space) {
-            return Image(reply.size, reply.layout, rowBytes, std::move(space), *bytes);
+    return parsed(reply, { bytes->get(), size });
+}
+
+Result<Image> mapPixels(
+    const FileDescriptor& memory, const PixelsReply& reply, const ColorSpace& colorSpace)
+{
+    const std::size_t rowBytes = tightRowBytes(reply.size, reply.layout);
+    return mapSealed(memory, rowBytes * static_cast<std::size_t>(reply.size.height))
+        .map([&](std::shared_ptr<const std::byte[]>&& bytes) {
+            return Image(reply.size, reply.layout, rowBytes, colorSpace, std::move(bytes));
         });
 }
 

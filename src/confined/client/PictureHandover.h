@@ -1,7 +1,9 @@
 #pragma once
 
+#include "confined/protocol/PictureAttachments.h"
 #include "imaging/Error.h"
 #include "imaging/FileDescriptor.h"
+#include "imaging/Image.h"
 #include "imaging/Limits.h"
 #include "imaging/SourceDecoder.h"
 
@@ -12,8 +14,9 @@ namespace vellumine::confined {
 
 class DecoderProcess;
 struct DecodedReply;
+struct PixelsReply;
 
-/// How a decoded picture comes from its helper.
+/// How pixels and attachments come from a helper.
 enum class Handover : std::uint8_t {
     fetched, ///< read from its memory; shared where that is not allowed
     shared, ///< in sealed memory
@@ -31,15 +34,19 @@ struct PictureQuestion {
 /// with no more attached than its file can hold.
 [[nodiscard]] bool isWhatWasAskedFor(const DecodedReply& reply, const PictureQuestion& question);
 
-/// Reads a picture that was asked for from the helper's memory. Fails with Unsupported where this
-/// process may not, and with Io when what is there is no such picture.
-[[nodiscard]] imaging::Result<imaging::SourcePicture> fetchPicture(
-    const DecoderProcess& process, const DecodedReply& reply);
+// All of these fail with Io when what is there is not what was said, and the first two with
+// Unsupported where this process may not read the helper's memory.
 
-/// The picture that was asked for, in memory that was handed over: its pixels, then what is said
-/// about them. Fails when the memory is not sealed or is no such picture.
-[[nodiscard]] imaging::Result<imaging::SourcePicture> mapPicture(
+[[nodiscard]] imaging::Result<PictureAttachments> fetchAttachments(
+    const DecoderProcess& process, const DecodedReply& reply);
+[[nodiscard]] imaging::Result<imaging::Image> fetchPixels(
+    const DecoderProcess& process, const PixelsReply& reply, const imaging::ColorSpace& colorSpace);
+
+/// From memory that was handed over, which must be sealed.
+[[nodiscard]] imaging::Result<PictureAttachments> mapAttachments(
     const imaging::FileDescriptor& memory, const DecodedReply& reply);
+[[nodiscard]] imaging::Result<imaging::Image> mapPixels(const imaging::FileDescriptor& memory,
+    const PixelsReply& reply, const imaging::ColorSpace& colorSpace);
 
 /// The failure of an answer that makes no sense.
 [[nodiscard]] tl::unexpected<imaging::Error> notWhatWasAskedFor();

@@ -3,6 +3,7 @@
 #include "confined/protocol/ByteStream.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace vellumine::confined {
 
@@ -12,6 +13,7 @@ using imaging::ByteSpan;
 using imaging::ColorModel;
 using imaging::Error;
 using imaging::PixelLayout;
+using imaging::Rect;
 using imaging::Result;
 using imaging::Size;
 
@@ -21,11 +23,14 @@ enum class Tag : std::uint8_t {
     open,
     decode,
     decodeRegion,
+    rows,
+    draw,
     share,
     release,
     ready,
     opened,
     decoded,
+    pixels,
     shared,
     failed,
 };
@@ -49,6 +54,13 @@ void write(ByteWriter& writer, Size size)
     writer.number(std::int32_t { size.height });
 }
 
+void write(ByteWriter& writer, const Rect& rect)
+{
+    writer.number(std::int32_t { rect.x });
+    writer.number(std::int32_t { rect.y });
+    write(writer, rect.size());
+}
+
 void write(ByteWriter& writer, const PixelLayout& layout)
 {
     writer.number(static_cast<std::uint8_t>(layout.model));
@@ -60,6 +72,14 @@ Size readSize(ByteReader& reader)
 {
     const auto width = reader.number<std::int32_t>();
     return { width, reader.number<std::int32_t>() };
+}
+
+Rect readRect(ByteReader& reader)
+{
+    const auto x = reader.number<std::int32_t>();
+    const auto y = reader.number<std::int32_t>();
+    const Size size = readSize(reader);
+    return { x, y, size.width, size.height };
 }
 
 /// With numbers that may stand for nothing: isValid() tells.
@@ -78,7 +98,7 @@ bool hasPixels(Size size)
 }
 
 /// Whether the rows have room, and an end.
-bool isConsistent(const DecodedReply& reply)
+bool isConsistent(const PixelsReply& reply)
 {
     const std::uint64_t used = tightRowBytes(reply.size, reply.layout);
     const auto rows = static_cast<std::uint64_t>(reply.size.height);
@@ -117,11 +137,22 @@ Result<Reply> parseDecoded(ByteReader& reader)
     DecodedReply reply;
     reply.size = readSize(reader);
     reply.layout = readLayout(reader);
-    reply.rowBytes = reader.number<std::uint64_t>();
-    reply.pixelsAddress = reader.number<std::uint64_t>();
+    reply.isRegion = reader.number<std::uint8_t>() != 0;
     reply.attachmentsAddress = reader.number<std::uint64_t>();
     reply.attachmentsBytes = reader.number<std::uint64_t>();
-    reply.isRegion = reader.number<std::uint8_t>() != 0;
+    if (!reader.isAtTheEnd() || !hasPixels(reply.size) || !isValid(reply.layout)) {
+        return malformed();
+    }
+    return reply;
+}
+
+Result<Reply> parsePixels(ByteReader& reader)
+{
+    PixelsReply reply;
+    reply.size = readSize(reader);
+    reply.layout = readLayout(reader);
+    reply.rowBytes = reader.number<std::uint64_t>();
+    reply.address = reader.number<std::uint64_t>();
     if (!reader.isAtTheEnd() || !hasPixels(reply.size) || !isValid(reply.layout)
         || !isConsistent(reply)) {
         return malformed();
@@ -139,6 +170,53 @@ Result<Reply> parseFailed(ByteReader& reader)
     return FailedReply { Error { static_cast<Error::Kind>(kind), std::move(detail) } };
 }
 
+/// None where a number stands for no enumerator.
+template <typename Enumeration>
+std::optional<Enumeration> readEnumerator(ByteReader& reader, Enumeration last)
+{
+    const auto number = reader.number<std::uint8_t>();
+    if (number > static_cast<std::uint8_t>(last)) {
+        return std::nullopt;
+    }
+    return static_cast<Enumeration>(number);
+}
+
+OpenRequest readOpen(ByteReader& reader)
+{
+    imaging::Limits limits;
+    limits.maximumPixels = reader.number<std::uint64_t>();
+    limits.maximumSide = reader.number<std::uint32_t>();
+    limits.maximumBytes = reader.number<std::uint64_t>();
+    return { limits };
+}
+
+enum class HasRegion { no, yes };
+
+std::optional<Request> readDecode(ByteReader& reader, HasRegion hasRegion)
+{
+    const auto use = readEnumerator(reader, imaging::ImageUse::toBeDrawn);
+    if (!use) {
+        return std::nullopt;
+    }
+    DecodeRequest request { { .region = std::nullopt, .use = *use } };
+    if (hasRegion == HasRegion::yes) {
+        request.wish.region = readRect(reader);
+    }
+    return request;
+}
+
+std::optional<Request> readDraw(ByteReader& reader)
+{
+    const Size size = readSize(reader);
+    const auto colors = readEnumerator(reader, BitmapColors::own);
+    const auto quality = readEnumerator(reader, imaging::InterpolationQuality::high);
+    const auto orientation = imaging::orientationFromTag(reader.number<std::uint8_t>());
+    if (!colors || !quality || !orientation || !hasPixels(size)) {
+        return std::nullopt;
+    }
+    return DrawRequest { size, *colors, *quality, *orientation };
+}
+
 struct Serialiser {
     ByteWriter& writer;
 
@@ -151,12 +229,25 @@ struct Serialiser {
     }
     void operator()(const DecodeRequest& request)
     {
-        write(writer, request.region ? Tag::decodeRegion : Tag::decode);
-        if (request.region) {
-            writer.number(std::int32_t { request.region->x });
-            writer.number(std::int32_t { request.region->y });
-            write(writer, request.region->size());
+        const auto& [region, use] = request.wish;
+        write(writer, region ? Tag::decodeRegion : Tag::decode);
+        writer.number(static_cast<std::uint8_t>(use));
+        if (region) {
+            write(writer, *region);
         }
+    }
+    void operator()(const RowsRequest& request)
+    {
+        write(writer, Tag::rows);
+        write(writer, request.part);
+    }
+    void operator()(const DrawRequest& request)
+    {
+        write(writer, Tag::draw);
+        write(writer, request.size);
+        writer.number(static_cast<std::uint8_t>(request.colors));
+        writer.number(static_cast<std::uint8_t>(request.quality));
+        writer.number(static_cast<std::uint8_t>(request.orientation));
     }
     void operator()(const ShareRequest& /*request*/) { write(writer, Tag::share); }
     void operator()(const ReleaseRequest& /*request*/) { write(writer, Tag::release); }
@@ -180,11 +271,17 @@ struct Serialiser {
         write(writer, Tag::decoded);
         write(writer, reply.size);
         write(writer, reply.layout);
-        writer.number(reply.rowBytes);
-        writer.number(reply.pixelsAddress);
+        writer.number(static_cast<std::uint8_t>(reply.isRegion));
         writer.number(reply.attachmentsAddress);
         writer.number(reply.attachmentsBytes);
-        writer.number(static_cast<std::uint8_t>(reply.isRegion));
+    }
+    void operator()(const PixelsReply& reply)
+    {
+        write(writer, Tag::pixels);
+        write(writer, reply.size);
+        write(writer, reply.layout);
+        writer.number(reply.rowBytes);
+        writer.number(reply.address);
     }
     void operator()(const SharedReply& /*reply*/) { write(writer, Tag::shared); }
     void operator()(const FailedReply& reply)
@@ -228,32 +325,36 @@ ByteBuffer serialised(const Reply& reply)
 Result<Request> parseRequest(ByteSpan message)
 {
     ByteReader reader(message);
-    const auto tag = static_cast<Tag>(reader.number<std::uint8_t>());
-    Request request;
-    if (tag == Tag::open) {
-        imaging::Limits limits;
-        limits.maximumPixels = reader.number<std::uint64_t>();
-        limits.maximumSide = reader.number<std::uint32_t>();
-        limits.maximumBytes = reader.number<std::uint64_t>();
-        request = OpenRequest { limits };
-    } else if (tag == Tag::decode) {
-        request = DecodeRequest {};
-    } else if (tag == Tag::share) {
+    std::optional<Request> request;
+    switch (static_cast<Tag>(reader.number<std::uint8_t>())) {
+    case Tag::open:
+        request = readOpen(reader);
+        break;
+    case Tag::decode:
+        request = readDecode(reader, HasRegion::no);
+        break;
+    case Tag::decodeRegion:
+        request = readDecode(reader, HasRegion::yes);
+        break;
+    case Tag::rows:
+        request = RowsRequest { readRect(reader) };
+        break;
+    case Tag::draw:
+        request = readDraw(reader);
+        break;
+    case Tag::share:
         request = ShareRequest {};
-    } else if (tag == Tag::release) {
+        break;
+    case Tag::release:
         request = ReleaseRequest {};
-    } else if (tag == Tag::decodeRegion) {
-        const auto x = reader.number<std::int32_t>();
-        const auto y = reader.number<std::int32_t>();
-        const Size size = readSize(reader);
-        request = DecodeRequest { imaging::Rect { x, y, size.width, size.height } };
-    } else {
+        break;
+    default:
+        break;
+    }
+    if (!request || !reader.isAtTheEnd()) {
         return malformed();
     }
-    if (!reader.isAtTheEnd()) {
-        return malformed();
-    }
-    return request;
+    return *request;
 }
 
 Result<Reply> parseReply(ByteSpan message)
@@ -266,6 +367,8 @@ Result<Reply> parseReply(ByteSpan message)
         return parseOpened(reader);
     case Tag::decoded:
         return parseDecoded(reader);
+    case Tag::pixels:
+        return parsePixels(reader);
     case Tag::shared:
         return reader.isAtTheEnd() ? Result<Reply>(SharedReply {}) : malformed();
     case Tag::failed:

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "confined/protocol/Confinement.h"
+#include "imaging/BitmapContext.h"
 #include "imaging/Bytes.h"
 #include "imaging/Error.h"
 #include "imaging/Geometry.h"
 #include "imaging/Limits.h"
 #include "imaging/Orientation.h"
 #include "imaging/PixelLayout.h"
+#include "imaging/SourceDecoder.h"
 #include "imaging/UniformType.h"
 #include "imaging/codecs/Codec.h"
 
@@ -17,15 +19,16 @@
 namespace vellumine::confined {
 
 // What the program asks a helper, and what that answers. Every message is one datagram with at most
-// one descriptor. A decoded picture is fetched: the program reads it from the helper's memory, by
-// addresses that the helper names. Where a program may not do that, the helper puts it into sealed
-// memory and hands that over. (Shared memory comes in pages of 4 KiB, and costs six times what
-// copying into large pages does.)
+// one descriptor. A decoded picture stays with the helper, which gives rows of it or draws it: a
+// photograph that is made small never leaves it in full size. What is given is fetched: the program
+// reads it from the helper's memory, by addresses that the helper names. Where a program may not do
+// that, the helper puts it into sealed memory and hands that over. (Shared memory comes in pages of
+// 4 KiB, and costs six times what copying into large pages does.)
 // A helper that was taken over by a picture can send anything: only what parses,
 // and lies within the limits that were asked with, is believed.
 
 /// Changes with the messages, so that a helper of another build is noticed.
-inline constexpr std::uint32_t protocolVersion = 1;
+inline constexpr std::uint32_t protocolVersion = 2;
 
 /// Longer messages are not sent and not read.
 inline constexpr std::size_t largestMessage = 4096;
@@ -37,16 +40,37 @@ struct OpenRequest {
 
 /// Decodes the open picture, or the region of it where that costs less.
 struct DecodeRequest {
-    std::optional<imaging::Rect> region;
+    imaging::PictureWish wish;
 };
 
-/// Puts the decoded picture into sealed memory: its rows without gaps, then its attachments.
+/// Lays rows of the decoded picture out, as it is stored.
+struct RowsRequest {
+    imaging::Rect part;
+};
+
+/// The colours of a bitmap that can be asked for.
+enum class BitmapColors : std::uint8_t {
+    sRgb,
+    deviceRgb,
+    own, ///< the picture's, which must be RGB
+};
+
+/// Draws the decoded picture, upright.
+struct DrawRequest {
+    imaging::Size size;
+    BitmapColors colors = BitmapColors::sRgb;
+    imaging::InterpolationQuality quality = imaging::InterpolationQuality::high;
+    imaging::Orientation orientation = imaging::Orientation::topLeft;
+};
+
+/// Puts what was given last into sealed memory: rows without gaps, or the attachments.
 struct ShareRequest { };
 
 /// Forgets the decoded picture. Has no answer.
 struct ReleaseRequest { };
 
-using Request = std::variant<OpenRequest, DecodeRequest, ShareRequest, ReleaseRequest>;
+using Request = std::variant<OpenRequest, DecodeRequest, RowsRequest, DrawRequest, ShareRequest,
+    ReleaseRequest>;
 
 /// The helper's first word.
 struct ReadyReply {
@@ -58,16 +82,22 @@ struct OpenedReply {
     imaging::ImageHeader header;
 };
 
-/// The picture is in the helper's memory until the next request but one for sharing: its pixels,
-/// and its attachments (PictureAttachments.h).
+/// The picture is decoded and stays until the next one is, or until it is released. Its attachments
+/// (PictureAttachments.h) are in the helper's memory until the next request but one for sharing.
 struct DecodedReply {
     imaging::Size size;
     imaging::PixelLayout layout;
-    std::uint64_t rowBytes = 0;
-    std::uint64_t pixelsAddress = 0;
+    bool isRegion = false;
     std::uint64_t attachmentsAddress = 0;
     std::uint64_t attachmentsBytes = 0;
-    bool isRegion = false;
+};
+
+/// Rows are in the helper's memory until the next request but one for sharing.
+struct PixelsReply {
+    imaging::Size size;
+    imaging::PixelLayout layout;
+    std::uint64_t rowBytes = 0;
+    std::uint64_t address = 0;
 };
 
 struct FailedReply {
@@ -77,7 +107,8 @@ struct FailedReply {
 /// The memory's descriptor comes along.
 struct SharedReply { };
 
-using Reply = std::variant<ReadyReply, OpenedReply, DecodedReply, SharedReply, FailedReply>;
+using Reply
+    = std::variant<ReadyReply, OpenedReply, DecodedReply, PixelsReply, SharedReply, FailedReply>;
 
 [[nodiscard]] imaging::ByteBuffer serialised(const Request& request);
 [[nodiscard]] imaging::ByteBuffer serialised(const Reply& reply);

@@ -2,12 +2,17 @@
 
 #include "confined/protocol/PictureAttachments.h"
 #include "confined/protocol/SharedMemory.h"
+#include "imaging/BitmapContext.h"
+#include "imaging/DeferredPixels.h"
+#include "imaging/Orientation.h"
 
 #include <cstdint>
 #include <new>
 
 namespace vellumine::confined {
 
+using imaging::BitmapContext;
+using imaging::ColorSpace;
 using imaging::Error;
 using imaging::FileDescriptor;
 using imaging::Image;
@@ -25,26 +30,51 @@ std::uint64_t addressOf(const std::byte* memory)
     return reinterpret_cast<std::uintptr_t>(memory);
 }
 
-Result<FileDescriptor> sealed(const Image& image, imaging::ByteSpan attachments)
+Result<void> append(SharedMemory& memory, const Image& image)
 {
-    auto memory = SharedMemory::create();
-    if (!memory) {
-        return tl::unexpected(memory.error());
-    }
     const std::size_t rowBytes = image.row(0).size();
     const bool hasGaps = image.rowBytes() != rowBytes;
     const int step = hasGaps ? 1 : image.height();
     for (int y = 0; y < image.height(); y += step) {
         const imaging::ByteSpan rows(
             image.row(y).data(), rowBytes * static_cast<std::size_t>(step));
-        if (auto appended = memory->append(rows); !appended) {
-            return tl::unexpected(appended.error());
+        if (auto appended = memory.append(rows); !appended) {
+            return appended;
         }
     }
-    if (auto appended = memory->append(attachments); !appended) {
-        return tl::unexpected(appended.error());
+    return {};
+}
+
+/// The picture drawn upright. One that has rows is turned when it is drawn: that is less work.
+Result<Image> drawn(const Image& image, const imaging::Drawing& drawing)
+{
+    if (!image.hasRows()) {
+        return image.deferred()->drawn(drawing);
     }
-    return std::move(*memory).seal();
+    auto context = BitmapContext::create(
+        imaging::uprightSize(drawing.size, drawing.orientation), 8, drawing.colorSpace);
+    if (!context) {
+        return tl::unexpected(context.error());
+    }
+    context->setInterpolationQuality(drawing.quality);
+    return context->draw(image)
+        .and_then([&context] { return std::move(*context).makeImage(); })
+        .and_then([&drawing](const Image& stored) {
+            return imaging::upright(stored, drawing.orientation);
+        });
+}
+
+ColorSpace colorSpace(BitmapColors colors, const Image& image)
+{
+    switch (colors) {
+    case BitmapColors::sRgb:
+        return ColorSpace::sRgb();
+    case BitmapColors::deviceRgb:
+        return ColorSpace::deviceRgb();
+    case BitmapColors::own:
+        break;
+    }
+    return image.colorSpace();
 }
 
 } // namespace
@@ -76,16 +106,24 @@ std::optional<DecoderService::Answer> DecoderService::answer(
         if (std::holds_alternative<ShareRequest>(request)) {
             return share();
         }
-        m_held.reset();
-        if (std::holds_alternative<ReleaseRequest>(request)) {
-            return std::nullopt;
+        m_given = {};
+        if (const auto* const asked = std::get_if<RowsRequest>(&request)) {
+            return rows(*asked);
         }
+        if (const auto* const asked = std::get_if<DrawRequest>(&request)) {
+            return draw(*asked);
+        }
+        m_picture.reset();
         if (const auto* const asked = std::get_if<OpenRequest>(&request)) {
             return open(*asked, std::move(descriptor));
         }
-        return decode(std::get<DecodeRequest>(request));
+        if (const auto* const asked = std::get_if<DecodeRequest>(&request)) {
+            return decode(*asked);
+        }
+        return std::nullopt;
     } catch (const std::bad_alloc&) {
         m_decoder.reset();
+        m_picture.reset();
         return failed({ Error::Kind::outOfMemory, "no memory for the picture" });
     }
 }
@@ -102,6 +140,7 @@ DecoderService::Answer DecoderService::open(
         return failed(std::move(decoder.error()));
     }
     m_decoder = std::move(*decoder);
+    m_limits = request.limits;
     return { OpenedReply { m_decoder->type(), m_decoder->header() }, std::nullopt };
 }
 
@@ -110,42 +149,88 @@ DecoderService::Answer DecoderService::decode(const DecodeRequest& request)
     if (!m_decoder) {
         return failed({ Error::Kind::io, "no picture is open" });
     }
-    if (request.region && !contains(m_decoder->header().size, *request.region)) {
+    const auto& region = request.wish.region;
+    if (region && !contains(m_decoder->header().size, *region)) {
         return failed({ Error::Kind::malformed, "the part lies outside of the picture" });
     }
-    auto picture = m_decoder->decode(request.region);
+    auto picture = m_decoder->decode(request.wish);
     if (!picture || !picture->isRegion) {
         m_decoder.reset(); // the file has served
     }
     if (!picture) {
         return failed(std::move(picture.error()));
     }
-    m_held.emplace(Held { picture->image,
-        serialised(PictureAttachments {
-            picture->image.colorSpace(), picture->orientation, std::move(picture->properties) }) });
-    const Image& image = m_held->image;
+    m_picture = std::move(picture->image);
+    const auto& attachments = m_given.emplace<imaging::ByteBuffer>(serialised(PictureAttachments {
+        m_picture->colorSpace(), picture->orientation, std::move(picture->properties) }));
     return { DecodedReply {
+                 .size = m_picture->size(),
+                 .layout = m_picture->layout(),
+                 .isRegion = picture->isRegion,
+                 .attachmentsAddress = addressOf(attachments.data()),
+                 .attachmentsBytes = attachments.size(),
+             },
+        std::nullopt };
+}
+
+DecoderService::Answer DecoderService::rows(const RowsRequest& request)
+{
+    if (!m_picture || !contains(m_picture->size(), request.part)) {
+        return failed({ Error::Kind::io, "there is no such part" });
+    }
+    return given(m_picture->rows(request.part));
+}
+
+DecoderService::Answer DecoderService::draw(const DrawRequest& request)
+{
+    if (!m_picture) {
+        return failed({ Error::Kind::io, "no picture is there to be drawn" });
+    }
+    if (auto allowed = m_limits.check(
+            request.size.width, request.size.height, imaging::rgba8Premultiplied.bytesPerPixel());
+        !allowed) {
+        return failed(std::move(allowed.error()));
+    }
+    return given(drawn(*m_picture,
+        { request.size, colorSpace(request.colors, *m_picture), request.quality,
+            request.orientation }));
+}
+
+DecoderService::Answer DecoderService::given(Result<Image> pixels)
+{
+    if (!pixels) {
+        return failed(std::move(pixels.error()));
+    }
+    const Image& image = m_given.emplace<Image>(std::move(*pixels));
+    return { PixelsReply {
                  .size = image.size(),
                  .layout = image.layout(),
                  .rowBytes = image.rowBytes(),
-                 .pixelsAddress = addressOf(image.row(0).data()),
-                 .attachmentsAddress = addressOf(m_held->attachments.data()),
-                 .attachmentsBytes = m_held->attachments.size(),
-                 .isRegion = picture->isRegion,
+                 .address = addressOf(image.row(0).data()),
              },
         std::nullopt };
 }
 
 DecoderService::Answer DecoderService::share() const
 {
-    if (!m_held) {
-        return failed({ Error::Kind::io, "no picture is held" });
-    }
-    auto memory = sealed(m_held->image, m_held->attachments);
+    auto memory = SharedMemory::create();
     if (!memory) {
         return failed(std::move(memory.error()));
     }
-    return { SharedReply {}, std::move(*memory) };
+    Result<void> appended = imaging::failure(Error::Kind::io, "nothing was given");
+    if (const auto* const image = std::get_if<Image>(&m_given)) {
+        appended = append(*memory, *image);
+    } else if (const auto* const attachments = std::get_if<imaging::ByteBuffer>(&m_given)) {
+        appended = memory->append(*attachments);
+    }
+    if (!appended) {
+        return failed(std::move(appended.error()));
+    }
+    auto sealed = std::move(*memory).seal();
+    if (!sealed) {
+        return failed(std::move(sealed.error()));
+    }
+    return { SharedReply {}, std::move(*sealed) };
 }
 
 } // namespace vellumine::confined

@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <optional>
+#include <variant>
 
 namespace vellumine::confined {
 
@@ -28,16 +29,16 @@ public:
 private:
     Answer open(const OpenRequest& request, std::optional<imaging::FileDescriptor> file);
     Answer decode(const DecodeRequest& request);
+    Answer rows(const RowsRequest& request);
+    Answer draw(const DrawRequest& request);
+    Answer given(imaging::Result<imaging::Image> pixels);
     [[nodiscard]] Answer share() const;
 
-    /// A decoded picture that waits to be fetched.
-    struct Held {
-        imaging::Image image;
-        imaging::ByteBuffer attachments;
-    };
-
-    std::optional<Held> m_held;
+    imaging::Limits m_limits;
     std::unique_ptr<imaging::SourceDecoder> m_decoder;
+    std::optional<imaging::Image> m_picture; ///< as it is stored
+    /// What waits to be fetched.
+    std::variant<std::monostate, imaging::Image, imaging::ByteBuffer> m_given;
 };
 
 } // namespace vellumine::confined

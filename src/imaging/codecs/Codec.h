@@ -1,6 +1,7 @@
 #pragma once
 
 #include "imaging/Bytes.h"
+#include "imaging/DeferredPixels.h"
 #include "imaging/Error.h"
 #include "imaging/Image.h"
 #include "imaging/Limits.h"
@@ -23,6 +24,7 @@ struct DecodeOptions {
     /// The only part of the stored picture that is needed. A codec that can decode a part for less
     /// than the whole does; any other decodes the whole.
     std::optional<Rect> region;
+    ImageUse use = ImageUse::asRows;
 };
 
 struct DecodedImage {
@@ -63,7 +65,7 @@ struct Codec {
     /// Truncated when picture data is missing (a missing end marker alone is no failure), and with
     /// Malformed or Unsupported.
     Result<DecodedImage> (*decode)(ByteSpan file, const DecodeOptions& options);
-    /// The whole encoded file. Takes any layout; null for a format that is only read.
+    /// The whole encoded file. Takes any layout, in rows; null for a format that is only read.
     Result<ByteBuffer> (*encode)(const Image& image, const EncodeOptions& options);
 };
 

@@ -2,6 +2,7 @@
 
 #include "imaging/Error.h"
 #include "imaging/Geometry.h"
+#include "imaging/ycc/YccPlanes.h"
 
 #include <array>
 #include <cstdint>
@@ -9,12 +10,16 @@
 
 namespace vellumine::imaging {
 
+enum class InterpolationQuality;
+
 enum class ResampleFilter {
     point,
     bilinear,
     bicubic, ///< Mitchell and Netravali's, B = C = 1/3
     lanczos3,
 };
+
+[[nodiscard]] ResampleFilter filterFor(InterpolationQuality quality);
 
 /// Part of one row of a picture whose channels lie in planes of 16-bit samples.
 struct PlanarRow {
@@ -25,6 +30,8 @@ struct PlanarRow {
     std::array<std::uint16_t*, 4> planes;
 };
 
+using RowHandler = std::function<void(const PlanarRow&)>;
+
 /// What a resampling reads from and writes to. Rows are asked for and delivered from the top down,
 /// a part may be asked for more than once, and only a few rows are held at any moment.
 struct ResampleJob {
@@ -32,12 +39,17 @@ struct ResampleJob {
     Size target;
     int planes; ///< 1 to 4, resampled alike and independently
     ResampleFilter filter;
-    std::function<void(const PlanarRow&)> read; ///< fills the row's columns
-    std::function<void(const PlanarRow&)> write; ///< takes the row's columns
+    RowHandler read; ///< fills the row's columns
+    RowHandler write; ///< takes the row's columns
 };
 
 /// Runs the job. When a picture shrinks, the filter is widened by the same factor, so that every
 /// source pixel counts. Fails with OutOfMemory, or with Unsupported for sizes beyond the library's.
 Result<void> resample(const ResampleJob& job);
+
+/// The same for a photograph in planes, whose last pairs must be complete. `write` takes rows of
+/// Y, Cb and Cr, whose samples are 256 times as large as the source's.
+Result<void> resample(
+    const ycc::YccPlanes& source, Size target, ResampleFilter filter, const RowHandler& write);
 
 } // namespace vellumine::imaging

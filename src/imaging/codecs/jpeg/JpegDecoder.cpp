@@ -1,9 +1,12 @@
 #include "imaging/codecs/MetadataCarriers.h"
 #include "imaging/codecs/jpeg/JpegCodec.h"
+#include "imaging/codecs/jpeg/JpegCoefficients.h"
 #include "imaging/codecs/jpeg/JpegErrors.h"
 #include "imaging/codecs/jpeg/JpegMarkers.h"
+#include "imaging/codecs/jpeg/JpegPlanes.h"
 #include "imaging/codecs/jpeg/JpegScans.h"
 #include "imaging/codecs/jpeg/JpegSource.h"
+#include "imaging/ycc/YccPixels.h"
 
 #include <algorithm>
 #include <array>
@@ -39,13 +42,17 @@ private:
 
     [[nodiscard]] Result<void> checkLimits(const ImageHeader& header, const Limits& limits) const;
     [[nodiscard]] std::uint64_t coefficientBytes() const;
-    Window start(const std::optional<Rect>& region);
+    [[nodiscard]] Result<void> start();
+    Window windowFor(const std::optional<Rect>& region);
     void readRows(const Window& window, PixelBuffer& pixels);
+    Result<Image> decodeRows(PixelLayout layout, const std::optional<Rect>& region);
+    Result<Image> decodePlanes(PixelLayout layout, ycc::Subsampling subsampling);
     [[nodiscard]] ColorSpace colorSpace(ColorModel model) const;
 
     Errors m_errors;
     Source m_source;
     ScanWatch m_scans;
+    Coefficients m_coefficients;
     jpeg_decompress_struct m_library {};
 };
 
@@ -82,6 +89,7 @@ Result<ImageHeader> Reader::readHeader(Markers markers)
 {
     const auto read = m_errors.run([this, markers] {
         jpeg_create_decompress(&m_library);
+        m_coefficients.manage(reinterpret_cast<j_common_ptr>(&m_library));
         m_library.src = &m_source;
         if (markers == Markers::keep) {
             keepMarkers(m_library);
@@ -118,15 +126,11 @@ Result<void> Reader::checkLimits(const ImageHeader& header, const Limits& limits
     return rest.check(header.size.width, header.size.height, header.layout.bytesPerPixel());
 }
 
-/// Starts the output of the part of the picture. What surrounds a sample takes part in smoothing
+/// Limits the output to the part of the picture. What surrounds a sample takes part in smoothing
 /// its colour, so that the columns get a margin of blocks on both sides; the library sees to the
 /// rows itself.
-Reader::Window Reader::start(const std::optional<Rect>& region)
+Reader::Window Reader::windowFor(const std::optional<Rect>& region)
 {
-    m_source.setAtEnd(m_library.arith_code ? AtEnd::fail : AtEnd::pretendEndMarker);
-    m_library.progress = &m_scans;
-    jpeg_start_decompress(&m_library);
-
     Window window { 0, 0, m_library.output_width, m_library.output_height };
     if (region) {
         const auto margin = static_cast<JDIMENSION>(2 * DCTSIZE * m_library.max_h_samp_factor);
@@ -192,6 +196,65 @@ ColorSpace Reader::colorSpace(ColorModel model) const
     return defaultSpace(model);
 }
 
+/// Starts the output.
+Result<void> Reader::start()
+{
+    m_source.setAtEnd(m_library.arith_code ? AtEnd::fail : AtEnd::pretendEndMarker);
+    m_library.progress = &m_scans;
+    m_library.dct_method = JDCT_ISLOW;
+    m_library.do_fancy_upsampling = TRUE;
+    return m_errors.run([this] { jpeg_start_decompress(&m_library); }).and_then([this] {
+        return m_scans.checkComplete(m_library, m_source);
+    });
+}
+
+Result<Image> Reader::decodeRows(PixelLayout layout, const std::optional<Rect>& region)
+{
+    m_library.out_color_space = outputSpace(layout.model);
+    if (auto started = start(); !started) {
+        return tl::unexpected(started.error());
+    }
+    Window window;
+    if (auto found = m_errors.run([&] { window = windowFor(region); }); !found) {
+        return tl::unexpected(found.error());
+    }
+    auto pixels = PixelBuffer::create(
+        { static_cast<int>(window.width), static_cast<int>(window.height) }, layout);
+    if (!pixels) {
+        return tl::unexpected(pixels.error());
+    }
+    if (auto done = m_errors.run([&] { readRows(window, *pixels); }); !done) {
+        return tl::unexpected(done.error());
+    }
+    if (layout.model == ColorModel::cmyk && m_library.saw_Adobe_marker) {
+        invert(*pixels);
+    }
+    Image image(std::move(*pixels), colorSpace(layout.model));
+    return region ? image.cropped(
+               { region->x - static_cast<int>(window.x), 0, region->width, region->height })
+                  : image;
+}
+
+/// The samples as the file has them, for a picture that is scaled before it becomes RGB.
+Result<Image> Reader::decodePlanes(PixelLayout layout, ycc::Subsampling subsampling)
+{
+    m_library.raw_data_out = TRUE;
+    if (auto started = start(); !started) {
+        return tl::unexpected(started.error());
+    }
+    auto planes = makePlanes(m_library, subsampling);
+    if (!planes) {
+        return tl::unexpected(planes.error());
+    }
+    if (auto done = m_errors.run([&] { readPlanes(m_library, *planes); }); !done) {
+        return tl::unexpected(done.error());
+    }
+    const Size size = planes->size();
+    ColorSpace space = colorSpace(ColorModel::rgb);
+    auto pixels = std::make_shared<ycc::YccPixels>(std::move(*planes), space);
+    return Image(size, layout, std::move(space), std::move(pixels), Orientation::topLeft);
+}
+
 Result<DecodedImage> Reader::decode(const DecodeOptions& options)
 {
     const auto header = readHeader(Markers::keep);
@@ -205,36 +268,13 @@ Result<DecodedImage> Reader::decode(const DecodeOptions& options)
     if (region && !contains(header->size, *region)) {
         region.reset();
     }
-
-    m_library.out_color_space = outputSpace(header->layout.model);
-    m_library.dct_method = JDCT_ISLOW;
-    m_library.do_fancy_upsampling = TRUE;
-    Window window;
-    if (const auto started = m_errors.run([&] { window = start(region); }); !started) {
-        return tl::unexpected(started.error());
-    }
-    if (const auto complete = m_scans.checkComplete(m_library, m_source); !complete) {
-        return tl::unexpected(complete.error());
-    }
-    auto pixels = PixelBuffer::create(
-        { static_cast<int>(window.width), static_cast<int>(window.height) }, header->layout);
-    if (!pixels) {
-        return tl::unexpected(pixels.error());
-    }
-    if (const auto done = m_errors.run([&] { readRows(window, *pixels); }); !done) {
-        return tl::unexpected(done.error());
-    }
-    if (header->layout.model == ColorModel::cmyk && m_library.saw_Adobe_marker) {
-        invert(*pixels);
-    }
-
-    Image image(std::move(*pixels), colorSpace(header->layout.model));
-    if (region) {
-        image = image.cropped(
-            { region->x - static_cast<int>(window.x), 0, region->width, region->height });
-    }
-    return DecodedImage { std::move(image), header->size, region.has_value(), metadata(m_library),
-        std::nullopt };
+    const auto planes
+        = options.use == ImageUse::toBeDrawn && !region ? subsampling(m_library) : std::nullopt;
+    return (planes ? decodePlanes(header->layout, *planes) : decodeRows(header->layout, region))
+        .map([&](Image&& image) {
+            return DecodedImage { std::move(image), header->size, region.has_value(),
+                metadata(m_library), std::nullopt };
+        });
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "imaging/PixelConversion.h"
 #include "imaging/codecs/jpeg/JpegCodec.h"
+#include "imaging/codecs/jpeg/JpegCoefficients.h"
 #include "imaging/codecs/jpeg/JpegErrors.h"
 #include "imaging/codecs/jpeg/JpegMarkers.h"
 
@@ -99,12 +100,14 @@ private:
 
     Errors m_errors;
     Destination m_destination;
+    Coefficients m_coefficients;
     jpeg_compress_struct m_library {};
 };
 
 void Writer::configure(const Plan& plan)
 {
     jpeg_create_compress(&m_library);
+    m_coefficients.manage(reinterpret_cast<j_common_ptr>(&m_library));
     m_library.dest = &m_destination;
     m_library.image_width = static_cast<JDIMENSION>(plan.image.width());
     m_library.image_height = static_cast<JDIMENSION>(plan.image.height());

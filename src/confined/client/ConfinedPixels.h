@@ -1,0 +1,29 @@
+#pragma once
+
+#include "confined/client/HelperSession.h"
+#include "imaging/DeferredPixels.h"
+
+#include <memory>
+#include <mutex>
+
+namespace vellumine::confined {
+
+/// A decoded picture that stays with its helper, which is kept for as long.
+class ConfinedPixels final : public imaging::DeferredPixels {
+public:
+    /// The session must have decoded a picture of that size, in those colours.
+    ConfinedPixels(
+        std::shared_ptr<HelperSession> session, imaging::Size size, imaging::ColorSpace colorSpace);
+
+    [[nodiscard]] imaging::Result<imaging::Image> rows(imaging::Rect part) const override;
+    [[nodiscard]] imaging::Result<imaging::Image> drawn(
+        const imaging::Drawing& drawing) const override;
+
+private:
+    mutable std::mutex m_mutex; ///< the session is for one at a time
+    const std::shared_ptr<HelperSession> m_session;
+    const imaging::Size m_size;
+    const imaging::ColorSpace m_colorSpace;
+};
+
+} // namespace vellumine::confined

@@ -1,0 +1,261 @@
+#include "confined/client/HelperSession.h"
+
+#include <unistd.h>
+
+#include <cassert>
+#include <utility>
+
+namespace vellumine::confined {
+
+using imaging::ColorSpace;
+using imaging::Error;
+using imaging::FileDescriptor;
+using imaging::Image;
+using imaging::ImageHeader;
+using imaging::Limits;
+using imaging::PictureWish;
+using imaging::Rect;
+using imaging::Result;
+using imaging::UniformType;
+
+Result<std::shared_ptr<HelperSession>> HelperSession::open(std::shared_ptr<DecoderPool> pool,
+    FileDescriptor file, const Limits& limits, const std::stop_token& interruption)
+{
+    const auto size = file.size();
+    if (!size) {
+        return tl::unexpected(size.error());
+    }
+    const auto session = std::shared_ptr<HelperSession>(
+        new HelperSession(std::move(pool), std::move(file), *size, limits, interruption));
+    auto loan = session->m_pool->takeAny();
+    if (!loan) {
+        return tl::unexpected(loan.error());
+    }
+    session->m_loan = std::move(*loan);
+    auto opened = session->openInHelper();
+    if (!opened && session->mayTryAgain()) {
+        opened = session->openInFreshHelper();
+    }
+    if (!opened) {
+        return tl::unexpected(opened.error());
+    }
+    session->m_hasBeenOpened = true;
+    return session;
+}
+
+HelperSession::~HelperSession()
+{
+    close();
+}
+
+Result<HelperSession::Decoded> HelperSession::decode(const PictureWish& wish)
+{
+    m_wish = wish;
+    auto decoded = decodeInHelper(wish);
+    if (!decoded && mayTryAgain()) {
+        decoded = openInFreshHelper().and_then([&] { return decodeInHelper(wish); });
+    }
+    m_decoded = decoded ? std::optional(*decoded) : std::nullopt;
+    return decoded;
+}
+
+Result<Image> HelperSession::rows(Rect part)
+{
+    assert(m_decoded && contains(m_decoded->size, part));
+    return pixels(RowsRequest { part }, { .size = part.size(), .layout = m_decoded->layout },
+        m_decoded->attachments.colorSpace);
+}
+
+Result<Image> HelperSession::draw(const DrawRequest& request, const ColorSpace& colorSpace)
+{
+    assert(m_decoded);
+    return pixels(
+        request, { .size = request.size, .layout = imaging::rgba8Premultiplied }, colorSpace);
+}
+
+HelperSession::HelperSession(std::shared_ptr<DecoderPool> pool, FileDescriptor file,
+    std::uint64_t fileBytes, const Limits& limits, std::stop_token interruption)
+    : m_pool(std::move(pool))
+    , m_file(std::move(file))
+    , m_fileBytes(fileBytes)
+    , m_limits(limits)
+    , m_interruption(std::move(interruption))
+{
+}
+
+bool HelperSession::mayTryAgain() const
+{
+    return m_hasLostServant && !m_interruption.stop_requested();
+}
+
+Result<DecoderProcess::Answer> HelperSession::ask(
+    const Request& request, const FileDescriptor* descriptor, const Allowance& allowance)
+{
+    if (!m_loan.process) {
+        return imaging::failure(Error::Kind::io, "the helper is gone");
+    }
+    const auto deadline = Channel::Clock::now() + allowance.time;
+    auto answer = m_loan.process->ask(request, descriptor, allowance, m_interruption);
+    if (!answer) {
+        const bool isOverdue = Channel::Clock::now() >= deadline;
+        loseHelper();
+        m_hasLostServant = m_hasLostServant && !isOverdue; // another one would take as long
+    }
+    return answer;
+}
+
+Result<void> HelperSession::openInHelper()
+{
+    ::lseek(m_file.number(), 0, SEEK_SET); // another helper may have read it
+    auto answer = ask(OpenRequest { m_limits }, &m_file, m_pool->patience().toOpen(m_fileBytes));
+    if (!answer) {
+        return tl::unexpected(answer.error());
+    }
+    if (const auto* const failed = std::get_if<FailedReply>(&answer->reply)) {
+        close();
+        return tl::unexpected(failed->error);
+    }
+    const auto* const opened = std::get_if<OpenedReply>(&answer->reply);
+    if (opened == nullptr
+        || !m_limits.check(opened->header.size.width, opened->header.size.height,
+            opened->header.layout.bytesPerPixel())) {
+        loseHelper();
+        return imaging::failure(Error::Kind::io, "the helper makes no sense");
+    }
+    m_type = opened->type;
+    m_header = opened->header;
+    return {};
+}
+
+Result<void> HelperSession::openInFreshHelper()
+{
+    m_hasLostServant = false;
+    auto loan = m_pool->takeFresh();
+    if (!loan) {
+        return tl::unexpected(loan.error());
+    }
+    m_loan = std::move(*loan);
+    const UniformType type = m_type;
+    const ImageHeader header = m_header;
+    if (auto opened = openInHelper(); !opened) {
+        return opened;
+    }
+    if (m_hasBeenOpened && (m_type != type || m_header.size != header.size)) {
+        return imaging::failure(Error::Kind::io, "the file has changed");
+    }
+    return {};
+}
+
+Allowance HelperSession::allowance() const
+{
+    return m_pool->patience().toDecode(m_fileBytes, m_header);
+}
+
+Result<HelperSession::Decoded> HelperSession::decodeInHelper(const PictureWish& wish)
+{
+    auto answer = ask(DecodeRequest { wish }, nullptr, allowance());
+    if (!answer) {
+        return tl::unexpected(answer.error());
+    }
+    if (const auto* const failed = std::get_if<FailedReply>(&answer->reply)) {
+        return tl::unexpected(failed->error);
+    }
+    const auto* const decoded = std::get_if<DecodedReply>(&answer->reply);
+    if (decoded == nullptr
+        || !isWhatWasAskedFor(*decoded, { m_header, wish.region, m_limits, m_fileBytes })) {
+        loseHelper();
+        return notWhatWasAskedFor();
+    }
+    return handedOver(
+        [decoded](const DecoderProcess& process) { return fetchAttachments(process, *decoded); },
+        [decoded](const FileDescriptor& memory) { return mapAttachments(memory, *decoded); })
+        .map([decoded](PictureAttachments&& attachments) {
+            return Decoded { decoded->size, decoded->layout, decoded->isRegion,
+                std::move(attachments) };
+        });
+}
+
+Result<Image> HelperSession::pixels(
+    const Request& request, const PixelsReply& expected, const ColorSpace& colorSpace)
+{
+    auto image = pixelsFromHelper(request, expected, colorSpace);
+    if (!image && mayTryAgain()) {
+        image
+            = openInFreshHelper()
+                  .and_then([this] { return decodeInHelper(m_wish); })
+                  .and_then([&](const Decoded& decoded) -> Result<Image> {
+                      return decoded.layout == m_decoded->layout && decoded.size == m_decoded->size
+                          ? pixelsFromHelper(request, expected, colorSpace)
+                          : notWhatWasAskedFor();
+                  });
+    }
+    return image;
+}
+
+Result<Image> HelperSession::pixelsFromHelper(
+    const Request& request, const PixelsReply& expected, const ColorSpace& colorSpace)
+{
+    auto answer = ask(request, nullptr, allowance());
+    if (!answer) {
+        return tl::unexpected(answer.error());
+    }
+    if (const auto* const failed = std::get_if<FailedReply>(&answer->reply)) {
+        return tl::unexpected(failed->error);
+    }
+    const auto* const given = std::get_if<PixelsReply>(&answer->reply);
+    if (given == nullptr || given->size != expected.size || given->layout != expected.layout) {
+        loseHelper();
+        return notWhatWasAskedFor();
+    }
+    return handedOver(
+        [&](const DecoderProcess& process) { return fetchPixels(process, *given, colorSpace); },
+        [&](const FileDescriptor& memory) { return mapPixels(memory, *given, colorSpace); });
+}
+
+/// What the helper has ready, in one way or the other. A helper whose things are not where it said
+/// is of no use any more.
+template <typename Fetch, typename Map>
+std::invoke_result_t<Map, const FileDescriptor&> HelperSession::handedOver(
+    const Fetch& fetch, const Map& map)
+{
+    if (m_pool->handover() == Handover::fetched) {
+        auto fetched = fetch(*m_loan.process);
+        if (fetched || fetched.error().kind != Error::Kind::unsupported) {
+            if (!fetched) {
+                loseHelper();
+            }
+            return fetched;
+        }
+    }
+    auto answer = ask(ShareRequest {}, nullptr, allowance());
+    if (!answer) {
+        return tl::unexpected(answer.error());
+    }
+    std::invoke_result_t<Map, const FileDescriptor&> mapped = notWhatWasAskedFor();
+    if (std::holds_alternative<SharedReply>(answer->reply) && answer->descriptor) {
+        mapped = map(*answer->descriptor);
+    }
+    if (!mapped) {
+        loseHelper();
+    }
+    return mapped;
+}
+
+void HelperSession::close()
+{
+    if (m_loan.process) {
+        m_loan.process->tell(ReleaseRequest {});
+        m_pool->giveBack(std::move(m_loan));
+    }
+}
+
+void HelperSession::loseHelper()
+{
+    m_loan.process.reset();
+    m_hasLostServant = m_loan.hasServedBefore;
+    if (!m_interruption.stop_requested()) {
+        m_pool->countDeath();
+    }
+}
+
+} // namespace vellumine::confined

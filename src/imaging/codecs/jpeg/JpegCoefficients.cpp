@@ -1,0 +1,58 @@
+#include "imaging/codecs/jpeg/JpegCoefficients.h"
+
+#include "imaging/codecs/jpeg/JpegErrors.h"
+
+#include <cstring>
+
+namespace vellumine::imaging::jpeg {
+
+void Coefficients::manage(j_common_ptr library)
+{
+    library->client_data = this;
+    library->mem->request_virt_barray = request;
+    library->mem->access_virt_barray = access;
+}
+
+jvirt_barray_ptr Coefficients::request(j_common_ptr library, int pool, boolean startsZeroed,
+    JDIMENSION blocksInRow, JDIMENSION rows, JDIMENSION /*mostRowsAtOnce*/)
+{
+    auto& self = *static_cast<Coefficients*>(library->client_data);
+    if (self.m_count == self.m_arrays.size()) {
+        errorsOf(library).fail(Error::Kind::unsupported, "too many components");
+    }
+    Array& array = self.m_arrays.at(self.m_count++);
+    const std::size_t blocks = std::size_t { blocksInRow } * rows;
+    array.memory = allocatePixels(blocks * sizeof(JBLOCK));
+    if (!array.memory) {
+        errorsOf(library).fail(Error::Kind::outOfMemory, "no memory for the coefficients");
+    }
+    array.rowCount = rows;
+    array.blocksInRow = blocksInRow;
+    array.startsZeroed = startsZeroed != FALSE;
+    array.rows = static_cast<JBLOCKARRAY>(
+        library->mem->alloc_small(library, pool, rows * sizeof(JBLOCKROW)));
+    auto* block = reinterpret_cast<JBLOCKROW>(array.memory.get());
+    for (JDIMENSION row = 0; row < rows; ++row, block += blocksInRow) {
+        array.rows[row] = block;
+    }
+    return reinterpret_cast<jvirt_barray_ptr>(&array);
+}
+
+JBLOCKARRAY Coefficients::access(j_common_ptr library, jvirt_barray_ptr pointer, JDIMENSION first,
+    JDIMENSION count, boolean /*isWritten*/)
+{
+    auto& array = *reinterpret_cast<Array*>(pointer);
+    if (count > array.rowCount || first > array.rowCount - count) {
+        errorsOf(library).fail(Error::Kind::malformed, "coefficients outside of the picture");
+    }
+    if (array.startsZeroed && first + count > array.firstUndefined) {
+        // Just before their first use, which finds them in the cache.
+        const std::size_t rows = first + count - array.firstUndefined;
+        std::memset(static_cast<void*>(array.rows[array.firstUndefined]), 0,
+            rows * array.blocksInRow * sizeof(JBLOCK));
+        array.firstUndefined = first + count;
+    }
+    return array.rows + first;
+}
+
+} // namespace vellumine::imaging::jpeg

@@ -1,0 +1,72 @@
+#include "imaging/codecs/jpeg/JpegPlanes.h"
+
+#include "imaging/codecs/jpeg/JpegScans.h"
+
+#include <array>
+
+namespace vellumine::imaging::jpeg {
+
+namespace {
+
+/// Rows of pixels that the library gives in one call.
+int rowsOfCall(const jpeg_decompress_struct& library)
+{
+    return library.max_v_samp_factor * DCTSIZE;
+}
+
+constexpr int roundedUp(JDIMENSION value, int to)
+{
+    return (static_cast<int>(value) + to - 1) / to * to;
+}
+
+} // namespace
+
+std::optional<ycc::Subsampling> subsampling(const jpeg_decompress_struct& library)
+{
+    if (library.jpeg_color_space != JCS_YCbCr || library.num_components != 3) {
+        return std::nullopt;
+    }
+    const auto all = components(library);
+    const jpeg_component_info& brightness = all[0];
+    const jpeg_component_info& blueness = all[1];
+    const jpeg_component_info& redness = all[2];
+    const ycc::Subsampling result { brightness.h_samp_factor / blueness.h_samp_factor,
+        brightness.v_samp_factor / blueness.v_samp_factor };
+    const bool isAlike = blueness.h_samp_factor == redness.h_samp_factor
+        && blueness.v_samp_factor == redness.v_samp_factor;
+    const bool isWhole = result.x * blueness.h_samp_factor == library.max_h_samp_factor
+        && result.y * blueness.v_samp_factor == library.max_v_samp_factor;
+    if (!isAlike || !isWhole || result.x > 2 || result.y > 2) {
+        return std::nullopt;
+    }
+    return result;
+}
+
+Result<ycc::YccPlanes> makePlanes(
+    const jpeg_decompress_struct& library, ycc::Subsampling subsampling)
+{
+    return ycc::YccPlanes::create(
+        { static_cast<int>(library.output_width), static_cast<int>(library.output_height) },
+        subsampling,
+        { roundedUp(library.output_width, library.max_h_samp_factor * DCTSIZE),
+            roundedUp(library.output_height, rowsOfCall(library)) });
+}
+
+void readPlanes(jpeg_decompress_struct& library, ycc::YccPlanes& planes)
+{
+    std::array<std::array<JSAMPROW, std::size_t { DCTSIZE } * MAX_SAMP_FACTOR>, 3> rows {};
+    std::array<JSAMPARRAY, 3> arrays { rows[0].data(), rows[1].data(), rows[2].data() };
+    while (library.output_scanline < library.output_height) {
+        const int call = static_cast<int>(library.output_scanline) / rowsOfCall(library);
+        for (int plane = 0; plane < 3; ++plane) {
+            const auto at = static_cast<std::size_t>(plane);
+            const int count = components(library)[at].v_samp_factor * DCTSIZE;
+            for (int i = 0; i < count; ++i) {
+                rows.at(at).at(static_cast<std::size_t>(i)) = planes.row(plane, call * count + i);
+            }
+        }
+        jpeg_read_raw_data(&library, arrays.data(), static_cast<JDIMENSION>(rowsOfCall(library)));
+    }
+}
+
+} // namespace vellumine::imaging::jpeg

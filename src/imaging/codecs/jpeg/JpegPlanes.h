@@ -1,0 +1,27 @@
+#pragma once
+
+#include "imaging/ycc/YccPlanes.h"
+
+#include <cstddef>
+#include <cstdio>
+#include <optional>
+
+#include <jpeglib.h>
+
+namespace vellumine::imaging::jpeg {
+
+/// How the colour of the file is stored, where it has brightness and colour in one of the forms
+/// that planes can hold: not for grey, RGB and CMYK files and for rare samplings. To be called when
+/// the header was read.
+[[nodiscard]] std::optional<ycc::Subsampling> subsampling(const jpeg_decompress_struct& library);
+
+/// Planes for the library to fill: it writes whole blocks. To be called after
+/// jpeg_start_decompress.
+[[nodiscard]] Result<ycc::YccPlanes> makePlanes(
+    const jpeg_decompress_struct& library, ycc::Subsampling subsampling);
+
+/// Reads the picture. To be called inside Errors::run, after jpeg_start_decompress with
+/// `raw_data_out` set.
+void readPlanes(jpeg_decompress_struct& library, ycc::YccPlanes& planes);
+
+} // namespace vellumine::imaging::jpeg

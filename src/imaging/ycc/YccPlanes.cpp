@@ -1,0 +1,92 @@
+#include "imaging/ycc/YccPlanes.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cstring>
+#include <utility>
+
+namespace vellumine::imaging::ycc {
+
+namespace {
+
+constexpr std::size_t alignment = 64;
+
+constexpr int shared(int pixels, int by)
+{
+    return (pixels + by - 1) / by;
+}
+
+std::size_t alignedRow(int samples)
+{
+    return (static_cast<std::size_t>(samples) + alignment - 1) / alignment * alignment;
+}
+
+constexpr Size inPlane(Size size, Subsampling subsampling, int plane)
+{
+    return plane == 0
+        ? size
+        : Size { shared(size.width, subsampling.x), shared(size.height, subsampling.y) };
+}
+
+} // namespace
+
+Result<YccPlanes> YccPlanes::create(Size size, Subsampling subsampling, Size room)
+{
+    assert(size.width > 0 && size.height > 0);
+    // Room for completeLastPairs() too.
+    const Size padded { std::max(room.width, size.width + 1),
+        std::max(room.height, size.height + 1) };
+    YccPlanes planes;
+    planes.m_size = size;
+    planes.m_subsampling = subsampling;
+    std::size_t total = 0;
+    for (int plane = 0; plane < 3; ++plane) {
+        const Size samples = inPlane(padded, subsampling, plane);
+        const std::size_t bytes = alignedRow(samples.width);
+        planes.m_rowBytes.at(plane == 0 ? 0 : 1) = bytes;
+        planes.m_starts.at(static_cast<std::size_t>(plane)) = total;
+        total += bytes * static_cast<std::size_t>(samples.height);
+    }
+    planes.m_memory = allocatePixels(total);
+    if (!planes.m_memory) {
+        return failure(Error::Kind::outOfMemory, "no memory for the pixels");
+    }
+    return planes;
+}
+
+Size YccPlanes::planeSize(int plane) const
+{
+    return inPlane(m_size, m_subsampling, plane);
+}
+
+std::size_t YccPlanes::rowBytes(int plane) const
+{
+    return m_rowBytes[plane == 0 ? 0 : 1];
+}
+
+const std::uint8_t* YccPlanes::row(int plane, int y) const
+{
+    const std::size_t start = m_starts.at(static_cast<std::size_t>(plane));
+    return reinterpret_cast<const std::uint8_t*>(
+        m_memory.get() + start + static_cast<std::size_t>(y) * rowBytes(plane));
+}
+
+std::uint8_t* YccPlanes::row(int plane, int y)
+{
+    return const_cast<std::uint8_t*>(std::as_const(*this).row(plane, y));
+}
+
+void YccPlanes::completeLastPairs()
+{
+    if (m_size.width % m_subsampling.x != 0) {
+        for (int y = 0; y < m_size.height; ++y) {
+            std::uint8_t* const end = row(0, y) + m_size.width;
+            *end = *(end - 1);
+        }
+    }
+    if (m_size.height % m_subsampling.y != 0) {
+        std::memcpy(row(0, m_size.height), row(0, m_size.height - 1), rowBytes(0));
+    }
+}
+
+} // namespace vellumine::imaging::ycc

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "imaging/Error.h"
+#include "imaging/Geometry.h"
+#include "imaging/PixelMemory.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+namespace vellumine::imaging::ycc {
+
+/// How many columns and rows of pixels share one sample of colour: 1 or 2 each.
+struct Subsampling {
+    int x = 1;
+    int y = 1;
+
+    friend bool operator==(const Subsampling&, const Subsampling&) = default;
+};
+
+/// A picture's brightness (Y) and its two colour differences (Cb, Cr), a plane each, in 8-bit
+/// samples of the full range as JPEG files have them (ITU-T T.871). A sample of colour sits in the
+/// middle of the pixels that share it.
+class YccPlanes {
+public:
+    /// The memory starts out uninitialised. `room` is what the one who fills the planes may write
+    /// to, in pixels: at least the picture. Fails with OutOfMemory.
+    static Result<YccPlanes> create(Size size, Subsampling subsampling, Size room);
+
+    [[nodiscard]] Size size() const { return m_size; }
+    [[nodiscard]] Subsampling subsampling() const { return m_subsampling; }
+    /// Samples of plane 0, 1 or 2 (Y, Cb, Cr) that are the picture's; odd sides are rounded up.
+    [[nodiscard]] Size planeSize(int plane) const;
+    /// Bytes from one row of a plane to the next: a multiple of 64, as every row's address is.
+    [[nodiscard]] std::size_t rowBytes(int plane) const;
+
+    [[nodiscard]] const std::uint8_t* row(int plane, int y) const;
+    [[nodiscard]] std::uint8_t* row(int plane, int y);
+
+    /// Repeats the last column and row of Y where the picture has an odd side and two pixels share
+    /// a colour. Resampling wants all planes to cover the same area.
+    void completeLastPairs();
+
+private:
+    YccPlanes() = default;
+
+    Size m_size;
+    Subsampling m_subsampling;
+    std::array<std::size_t, 3> m_starts {}; ///< of the planes, in bytes
+    std::array<std::size_t, 2> m_rowBytes {}; ///< of Y, and of Cb and Cr
+    PixelMemory m_memory;
+};
+
+} // namespace vellumine::imaging::ycc
