@@ -1,4 +1,5 @@
 #include "confined/client/ConfinedDecoders.h"
+#include "imaging/BitmapContext.h"
 #include "imaging/ImageDestination.h"
 #include "support/Samples.h"
 #include "support/TestImages.h"
@@ -118,6 +119,62 @@ TEST_F(Confined, whereMemoryIsSharedTheResultIsTheSame)
     EXPECT_TRUE(areEqual(ImageSource::create(path, Limits())->imageRegion(part).value(),
         decoders.open(path, Limits())->imageRegion(part).value()));
     EXPECT_EQ(decoders.deathCount(), 0U);
+}
+
+/// The picture of the file, drawn into a bitmap in those colours.
+Image drawn(ImageSource source, imaging::Size size, const imaging::ColorSpace& space)
+{
+    const Image stored = source.image(imaging::ImageUse::toBeDrawn).value();
+    const Image upright = source.thumbnailWithTransform(1'000'000).value();
+    auto context = imaging::BitmapContext::create(size, 8, space).value();
+    EXPECT_TRUE(context.draw(upright));
+    return std::move(context).makeImage().value();
+}
+
+TEST_F(Confined, picturesAreDrawnByTheHelperAsInTheProgram)
+{
+    const imaging::Size size { 150, 100 };
+    for (const Handover handover : { Handover::fetched, Handover::shared }) {
+        ConfinedDecoders decoders(VELLUMINE_DECODER, {}, handover);
+        for (const UniformType type : imaging::ImageDestination::encodableTypes()) {
+            const auto path = picture(type, { 300, 200 });
+            for (const auto& space :
+                { imaging::ColorSpace::sRgb(), imaging::ColorSpace::deviceRgb() }) {
+                EXPECT_TRUE(
+                    areEqual(drawn(ImageSource::create(path, Limits()).value(), size, space),
+                        drawn(decoders.open(path, Limits()).value(), size, space)))
+                    << preferredExtension(type);
+            }
+        }
+        EXPECT_EQ(decoders.deathCount(), 0U);
+    }
+}
+
+TEST_F(Confined, aPictureThatStaysWithItsHelperGivesItsRows)
+{
+    const auto path = picture(UniformType::jpeg, { 300, 200 });
+    const Image here = ImageSource::create(path, Limits())->image().value();
+    const Image there
+        = m_decoders.open(path, Limits())->image(imaging::ImageUse::toBeDrawn).value();
+    ASSERT_FALSE(there.hasRows());
+    const Rect part { 33, 50, 100, 40 };
+    EXPECT_TRUE(areEqual(there.rows(part).value(), here.cropped(part)));
+    EXPECT_TRUE(areEqual(there.withRows().value(), here));
+    // In colours that a helper cannot be told.
+    auto context = imaging::BitmapContext::create({ 150, 100 }, 8,
+        imaging::ColorSpace::fromPrimaries(
+            { { 0.3127, 0.3290 }, { 0.68, 0.32 }, { 0.265, 0.69 }, { 0.15, 0.06 } }, {})
+            .value());
+    EXPECT_FALSE(context->draw(there));
+}
+
+TEST_F(Confined, aPictureThatAskedForRowsAndIsDrawnLaterIsTheSame)
+{
+    const auto path = picture(UniformType::png, { 300, 200 });
+    auto source = m_decoders.open(path, Limits()).value();
+    const Image rows = source.image().value();
+    EXPECT_TRUE(rows.hasRows());
+    EXPECT_TRUE(areEqual(source.image(imaging::ImageUse::toBeDrawn).value(), rows));
 }
 
 TEST_F(Confined, everySampleIsDecodedAsInTheProgram)

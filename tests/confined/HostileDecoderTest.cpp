@@ -1,4 +1,5 @@
 #include "confined/client/ConfinedDecoders.h"
+#include "imaging/BitmapContext.h"
 #include "support/TestImages.h"
 
 #include <gtest/gtest.h>
@@ -87,7 +88,8 @@ std::vector<AttackRow> attackRows()
         { "dies-opening", "dies-decoding", "hangs-opening", "hangs-decoding", "declares-too-much",
             "says-nothing-known", "says-too-much", "answers-another-question", "is-of-another-size",
             "gives-a-part-unasked", "names-no-memory", "rows-reach-into-nothing",
-            "attaches-nothing-that-is-there", "attaches-more-than-is-allowed",
+            "gives-rows-of-another-size", "gives-rows-of-another-layout", "dies-over-rows",
+            "hangs-over-rows", "attaches-nothing-that-is-there", "attaches-more-than-is-allowed",
             "has-colours-of-another-model", "attaches-garbage", "attaches-less" }) {
         rows.push_back({ name, Handover::fetched });
     }
@@ -121,10 +123,27 @@ TEST_F(Hostile, thatCannotBeStartedFailsItsFile)
 
 TEST_F(Hostile, thatAnEarlierFileHarmedDoesNotCostALaterOne)
 {
-    for (const char* name : { "dies-over-its-second-file", "babbles-over-its-second-file" }) {
+    for (const char* name : { "dies-over-its-second-file", "babbles-over-its-second-file",
+             "dies-over-rows-over-its-second-file" }) {
         ConfinedDecoders decoders(helper(name));
         EXPECT_TRUE(decode(decoders, file())) << name;
         EXPECT_TRUE(decode(decoders, file())) << name;
+        EXPECT_EQ(decoders.deathCount(), 1U) << name;
+    }
+}
+
+TEST_F(Hostile, thatFailsToDrawCostsItsFile)
+{
+    // It draws in grey, or not at all.
+    for (const char* name : { "harmless", "dies-over-rows", "hangs-over-rows" }) {
+        ConfinedDecoders decoders(helper(name), little);
+        auto source = decoders.open(file(), Limits());
+        const auto image = source->image(imaging::ImageUse::toBeDrawn);
+        ASSERT_TRUE(image) << name;
+        ASSERT_FALSE(image->hasRows()) << name;
+        auto context = imaging::BitmapContext::create({ 2, 2 }, 8, imaging::ColorSpace::sRgb());
+        EXPECT_FALSE(context->draw(*image)) << name;
+        EXPECT_FALSE(image->withRows()) << name;
         EXPECT_EQ(decoders.deathCount(), 1U) << name;
     }
 }

@@ -28,11 +28,17 @@ DecodedReply decodedReply()
 {
     return { .size = { 47, 33 },
         .layout = deepColour,
-        .rowBytes = 400,
-        .pixelsAddress = 4096,
+        .isRegion = true,
         .attachmentsAddress = 8192,
-        .attachmentsBytes = 12,
-        .isRegion = true };
+        .attachmentsBytes = 12 };
+}
+
+constexpr DrawRequest drawRequest { { 5, 6 }, BitmapColors::deviceRgb,
+    imaging::InterpolationQuality::low, imaging::Orientation::leftTop };
+
+PixelsReply pixelsReply()
+{
+    return { .size = { 47, 33 }, .layout = deepColour, .rowBytes = 400, .address = 4096 };
 }
 
 template <typename Message> const Message& as(const imaging::Result<Reply>& reply)
@@ -50,11 +56,20 @@ TEST(Messages, requestsComeBackAsTheyWere)
     EXPECT_EQ(open.limits.maximumBytes, 3U);
     const auto whole
         = std::get<DecodeRequest>(*parseRequest(serialised(Request(DecodeRequest {}))));
-    EXPECT_FALSE(whole.region);
+    EXPECT_FALSE(whole.wish.region);
+    EXPECT_EQ(whole.wish.use, imaging::ImageUse::asRows);
     const imaging::Rect rect { 1, -2, 3, 4 };
-    const auto part
-        = std::get<DecodeRequest>(*parseRequest(serialised(Request(DecodeRequest { rect }))));
-    EXPECT_EQ(part.region, rect);
+    const auto part = std::get<DecodeRequest>(*parseRequest(
+        serialised(Request(DecodeRequest { { rect, imaging::ImageUse::toBeDrawn } }))));
+    EXPECT_EQ(part.wish.region, rect);
+    EXPECT_EQ(part.wish.use, imaging::ImageUse::toBeDrawn);
+    EXPECT_EQ(
+        std::get<RowsRequest>(*parseRequest(serialised(Request(RowsRequest { rect })))).part, rect);
+    const auto draw = std::get<DrawRequest>(*parseRequest(serialised(Request(drawRequest))));
+    EXPECT_EQ(draw.size, drawRequest.size);
+    EXPECT_EQ(draw.colors, drawRequest.colors);
+    EXPECT_EQ(draw.quality, drawRequest.quality);
+    EXPECT_EQ(draw.orientation, drawRequest.orientation);
 }
 
 TEST(Messages, repliesComeBackAsTheyWere)
@@ -69,11 +84,14 @@ TEST(Messages, repliesComeBackAsTheyWere)
     EXPECT_EQ(as<OpenedReply>(opened).header.layout, deepColour);
     const auto decoded = parseReply(serialised(Reply(decodedReply())));
     EXPECT_EQ(as<DecodedReply>(decoded).size, (imaging::Size { 47, 33 }));
-    EXPECT_EQ(as<DecodedReply>(decoded).rowBytes, 400U);
-    EXPECT_EQ(as<DecodedReply>(decoded).pixelsAddress, 4096U);
     EXPECT_EQ(as<DecodedReply>(decoded).attachmentsAddress, 8192U);
     EXPECT_EQ(as<DecodedReply>(decoded).attachmentsBytes, 12U);
     EXPECT_TRUE(as<DecodedReply>(decoded).isRegion);
+    const auto given = parseReply(serialised(Reply(pixelsReply())));
+    EXPECT_EQ(as<PixelsReply>(given).size, (imaging::Size { 47, 33 }));
+    EXPECT_EQ(as<PixelsReply>(given).layout, deepColour);
+    EXPECT_EQ(as<PixelsReply>(given).rowBytes, 400U);
+    EXPECT_EQ(as<PixelsReply>(given).address, 4096U);
     const Error error { Error::Kind::truncated, "data is missing" };
     EXPECT_EQ(as<FailedReply>(parseReply(serialised(Reply(FailedReply { error })))).error, error);
 }
@@ -91,7 +109,8 @@ TEST(Messages, areRefusedWhenTheyAreCutOrLonger)
 {
     for (const Reply& reply : { Reply(ReadyReply {}),
              Reply(OpenedReply { imaging::UniformType::png, { { 5, 6 }, deepColour } }),
-             Reply(decodedReply()), Reply(FailedReply { { Error::Kind::io, "why" } }) }) {
+             Reply(decodedReply()), Reply(pixelsReply()),
+             Reply(FailedReply { { Error::Kind::io, "why" } }) }) {
         ByteBuffer bytes = serialised(reply);
         for (std::size_t length = 0; length < bytes.size(); ++length) {
             EXPECT_FALSE(parseReply(ByteSpan(bytes).first(length)))
@@ -101,7 +120,8 @@ TEST(Messages, areRefusedWhenTheyAreCutOrLonger)
         EXPECT_FALSE(parseReply(bytes)) << reply.index();
     }
     for (const Request& request :
-        { Request(OpenRequest {}), Request(DecodeRequest { imaging::Rect { 1, 2, 3, 4 } }) }) {
+        { Request(OpenRequest {}), Request(DecodeRequest { { imaging::Rect { 1, 2, 3, 4 } } }),
+            Request(RowsRequest { { 1, 2, 3, 4 } }), Request(drawRequest) }) {
         ByteBuffer bytes = serialised(request);
         for (std::size_t length = 0; length < bytes.size(); ++length) {
             EXPECT_FALSE(parseRequest(ByteSpan(bytes).first(length)));
@@ -113,14 +133,14 @@ TEST(Messages, areRefusedWhenTheyAreCutOrLonger)
 
 struct BadRow {
     const char* name;
-    void (*spoil)(DecodedReply& reply);
+    void (*spoil)(PixelsReply& reply);
 };
 
 class BadReply : public testing::TestWithParam<BadRow> { };
 
 TEST_P(BadReply, isRefused)
 {
-    DecodedReply reply = decodedReply();
+    PixelsReply reply = pixelsReply();
     ASSERT_TRUE(parseReply(serialised(Reply(reply))));
     GetParam().spoil(reply);
     EXPECT_FALSE(parseReply(serialised(Reply(reply))));
@@ -129,18 +149,47 @@ TEST_P(BadReply, isRefused)
 constexpr std::uint64_t huge = std::numeric_limits<std::uint64_t>::max();
 
 INSTANTIATE_TEST_SUITE_P(With, BadReply,
-    testing::Values(BadRow { "noWidth", [](DecodedReply& reply) { reply.size.width = 0; } },
-        BadRow { "negativeHeight", [](DecodedReply& reply) { reply.size.height = -33; } },
+    testing::Values(BadRow { "noWidth", [](PixelsReply& reply) { reply.size.width = 0; } },
+        BadRow { "negativeHeight", [](PixelsReply& reply) { reply.size.height = -33; } },
         BadRow { "unknownModel",
-            [](DecodedReply& reply) { reply.layout.model = static_cast<ColorModel>(3); } },
+            [](PixelsReply& reply) { reply.layout.model = static_cast<ColorModel>(3); } },
         BadRow { "unknownAlpha",
-            [](DecodedReply& reply) { reply.layout.alpha = static_cast<AlphaInfo>(8); } },
-        BadRow { "oddDepth", [](DecodedReply& reply) { reply.layout.bitsPerComponent = 12; } },
-        BadRow { "shortRows", [](DecodedReply& reply) { reply.rowBytes = 374; } },
-        BadRow { "hugeRows", [](DecodedReply& reply) { reply.rowBytes = huge; } },
+            [](PixelsReply& reply) { reply.layout.alpha = static_cast<AlphaInfo>(8); } },
+        BadRow { "oddDepth", [](PixelsReply& reply) { reply.layout.bitsPerComponent = 12; } },
+        BadRow { "shortRows", [](PixelsReply& reply) { reply.rowBytes = 374; } },
+        BadRow { "hugeRows", [](PixelsReply& reply) { reply.rowBytes = huge; } },
         BadRow { "rowsThatWrapAround",
-            [](DecodedReply& reply) { reply.rowBytes = std::uint64_t { 1 } << 59U; } }),
+            [](PixelsReply& reply) { reply.rowBytes = std::uint64_t { 1 } << 59U; } }),
     test::RowName());
+
+TEST(Messages, picturesThatCannotBeAreRefused)
+{
+    DecodedReply reply = decodedReply();
+    reply.size.height = 0;
+    EXPECT_FALSE(parseReply(serialised(Reply(reply))));
+    reply = decodedReply();
+    reply.layout.bitsPerComponent = 4;
+    EXPECT_FALSE(parseReply(serialised(Reply(reply))));
+}
+
+TEST(Messages, drawingsThatCannotBeAreRefused)
+{
+    const auto isRefused = [](void (*spoil)(DrawRequest&)) {
+        DrawRequest request = drawRequest;
+        spoil(request);
+        return !parseRequest(serialised(Request(request)));
+    };
+    EXPECT_TRUE(isRefused([](DrawRequest& request) { request.size.width = 0; }));
+    EXPECT_TRUE(isRefused([](DrawRequest& request) { request.size.height = -1; }));
+    EXPECT_TRUE(
+        isRefused([](DrawRequest& request) { request.colors = static_cast<BitmapColors>(3); }));
+    EXPECT_TRUE(isRefused([](DrawRequest& request) {
+        request.quality = static_cast<imaging::InterpolationQuality>(4);
+    }));
+    EXPECT_TRUE(isRefused(
+        [](DrawRequest& request) { request.orientation = static_cast<imaging::Orientation>(9); }));
+    EXPECT_FALSE(isRefused([](DrawRequest&) {}));
+}
 
 TEST(Messages, thoseWithoutContentAreToldApart)
 {

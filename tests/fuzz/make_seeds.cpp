@@ -96,8 +96,12 @@ void append(ByteBuffer& seed, const ByteBuffer& message)
 ByteBuffer requestsSeed(const Codec& codec)
 {
     using confined::Request;
-    const std::array<Request, 4> requests { confined::OpenRequest {},
-        confined::DecodeRequest { Rect { 3, 2, 8, 8 } }, confined::DecodeRequest {},
+    const std::array<Request, 7> requests { confined::OpenRequest {},
+        confined::DecodeRequest { { Rect { 3, 2, 8, 8 } } },
+        confined::DecodeRequest { { std::nullopt, ImageUse::toBeDrawn } },
+        confined::ShareRequest {}, confined::RowsRequest { { 3, 2, 8, 8 } },
+        confined::DrawRequest { { 9, 7 }, confined::BitmapColors::deviceRgb,
+            InterpolationQuality::high, Orientation::rightTop },
         confined::ShareRequest {} };
     ByteBuffer seed { static_cast<std::byte>(requests.size()) };
     for (const Request& request : requests) {
@@ -123,11 +127,9 @@ ByteBuffer repliesSeed(PixelLayout layout)
     const ByteBuffer attachments = confined::serialised(attached);
     const confined::DecodedReply reply { .size = { 19, 13 },
         .layout = layout,
-        .rowBytes = confined::tightRowBytes({ 19, 13 }, layout),
-        .pixelsAddress = 4096,
+        .isRegion = false,
         .attachmentsAddress = 8192,
-        .attachmentsBytes = attachments.size(),
-        .isRegion = false };
+        .attachmentsBytes = attachments.size() };
     ByteBuffer seed;
     append(seed, confined::serialised(confined::Reply(reply)));
     seed.insert(seed.end(), attachments.begin(), attachments.end());

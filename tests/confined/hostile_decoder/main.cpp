@@ -22,6 +22,7 @@ namespace {
 using namespace vellumine;
 using confined::Channel;
 using confined::DecodedReply;
+using confined::PixelsReply;
 using imaging::ByteBuffer;
 using imaging::FileDescriptor;
 
@@ -68,37 +69,46 @@ struct Picture {
     int seals = F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_WRITE | F_SEAL_SEAL;
     DecodedReply reply { .size = size,
         .layout = layout,
-        .rowBytes = 4,
-        .pixelsAddress = addressOf(pixels),
+        .isRegion = false,
         .attachmentsAddress = addressOf(attachments),
-        .attachmentsBytes = attachments.size(),
-        .isRegion = false };
+        .attachmentsBytes = attachments.size() };
+    PixelsReply given {
+        .size = size, .layout = layout, .rowBytes = 4, .address = addressOf(pixels)
+    };
+    void (*beforePixels)() = [] {};
 };
 
-FileDescriptor memoryWith(const Picture& picture)
+FileDescriptor memoryWith(const Picture& picture, const ByteBuffer& bytes)
 {
     FileDescriptor memory
         = FileDescriptor::adopted(::memfd_create("picture", MFD_CLOEXEC | MFD_ALLOW_SEALING));
-    const ByteBuffer& attached = picture.attachments;
-    if (::write(memory.number(), pixels.data(), pixels.size()) < 0
-        || ::write(memory.number(), attached.data(), attached.size() - picture.missingBytes) < 0
+    if (::write(memory.number(), bytes.data(), bytes.size() - picture.missingBytes) < 0
         || ::fcntl(memory.number(), F_ADD_SEALS, picture.seals) != 0) {
         std::abort();
     }
     return memory;
 }
 
-/// Answers the question for pixels, and the one for shared memory if it comes.
+/// Answers the question for a picture and all that come after it, until it may be forgotten.
 void hand(const Channel& channel, const Picture& picture)
 {
     say(channel, picture.reply);
-    const auto message = channel.receive();
-    const auto request
-        = message ? confined::parseRequest(message->bytes) : imaging::failure({}, "gone");
-    if (request && std::holds_alternative<confined::ShareRequest>(*request)) {
-        const FileDescriptor memory = memoryWith(picture);
-        say(channel, confined::SharedReply {}, &memory);
-        (void)channel.receive(); // that it may be forgotten
+    const ByteBuffer* given = &picture.attachments;
+    while (true) {
+        const auto message = channel.receive();
+        const auto request
+            = message ? confined::parseRequest(message->bytes) : imaging::failure({}, "gone");
+        if (!request || std::holds_alternative<confined::ReleaseRequest>(*request)) {
+            return;
+        }
+        if (std::holds_alternative<confined::ShareRequest>(*request)) {
+            const FileDescriptor memory = memoryWith(picture, *given);
+            say(channel, confined::SharedReply {}, &memory);
+        } else {
+            picture.beforePixels();
+            given = &pixels;
+            say(channel, picture.given);
+        }
     }
 }
 
@@ -112,7 +122,7 @@ template <typename Change> void handChanged(const Channel& channel, Change chang
 
 using Attack = void (*)(const Channel&);
 
-// What is answered to the second question, the one for pixels.
+// What is answered to the second question, the one for a picture, and to those after it.
 const std::map<std::string, Attack> attacks {
     { "harmless", [](const Channel& channel) { hand(channel, {}); } },
     { "dies-decoding", [](const Channel&) { die(); } },
@@ -135,12 +145,31 @@ const std::map<std::string, Attack> attacks {
         } },
     { "names-no-memory",
         [](const Channel& channel) {
-            handChanged(channel, [](Picture& picture) { picture.reply.pixelsAddress = 0; });
+            handChanged(channel, [](Picture& picture) { picture.given.address = 0; });
         } },
     { "rows-reach-into-nothing",
         [](const Channel& channel) {
             handChanged(channel,
-                [](Picture& picture) { picture.reply.rowBytes = std::uint64_t { 1 } << 46U; });
+                [](Picture& picture) { picture.given.rowBytes = std::uint64_t { 1 } << 46U; });
+        } },
+    { "gives-rows-of-another-size",
+        [](const Channel& channel) {
+            handChanged(channel, [](Picture& picture) { picture.given.size = { 4, 2 }; });
+        } },
+    { "gives-rows-of-another-layout",
+        [](const Channel& channel) {
+            handChanged(channel, [](Picture& picture) {
+                picture.given.layout.bitsPerComponent = 16;
+                picture.given.rowBytes = 8;
+            });
+        } },
+    { "dies-over-rows",
+        [](const Channel& channel) {
+            handChanged(channel, [](Picture& picture) { picture.beforePixels = [] { die(); }; });
+        } },
+    { "hangs-over-rows",
+        [](const Channel& channel) {
+            handChanged(channel, [](Picture& picture) { picture.beforePixels = [] { hang(); }; });
         } },
     { "attaches-nothing-that-is-there",
         [](const Channel& channel) {
@@ -174,13 +203,15 @@ const std::map<std::string, Attack> attacks {
     // These only show where memory is shared.
     { "shares-nothing",
         [](const Channel& channel) {
-            say(channel, Picture().reply);
+            const Picture picture;
+            say(channel, picture.reply);
             (void)channel.receive();
             say(channel, confined::SharedReply {});
         } },
     { "shares-a-file",
         [](const Channel& channel) {
-            say(channel, Picture().reply);
+            const Picture picture;
+            say(channel, picture.reply);
             (void)channel.receive();
             const FileDescriptor file = FileDescriptor::adopted(::open("/proc/self/exe", O_RDONLY));
             say(channel, confined::SharedReply {}, &file);
@@ -238,7 +269,7 @@ int main(int /*count*/, char** arguments)
         if (!message) {
             die();
         }
-        if (turnsLater && file == 2) {
+        if (turnsLater && file == 2 && !name.starts_with("dies-over-rows")) {
             name.starts_with("dies") ? die() : say(channel, confined::ReadyReply {});
             continue;
         }
@@ -256,6 +287,10 @@ int main(int /*count*/, char** arguments)
         say(channel, confined::OpenedReply { imaging::UniformType::png, { size, layout } });
         if (!channel.receive()) {
             return 0;
+        }
+        if (turnsLater && file == 2) {
+            attacks.at("dies-over-rows")(channel);
+            continue;
         }
         const auto attack = attacks.find(name);
         (attack == attacks.end() ? attacks.at("harmless") : attack->second)(channel);
