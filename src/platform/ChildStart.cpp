@@ -60,7 +60,7 @@ void resetSignals()
 /// Gives the child's exit status where it does not become the program. Nothing here may allocate or
 /// lock: other threads go on meanwhile. Nor may a sanitizer count what is entered here and never
 /// left.
-[[gnu::no_sanitize("thread")]] int becomeProgram(void* argument)
+[[gnu::no_sanitize_thread]] int becomeProgram(void* argument)
 {
     auto* const start = static_cast<Start*>(argument);
     resetSignals();

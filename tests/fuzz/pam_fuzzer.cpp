@@ -25,7 +25,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     const imaging::PixelLayout layout { static_cast<imaging::ColorModel>(data[0] % 3),
         data[1] % 2 == 0 ? 8 : 16, static_cast<imaging::AlphaInfo>(data[2] % 8) };
-    const imaging::Size dimensions { data[3] + 1, data[4] + 1 };
+    // Enough for every step and rest of the loops over pixels; more costs executions.
+    const imaging::Size dimensions { data[3] % 40 + 1, data[4] % 40 + 1 };
     auto pixels = imaging::PixelBuffer::createZeroed(dimensions, layout);
     require(pixels.has_value());
     const auto samples = std::as_bytes(std::span(data + headBytes, size - headBytes));
