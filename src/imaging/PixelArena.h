@@ -12,8 +12,8 @@ namespace vellumine::imaging {
 /// 24-megapixel picture takes as long as resampling it. Safe for several threads at once.
 class PixelArena {
 public:
-    /// The most that an arena holds: a photograph of 24 megapixels that comes in several scans, with
-    /// the coefficients that those are collected in.
+    /// The most that an arena holds: a photograph of 24 megapixels that comes in several scans,
+    /// with the coefficients that those are collected in.
     static constexpr std::size_t capacity = std::size_t { 128 } << 20U;
     /// Blocks start at multiples of this: a cache line, and what the widest vectors want.
     static constexpr std::size_t alignment = 64;

@@ -1,5 +1,7 @@
 #include "imaging/PixelConversion.h"
 
+#include "imaging/OpaquePixel.h"
+
 #include <algorithm>
 #include <array>
 #include <cassert>
@@ -93,10 +95,7 @@ bool convertRowFast(
         const std::uint8_t* source = image.row8(y);
         std::uint8_t* out = target.row8(y);
         for (int x = 0; x < width; ++x, source += 3, out += 4) {
-            out[0] = source[0];
-            out[1] = source[1];
-            out[2] = source[2];
-            out[3] = 255;
+            storeOpaque(out, source[0], source[1], source[2]);
         }
         return true;
     }

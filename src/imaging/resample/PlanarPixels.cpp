@@ -1,5 +1,6 @@
 #include "imaging/resample/PlanarPixels.h"
 
+#include "imaging/OpaquePixel.h"
 #include "imaging/VectorClones.h"
 
 #include <algorithm>
@@ -88,10 +89,7 @@ void joinOpaque(const std::uint16_t* __restrict red, const std::uint16_t* __rest
     const std::uint16_t* __restrict blue, std::uint8_t* __restrict to, int count)
 {
     for (std::ptrdiff_t x = 0; x < count; ++x) {
-        to[4 * x] = to8(red[x]);
-        to[4 * x + 1] = to8(green[x]);
-        to[4 * x + 2] = to8(blue[x]);
-        to[4 * x + 3] = 255;
+        storeOpaque(to + 4 * x, to8(red[x]), to8(green[x]), to8(blue[x]));
     }
 }
 

@@ -6,8 +6,10 @@
 #include <zimg.h>
 
 #include <algorithm>
+#include <array>
 #include <cassert>
 #include <cstddef>
+#include <iterator>
 #include <memory>
 
 namespace vellumine::imaging {
@@ -16,10 +18,7 @@ namespace {
 
 constexpr std::size_t alignment = 64;
 
-struct GraphDeleter {
-    void operator()(zimg_filter_graph* graph) const { zimg_filter_graph_free(graph); }
-};
-using Graph = std::unique_ptr<zimg_filter_graph, GraphDeleter>;
+using Graph = std::shared_ptr<const zimg_filter_graph>;
 
 std::size_t roundedUp(std::size_t bytes)
 {
@@ -120,8 +119,49 @@ Graph build(const zimg_image_format& source, const zimg_image_format& target, Re
     parameters.resample_filter_uv = parameters.resample_filter;
     parameters.filter_param_a_uv = parameters.filter_param_a;
     parameters.filter_param_b_uv = parameters.filter_param_b;
-    return Graph(zimg_filter_graph_build(&source, &target, &parameters));
+    zimg_filter_graph* const graph = zimg_filter_graph_build(&source, &target, &parameters);
+    return { graph, [](zimg_filter_graph* built) {
+                if (built != nullptr) {
+                    zimg_filter_graph_free(built);
+                }
+            } };
 }
+
+/// What a graph is built from. No two jobs of different kinds have all of these in common.
+struct GraphKey {
+    Size source;
+    Size target;
+    int planes = 0; ///< 0 for brightness and colour
+    ycc::Subsampling subsampling;
+    ResampleFilter filter = ResampleFilter::lanczos3;
+
+    friend bool operator==(const GraphKey&, const GraphKey&) = default;
+};
+
+/// The graphs that a thread used last. Building one takes as long as resampling a photograph of ten
+/// megapixels with it, and the photographs of a batch often have one size.
+class RecentGraphs {
+public:
+    template <typename Build> Graph find(const GraphKey& key, const Build& buildGraph)
+    {
+        auto entry = std::ranges::find(m_entries, key, &Entry::key);
+        if (entry == m_entries.end()) {
+            entry = std::prev(m_entries.end());
+            *entry = { key, buildGraph() };
+        }
+        std::rotate(m_entries.begin(), entry, std::next(entry));
+        return m_entries.front().graph;
+    }
+
+private:
+    struct Entry {
+        GraphKey key;
+        Graph graph;
+    };
+    std::array<Entry, 2> m_entries; ///< landscape and portrait; the latest one first
+};
+
+thread_local RecentGraphs recentGraphs;
 
 /// A ring of a few rows in planes, on one side of the graph.
 class RowRing {
@@ -200,7 +240,7 @@ struct Input {
 };
 
 Result<void> run(
-    zimg_filter_graph* graph, Input input, Size target, int planes, const RowHandler& write)
+    const zimg_filter_graph* graph, Input input, Size target, int planes, const RowHandler& write)
 {
     unsigned lines = 0;
     std::size_t scratchBytes = 0;
@@ -262,7 +302,9 @@ Result<void> resample(
     const ycc::YccPlanes& source, Size target, ResampleFilter filter, const RowHandler& write)
 {
     constexpr int planes = 3;
-    const Graph graph = build(yccSourceFormat(source), yccTargetFormat(target), filter);
+    const Graph graph
+        = recentGraphs.find({ source.size(), target, 0, source.subsampling(), filter },
+            [&] { return build(yccSourceFormat(source), yccTargetFormat(target), filter); });
     if (!graph) {
         return failure(Error::Kind::unsupported, "the sizes cannot be resampled");
     }

@@ -1,5 +1,6 @@
 #include "imaging/ycc/YccRowWriter.h"
 
+#include "imaging/OpaquePixel.h"
 #include "imaging/VectorClones.h"
 
 #include <algorithm>
@@ -59,10 +60,7 @@ void toRgba(const std::uint16_t* __restrict y, const std::uint16_t* __restrict c
 {
     for (std::ptrdiff_t x = 0; x < count; ++x) {
         const Rgb rgb(y[x], cb[x], cr[x]);
-        to[4 * x] = rounded(rgb.red);
-        to[4 * x + 1] = rounded(rgb.green);
-        to[4 * x + 2] = rounded(rgb.blue);
-        to[4 * x + 3] = 255;
+        storeOpaque(to + 4 * x, rounded(rgb.red), rounded(rgb.green), rounded(rgb.blue));
     }
 }
 

@@ -1,5 +1,6 @@
 #include "imaging/ycc/YccToRgb.h"
 
+#include "imaging/OpaquePixel.h"
 #include "imaging/VectorClones.h"
 
 #include <algorithm>
@@ -56,10 +57,7 @@ void convertToRgba(const std::uint8_t* __restrict y, const std::uint8_t* __restr
 {
     for (std::ptrdiff_t x = 0; x < count; ++x) {
         const Rgb rgb(y[x], cb[x] - 128, cr[x] - 128);
-        to[4 * x] = rgb.red;
-        to[4 * x + 1] = rgb.green;
-        to[4 * x + 2] = rgb.blue;
-        to[4 * x + 3] = 255;
+        storeOpaque(to + 4 * x, rgb.red, rgb.green, rgb.blue);
     }
 }
 
