@@ -1,7 +1,9 @@
 #pragma once
 
+#include "imaging/BitmapContext.h"
 #include "imaging/codecs/Codec.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -34,6 +36,26 @@ inline void touchPixels(const imaging::Image& image)
     [[maybe_unused]] volatile unsigned sink = sum;
 }
 
+/// The file decoded to be drawn: the same picture, which can be drawn small.
+inline void drawPicture(
+    const imaging::Codec& codec, imaging::ByteSpan file, const imaging::Image& rows)
+{
+    const auto decoded = codec.decode(file,
+        { .limits = fuzzLimits, .region = std::nullopt, .use = imaging::ImageUse::toBeDrawn });
+    require(decoded.has_value() && decoded->image.size() == rows.size());
+    const auto laidOut = decoded->image.withRows();
+    require(laidOut.has_value());
+    for (int y = 0; y < rows.height(); ++y) {
+        require(std::ranges::equal(laidOut->row(y), rows.row(y)));
+    }
+    auto context = imaging::BitmapContext::create(
+        { (rows.width() + 1) / 2, (rows.height() + 1) / 2 }, 8, imaging::ColorSpace::sRgb());
+    require(context.has_value());
+    if (context->draw(decoded->image)) {
+        touchPixels(std::move(*context).makeImage().value());
+    }
+}
+
 /// The body of every decoder's fuzz target: the header, the whole picture and the middle of it.
 /// Gives what LLVMFuzzerTestOneInput is to return.
 inline int fuzzDecoder(const imaging::Codec& codec, const std::uint8_t* data, std::size_t size)
@@ -48,6 +70,7 @@ inline int fuzzDecoder(const imaging::Codec& codec, const std::uint8_t* data, st
     require(decoded->storedSize == header->size && decoded->image.size() == header->size);
     require(!decoded->isRegion);
     touchPixels(decoded->image);
+    drawPicture(codec, file, decoded->image);
 
     const imaging::Size stored = decoded->storedSize;
     const imaging::Rect middle

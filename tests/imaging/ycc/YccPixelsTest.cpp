@@ -97,6 +97,19 @@ TEST_P(YccPixels, givesTheVeryRowsOfTheLibrary)
     }
 }
 
+TEST_P(YccPixels, givesTheVeryRowsOfSmallPicturesToo)
+{
+    for (int height = 1; height <= 10; ++height) {
+        for (int width = 1; width <= 10; ++width) {
+            const ByteBuffer file = jpegFile(syntheticPhoto({ width, height }), GetParam().recipe);
+            EXPECT_EQ(maximumDifference(decoded(file, ImageUse::toBeDrawn).withRows().value(),
+                          decoded(file, ImageUse::asRows)),
+                0.0)
+                << width << " x " << height;
+        }
+    }
+}
+
 TEST_P(YccPixels, givesAnyPartTurnedUpright)
 {
     ASSERT_NO_FATAL_FAILURE(decode(syntheticPhoto(photoSize)));

@@ -36,7 +36,9 @@ std::optional<ycc::Subsampling> subsampling(const jpeg_decompress_struct& librar
         && blueness.v_samp_factor == redness.v_samp_factor;
     const bool isWhole = result.x * blueness.h_samp_factor == library.max_h_samp_factor
         && result.y * blueness.v_samp_factor == library.max_v_samp_factor;
-    if (!isAlike || !isWhole || result.x > 2 || result.y > 2) {
+    // The library spreads colour without interpolation where a row has but two samples of it.
+    const bool isWide = result.x == 1 || blueness.downsampled_width > 2;
+    if (!isAlike || !isWhole || !isWide || result.x > 2 || result.y > 2) {
         return std::nullopt;
     }
     return result;
