@@ -22,20 +22,21 @@ Result<SourcePicture> ConfinedDecoder::decode(const imaging::PictureWish& wish)
     if (!decoded) {
         return tl::unexpected(decoded.error());
     }
-    auto& [colorSpace, orientation, properties] = decoded->attachments;
+    PictureAttachments& attachments = decoded->attachments;
     if (wish.use == imaging::ImageUse::toBeDrawn && !decoded->isRegion) {
-        auto pixels = std::make_shared<ConfinedPixels>(m_session, decoded->size, colorSpace);
-        return SourcePicture { Image(decoded->size, decoded->layout, std::move(colorSpace),
-                                   std::move(pixels), Orientation::topLeft),
-            false, orientation, std::move(properties) };
+        auto pixels = std::make_shared<ConfinedPixels>(m_session, attachments.colorSpace);
+        return SourcePicture { Image(decoded->size, decoded->layout,
+                                   std::move(attachments.colorSpace), std::move(pixels),
+                                   Orientation::topLeft),
+            false, attachments.orientation, std::move(attachments.properties) };
     }
     auto image = m_session->rows({ 0, 0, decoded->size.width, decoded->size.height });
     if (!decoded->isRegion) {
         m_session->close(); // nothing else will be asked for
     }
     return std::move(image).map([&](Image&& rows) {
-        return SourcePicture { std::move(rows), decoded->isRegion, orientation,
-            std::move(properties) };
+        return SourcePicture { std::move(rows), decoded->isRegion, attachments.orientation,
+            std::move(attachments.properties) };
     });
 }
 

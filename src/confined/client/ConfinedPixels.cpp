@@ -1,13 +1,10 @@
 #include "confined/client/ConfinedPixels.h"
 
-#include "imaging/BitmapContext.h"
-
 #include <optional>
 #include <utility>
 
 namespace vellumine::confined {
 
-using imaging::BitmapContext;
 using imaging::ColorSpace;
 using imaging::Drawing;
 using imaging::Image;
@@ -31,10 +28,8 @@ std::optional<BitmapColors> bitmapColors(const ColorSpace& wanted, const ColorSp
 
 } // namespace
 
-ConfinedPixels::ConfinedPixels(
-    std::shared_ptr<HelperSession> session, imaging::Size size, ColorSpace colorSpace)
+ConfinedPixels::ConfinedPixels(std::shared_ptr<HelperSession> session, ColorSpace colorSpace)
     : m_session(std::move(session))
-    , m_size(size)
     , m_colorSpace(std::move(colorSpace))
 {
 }

@@ -11,9 +11,8 @@ namespace vellumine::confined {
 /// A decoded picture that stays with its helper, which is kept for as long.
 class ConfinedPixels final : public imaging::DeferredPixels {
 public:
-    /// The session must have decoded a picture of that size, in those colours.
-    ConfinedPixels(
-        std::shared_ptr<HelperSession> session, imaging::Size size, imaging::ColorSpace colorSpace);
+    /// The session must have decoded a picture, in those colours.
+    ConfinedPixels(std::shared_ptr<HelperSession> session, imaging::ColorSpace colorSpace);
 
     [[nodiscard]] imaging::Result<imaging::Image> rows(imaging::Rect part) const override;
     [[nodiscard]] imaging::Result<imaging::Image> drawn(
@@ -22,7 +21,6 @@ public:
 private:
     mutable std::mutex m_mutex; ///< the session is for one at a time
     const std::shared_ptr<HelperSession> m_session;
-    const imaging::Size m_size;
     const imaging::ColorSpace m_colorSpace;
 };
 
