@@ -10,6 +10,7 @@
 #include "imaging/ImageDestination.h"
 #include "platform/FilePath.h"
 #include "stats/StatsStore.h"
+#include "support/ProcessMemory.h"
 #include "support/TestImages.h"
 
 #include <QCoreApplication>
@@ -24,10 +25,7 @@
 #include <atomic>
 #include <ctime>
 #include <filesystem>
-#include <fstream>
-#include <malloc.h>
 #include <stdexcept>
-#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -41,18 +39,9 @@ qint64 cpuNanoseconds(clockid_t clock)
     return qint64 { time.tv_sec } * 1'000'000'000 + time.tv_nsec;
 }
 
-struct Memory {
-    double residentMegabytes = 0;
-    double liveMegabytes = 0;
-};
-
-Memory memoryNow()
+double megabytes(std::int64_t bytes)
 {
-    qint64 size = 0;
-    qint64 resident = 0;
-    std::ifstream("/proc/self/statm") >> size >> resident;
-    return { static_cast<double>(resident * sysconf(_SC_PAGESIZE)) / 1e6,
-        static_cast<double>(mallinfo2().uordblks) / 1e6 };
+    return static_cast<double>(bytes) / 1e6;
 }
 
 /// A folder of equal small photos, and one for what becomes of them.
@@ -131,7 +120,7 @@ void convertManyPictures(benchmark::State& state, OutputFormat format)
     const Pictures pictures(state.range(0));
     Ticker ticker;
     std::atomic<qint64> converting = 0;
-    Memory early;
+    test::ProcessMemory early;
     ConversionEnvironment environment;
     environment.executableFolder
         = QFile::encodeName(QCoreApplication::applicationDirPath()).toStdString();
@@ -145,7 +134,7 @@ void convertManyPictures(benchmark::State& state, OutputFormat format)
                 [&](const ProcessingResult& result) {
                     stats.record(result);
                     if (++recorded == 1000) {
-                        early = memoryNow();
+                        early = test::ProcessMemory::now();
                     }
                     if (!result.isSuccess) {
                         state.SkipWithError(qUtf8Printable(result.message));
@@ -167,9 +156,9 @@ void convertManyPictures(benchmark::State& state, OutputFormat format)
         model.process(pictures.urls());
         ticker.start();
         QCoreApplication::exec();
-        const Memory late = memoryNow();
-        state.counters["grown_mb"] = late.residentMegabytes - early.residentMegabytes;
-        state.counters["live_mb"] = late.liveMegabytes - early.liveMegabytes;
+        const test::ProcessMemory late = test::ProcessMemory::now();
+        state.counters["grown_mb"] = megabytes(late.resident - early.resident);
+        state.counters["live_mb"] = megabytes(late.live - early.live);
     }
     const qint64 total = cpuNanoseconds(CLOCK_PROCESS_CPUTIME_ID) - before;
     const auto files = static_cast<double>(state.iterations() * state.range(0));

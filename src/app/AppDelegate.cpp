@@ -20,11 +20,8 @@ AppDelegate::AppDelegate(Surroundings surroundings)
     , m_bus(surroundings.bus)
     , m_motion(surroundings.bus)
     , m_windowGrowingTime(surroundings.windowGrowingTime)
-    , m_models(modelSurroundings(surroundings))
-    , m_settings(m_models.settings(), m_models.bookmarks(),
-          [this](const FolderPanel& panel, const FolderPanelAnswer& answer) {
-              m_folderPanel.show(panel, answer);
-          })
+    , m_models(std::move(surroundings.models), questions())
+    , m_settings(m_models.settings(), m_models.bookmarks(), m_models.showFolderPanel())
     , m_stats(m_models.statsStore())
     , m_updates(m_models.updateChecker())
     , m_comparison(std::make_unique<ImageComparisonPresenter>(
@@ -43,14 +40,9 @@ AppDelegate::AppDelegate(Surroundings surroundings)
 
 AppDelegate::~AppDelegate() = default;
 
-AppModels::Surroundings AppDelegate::modelSurroundings(Surroundings& surroundings)
+AppModels::Questions AppDelegate::questions()
 {
     return {
-        .preferences = std::move(surroundings.preferences),
-        .statsFolder = surroundings.statsFolder,
-        .updateSource = std::move(surroundings.updateSource),
-        .temporaryFolder = surroundings.temporaryFolder,
-        .executableFolder = surroundings.executableFolder,
         .askOverwrite
         = [this](const QUrl& url,
               const OverwritePrompt::Answer& answer) { m_overwritePrompt.ask(url, answer); },

@@ -38,11 +38,7 @@ class AppDelegate final : public QObject {
 public:
     /// What the program needs from the world.
     struct Surroundings {
-        std::unique_ptr<QSettings> preferences;
-        QString statsFolder;
-        UpdateChecker::Source updateSource;
-        std::filesystem::path temporaryFolder;
-        std::filesystem::path executableFolder;
+        AppModels::Surroundings models;
         /// Where trays that show StatusNotifier items are found.
         QDBusConnection bus;
         std::function<void(const QUrl& file)> reveal;
@@ -79,7 +75,7 @@ private:
     Q_SLOT void openPreferencesFromMenu();
     Q_SLOT void quitFromMenu();
 
-    [[nodiscard]] AppModels::Surroundings modelSurroundings(Surroundings& surroundings);
+    [[nodiscard]] AppModels::Questions questions();
     [[nodiscard]] std::unique_ptr<QQuickWindow> makeWindow(
         const char* type, const QVariantMap& properties);
     [[nodiscard]] std::unique_ptr<QQuickWindow> makeMainWindow();

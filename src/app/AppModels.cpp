@@ -8,7 +8,7 @@
 
 namespace vellumine {
 
-AppModels::AppModels(Surroundings surroundings)
+AppModels::AppModels(Surroundings surroundings, Questions questions)
     : m_settingsStore(std::move(surroundings.preferences), m_bookmarks)
     , m_statsStore(surroundings.statsFolder)
     , m_updateChecker(std::move(surroundings.updateSource), currentVersionText())
@@ -16,9 +16,9 @@ AppModels::AppModels(Surroundings surroundings)
     , m_executableFolder(std::move(surroundings.executableFolder))
     , m_decoders(confined::ConfinedDecoders::ofProgram(m_executableFolder))
     , m_securityScope(std::move(surroundings.securityScope))
-    , m_showFolderPanel(std::move(surroundings.showFolderPanel))
+    , m_showFolderPanel(std::move(questions.showFolderPanel))
     , m_samples(m_temporaryFolder, PreviewSamples::AtEnd::remove)
-    , m_overwritePrompt(std::move(surroundings.askOverwrite))
+    , m_overwritePrompt(std::move(questions.askOverwrite))
 {
 }
 

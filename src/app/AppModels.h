@@ -24,7 +24,7 @@ namespace vellumine {
 /// The long-lived objects of the program and how they are wired. Every view shares them.
 class AppModels {
 public:
-    /// What they need from the world, and from the windows.
+    /// What they need from the world.
     struct Surroundings {
         std::unique_ptr<QSettings> preferences;
         QString statsFolder;
@@ -35,12 +35,16 @@ public:
         std::filesystem::path executableFolder;
         std::shared_ptr<platform::SecurityScope> securityScope
             = std::make_shared<platform::DesktopSecurityScope>();
+    };
+
+    /// What they ask the user, who answers in the windows.
+    struct Questions {
         OverwritePrompt::Question askOverwrite;
         ShowFolderPanel showFolderPanel;
     };
 
     /// Reads the statistics, and removes preview samples that a crashed run left.
-    explicit AppModels(Surroundings surroundings);
+    AppModels(Surroundings surroundings, Questions questions);
     /// Ends the conversions in flight, and removes this run's preview samples.
     ~AppModels();
     AppModels(const AppModels&) = delete;

@@ -77,12 +77,14 @@ int run(int argc, char** argv)
 
     platform::DesktopFileRevealer revealer(bus, openWithDesktop);
     AppDelegate delegate({
-        .preferences = userPreferences(),
-        .statsFolder = statsFolder(),
-        .updateSource = UpdateChecker::productHomePage(),
-        .temporaryFolder = std::filesystem::temp_directory_path(),
-        .executableFolder
-        = platform::toPath(platform::fileUrl(QCoreApplication::applicationDirPath())),
+        .models = {
+            .preferences = userPreferences(),
+            .statsFolder = statsFolder(),
+            .updateSource = UpdateChecker::productHomePage(),
+            .temporaryFolder = std::filesystem::temp_directory_path(),
+            .executableFolder
+            = platform::toPath(platform::fileUrl(QCoreApplication::applicationDirPath())),
+        },
         .bus = bus,
         .reveal = [&revealer](const QUrl& file) { revealer.reveal(file); },
         .openPage = openWithDesktop,

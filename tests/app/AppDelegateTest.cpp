@@ -28,12 +28,14 @@ protected:
     {
         if (!m_delegate) {
             m_delegate = std::make_unique<AppDelegate>(AppDelegate::Surroundings {
-                .preferences = m_preferences.open(),
-                .statsFolder = QString::fromStdString((m_folder / "stats").string()),
-                // A check of such an address fails by itself.
-                .updateSource = { .homePage = QUrl(QStringLiteral("none:")) },
-                .temporaryFolder = m_folder / "temporary",
-                .executableFolder = {},
+                .models = {
+                    .preferences = m_preferences.open(),
+                    .statsFolder = QString::fromStdString((m_folder / "stats").string()),
+                    // A check of such an address fails by itself.
+                    .updateSource = { .homePage = QUrl(QStringLiteral("none:")) },
+                    .temporaryFolder = m_folder / "temporary",
+                    .executableFolder = {},
+                },
                 .bus = QDBusConnection(QStringLiteral("no such connection")),
                 .reveal = [](const QUrl&) {},
                 .openPage = [](const QUrl&) {},

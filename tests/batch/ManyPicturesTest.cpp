@@ -2,6 +2,7 @@
 #include "batch/ProcessingModel.h"
 #include "imaging/ImageDestination.h"
 #include "platform/FilePath.h"
+#include "support/ProcessMemory.h"
 #include "support/TestImages.h"
 
 #include <QSet>
@@ -10,8 +11,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <malloc.h>
 #include <string>
 #include <unistd.h>
 
@@ -29,19 +28,6 @@ constexpr qsizetype pictureCount = isInstrumented ? 1'000 : 10'000;
 constexpr qsizetype warmUpCount = pictureCount / 10;
 
 /// In bytes.
-struct Memory {
-    qint64 resident = 0;
-    qint64 live = 0; ///< what is in use of the heap
-};
-
-Memory memoryNow()
-{
-    qint64 size = 0;
-    qint64 resident = 0;
-    std::ifstream("/proc/self/statm") >> size >> resident;
-    return { resident * sysconf(_SC_PAGESIZE), static_cast<qint64>(mallinfo2().uordblks) };
-}
-
 TEST(ManyPictures, areEachRecordedOnceInFlatMemory)
 {
     // In memory where there is such a place: every output is synced, and disks take their time.
@@ -64,7 +50,7 @@ TEST(ManyPictures, areEachRecordedOnceInFlatMemory)
     settings.destinationMode = DestinationMode::selectedFolder;
     settings.destinationFolderURL = platform::fileUrl(output);
     QSet<QUrl> recorded;
-    Memory early;
+    test::ProcessMemory early;
     ProcessingModel model({
         .snapshot = [&settings] { return settings; },
         .record =
@@ -72,7 +58,7 @@ TEST(ManyPictures, areEachRecordedOnceInFlatMemory)
                 EXPECT_TRUE(result.isSuccess) << result.message.toStdString();
                 recorded.insert(result.sourceURL);
                 if (recorded.size() == warmUpCount) {
-                    early = memoryNow();
+                    early = test::ProcessMemory::now();
                 }
             },
         .optimize = optimizeIn(ConversionEnvironment()),
@@ -84,7 +70,7 @@ TEST(ManyPictures, areEachRecordedOnceInFlatMemory)
     model.setOnComplete([&] { isComplete = true; });
     model.process({ platform::fileUrl(folder.path()) });
     ASSERT_TRUE(runUntil([&] { return isComplete; }, std::chrono::minutes(10)));
-    const Memory late = memoryNow();
+    const test::ProcessMemory late = test::ProcessMemory::now();
 
     EXPECT_EQ(model.statusText(), QStringLiteral("Done"));
     EXPECT_EQ(model.results().size(), pictureCount);

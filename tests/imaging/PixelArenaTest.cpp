@@ -1,15 +1,13 @@
 #include "imaging/PixelArena.h"
 
 #include "imaging/PixelMemory.h"
+#include "support/ProcessMemory.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <cstring>
-#include <fstream>
-#include <string>
 #include <thread>
-#include <unistd.h>
 #include <vector>
 
 #ifdef __SANITIZE_ADDRESS__
@@ -19,20 +17,13 @@
 namespace vellumine::imaging {
 namespace {
 
+using test::ProcessMemory;
+
 constexpr std::size_t megabyte = std::size_t { 1 } << 20U;
 
 bool isAligned(const std::byte* block)
 {
     return reinterpret_cast<std::uintptr_t>(block) % PixelArena::alignment == 0;
-}
-
-/// Bytes of the process that are in memory.
-std::size_t residentBytes()
-{
-    std::size_t all = 0;
-    std::size_t resident = 0;
-    std::ifstream("/proc/self/statm") >> all >> resident;
-    return resident * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
 }
 
 TEST(PixelArena, givesAlignedBlocksThatDoNotOverlap)
@@ -97,9 +88,9 @@ TEST(PixelArena, givesPagesToTheSystemWhenAPictureIsTooLargeForIt)
     ASSERT_NE(block, nullptr);
     std::memset(block, 1, 80 * megabyte);
     arena.give(block, 80 * megabyte);
-    const std::size_t before = residentBytes();
+    const std::int64_t before = ProcessMemory::now().resident;
     EXPECT_EQ(arena.take(PixelArena::capacity), nullptr);
-    EXPECT_LT(residentBytes() + 40 * megabyte, before);
+    EXPECT_LT(ProcessMemory::now().resident + static_cast<std::int64_t>(40 * megabyte), before);
 }
 
 TEST(PixelMemory, isAligned)

@@ -144,7 +144,7 @@ class RecentGraphs {
 public:
     template <typename Build> Graph find(const GraphKey& key, const Build& buildGraph)
     {
-        auto entry = std::ranges::find(m_entries, key, &Entry::key);
+        auto* entry = std::ranges::find(m_entries, key, &Entry::key);
         if (entry == m_entries.end()) {
             entry = std::prev(m_entries.end());
             *entry = { key, buildGraph() };

@@ -2,6 +2,7 @@
 
 #include "imaging/OpaquePixel.h"
 #include "imaging/VectorClones.h"
+#include "imaging/ycc/FixedPoint.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -16,11 +17,6 @@ constexpr int resultBits = factorBits + 8;
 constexpr int half = 1 << (resultBits - 1);
 constexpr int middle = 128 << 8;
 
-constexpr int fixed(double factor)
-{
-    return static_cast<int>(factor * (1 << factorBits) + 0.5);
-}
-
 constexpr std::uint8_t rounded(int value)
 {
     return static_cast<std::uint8_t>(std::clamp((value + half) >> resultBits, 0, 255));
@@ -34,10 +30,10 @@ struct Rgb {
     int blue;
 
     constexpr Rgb(int y, int cb, int cr)
-        : red((y << factorBits) + fixed(1.402) * (cr - middle))
-        , green(
-              (y << factorBits) - fixed(0.344136) * (cb - middle) - fixed(0.714136) * (cr - middle))
-        , blue((y << factorBits) + fixed(1.772) * (cb - middle))
+        : red((y << factorBits) + fixedPoint(1.402, factorBits) * (cr - middle))
+        , green((y << factorBits) - fixedPoint(0.344136, factorBits) * (cb - middle)
+              - fixedPoint(0.714136, factorBits) * (cr - middle))
+        , blue((y << factorBits) + fixedPoint(1.772, factorBits) * (cb - middle))
     {
     }
 };

@@ -2,6 +2,7 @@
 
 #include "imaging/OpaquePixel.h"
 #include "imaging/VectorClones.h"
+#include "imaging/ycc/FixedPoint.h"
 
 #include <algorithm>
 #include <cassert>
@@ -13,13 +14,9 @@ namespace vellumine::imaging::ycc {
 
 namespace {
 
-/// A factor of the formula in 16 bits behind the point.
-constexpr int fixed(double factor)
-{
-    return static_cast<int>(factor * 65536.0 + 0.5);
-}
-
-constexpr int half = 1 << 15;
+/// Bits behind the point of the factors.
+constexpr int bits = 16;
+constexpr int half = 1 << (bits - 1);
 
 constexpr std::uint8_t clamped(int value)
 {
@@ -32,9 +29,11 @@ struct Rgb {
     std::uint8_t blue;
 
     constexpr Rgb(int y, int cb, int cr)
-        : red(clamped(y + ((fixed(1.402) * cr + half) >> 16)))
-        , green(clamped(y + ((-fixed(0.34414) * cb - fixed(0.71414) * cr + half) >> 16)))
-        , blue(clamped(y + ((fixed(1.772) * cb + half) >> 16)))
+        : red(clamped(y + ((fixedPoint(1.402, bits) * cr + half) >> bits)))
+        , green(clamped(y
+              + ((-fixedPoint(0.34414, bits) * cb - fixedPoint(0.71414, bits) * cr + half)
+                  >> bits)))
+        , blue(clamped(y + ((fixedPoint(1.772, bits) * cb + half) >> bits)))
     {
     }
 };

@@ -38,21 +38,21 @@ jvirt_barray_ptr Coefficients::request(j_common_ptr library, int pool, boolean s
     return reinterpret_cast<jvirt_barray_ptr>(&array);
 }
 
-JBLOCKARRAY Coefficients::access(j_common_ptr library, jvirt_barray_ptr pointer, JDIMENSION first,
+JBLOCKARRAY Coefficients::access(j_common_ptr library, jvirt_barray_ptr array, JDIMENSION first,
     JDIMENSION count, boolean /*isWritten*/)
 {
-    auto& array = *reinterpret_cast<Array*>(pointer);
-    if (count > array.rowCount || first > array.rowCount - count) {
+    auto& self = *reinterpret_cast<Array*>(array);
+    if (count > self.rowCount || first > self.rowCount - count) {
         errorsOf(library).fail(Error::Kind::malformed, "coefficients outside of the picture");
     }
-    if (array.startsZeroed && first + count > array.firstUndefined) {
+    if (self.startsZeroed && first + count > self.firstUndefined) {
         // Just before their first use, which finds them in the cache.
-        const std::size_t rows = first + count - array.firstUndefined;
-        std::memset(static_cast<void*>(array.rows[array.firstUndefined]), 0,
-            rows * array.blocksInRow * sizeof(JBLOCK));
-        array.firstUndefined = first + count;
+        const std::size_t rows = first + count - self.firstUndefined;
+        std::memset(static_cast<void*>(self.rows[self.firstUndefined]), 0,
+            rows * self.blocksInRow * sizeof(JBLOCK));
+        self.firstUndefined = first + count;
     }
-    return array.rows + first;
+    return self.rows + first;
 }
 
 } // namespace vellumine::imaging::jpeg
