@@ -1,23 +1,10 @@
-#include "pipeline/ImageOptimizer.h"
-
-#include "pipeline/Workplace.h"
-#include "platform/FilePath.h"
-#include "platform/SecurityScope.h"
-#include "support/FakeProgram.h"
-#include "support/QtPrinters.h"
-
-#include <QLocale>
-
-#include <gtest/gtest.h>
+#include "pipeline/Optimize.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdio>
-#include <cstdlib>
 #include <future>
-#include <mutex>
 #include <set>
 
 namespace vellumine {
@@ -28,11 +15,12 @@ using imaging::ColorModel;
 using imaging::Image;
 using imaging::UniformType;
 using test::listing;
+using test::Optimize;
+using test::rgb8;
 using test::textOf;
 using test::urlOf;
 using test::writeFile;
 
-constexpr imaging::PixelLayout rgb8 { ColorModel::rgb, 8, AlphaInfo::none };
 constexpr imaging::PixelLayout rgba8 { ColorModel::rgb, 8, AlphaInfo::last };
 
 /// A JPEG file with an EXIF block in front that says nothing but the orientation.
@@ -44,71 +32,6 @@ std::string withOrientation(const std::string& jpeg, int tag)
     return jpeg.substr(0, 2) + "\xff\xe1\0"s + static_cast<char>(exif.size() + 2) + exif
         + jpeg.substr(2);
 }
-
-class CountingScope final : public platform::SecurityScope {
-public:
-    bool startAccessing(const QUrl& url) override
-    {
-        const std::lock_guard lock(m_mutex);
-        events.push_back(QStringLiteral("start ") + platform::lastPathComponent(url));
-        return !refuses.contains(platform::lastPathComponent(url));
-    }
-    void stopAccessing(const QUrl& url) override
-    {
-        const std::lock_guard lock(m_mutex);
-        events.push_back(QStringLiteral("stop ") + platform::lastPathComponent(url));
-    }
-
-    QStringList events;
-    QStringList refuses;
-
-private:
-    std::mutex m_mutex;
-};
-
-class Optimize : public testing::Test {
-protected:
-    void SetUp() override
-    {
-        QLocale::setDefault(QLocale::c());
-        m_environment.moveToTrash = [this](const QUrl& url) -> platform::Result<void> {
-            m_trashed.push_back(url);
-            std::filesystem::remove(platform::toPath(url));
-            return {};
-        };
-    }
-
-    [[nodiscard]] std::filesystem::path in(std::string_view name) const
-    {
-        return m_workplace.pictures() / name;
-    }
-
-    /// A picture of noise-free colours in a format that is exact.
-    std::filesystem::path makeSource(
-        std::string_view name = "a.bmp", imaging::Size size = test::oddSize) const
-    {
-        test::writePicture(in(name), test::gradient(size, rgb8), UniformType::bmp);
-        return in(name);
-    }
-
-    Outcome<ProcessingResult> optimize(const std::filesystem::path& path) const
-    {
-        return ImageOptimizer::optimize(urlOf(path), m_settings, m_environment);
-    }
-
-    void expectFailure(const std::filesystem::path& path, std::string_view message) const
-    {
-        const auto result = optimize(path);
-        ASSERT_FALSE(result);
-        EXPECT_EQ(localizedDescription(result.error()).toStdString(), message);
-        EXPECT_EQ(listing(m_workplace.temporary()), "");
-    }
-
-    test::Workplace m_workplace;
-    OptimizerSettings m_settings;
-    ConversionEnvironment m_environment = m_workplace.environment();
-    std::vector<QUrl> m_trashed;
-};
 
 TEST_F(Optimize, resultOfASuccessHasEveryField)
 {
@@ -227,299 +150,6 @@ TEST_F(Optimize, outputLargerThanTheInputIsKeptAndConverted)
     EXPECT_TRUE(std::filesystem::exists(in("noise.png")));
 }
 
-TEST_F(Optimize, whatIsNoPictureIsUnreadable)
-{
-    writeFile(in("text.png"), "hello");
-    expectFailure(in("text.png"), "The image could not be read.");
-    expectFailure(in("missing.png"), "The image could not be read.");
-    expectFailure(in(""), "The image could not be read.");
-    EXPECT_EQ(listing(in("")), "text.png");
-}
-
-TEST_F(Optimize, truncatedPictureIsUnreadableAndLeavesTheOldOutput)
-{
-    const auto source = makeSource();
-    std::filesystem::resize_file(source, std::filesystem::file_size(source) / 2);
-    writeFile(in("a.webp"), "old");
-    expectFailure(source, "The image could not be read.");
-    EXPECT_EQ(textOf(in("a.webp")), "old");
-}
-
-TEST_F(Optimize, pictureBeyondTheLimitsIsUnreadable)
-{
-    m_environment.limits.maximumPixels = 100;
-    expectFailure(makeSource(), "The image could not be read.");
-}
-
-TEST_F(Optimize, unreadableImageComesBeforeTheMissingFolder)
-{
-    m_settings.destinationMode = DestinationMode::selectedFolder;
-    writeFile(in("text.png"), "hello");
-    expectFailure(in("text.png"), "The image could not be read.");
-    expectFailure(makeSource(), "The selected destination folder is no longer available.");
-    EXPECT_EQ(listing(in("")), "a.bmp text.png");
-}
-
-TEST_F(Optimize, vanishedDestinationFolderFailsByFormat)
-{
-    m_settings.destinationMode = DestinationMode::selectedFolder;
-    m_settings.destinationFolderURL = urlOf(in("vanished"));
-    m_settings.outputFormat = OutputFormat::jpeg;
-    expectFailure(makeSource("a.bmp"), "Could not create a.jpg.");
-    m_settings.outputFormat = OutputFormat::webp;
-    expectFailure(in("a.bmp"), "Could not save a.webp: No such file or directory");
-}
-
-TEST_F(Optimize, nameThatIsTooLongFailsByFormat)
-{
-    const std::string base(251, 'n');
-    makeSource(base + ".bmp");
-    m_settings.outputFormat = OutputFormat::heic;
-    expectFailure(in(base + ".bmp"), "Could not create " + base + ".heic.");
-    m_settings.outputFormat = OutputFormat::webp;
-    expectFailure(in(base + ".bmp"), "Could not save " + base + ".webp: File name too long");
-    EXPECT_EQ(listing(in("")), base + ".bmp");
-}
-
-TEST_F(Optimize, skipLeavesTheExistingFileUntouched)
-{
-    m_settings.warnBeforeOverwrite = true;
-    writeFile(in("a.webp"), "old");
-    m_environment.confirmOverwrite = [](const QUrl&) { return OverwriteDecision::skip; };
-    expectFailure(makeSource(), "Skipped because the output file already exists.");
-    EXPECT_EQ(textOf(in("a.webp")), "old");
-    EXPECT_EQ(listing(in("")), "a.bmp a.webp");
-}
-
-TEST_F(Optimize, replaceReplaces)
-{
-    m_settings.warnBeforeOverwrite = true;
-    writeFile(in("a.webp"), "old");
-    m_environment.confirmOverwrite = [](const QUrl&) { return OverwriteDecision::replace; };
-    ASSERT_TRUE(optimize(makeSource()));
-    EXPECT_EQ(test::readPicture(in("a.webp")).size(), test::oddSize);
-}
-
-TEST_F(Optimize, fileThatVanishesAfterTheQuestionIsNoProblem)
-{
-    m_settings.warnBeforeOverwrite = true;
-    writeFile(in("a.webp"), "old");
-    m_environment.confirmOverwrite = [this](const QUrl&) {
-        std::filesystem::remove(in("a.webp"));
-        return OverwriteDecision::replace;
-    };
-    ASSERT_TRUE(optimize(makeSource()));
-    EXPECT_EQ(test::readPicture(in("a.webp")).size(), test::oddSize);
-}
-
-TEST_F(Optimize, existingFileStandsWhenTheEncoderFails)
-{
-    writeFile(in("a.webp"), "old");
-    m_workplace.replaceEncoder("exit 1\n");
-    expectFailure(makeSource(), "Could not finish writing a.webp: cwebp exited with status 1");
-    EXPECT_EQ(textOf(in("a.webp")), "old");
-    EXPECT_EQ(listing(in("")), "a.bmp a.webp");
-}
-
-TEST_F(Optimize, folderInTheWayFailsWithTheSystemsText)
-{
-    for (const OutputFormat format : { OutputFormat::webp, OutputFormat::jpeg }) {
-        m_settings.outputFormat = format;
-        const char* name = format == OutputFormat::webp ? "a.webp" : "a.jpg";
-        std::filesystem::create_directory(in(name));
-        m_workplace.replaceEncoder("touch '" + (m_workplace.programs() / "ran").string() + "'\n");
-        expectFailure(
-            makeSource(format == OutputFormat::webp ? "a.bmp" : "a.tif"), "Is a directory");
-        EXPECT_TRUE(std::filesystem::is_directory(in(name)));
-    }
-    EXPECT_FALSE(std::filesystem::exists(m_workplace.programs() / "ran"));
-}
-
-TEST_F(Optimize, outputThatIsALinkIsReplacedItself)
-{
-    writeFile(in("precious"), "precious");
-    std::filesystem::create_symlink("precious", in("a.webp"));
-    ASSERT_TRUE(optimize(makeSource()));
-    EXPECT_FALSE(std::filesystem::is_symlink(in("a.webp")));
-    EXPECT_EQ(textOf(in("precious")), "precious");
-}
-
-TEST_F(Optimize, sourceIsNeverWrittenOverByAnotherName)
-{
-    makeSource("a.bmp");
-    const auto before = test::readFile(in("a.bmp"));
-    std::filesystem::create_hard_link(in("a.bmp"), in("a.webp"));
-    const auto hard = optimize(in("a.bmp"));
-    ASSERT_TRUE(hard);
-    EXPECT_EQ(hard->outputURL, urlOf(in("a-optimized.webp")));
-
-    std::filesystem::remove(in("a.webp"));
-    std::filesystem::create_symlink("a.bmp", in("a.webp"));
-    const auto soft = optimize(in("a.bmp"));
-    ASSERT_TRUE(soft);
-    EXPECT_EQ(soft->outputURL, urlOf(in("a-optimized.webp")));
-    EXPECT_EQ(test::readFile(in("a.bmp")), before);
-}
-
-TEST_F(Optimize, modificationTimeIsCarriedOverToTheNanosecond)
-{
-    const auto source = makeSource();
-    const struct timespec times[2] { { 1, 1 }, { 1'234'567'890, 123'456'789 } };
-    ASSERT_EQ(::utimensat(AT_FDCWD, source.c_str(), times, 0), 0);
-    ASSERT_TRUE(optimize(source));
-    struct stat status { };
-    ASSERT_EQ(::stat(in("a.webp").c_str(), &status), 0);
-    EXPECT_EQ(status.st_mtim.tv_sec, 1'234'567'890);
-    EXPECT_EQ(status.st_mtim.tv_nsec, 123'456'789);
-
-    m_settings.preserveModificationTime = false;
-    ASSERT_TRUE(optimize(source));
-    ASSERT_EQ(::stat(in("a.webp").c_str(), &status), 0);
-    EXPECT_GT(status.st_mtim.tv_sec, 1'700'000'000);
-}
-
-TEST_F(Optimize, originalGoesToTheTrashAfterItsOutputWasReadBack)
-{
-    m_settings.moveOriginalToTrash = true;
-    bool outputWasThere = false;
-    m_environment.moveToTrash = [&](const QUrl& url) -> platform::Result<void> {
-        outputWasThere = test::readPicture(in("a.webp")).size() == test::oddSize;
-        m_trashed.push_back(url);
-        return {};
-    };
-    const auto result = optimize(makeSource());
-    ASSERT_TRUE(result);
-    EXPECT_EQ(m_trashed, std::vector { urlOf(in("a.bmp")) });
-    EXPECT_TRUE(outputWasThere);
-    EXPECT_FALSE(result->message.contains(QStringLiteral("Trash")));
-    EXPECT_TRUE(result->comparisonPreview);
-}
-
-TEST_F(Optimize, originalStaysWhenItIsNotWanted)
-{
-    ASSERT_TRUE(optimize(makeSource()));
-    EXPECT_TRUE(m_trashed.empty());
-}
-
-TEST_F(Optimize, originalStaysWhenTheOutputCannotBeReadBack)
-{
-    m_settings.moveOriginalToTrash = true;
-    m_workplace.replaceEncoder(R"(
-while [ "$1" != "-o" ]; do shift; done
-printf garbage > "$2"
-)");
-    const auto result = optimize(makeSource());
-    ASSERT_TRUE(result);
-    EXPECT_TRUE(m_trashed.empty());
-    EXPECT_TRUE(std::filesystem::exists(in("a.bmp")));
-    EXPECT_TRUE(result->isSuccess);
-    EXPECT_TRUE(result->message.endsWith(QStringLiteral(". Original could not be moved to Trash")));
-}
-
-TEST_F(Optimize, originalStaysWhenTheOutputHasAnotherSize)
-{
-    m_settings = test::plainSettings(OutputFormat::webpLossless);
-    ASSERT_TRUE(optimize(makeSource("small.bmp", { 9, 9 })));
-    m_settings.moveOriginalToTrash = true;
-    m_workplace.replaceEncoder("while [ \"$1\" != \"-o\" ]; do shift; done\ncp '"
-        + in("small.webp").string() + "' \"$2\"\n");
-    const auto result = optimize(makeSource("a.bmp"));
-    ASSERT_TRUE(result);
-    EXPECT_TRUE(m_trashed.empty());
-    EXPECT_TRUE(result->message.contains(QStringLiteral("could not be moved to Trash")));
-}
-
-TEST_F(Optimize, trashThatFailsIsOnlyMentioned)
-{
-    m_settings.moveOriginalToTrash = true;
-    m_environment.moveToTrash = [](const QUrl&) { return platform::failure(EPERM); };
-    const auto result = optimize(makeSource());
-    ASSERT_TRUE(result);
-    EXPECT_TRUE(result->isSuccess);
-    EXPECT_TRUE(result->message.endsWith(QStringLiteral(". Original could not be moved to Trash")));
-}
-
-TEST_F(Optimize, accessesAreEndedOnEveryWayOut)
-{
-    const auto run = [this](const std::filesystem::path& path) {
-        const auto scope = std::make_shared<CountingScope>();
-        m_environment.securityScope = scope;
-        (void)optimize(path);
-        return scope->events;
-    };
-    const QStringList expected { QStringLiteral("start a.bmp"), QStringLiteral("start pictures"),
-        QStringLiteral("stop pictures"), QStringLiteral("stop a.bmp") };
-    EXPECT_EQ(run(makeSource()), expected);
-    m_workplace.removeEncoder();
-    EXPECT_EQ(run(in("a.bmp")), expected);
-    writeFile(in("a.bmp"), "broken");
-    EXPECT_EQ(run(in("a.bmp")), expected);
-}
-
-TEST_F(Optimize, accessThatWasNotGrantedIsNotEnded)
-{
-    const auto scope = std::make_shared<CountingScope>();
-    scope->refuses = QStringList { QStringLiteral("a.bmp") };
-    m_environment.securityScope = scope;
-    ASSERT_TRUE(optimize(makeSource()));
-    EXPECT_EQ(scope->events,
-        (QStringList { QStringLiteral("start a.bmp"), QStringLiteral("start pictures"),
-            QStringLiteral("stop pictures") }));
-}
-
-TEST_F(Optimize, folderOfThePreferencesIsAccessedWhateverTheMode)
-{
-    const auto scope = std::make_shared<CountingScope>();
-    m_environment.securityScope = scope;
-    m_settings.destinationFolderURL = urlOf(m_workplace.programs());
-    ASSERT_TRUE(optimize(makeSource()));
-    EXPECT_TRUE(scope->events.contains(QStringLiteral("start programs")));
-    EXPECT_TRUE(std::filesystem::exists(in("a.webp")));
-}
-
-using OptimizeDeathTest = Optimize;
-
-TEST_F(OptimizeDeathTest, folderThatCannotBeWrittenFailsByFormatAndKeepsWhatItHas)
-{
-    makeSource();
-    makeSource("b.bmp");
-    writeFile(in("b.jpg"), "old");
-    writeFile(in("b.webp"), "old");
-    namespace fs = std::filesystem;
-    constexpr fs::perms readable { 0555 };
-    fs::permissions(in(""), readable);
-    fs::permissions(m_workplace.pictures().parent_path(), readable | fs::perms::owner_write);
-    fs::permissions(m_workplace.programs(), readable | fs::perms::owner_write);
-    fs::permissions(m_workplace.temporary(), fs::perms::all);
-    const auto messages = [this] {
-        QStringList texts;
-        for (const char* name : { "a.bmp", "b.bmp" }) {
-            for (const OutputFormat format : { OutputFormat::jpeg, OutputFormat::webp }) {
-                m_settings.outputFormat = format;
-                const auto result = optimize(in(name));
-                texts.append(result ? result->message : localizedDescription(result.error()));
-            }
-        }
-        return texts.join(u'|').toStdString();
-    };
-    // In a process of its own, which gives up the superuser's rights where the tests have them.
-    EXPECT_EXIT(
-        {
-            if (::geteuid() == 0 && ::setuid(65534) != 0) {
-                std::_Exit(1);
-            }
-            std::fputs(messages().c_str(), stderr);
-            std::_Exit(0);
-        },
-        testing::ExitedWithCode(0),
-        "Could not create a.jpg.\\|Could not save a.webp: Permission denied"
-        "\\|Permission denied\\|Permission denied");
-    fs::permissions(in(""), fs::perms::owner_all);
-    EXPECT_EQ(textOf(in("b.jpg")), "old");
-    EXPECT_EQ(textOf(in("b.webp")), "old");
-    EXPECT_EQ(listing(in("")), "a.bmp b.bmp b.jpg b.webp");
-}
-
 TEST_F(Optimize, eightOrientationsGiveTheSameUprightPicture)
 {
     const Image picture = test::syntheticPhoto({ 161, 99 });
@@ -545,12 +175,6 @@ TEST_F(Optimize, eightOrientationsGiveTheSameUprightPicture)
         }
         EXPECT_GE(test::psnr(written, *first), 35.0);
     }
-}
-
-TEST_F(Optimize, namedPipeIsRefusedWithoutWaiting)
-{
-    ASSERT_EQ(::mkfifo(in("pipe.png").c_str(), 0600), 0);
-    expectFailure(in("pipe.png"), "The image could not be read.");
 }
 
 TEST_F(Optimize, outputHasThePermissionsOfANewFile)
