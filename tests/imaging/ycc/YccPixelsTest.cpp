@@ -75,17 +75,17 @@ protected:
     void decode(const Image& picture)
     {
         const ByteBuffer file = jpegFile(picture, GetParam().recipe);
-        deferred = decoded(file, ImageUse::toBeDrawn);
-        rows = decoded(file, ImageUse::asRows);
-        ASSERT_FALSE(deferred->hasRows());
-        ASSERT_TRUE(rows->hasRows());
-        ASSERT_EQ(deferred->size(), rows->size());
-        ASSERT_EQ(deferred->layout(), rows->layout());
-        ASSERT_EQ(deferred->colorSpace(), rows->colorSpace());
+        m_deferred = decoded(file, ImageUse::toBeDrawn);
+        m_rows = decoded(file, ImageUse::asRows);
+        ASSERT_FALSE(m_deferred->hasRows());
+        ASSERT_TRUE(m_rows->hasRows());
+        ASSERT_EQ(m_deferred->size(), m_rows->size());
+        ASSERT_EQ(m_deferred->layout(), m_rows->layout());
+        ASSERT_EQ(m_deferred->colorSpace(), m_rows->colorSpace());
     }
 
-    std::optional<Image> deferred;
-    std::optional<Image> rows;
+    std::optional<Image> m_deferred;
+    std::optional<Image> m_rows;
 };
 
 TEST_P(YccPixels, givesTheVeryRowsOfTheLibrary)
@@ -93,7 +93,7 @@ TEST_P(YccPixels, givesTheVeryRowsOfTheLibrary)
     for (const Size size :
         { photoSize, Size { 96, 64 }, oddSize, Size { 16, 16 }, Size { 7, 5 } }) {
         ASSERT_NO_FATAL_FAILURE(decode(syntheticPhoto(size)));
-        EXPECT_EQ(maximumDifference(deferred->withRows().value(), *rows), 0.0) << size.width;
+        EXPECT_EQ(maximumDifference(m_deferred->withRows().value(), *m_rows), 0.0) << size.width;
     }
 }
 
@@ -115,8 +115,8 @@ TEST_P(YccPixels, givesAnyPartTurnedUpright)
     ASSERT_NO_FATAL_FAILURE(decode(syntheticPhoto(photoSize)));
     for (int tag = 1; tag <= 8; ++tag) {
         const Orientation orientation = orientationFromTag(tag).value();
-        const Image turned = upright(*deferred, orientation).value();
-        const Image expected = upright(*rows, orientation).value();
+        const Image turned = upright(*m_deferred, orientation).value();
+        const Image expected = upright(*m_rows, orientation).value();
         ASSERT_FALSE(turned.hasRows());
         ASSERT_EQ(turned.size(), expected.size());
         for (int i = 0; i < 40; ++i) {
@@ -135,20 +135,20 @@ TEST_P(YccPixels, isDrawnSmallerAsItsRowsAre)
     ASSERT_NO_FATAL_FAILURE(decode(syntheticPhoto(photoSize)));
     for (const Size size :
         { Size { 105, 86 }, Size { 40, 33 }, Size { 200, 170 }, Size { 1, 1 } }) {
-        const Image result = drawn(*deferred, size);
+        const Image result = drawn(*m_deferred, size);
         EXPECT_EQ(result.layout(), rgba8Premultiplied);
-        EXPECT_GE(psnr(result, drawn(*rows, size)), GetParam().psnr) << size.width;
+        EXPECT_GE(psnr(result, drawn(*m_rows, size)), GetParam().psnr) << size.width;
     }
 }
 
 TEST_P(YccPixels, isDrawnUpright)
 {
     ASSERT_NO_FATAL_FAILURE(decode(syntheticPhoto(photoSize)));
-    const Image small = drawn(*deferred, { 105, 86 });
+    const Image small = drawn(*m_deferred, { 105, 86 });
     for (int tag = 1; tag <= 8; ++tag) {
         const Orientation orientation = orientationFromTag(tag).value();
         const Image expected = upright(small, orientation).value();
-        const Image result = drawn(upright(*deferred, orientation).value(), expected.size());
+        const Image result = drawn(upright(*m_deferred, orientation).value(), expected.size());
         EXPECT_EQ(maximumDifference(result, expected), 0.0) << tag;
     }
 }
@@ -158,8 +158,8 @@ TEST_P(YccPixels, isDrawnInItsOwnSizeJustAsItsRowsAre)
     ASSERT_NO_FATAL_FAILURE(decode(syntheticPhoto(photoSize)));
     for (int tag = 1; tag <= 8; ++tag) {
         const Orientation orientation = orientationFromTag(tag).value();
-        const Image turned = upright(*deferred, orientation).value();
-        const Image expected = drawn(upright(*rows, orientation).value(), turned.size());
+        const Image turned = upright(*m_deferred, orientation).value();
+        const Image expected = drawn(upright(*m_rows, orientation).value(), turned.size());
         EXPECT_EQ(maximumDifference(drawn(turned, turned.size()), expected), 0.0) << tag;
     }
 }
@@ -167,8 +167,8 @@ TEST_P(YccPixels, isDrawnInItsOwnSizeJustAsItsRowsAre)
 TEST_P(YccPixels, keepsFlatColourFlat)
 {
     ASSERT_NO_FATAL_FAILURE(decode(flat(photoSize, rgb8, { 0.8, 0.3, 0.1 })));
-    const Image result = drawn(*deferred, { 100, 81 });
-    const Image expected = drawn(*rows, { 1, 1 });
+    const Image result = drawn(*m_deferred, { 100, 81 });
+    const Image expected = drawn(*m_rows, { 1, 1 });
     const auto first = expected.row(0);
     for (int y = 0; y < result.height(); ++y) {
         for (int x = 0; x < result.width(); ++x) {
@@ -182,9 +182,10 @@ TEST_P(YccPixels, hasItsColoursConverted)
 {
     ASSERT_NO_FATAL_FAILURE(decode(syntheticPhoto(photoSize)));
     const ColorSpace p3 = ColorSpace::fromPrimaries(displayP3, {}).value();
-    EXPECT_GE(psnr(drawn(*deferred, { 105, 86 }, p3), drawn(*rows, { 105, 86 }, p3)),
+    EXPECT_GE(psnr(drawn(*m_deferred, { 105, 86 }, p3), drawn(*m_rows, { 105, 86 }, p3)),
         GetParam().psnr - 1);
-    EXPECT_EQ(maximumDifference(drawn(*deferred, photoSize, p3), drawn(*rows, photoSize, p3)), 0.0);
+    EXPECT_EQ(
+        maximumDifference(drawn(*m_deferred, photoSize, p3), drawn(*m_rows, photoSize, p3)), 0.0);
 }
 
 TEST_P(YccPixels, isRefusedWhenAnyDataIsMissing)
