@@ -3,7 +3,7 @@
 import re
 import subprocess
 
-from measure import Row, ratios, run
+from measure import Row, compared, run
 from programs import size
 
 
@@ -70,9 +70,10 @@ class Formats:
                                 "-quality", 80, output / f"task.{ending[:3]}"],
             }
             for program, command in commands.items():
-                yield Row(f"{name}, CPU, against {program}",
-                          ratios(lambda: programs.convert([source], maximumPixels=width, **arguments),
-                                 lambda: run(command), self.repetitions, "cpu"))
+                yield compared(
+                    f"{name}, CPU, against {program}",
+                    lambda: programs.convert([source], maximumPixels=width, **arguments),
+                    lambda: run(command), self.repetitions, "cpu")
 
 
 def heif_enc(picture, quality, target):

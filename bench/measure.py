@@ -50,6 +50,7 @@ class Row:
     values: list
     goal: float | None = None  # the median may be this much
     unit: str = ""
+    least: float | None = None  # for ratios: our least disturbed run by theirs
 
     @property
     def median(self):
@@ -63,21 +64,24 @@ class Row:
 
     def as_json(self):
         return {"name": self.name, "unit": self.unit, "median": self.median,
-                "min": min(self.values), "max": max(self.values), "goal": self.goal,
-                "verdict": self.verdict, "values": self.values}
+                "min": min(self.values), "max": max(self.values), "least": self.least,
+                "goal": self.goal, "verdict": self.verdict, "values": self.values}
 
     def as_markdown(self):
         digits = {"": 3, "ms": 1}.get(self.unit, 0)
         numbers = [f"{value:.{digits}f} {self.unit}".strip()
                    for value in (self.median, min(self.values), max(self.values))]
+        least = "" if self.least is None else f"{self.least:.3f}"
         goal = "" if self.goal is None else f"≤ {self.goal:g} {self.unit}".strip()
-        return "| " + " | ".join([self.name, *numbers, goal, self.verdict]) + " |"
+        return "| " + " | ".join([self.name, *numbers, least, goal, self.verdict]) + " |"
 
 
-def ratios(ours, theirs, repetitions, quantity):
-    """Measures the two in turn, as often as asked, and divides ours by theirs each time."""
-    result = []
-    for _ in range(repetitions):
-        mine = getattr(ours(), quantity)
-        result.append(mine / getattr(theirs(), quantity))
-    return result
+HEADER = "| ours against theirs | median | min | max | least by least | goal | |\n" + "|---" * 7 + "|"
+
+
+def compared(name, ours, theirs, repetitions, quantity, goal=None):
+    """Measures the two in turn, as often as asked. Each pair gives a ratio; other work on the machine
+    only ever adds to a run, so that the least of all runs are compared as well."""
+    pairs = [(getattr(ours(), quantity), getattr(theirs(), quantity)) for _ in range(repetitions)]
+    least = min(mine for mine, _ in pairs) / min(other for _, other in pairs)
+    return Row(name, [mine / other for mine, other in pairs], goal, least=least)

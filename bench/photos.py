@@ -1,6 +1,6 @@
 """Questions about large photographs: time and memory to WebP and to JPEG."""
 
-from measure import Row, ratios, run
+from measure import Row, compared, run
 from programs import JPEG_OPTIONS, NOT_RESIZED, QUALITY, size
 
 
@@ -15,7 +15,7 @@ class Photos:
         yield from self.memory()
 
     def against(self, name, ours, theirs, quantity, goal):
-        return Row(name, ratios(ours, theirs, self.repetitions, quantity), goal)
+        return compared(name, ours, theirs, self.repetitions, quantity, goal)
 
     def webp(self):
         programs = self.programs

@@ -16,6 +16,7 @@ import tempfile
 
 from batches import Batches
 from formats import Formats
+from measure import HEADER
 from photos import Photos
 from programs import Programs
 from windows import Windows
@@ -65,7 +66,7 @@ def main():
         }
         if (arguments.build / "bin/vellumine").exists():
             groups["windows"] = Windows(arguments.build, scratch, arguments.repetitions)
-        print("| ours against theirs | median | min | max | goal | |\n|---|---|---|---|---|---|")
+        print(HEADER)
         for title, group in groups.items():
             if arguments.only in (None, title):
                 for row in group.rows():
