@@ -98,6 +98,41 @@
     </message>
 </context>
 <context>
+    <name>ConfinementSentence</name>
+    <message>
+        <source>Pictures are decoded in the program itself: the decoder is missing.</source>
+        <translation>Bilder werden im Programm selbst gelesen: Das Leseprogramm fehlt.</translation>
+    </message>
+    <message>
+        <source>a system call filter</source>
+        <translation>einen Systemaufruf-Filter</translation>
+    </message>
+    <message>
+        <source>Landlock %1</source>
+        <translation>Landlock %1</translation>
+    </message>
+    <message>
+        <source>no new privileges</source>
+        <translation>den Verzicht auf neue Rechte</translation>
+    </message>
+    <message>
+        <source>a memory limit</source>
+        <translation>eine Speichergrenze</translation>
+    </message>
+    <message>
+        <source>a processor time limit</source>
+        <translation>eine Grenze der Rechenzeit</translation>
+    </message>
+    <message>
+        <source>Pictures are decoded in a process of their own.</source>
+        <translation>Bilder werden in einem eigenen Prozess gelesen.</translation>
+    </message>
+    <message>
+        <source>Pictures are decoded in a process of their own, confined by %1.</source>
+        <translation>Bilder werden in einem eigenen Prozess gelesen, eingeschränkt durch %1.</translation>
+    </message>
+</context>
+<context>
     <name>ConversionAuditBadges</name>
     <message>
         <source>Metadata removed</source>
@@ -667,7 +702,7 @@
     </message>
     <message>
         <source>With thanks to the makers of %1</source>
-        <translation>Mit Dank an alle, die %1 geschaffen haben</translation>
+        <translation>Mit Dank an die Macher von %1</translation>
     </message>
 </context>
 <context>

@@ -1,4 +1,5 @@
 #include "app/AppModels.h"
+#include "app/ConfinementSentence.h"
 
 #include "update/VersionText.h"
 
@@ -68,8 +69,7 @@ ConversionEnvironment AppModels::conversionEnvironment()
 
 QString AppModels::confinementText() const
 {
-    return QString::fromStdString(
-        confined::confinementText(m_decoders ? m_decoders->confinement() : std::nullopt));
+    return confinementSentence(m_decoders ? m_decoders->confinement() : std::nullopt);
 }
 
 FolderAccessGrants::Dependencies AppModels::folderAccess()

@@ -3,6 +3,7 @@
 // A scene is an Item or a Window with stand-ins for what it shows. QT_SCALE_FACTOR sets the scale.
 
 #include "ui/theme/Motion.h"
+#include "ui/theme/ProductInfo.h"
 #include "ui/translation/Translations.h"
 
 #include <QCommandLineParser>
@@ -36,6 +37,17 @@ void stopMotion(QQmlEngine& engine)
 }
 
 /// Renders one scene; an empty text, or what went wrong.
+/// What the program says where the system has everything.
+void confine(QQmlEngine& engine)
+{
+    engine.singletonInstance<vellumine::ProductInfo*>(qmlTypeId("Vellumine", 1, 0, "ProductInfo"))
+        ->setConfinementText([] {
+            return QStringLiteral("Pictures are decoded in a process of their own, confined by a "
+                                  "system call filter, Landlock 7, no new privileges, a memory "
+                                  "limit and a processor time limit.");
+        });
+}
+
 QString renderScene(QQmlEngine& engine, const QString& scene, const QString& picture)
 {
     QQmlComponent component(&engine, QUrl::fromLocalFile(QFileInfo(scene).absoluteFilePath()));
@@ -111,6 +123,7 @@ int main(int argumentCount, char** arguments)
     for (const QString& scene : scenes) {
         QQmlEngine engine;
         stopMotion(engine);
+        confine(engine);
         const QString picture
             = folder.filePath(QFileInfo(scene).completeBaseName() + QStringLiteral(".png"));
         const QString failure = renderScene(engine, scene, picture);
