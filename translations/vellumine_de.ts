@@ -28,13 +28,6 @@
     </message>
 </context>
 <context>
-    <name>BatchProgress</name>
-    <message>
-        <source>Stop</source>
-        <translation>Anhalten</translation>
-    </message>
-</context>
-<context>
     <name>BuyMeACoffeeLink</name>
     <message>
         <source>Buy me a coffee</source>
@@ -684,6 +677,14 @@
     <message>
         <source>All files (%1)</source>
         <translation>Alle Dateien (%1)</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Anhalten</translation>
+    </message>
+    <message>
+        <source>Stop now</source>
+        <translation>Sofort anhalten</translation>
     </message>
 </context>
 <context>

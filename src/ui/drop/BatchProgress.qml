@@ -50,7 +50,7 @@ Item {
 
         anchors.right: parent.right
         enabled: progress.processing.canStop
-        helpText: qsTr("Stop")
+        helpText: progress.processing.stopText
         implicitHeight: 24
         implicitWidth: 24
         objectName: "stopButton"

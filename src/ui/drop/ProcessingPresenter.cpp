@@ -66,7 +66,12 @@ QString ProcessingPresenter::progressText() const
 
 bool ProcessingPresenter::canStop() const
 {
-    return isProcessing() && hasProgress() && !m_isStopping;
+    return isProcessing() && hasProgress() && m_stopping != Stopping::atOnce;
+}
+
+QString ProcessingPresenter::stopText() const
+{
+    return m_stopping == Stopping::no ? tr("Stop") : tr("Stop now");
 }
 
 QStringList ProcessingPresenter::nameFilters()
@@ -100,11 +105,17 @@ void ProcessingPresenter::paste()
 
 void ProcessingPresenter::stop()
 {
-    if (canStop()) {
-        m_isStopping = true;
-        m_model.stop();
-        updateStop();
+    if (!canStop()) {
+        return;
     }
+    if (m_stopping == Stopping::no) {
+        m_stopping = Stopping::afterThoseInFlight;
+        m_model.stop();
+    } else {
+        m_stopping = Stopping::atOnce;
+        m_model.interrupt();
+    }
+    updateStop();
 }
 
 void ProcessingPresenter::updateStop()
@@ -112,10 +123,10 @@ void ProcessingPresenter::updateStop()
     // Progress of 0 of 0 stands between two batches, where a drop of meanwhile starts the next one
     // without the processing ever ending.
     if (!hasProgress()) {
-        m_isStopping = false;
+        m_stopping = Stopping::no;
     }
-    if (const bool can = canStop(); can != m_couldStop) {
-        m_couldStop = can;
+    if (std::pair stop(canStop(), stopText()); stop != m_lastStop) {
+        m_lastStop = std::move(stop);
         Q_EMIT canStopChanged();
     }
 }

@@ -6,6 +6,8 @@
 #include <QUrl>
 #include <QtQml/qqmlregistration.h>
 
+#include <utility>
+
 namespace vellumine {
 
 class ProcessingModel;
@@ -23,8 +25,10 @@ class ProcessingPresenter : public QObject {
     Q_PROPERTY(bool hasProgress READ hasProgress NOTIFY progressChanged)
     Q_PROPERTY(double progress READ progress NOTIFY progressChanged)
     Q_PROPERTY(QString progressText READ progressText NOTIFY progressChanged)
-    /// The batch can be stopped: files are being converted, and it was not asked for yet.
+    /// The batch can be stopped: files are being converted, and stop() would still change that.
     Q_PROPERTY(bool canStop READ canStop NOTIFY canStopChanged)
+    /// What stop() would do.
+    Q_PROPERTY(QString stopText READ stopText NOTIFY canStopChanged)
     /// The filters of the file dialog, the pictures first.
     Q_PROPERTY(QStringList nameFilters READ nameFilters CONSTANT)
 
@@ -40,13 +44,14 @@ public:
     [[nodiscard]] double progress() const;
     [[nodiscard]] QString progressText() const;
     [[nodiscard]] bool canStop() const;
+    [[nodiscard]] QString stopText() const;
     [[nodiscard]] static QStringList nameFilters();
 
     /// Hands what the window takes of the URLs to the model, once, even if that is nothing.
     Q_INVOKABLE void loadDroppedFiles(const QList<QUrl>& urls);
     /// The same with the files that were copied elsewhere; without any nothing happens.
     Q_INVOKABLE void paste();
-    /// Begins no further file of the batch.
+    /// Begins no further file of the batch; asked for again, gives up those in flight.
     Q_INVOKABLE void stop();
 
 Q_SIGNALS:
@@ -59,8 +64,9 @@ private:
     void updateStop();
 
     ProcessingModel& m_model;
-    bool m_isStopping = false;
-    bool m_couldStop = false;
+    enum class Stopping { no, afterThoseInFlight, atOnce };
+    Stopping m_stopping = Stopping::no;
+    std::pair<bool, QString> m_lastStop { false, stopText() }; ///< what was told last
 };
 
 } // namespace vellumine

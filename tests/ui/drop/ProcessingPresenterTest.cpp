@@ -79,20 +79,36 @@ TEST_F(ProcessingPresenterTest, ShowsHowFarTheBatchIs)
     EXPECT_FALSE(m_presenter.hasProgress());
 }
 
-TEST_F(ProcessingPresenterTest, StopsABatchOnce)
+TEST_F(ProcessingPresenterTest, StopsABatchAfterTheFilesInFlight)
 {
     const QSignalSpy changes(&m_presenter, &ProcessingPresenter::canStopChanged);
     EXPECT_FALSE(m_presenter.canStop());
     m_presenter.stop();
+    EXPECT_EQ(m_presenter.stopText(), QStringLiteral("Stop"));
     ASSERT_NO_FATAL_FAILURE(convert({ QStringLiteral("a.jpg"), QStringLiteral("b.jpg"),
         QStringLiteral("c.jpg"), QStringLiteral("d.jpg") }));
     EXPECT_TRUE(m_presenter.canStop());
     m_presenter.stop();
-    EXPECT_FALSE(m_presenter.canStop());
+    EXPECT_TRUE(m_presenter.canStop());
+    EXPECT_EQ(m_presenter.stopText(), QStringLiteral("Stop now"));
     EXPECT_TRUE(m_presenter.isProcessing());
     ASSERT_NO_FATAL_FAILURE(finish());
     EXPECT_EQ(m_presenter.statusText(), QStringLiteral("Stopped after 2 of 4"));
-    EXPECT_EQ(changes.count(), 2);
+    EXPECT_EQ(m_presenter.stopText(), QStringLiteral("Stop"));
+    EXPECT_EQ(changes.count(), 4); // it can, what it does, it cannot, what it would do
+}
+
+TEST_F(ProcessingPresenterTest, GivesUpTheFilesInFlightWhenAskedAgain)
+{
+    ASSERT_NO_FATAL_FAILURE(convert({ QStringLiteral("a.jpg"), QStringLiteral("b.jpg"),
+        QStringLiteral("c.jpg"), QStringLiteral("d.jpg") }));
+    m_presenter.stop();
+    EXPECT_TRUE(m_optimizer.interrupted().isEmpty());
+    m_presenter.stop();
+    EXPECT_FALSE(m_presenter.canStop());
+    m_presenter.stop();
+    ASSERT_TRUE(runUntilStatus("Stopped after 2 of 4"));
+    EXPECT_EQ(m_optimizer.interrupted().size(), 2);
 }
 
 TEST_F(ProcessingPresenterTest, CanStopTheBatchAfterAStoppedOne)
