@@ -60,6 +60,15 @@ std::vector<std::string> encoderArguments(const OptimizerSettings& settings,
     return arguments;
 }
 
+/// The encoder takes and gives back large blocks again and again, and each time the system clears
+/// every page anew: a tenth of its time. With these settings of glibc's allocator it keeps what it
+/// has had, in huge pages where the system gives them to who asks. Other systems' libraries do not
+/// look at them.
+constexpr const char* allocatorSettings = "GLIBC_TUNABLES=glibc.malloc.hugetlb=1"
+                                          ":glibc.malloc.mmap_threshold=33554432"
+                                          ":glibc.malloc.trim_threshold=4294967296"
+                                          ":glibc.malloc.top_pad=67108864";
+
 QString overdueText(std::chrono::milliseconds patience)
 {
     return QStringLiteral("cwebp did not finish within %1 seconds")
@@ -131,7 +140,9 @@ Outcome<void> ImageOptimizer::encodeWebPWithCWebP(imaging::Image&& image, const 
     }
     const auto exit = platform::runProcess(toPath(*encoder),
         encoderArguments(settings, pam.path(), webP.path()),
-        { .interruption = environment.interruption, .time = patience });
+        { .interruption = environment.interruption,
+            .time = patience,
+            .environmentDefaults = { allocatorSettings } });
     if (auto goesOn = checkInterruption(environment); !goesOn) {
         return goesOn;
     }

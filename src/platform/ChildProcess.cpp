@@ -14,6 +14,7 @@
 #include <cerrno>
 #include <climits>
 #include <csignal>
+#include <string_view>
 
 namespace vellumine::platform {
 
@@ -143,10 +144,34 @@ bool waitForTheEnd(const Child& child, const Deadline& deadline)
     return child.handle().isOpen();
 }
 
+/// The name in "NAME=value", with the "=".
+std::string_view nameIn(std::string_view variable)
+{
+    return variable.substr(0, variable.find('=') + 1);
+}
+
+/// This process's environment, and what it does not say.
+std::vector<std::string> environmentWith(const std::vector<std::string>& defaults)
+{
+    std::vector<std::string> variables;
+    for (char** variable = environ; *variable != nullptr; ++variable) {
+        variables.emplace_back(*variable);
+    }
+    const auto inherited = static_cast<std::ptrdiff_t>(variables.size());
+    for (const std::string& variable : defaults) {
+        const bool isThere = std::any_of(variables.begin(), variables.begin() + inherited,
+            [&](const std::string& other) { return other.starts_with(nameIn(variable)); });
+        if (!isThere) {
+            variables.push_back(variable);
+        }
+    }
+    return variables;
+}
+
 } // namespace
 
 Result<ProcessExit> runProcess(const std::filesystem::path& executable,
-    const std::vector<std::string>& arguments, const ProcessLimits& limits)
+    const std::vector<std::string>& arguments, const ProcessOptions& options)
 {
     std::array<int, 2> ends {};
     if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
@@ -156,18 +181,19 @@ Result<ProcessExit> runProcess(const std::filesystem::path& executable,
     FileDescriptor writeEnd(ends[1]);
     ::fcntl(readEnd.get(), F_SETFL, O_NONBLOCK); // only this end: the child's writes may wait
 
-    const auto number = startChild(executable, arguments, writeEnd.get());
+    const auto number = startChild(
+        executable, arguments, environmentWith(options.environmentDefaults), writeEnd.get());
     // Only the child's copy may be left, or the end of its text would never come.
     writeEnd.reset();
     if (!number) {
         return tl::unexpected(number.error());
     }
     const Child child(*number);
-    const Deadline deadline(limits.time);
+    const Deadline deadline(options.time);
     ProcessExit exit;
     {
         // Killing is over before the status is taken, after which the number may be another's.
-        const std::stop_callback kill(limits.interruption, [&child] { child.kill(); });
+        const std::stop_callback kill(options.interruption, [&child] { child.kill(); });
         exit.hasTimedOut = readUntilTheEnd(child, readEnd.get(), deadline, exit.standardError)
             || waitForTheEnd(child, deadline);
         if (exit.hasTimedOut) {

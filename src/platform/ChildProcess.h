@@ -22,10 +22,13 @@ struct ProcessExit {
     bool hasTimedOut = false;
 };
 
-/// What ends a child process before its own time.
-struct ProcessLimits {
-    std::stop_token interruption;
+struct ProcessOptions {
+    /// What ends the child before its own time.
+    std::stop_token interruption {};
     std::chrono::milliseconds time = std::chrono::milliseconds::max();
+    /// "NAME=value": what the child finds in its environment besides this process's own, which
+    /// holds where it has the name.
+    std::vector<std::string> environmentDefaults {};
 };
 
 /// Runs a program, without a shell, and waits for its end. Its standard input and output are this
@@ -35,6 +38,6 @@ struct ProcessLimits {
 /// time is up, and what is left of it when the program has ended. It does not outlive this process.
 /// Fails when the program cannot be started. Safe to call from several threads at once.
 [[nodiscard]] Result<ProcessExit> runProcess(const std::filesystem::path& executable,
-    const std::vector<std::string>& arguments, const ProcessLimits& limits = {});
+    const std::vector<std::string>& arguments, const ProcessOptions& options = {});
 
 } // namespace vellumine::platform

@@ -28,6 +28,7 @@ constexpr std::size_t stackBytes = std::size_t { 64 } << 10U;
 struct Start {
     const char* executable;
     char* const* arguments;
+    char* const* environment;
     int standardError;
     pid_t parent;
     int error; ///< of what failed in the child
@@ -76,7 +77,7 @@ void resetSignals()
         sigset_t none;
         sigemptyset(&none);
         ::sigprocmask(SIG_SETMASK, &none, nullptr);
-        ::execve(start->executable, start->arguments, environ);
+        ::execve(start->executable, start->arguments, start->environment);
     }
     start->error = errno;
     return 127;
@@ -95,6 +96,19 @@ Clone* systemClone()
 #else
     return ::clone;
 #endif
+}
+
+/// As exec wants them, with a null at the end. The child only reads them; the type of exec's
+/// parameter is older than const.
+std::vector<char*> pointersTo(const std::vector<std::string>& texts)
+{
+    std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
+    for (const std::string& text : texts) {
+        pointers.push_back(const_cast<char*>(text.c_str()));
+    }
+    pointers.push_back(nullptr);
+    return pointers;
 }
 
 /// No signal is delivered to the thread while this lives.
@@ -117,15 +131,14 @@ private:
 } // namespace
 
 Result<pid_t> startChild(const std::filesystem::path& executable,
-    const std::vector<std::string>& arguments, int standardError)
+    const std::vector<std::string>& arguments, const std::vector<std::string>& environment,
+    int standardError)
 {
-    // The child only reads them; the type of exec's parameter is older than const.
-    std::vector<char*> pointers { const_cast<char*>(executable.c_str()) };
-    for (const std::string& argument : arguments) {
-        pointers.push_back(const_cast<char*>(argument.c_str()));
-    }
-    pointers.push_back(nullptr);
-    Start start { executable.c_str(), pointers.data(), standardError, ::getpid(), 0 };
+    std::vector<char*> argumentPointers = pointersTo(arguments);
+    argumentPointers.insert(argumentPointers.begin(), const_cast<char*>(executable.c_str()));
+    const std::vector<char*> environmentPointers = pointersTo(environment);
+    Start start { executable.c_str(), argumentPointers.data(), environmentPointers.data(),
+        standardError, ::getpid(), 0 };
     const auto stack = std::make_unique<std::byte[]>(stackBytes);
 
     pid_t child = -1;

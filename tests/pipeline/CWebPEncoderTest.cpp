@@ -4,6 +4,8 @@
 #include "support/FakeProgram.h"
 #include "support/QtPrinters.h"
 
+#include <QScopeGuard>
+
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
@@ -121,6 +123,21 @@ INSTANTIATE_TEST_SUITE_P(ImageOptimizer, CWebPArguments,
         ArgumentRow { "losslessWithAll", OutputFormat::webpLossless, 82, false, false,
             "-quiet\n-metadata\nall\n-lossless\nPAM.pam\n-o\nWEBP.webp\n" }),
     [](const auto& instance) { return std::string(instance.param.name); });
+
+TEST_F(CWebP, encoderFindsAllocatorSettingsUnlessTheUserHasSome)
+{
+    const std::filesystem::path seen = m_workplace.programs() / "environment";
+    m_workplace.replaceEncoder("printf '%s' \"$GLIBC_TUNABLES\" > '" + seen.string() + "'\n"
+        + std::string(copyingEncoder));
+    ASSERT_TRUE(encode());
+    EXPECT_NE(textOf(seen).find("glibc.malloc.hugetlb=1"), std::string::npos) << textOf(seen);
+
+    qputenv("GLIBC_TUNABLES", "glibc.malloc.check=0");
+    const auto cleanUp = qScopeGuard([] { qunsetenv("GLIBC_TUNABLES"); });
+    std::filesystem::remove(m_workplace.pictures() / "out.webp");
+    ASSERT_TRUE(encode());
+    EXPECT_EQ(textOf(seen), "glibc.malloc.check=0");
+}
 
 using CWebPDeathTest = CWebP;
 

@@ -3,6 +3,8 @@
 #include "support/QtPrinters.h"
 #include "support/TestImages.h"
 
+#include <QScopeGuard>
+
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
@@ -12,6 +14,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <fstream>
 #include <future>
 #include <stop_token>
@@ -40,6 +43,25 @@ TEST(ChildProcess, handsArgumentsOverUntouchedByAnyShell)
     ASSERT_TRUE(exit);
     EXPECT_EQ(exit->status, 0);
     EXPECT_EQ(content(output), "$(echo no)\ntwo words\n\n; rm\n*\n\"\n");
+}
+
+TEST(ChildProcess, hasThisProcesssEnvironmentAndTheDefaultsThatItDoesNotName)
+{
+    const TemporaryFolder folder;
+    const std::string output = (folder / "seen").string();
+    writeProgram(folder / "program",
+        "echo \"$VELLUMINE_TEST_OWN $VELLUMINE_TEST_OWNER $VELLUMINE_TEST_EMPTY.\" > \"$1\"\n");
+    ASSERT_EQ(::setenv("VELLUMINE_TEST_OWN", "ours", 1), 0);
+    ASSERT_EQ(::setenv("VELLUMINE_TEST_EMPTY", "", 1), 0);
+    const auto cleanUp = qScopeGuard([] {
+        ::unsetenv("VELLUMINE_TEST_OWN");
+        ::unsetenv("VELLUMINE_TEST_EMPTY");
+    });
+    const auto exit = runProcess(folder / "program", { output },
+        { .environmentDefaults = { "VELLUMINE_TEST_OWN=default", "VELLUMINE_TEST_OWNER=a=b",
+              "VELLUMINE_TEST_EMPTY=default" } });
+    ASSERT_TRUE(exit);
+    EXPECT_EQ(content(output), "ours a=b .\n");
 }
 
 TEST(ChildProcess, givesTheExitStatusAndTheErrorText)
