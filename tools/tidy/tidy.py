@@ -4,6 +4,9 @@
 A file that passed is not looked at again until it, a header of ours that it includes, the checks or
 the way it is compiled changes: the hash of all of these names an empty file in the cache folder,
 which checkouts may share.
+
+With clang-tidy's headers installed, a plugin keeps it out of the system's headers: the findings are
+the same, in a fifth of the time.
 """
 
 import argparse
@@ -11,12 +14,15 @@ import concurrent.futures
 import functools
 import hashlib
 import json
+import os
 import pathlib
 import re
 import subprocess
 import sys
+import tempfile
 
-ROOT = pathlib.Path(__file__).resolve().parent.parent
+ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
+PLUGIN = pathlib.Path(__file__).resolve().parent / "OwnCodeOnly.cpp"
 INCLUDE_FOLDERS = [ROOT / "src", ROOT / "tests"]
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"', re.MULTILINE)
 COUNTS = re.compile(r"^(\d+ warnings? (and \d+ errors? )?generated|\d+ warnings? treated as errors?|"
@@ -66,11 +72,44 @@ def key(path, common, commands):
     return digest.hexdigest()
 
 
-def check(path, build, passed):
+def plugin_options(version, cache):
+    """What makes clang-tidy look at our own code alone; nothing where the plugin cannot be built."""
+    number = re.search(r"LLVM version (\d+)", version.decode())
+    headers = pathlib.Path(f"/usr/lib/llvm-{number[1] if number else 0}/include")
+    if not (headers / "clang-tidy" / "ClangTidyModule.h").exists():
+        print("clang-tidy's headers are not installed: it takes five times as long without them")
+        return []
+    name = hashlib.sha256(version + read(PLUGIN)).hexdigest()
+    plugin = cache / f"OwnCodeOnly-{name}.so"
+    if not plugin.exists():
+        unfinished = plugin.with_suffix(f".{os.getpid()}")
+        subprocess.run(["g++", "-std=c++17", "-O1", "-shared", "-fPIC", "-fno-rtti", "-isystem",
+                        headers, PLUGIN, "-o", unfinished], check=True)
+        if not finds_what_is_there(options_with(unfinished)):
+            raise SystemExit("with its plugin clang-tidy does not find what is there")
+        unfinished.rename(plugin)
+    return options_with(plugin)
+
+
+def options_with(plugin):
+    return [f"--load={plugin}", "--checks=vellumine-own-code-only"]
+
+
+def finds_what_is_there(options):
+    with tempfile.TemporaryDirectory() as folder:
+        file = pathlib.Path(folder) / "finding.cpp"
+        file.write_text("#include <vector>\nnamespace n { int* nowhere() { return 0; } }\n")
+        result = subprocess.run(["clang-tidy", "--config-file", ROOT / ".clang-tidy", *options, file,
+                                 "--", "-std=c++20"], stdout=subprocess.PIPE,
+                                stderr=subprocess.DEVNULL, text=True)
+        return "modernize-use-nullptr" in result.stdout and result.returncode != 0
+
+
+def check(path, build, options, passed):
     """What clang-tidy says about the file, or an empty text."""
     if passed.exists():
         return ""
-    result = subprocess.run(["clang-tidy", "-p", build, "--quiet", path], cwd=ROOT,
+    result = subprocess.run(["clang-tidy", *options, "-p", build, "--quiet", path], cwd=ROOT,
                             stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
     output = COUNTS.sub("", result.stdout).strip()
     if result.returncode == 0:
@@ -91,13 +130,18 @@ def main():
     version = subprocess.run(["clang-tidy", "--version"], stdout=subprocess.PIPE, check=True).stdout
     common = version + read(ROOT / ".clang-tidy") + read(ROOT / "tests" / ".clang-tidy")
     commands = compile_commands(arguments.build)
+    options = plugin_options(version, arguments.cache.resolve())
     files = [file.resolve() for file in arguments.files]
     passed = {file: arguments.cache / key(file, common, commands) for file in files}
     known = sum(mark.exists() for mark in passed.values())
 
     findings = 0
+
+    def outcome(file):
+        return check(file, arguments.build, options, passed[file])
+
     with concurrent.futures.ThreadPoolExecutor(arguments.jobs) as pool:
-        for output in pool.map(lambda file: check(file, arguments.build, passed[file]), files):
+        for output in pool.map(outcome, files):
             if output:
                 findings += 1
                 print(output, flush=True)
