@@ -1,13 +1,12 @@
 #pragma once
 
 #include "imaging/Image.h"
+#include "imaging/resample/InterpolationQuality.h"
 
 #include <memory>
 #include <optional>
 
 namespace vellumine::imaging {
-
-enum class InterpolationQuality { none, low, medium, high };
 
 /// A bitmap to draw a picture into: scaled to the bitmap's size, in the bitmap's colours.
 class BitmapContext {

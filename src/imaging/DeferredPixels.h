@@ -3,13 +3,13 @@
 #include "imaging/Error.h"
 #include "imaging/Geometry.h"
 #include "imaging/colour/ColorSpace.h"
+#include "imaging/resample/InterpolationQuality.h"
 
 #include <cstdint>
 
 namespace vellumine::imaging {
 
 class Image;
-enum class InterpolationQuality;
 enum class Orientation : std::uint8_t;
 
 /// How a picture is drawn into a bitmap.

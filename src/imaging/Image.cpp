@@ -135,6 +135,14 @@ Image Image::cropped(Rect rect) const
         std::shared_ptr<const std::byte[]>(m_pixels, m_pixels.get() + offset) };
 }
 
+Image Image::withColorSpace(ColorSpace colorSpace) const
+{
+    assert(hasRows() && colorSpace.model() == m_layout.model);
+    Image image = *this;
+    image.m_colorSpace = std::move(colorSpace);
+    return image;
+}
+
 Result<Image> Image::rows(Rect rect) const
 {
     assert(contains(m_size, rect));
@@ -148,13 +156,6 @@ Result<Image> Image::rows(Rect rect) const
 Result<Image> Image::withRows() const
 {
     return hasRows() ? *this : rows({ 0, 0, m_size.width, m_size.height });
-}
-
-Image Image::withColorSpace(ColorSpace colorSpace) const
-{
-    Image image = *this;
-    image.m_colorSpace = std::move(colorSpace);
-    return image;
 }
 
 bool Image::isSameAs(const Image& other) const

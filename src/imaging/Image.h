@@ -72,7 +72,7 @@ public:
     [[nodiscard]] const ColorSpace& colorSpace() const { return m_colorSpace; }
     [[nodiscard]] bool hasAlpha() const { return imaging::hasAlpha(m_layout.alpha); }
 
-    /// Whether the pixels are in memory row by row. The next five functions are for such pictures.
+    /// Whether the pixels are in memory row by row. The next six functions are for such pictures.
     [[nodiscard]] bool hasRows() const { return m_pixels != nullptr; }
     [[nodiscard]] std::size_t rowBytes() const { return m_rowBytes; }
     [[nodiscard]] std::span<const std::byte> row(int y) const;
@@ -80,6 +80,8 @@ public:
     [[nodiscard]] const std::uint16_t* row16(int y) const;
     /// The part inside `rect`, sharing these pixels. `rect` must lie inside the picture.
     [[nodiscard]] Image cropped(Rect rect) const;
+    /// The same pixels, read as numbers of another colour space of the same model.
+    [[nodiscard]] Image withColorSpace(ColorSpace colorSpace) const;
 
     /// For the others: what they come from, and how that is turned to give this picture.
     [[nodiscard]] const std::shared_ptr<const DeferredPixels>& deferred() const
@@ -94,8 +96,6 @@ public:
     /// The same of the whole picture; the very same picture when it has rows.
     [[nodiscard]] Result<Image> withRows() const;
 
-    /// The same pixels, read as numbers of another colour space of the same model.
-    [[nodiscard]] Image withColorSpace(ColorSpace colorSpace) const;
     /// Whether the two share their first pixel and their shape: the very same picture.
     [[nodiscard]] bool isSameAs(const Image& other) const;
 

@@ -38,6 +38,14 @@ Result<Image> convertedToSRgb(const Image& image)
     return std::move(*context).makeImage();
 }
 
+Result<void> checkIsWritten(UniformType type)
+{
+    if (codecForType(type).encode == nullptr) {
+        return failure(Error::Kind::unsupported, "the type is only read");
+    }
+    return {};
+}
+
 } // namespace
 
 ImageDestination::ImageDestination(FileDescriptor file, UniformType type)
@@ -60,19 +68,15 @@ std::vector<UniformType> ImageDestination::encodableTypes()
 Result<ImageDestination> ImageDestination::create(
     const std::filesystem::path& path, UniformType type)
 {
-    if (codecForType(type).encode == nullptr) {
-        return failure(Error::Kind::unsupported, "the type is only read");
-    }
-    return FileDescriptor::createForWriting(path).map(
-        [type](FileDescriptor&& file) { return ImageDestination(std::move(file), type); });
+    return checkIsWritten(type)
+        .and_then([&path] { return FileDescriptor::createForWriting(path); })
+        .map([type](FileDescriptor&& file) { return ImageDestination(std::move(file), type); });
 }
 
 Result<ImageDestination> ImageDestination::create(FileDescriptor file, UniformType type)
 {
-    if (codecForType(type).encode == nullptr) {
-        return failure(Error::Kind::unsupported, "the type is only read");
-    }
-    return ImageDestination(std::move(file), type);
+    return checkIsWritten(type).map(
+        [&file, type] { return ImageDestination(std::move(file), type); });
 }
 
 void ImageDestination::addImage(Image image, ImageProperties properties)

@@ -1,5 +1,7 @@
 #include "imaging/PixelArena.h"
 
+#include "imaging/PixelMemory.h"
+
 #include <algorithm>
 #include <sys/mman.h>
 
@@ -18,7 +20,7 @@ namespace {
 /// past its end.
 constexpr std::size_t roomFor(std::size_t bytes)
 {
-    return (bytes / PixelArena::alignment + 2) * PixelArena::alignment;
+    return alignedUp(bytes + 1) + pixelAlignment;
 }
 
 /// Kept without being asked: the small picture that is drawn of a large one.

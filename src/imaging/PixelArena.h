@@ -15,8 +15,6 @@ public:
     /// The most that an arena holds: a photograph of 24 megapixels that comes in several scans,
     /// with the coefficients that those are collected in.
     static constexpr std::size_t capacity = std::size_t { 128 } << 20U;
-    /// Blocks start at multiples of this: a cache line, and what the widest vectors want.
-    static constexpr std::size_t alignment = 64;
 
     /// The calling thread's own arena, which lives until the thread has ended and the last block
     /// has been given back. Null at the thread's very end.
@@ -28,9 +26,9 @@ public:
     PixelArena(const PixelArena&) = delete;
     PixelArena& operator=(const PixelArena&) = delete;
 
-    /// At least so many bytes, not initialised; null when no gap is wide enough. Then what the
-    /// arena keeps without need goes back to the system: it must not come on top of a picture
-    /// that is too large to share the arena.
+    /// At least so many bytes, aligned and not initialised; null when no gap is wide enough. Then
+    /// what the arena keeps without need goes back to the system: it must not come on top of a
+    /// picture that is too large to share the arena.
     [[nodiscard]] std::byte* take(std::size_t bytes);
     /// Takes a block back; `bytes` as in take().
     void give(std::byte* block, std::size_t bytes);

@@ -23,14 +23,14 @@ struct FreeDeleter {
 /// 2.38, and a batch of small pictures grew by 8 KB with each.
 PixelMemory allocateSmall(std::size_t bytes)
 {
-    std::size_t room = bytes + PixelArena::alignment;
+    std::size_t room = bytes + pixelAlignment;
     auto* memory = static_cast<std::byte*>(std::malloc(room));
     if (memory == nullptr) {
         return nullptr;
     }
     const std::shared_ptr<std::byte> owner(memory, FreeDeleter());
     void* aligned = memory;
-    std::align(PixelArena::alignment, bytes, aligned, room);
+    std::align(pixelAlignment, bytes, aligned, room);
     return { owner, static_cast<std::byte*>(aligned) };
 }
 

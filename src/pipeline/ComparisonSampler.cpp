@@ -29,11 +29,11 @@ Size smaller(Size a, Size b)
 /// The part with pixels of its own: a view would keep the whole picture in memory.
 std::optional<Image> copied(const Image& image, Rect rect)
 {
-    const auto rows = image.rows(rect);
-    if (!rows || !image.hasRows()) {
-        return rows ? std::optional(*rows) : std::nullopt;
+    if (!image.hasRows()) {
+        const auto laidOut = image.rows(rect);
+        return laidOut ? std::optional(*laidOut) : std::nullopt;
     }
-    const Image& view = *rows;
+    const Image view = image.cropped(rect);
     auto buffer = PixelBuffer::create(view.size(), view.layout());
     if (!buffer) {
         return std::nullopt;

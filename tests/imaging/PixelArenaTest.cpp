@@ -1,6 +1,8 @@
 #include "imaging/PixelArena.h"
 
 #include "imaging/PixelMemory.h"
+
+#include "imaging/PixelMemory.h"
 #include "support/ProcessMemory.h"
 
 #include <gtest/gtest.h>
@@ -23,7 +25,7 @@ constexpr std::size_t megabyte = std::size_t { 1 } << 20U;
 
 bool isAligned(const std::byte* block)
 {
-    return reinterpret_cast<std::uintptr_t>(block) % PixelArena::alignment == 0;
+    return reinterpret_cast<std::uintptr_t>(block) % pixelAlignment == 0;
 }
 
 TEST(PixelArena, givesAlignedBlocksThatDoNotOverlap)
@@ -51,7 +53,7 @@ TEST(PixelArena, givesTheSameMemoryAgain)
     arena.give(decoded, 30 * megabyte);
     arena.give(drawn, 10 * megabyte);
     EXPECT_EQ(arena.take(20 * megabyte), decoded);
-    EXPECT_EQ(arena.take(15 * megabyte), decoded + 20 * megabyte + 2 * PixelArena::alignment);
+    EXPECT_EQ(arena.take(15 * megabyte), decoded + 20 * megabyte + 2 * pixelAlignment);
 }
 
 TEST(PixelArena, joinsGapsInWhateverOrderTheyComeBack)

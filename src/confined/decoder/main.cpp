@@ -21,8 +21,9 @@ bool isSocket(int descriptor)
         && type == SOCK_SEQPACKET;
 }
 
-/// One picture's memory serves the next one: fresh pages would have to be zeroed first, which costs
-/// more than the pixels' way to the program. Nothing above a moderate size is kept.
+/// Of what the codecs' libraries allocate for one picture, the pages serve the next one: fresh ones
+/// would have to be zeroed first. The pixels themselves have an arena. Nothing above a moderate
+/// size is kept.
 void keepMemory()
 {
     constexpr int keptBytes = 128 << 20;

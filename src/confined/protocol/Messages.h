@@ -1,7 +1,6 @@
 #pragma once
 
 #include "confined/protocol/Confinement.h"
-#include "imaging/BitmapContext.h"
 #include "imaging/Bytes.h"
 #include "imaging/Error.h"
 #include "imaging/Geometry.h"
@@ -11,6 +10,7 @@
 #include "imaging/SourceDecoder.h"
 #include "imaging/UniformType.h"
 #include "imaging/codecs/Codec.h"
+#include "imaging/resample/InterpolationQuality.h"
 
 #include <cstdint>
 #include <optional>

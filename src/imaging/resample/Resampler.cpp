@@ -1,6 +1,5 @@
 #include "imaging/resample/Resampler.h"
 
-#include "imaging/BitmapContext.h"
 #include "imaging/PixelMemory.h"
 
 #include <zimg.h>
@@ -16,19 +15,12 @@ namespace vellumine::imaging {
 
 namespace {
 
-constexpr std::size_t alignment = 64;
-
 using Graph = std::shared_ptr<const zimg_filter_graph>;
-
-std::size_t roundedUp(std::size_t bytes)
-{
-    return (bytes + alignment - 1) / alignment * alignment;
-}
 
 /// At least one byte, aligned as the library wants it.
 PixelMemory allocateAligned(std::size_t bytes)
 {
-    return allocatePixels(std::max(alignment, roundedUp(bytes)));
+    return allocatePixels(std::max(pixelAlignment, alignedUp(bytes)));
 }
 
 /// The extra plane of grey and RGB pictures comes last.
@@ -170,7 +162,7 @@ public:
         : m_width(static_cast<unsigned>(picture.width))
         , m_planes(planes)
         , m_mask(zimg_select_buffer_mask(lines))
-        , m_rowBytes(roundedUp(static_cast<std::size_t>(picture.width) * sizeof(std::uint16_t)))
+        , m_rowBytes(alignedUp(static_cast<std::size_t>(picture.width) * sizeof(std::uint16_t)))
     {
         const std::size_t rows = m_mask == ZIMG_BUFFER_MAX
             ? static_cast<std::size_t>(picture.height)

@@ -2,6 +2,7 @@
 
 #include "imaging/Error.h"
 #include "imaging/Geometry.h"
+#include "imaging/resample/InterpolationQuality.h"
 #include "imaging/ycc/YccPlanes.h"
 
 #include <array>
@@ -9,8 +10,6 @@
 #include <functional>
 
 namespace vellumine::imaging {
-
-enum class InterpolationQuality;
 
 enum class ResampleFilter {
     point,

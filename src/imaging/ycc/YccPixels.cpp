@@ -1,6 +1,5 @@
 #include "imaging/ycc/YccPixels.h"
 
-#include "imaging/BitmapContext.h"
 #include "imaging/colour/ColorTransform.h"
 #include "imaging/resample/Resampler.h"
 #include "imaging/resample/UprightRows.h"

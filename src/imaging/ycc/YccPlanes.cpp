@@ -9,16 +9,9 @@ namespace vellumine::imaging::ycc {
 
 namespace {
 
-constexpr std::size_t alignment = 64;
-
 constexpr int shared(int pixels, int by)
 {
     return (pixels + by - 1) / by;
-}
-
-std::size_t alignedRow(int samples)
-{
-    return (static_cast<std::size_t>(samples) + alignment - 1) / alignment * alignment;
 }
 
 constexpr Size inPlane(Size size, Subsampling subsampling, int plane)
@@ -42,7 +35,7 @@ Result<YccPlanes> YccPlanes::create(Size size, Subsampling subsampling, Size roo
     std::size_t total = 0;
     for (int plane = 0; plane < 3; ++plane) {
         const Size samples = inPlane(padded, subsampling, plane);
-        const std::size_t bytes = alignedRow(samples.width);
+        const std::size_t bytes = alignedUp(static_cast<std::size_t>(samples.width));
         planes.m_rowBytes.at(plane == 0 ? 0 : 1) = bytes;
         planes.m_starts.at(static_cast<std::size_t>(plane)) = total;
         total += bytes * static_cast<std::size_t>(samples.height);
