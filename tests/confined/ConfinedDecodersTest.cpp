@@ -121,6 +121,14 @@ TEST_F(Confined, whereMemoryIsSharedTheResultIsTheSame)
     EXPECT_EQ(decoders.deathCount(), 0U);
 }
 
+/// Display P3, by its numbers.
+imaging::ColorSpace wideSpace()
+{
+    return imaging::ColorSpace::fromPrimaries(
+        { { 0.3127, 0.3290 }, { 0.68, 0.32 }, { 0.265, 0.69 }, { 0.15, 0.06 } }, {})
+        .value();
+}
+
 /// The picture of the file, drawn into a bitmap in those colours.
 Image drawn(ImageSource source, imaging::Size size, const imaging::ColorSpace& space)
 {
@@ -150,6 +158,26 @@ TEST_F(Confined, picturesAreDrawnByTheHelperAsInTheProgram)
     }
 }
 
+TEST_F(Confined, picturesAreDrawnInTheirOwnColours)
+{
+    const auto wide = wideSpace();
+    const auto path = m_folder / "wide.jpeg";
+    auto destination = imaging::ImageDestination::create(path, UniformType::jpeg);
+    destination->addImage(test::syntheticPhoto({ 300, 200 }).withColorSpace(wide), {});
+    ASSERT_TRUE(destination->finalize());
+    const imaging::Size size { 150, 100 };
+    const imaging::ColorSpace own
+        = ImageSource::create(path, Limits())->image().value().colorSpace();
+    ASSERT_FALSE(own.isSRgbEquivalent());
+    const Image here = drawn(ImageSource::create(path, Limits()).value(), size, own);
+    EXPECT_TRUE(areEqual(here, drawn(m_decoders.open(path, Limits()).value(), size, own)));
+    // Not as if they were others: the numbers differ.
+    const Image converted
+        = drawn(m_decoders.open(path, Limits()).value(), size, imaging::ColorSpace::sRgb());
+    EXPECT_LT(test::psnr(here, converted), 40);
+    EXPECT_EQ(m_decoders.deathCount(), 0U);
+}
+
 TEST_F(Confined, aPictureThatStaysWithItsHelperGivesItsRows)
 {
     const auto path = picture(UniformType::jpeg, { 300, 200 });
@@ -161,10 +189,7 @@ TEST_F(Confined, aPictureThatStaysWithItsHelperGivesItsRows)
     EXPECT_TRUE(areEqual(there.rows(part).value(), here.cropped(part)));
     EXPECT_TRUE(areEqual(there.withRows().value(), here));
     // In colours that a helper cannot be told.
-    auto context = imaging::BitmapContext::create({ 150, 100 }, 8,
-        imaging::ColorSpace::fromPrimaries(
-            { { 0.3127, 0.3290 }, { 0.68, 0.32 }, { 0.265, 0.69 }, { 0.15, 0.06 } }, {})
-            .value());
+    auto context = imaging::BitmapContext::create({ 150, 100 }, 8, wideSpace());
     EXPECT_FALSE(context->draw(there));
 }
 
