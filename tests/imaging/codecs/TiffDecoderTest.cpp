@@ -278,6 +278,33 @@ TEST(TiffDecoder, floatPredictorIsUndone)
     EXPECT_NEAR(test::sampleAt(decoded->image, 46, 32, 2), (46 * 32 + 2) / 2000.0, 1.0 / 65535.0);
 }
 
+/// Satellites' pictures have hundreds. A small file can say that it has 65,535, most of which a
+/// picture of ours has no use for.
+TEST(TiffDecoder, samplesThatAreOfNoUseAreSteppedOver)
+{
+    for (const unsigned bits : { 1U, 8U, 12U, 16U }) {
+        TiffRecipe recipe {
+            .size = { 5, 3 }, .bits = static_cast<std::uint16_t>(bits), .samples = 3000
+        };
+        recipe.extraSamples.assign(2999, EXTRASAMPLE_UNSPECIFIED);
+        recipe.extraSamples.back() = EXTRASAMPLE_UNASSALPHA;
+        const auto decoded = decodeFile(
+            tiffFile(recipe, [bits](int x, int y, int s) { return patternOf(bits, x, y, s); }));
+        ASSERT_TRUE(decoded) << bits << ": " << decoded.error().detail;
+        const Image& image = decoded->image;
+        ASSERT_EQ(image.layout().channels(), 2) << bits;
+        const double largest = bits <= 8 ? 255 : 65535;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < 2 * image.width(); ++x) {
+                const int sample = x % 2 == 0 ? 0 : 2999;
+                const double stored = bits <= 8 ? image.row8(y)[x] : image.row16(y)[x];
+                ASSERT_NEAR(stored / largest, unitOf(patternOf(bits, x / 2, y, sample), bits), 1e-4)
+                    << bits << " bits, " << x << ", " << y;
+            }
+        }
+    }
+}
+
 TEST(TiffDecoder, firstPageIsThePicture)
 {
     const auto file = test::tiffPages(

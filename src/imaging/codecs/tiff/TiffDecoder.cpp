@@ -83,8 +83,7 @@ private:
         if (!m_block) {
             return failure(Error::Kind::outOfMemory, "no memory for a strip or tile");
         }
-        m_samples.resize(
-            static_cast<std::size_t>(width) * static_cast<std::size_t>(m_samplesInRow));
+        m_samples.resize(static_cast<std::size_t>(width));
         if (isPalette()) {
             auto palette = Palette::read(tiff, m_directory);
             if (!palette) {
@@ -192,45 +191,57 @@ private:
     {
         const int channels = m_directory.layout.channels();
         const int colours = colourSamples();
-        if (m_directory.alphaSample || !isPalette()) {
-            unpackSamples(packed, m_directory.sample, m_samples);
-        }
-        if (m_directory.alphaSample) {
-            routeSample(block, *m_directory.alphaSample, row + channels - 1,
+        if (m_directory.alphaSample && isIn(block, *m_directory.alphaSample)) {
+            const int alpha = *m_directory.alphaSample;
+            unpackSamples(packed, m_directory.sample, interleaving(alpha), m_samples);
+            route(block, row + channels - 1,
                 [](std::uint16_t value) { return static_cast<Sample>(value); });
         }
         if (isPalette()) {
-            unpackIndices(packed, m_directory.sample, m_samples);
-            for (int channel = 0; channel < 3; ++channel) {
-                routeSample(block, 0, row + channel, [this, channel](std::uint16_t index) {
-                    return static_cast<Sample>(m_palette.value(channel, index));
-                });
+            if (isIn(block, 0)) {
+                unpackIndices(packed, m_directory.sample, interleaving(0), m_samples);
+                for (int channel = 0; channel < 3; ++channel) {
+                    route(block, row + channel, [this, channel](std::uint16_t index) {
+                        return static_cast<Sample>(m_palette.value(channel, index));
+                    });
+                }
             }
             return;
         }
         constexpr auto largest = static_cast<Sample>(-1);
         const Sample flip = m_directory.colour == Colour::invertedGrey ? largest : Sample { 0 };
         for (int sample = 0; sample < colours; ++sample) {
-            routeSample(block, sample, row + sample,
-                [flip](std::uint16_t value) { return static_cast<Sample>(value ^ flip); });
+            if (isIn(block, sample)) {
+                unpackSamples(packed, m_directory.sample, interleaving(sample), m_samples);
+                route(block, row + sample,
+                    [flip](std::uint16_t value) { return static_cast<Sample>(value ^ flip); });
+            }
         }
     }
 
-    /// Writes one stored sample of every pixel that is wanted into its channel, when the block has
-    /// that sample. `channel` is the channel in the row's first pixel.
-    template <typename Sample, typename Convert>
-    void routeSample(const Block& block, int sample, Sample* channel, const Convert& convert) const
+    /// Whether the block's pixels have that one of the picture's samples.
+    [[nodiscard]] bool isIn(const Block& block, int sample) const
     {
-        if (m_directory.isPlanar && sample != block.plane) {
-            return;
-        }
+        return !m_directory.isPlanar || sample == block.plane;
+    }
+
+    /// Where that sample stands in a row. A pixel may have thousands that are of no use.
+    [[nodiscard]] Interleaving interleaving(int sample) const
+    {
+        return { static_cast<std::size_t>(m_directory.isPlanar ? 0 : sample),
+            static_cast<std::size_t>(m_samplesInRow) };
+    }
+
+    /// Writes the unpacked sample of every pixel that is wanted into its channel. `channel` is the
+    /// channel in the row's first pixel.
+    template <typename Sample, typename Convert>
+    void route(const Block& block, Sample* channel, const Convert& convert) const
+    {
         const std::ptrdiff_t channels = m_directory.layout.channels();
         const Columns columns = sharedColumns(block);
-        const std::ptrdiff_t step = m_samplesInRow;
-        const std::uint16_t* from = m_samples.data() + (columns.first - block.area.x) * step
-            + (m_directory.isPlanar ? 0 : sample);
+        const std::uint16_t* from = m_samples.data() + (columns.first - block.area.x);
         Sample* to = channel + (columns.first - m_wanted.x) * channels;
-        for (int x = columns.first; x < columns.end; ++x, from += step, to += channels) {
+        for (int x = columns.first; x < columns.end; ++x, ++from, to += channels) {
             *to = convert(*from);
         }
     }
@@ -242,7 +253,7 @@ private:
     std::size_t m_rowBytes = 0;
     std::size_t m_blockBytes = 0;
     ZeroedArray<std::byte> m_block;
-    std::vector<std::uint16_t> m_samples; ///< of one row of a block
+    std::vector<std::uint16_t> m_samples; ///< one of every pixel in a row of a block
     Palette m_palette;
 };
 

@@ -88,22 +88,22 @@ double floatFrom(std::uint32_t word, int bits, int mantissa)
     return std::ldexp(fraction + std::ldexp(1.0, mantissa), exponent - bias - mantissa);
 }
 
-void unpackFloats(ByteSpan packed, int bits, std::span<std::uint16_t> samples)
+void unpackFloats(ByteSpan packed, int bits, Interleaving from, std::span<std::uint16_t> samples)
 {
     const std::byte* const data = packed.data();
     for (std::size_t i = 0; i < samples.size(); ++i) {
         switch (bits) {
         case 16:
-            samples[i] = fromUnit(floatFrom(wordAt<std::uint16_t>(data, i), 16, 10));
+            samples[i] = fromUnit(floatFrom(wordAt<std::uint16_t>(data, from.at(i)), 16, 10));
             break;
         case 24:
-            samples[i] = fromUnit(floatFrom(tripleAt(data, i), 24, 16));
+            samples[i] = fromUnit(floatFrom(tripleAt(data, from.at(i)), 24, 16));
             break;
         case 32:
-            samples[i] = fromUnit(static_cast<double>(wordAt<float>(data, i)));
+            samples[i] = fromUnit(static_cast<double>(wordAt<float>(data, from.at(i))));
             break;
         default:
-            samples[i] = fromUnit(wordAt<double>(data, i));
+            samples[i] = fromUnit(wordAt<double>(data, from.at(i)));
             break;
         }
     }
@@ -111,41 +111,48 @@ void unpackFloats(ByteSpan packed, int bits, std::span<std::uint16_t> samples)
 
 /// Calls `store(i, number)` with every sample of up to 32 bits.
 template <typename Store>
-void forEachNumber(ByteSpan packed, int bits, std::size_t count, const Store& store)
+void forEachNumber(
+    ByteSpan packed, int bits, Interleaving from, std::size_t count, const Store& store)
 {
     const std::byte* const data = packed.data();
     switch (bits) {
     case 8:
         for (std::size_t i = 0; i < count; ++i) {
-            store(i, std::to_integer<std::uint32_t>(data[i]));
+            store(i, std::to_integer<std::uint32_t>(data[from.at(i)]));
         }
         break;
     case 16:
         for (std::size_t i = 0; i < count; ++i) {
-            store(i, std::uint32_t { wordAt<std::uint16_t>(data, i) });
+            store(i, std::uint32_t { wordAt<std::uint16_t>(data, from.at(i)) });
         }
         break;
     case 24:
         for (std::size_t i = 0; i < count; ++i) {
-            store(i, tripleAt(data, i));
+            store(i, tripleAt(data, from.at(i)));
         }
         break;
     case 32:
         for (std::size_t i = 0; i < count; ++i) {
-            store(i, wordAt<std::uint32_t>(data, i));
+            store(i, wordAt<std::uint32_t>(data, from.at(i)));
         }
         break;
     case 64: // far more than 16 bits can tell apart
         for (std::size_t i = 0; i < count; ++i) {
-            store(i, static_cast<std::uint32_t>(wordAt<std::uint64_t>(data, i) >> 32U));
+            store(i, static_cast<std::uint32_t>(wordAt<std::uint64_t>(data, from.at(i)) >> 32U));
         }
         break;
     default:
         for (std::size_t i = 0; i < count; ++i) {
-            store(i, bitsAt(data, i, bits));
+            store(i, bitsAt(data, from.at(i), bits));
         }
         break;
     }
+}
+
+[[maybe_unused]] bool holds(ByteSpan packed, SampleType type, Interleaving from, std::size_t count)
+{
+    return count == 0
+        || packed.size() * 8 >= (from.at(count - 1) + 1) * static_cast<std::size_t>(type.bits);
 }
 
 } // namespace
@@ -163,12 +170,13 @@ int SampleType::decodedBits() const
     return kind != Kind::floatingPoint && bits <= 8 ? 8 : 16;
 }
 
-void unpackSamples(ByteSpan packed, SampleType type, std::span<std::uint16_t> samples)
+void unpackSamples(
+    ByteSpan packed, SampleType type, Interleaving from, std::span<std::uint16_t> samples)
 {
     assert(type.isSupported());
-    assert(packed.size() * 8 >= samples.size() * static_cast<std::size_t>(type.bits));
+    assert(holds(packed, type, from, samples.size()));
     if (type.kind == SampleType::Kind::floatingPoint) {
-        unpackFloats(packed, type.bits, samples);
+        unpackFloats(packed, type.bits, from, samples);
         return;
     }
     const int bits = type.bits == 64 ? 32 : type.bits;
@@ -176,24 +184,28 @@ void unpackSamples(ByteSpan packed, SampleType type, std::span<std::uint16_t> sa
     const std::uint32_t flip = type.kind == SampleType::Kind::signedInteger ? 1U << (bits - 1) : 0U;
     if (bits <= 16) {
         const int decoded = type.decodedBits();
-        forEachNumber(packed, type.bits, samples.size(), [&](std::size_t i, std::uint32_t number) {
-            samples[i] = static_cast<std::uint16_t>(stretched(number ^ flip, bits, decoded));
-        });
+        forEachNumber(
+            packed, type.bits, from, samples.size(), [&](std::size_t i, std::uint32_t number) {
+                samples[i] = static_cast<std::uint16_t>(stretched(number ^ flip, bits, decoded));
+            });
     } else {
         const std::uint64_t maximum = (std::uint64_t { 1 } << bits) - 1;
-        forEachNumber(packed, type.bits, samples.size(), [&](std::size_t i, std::uint32_t number) {
-            samples[i] = narrowed(number ^ flip, maximum);
-        });
+        forEachNumber(
+            packed, type.bits, from, samples.size(), [&](std::size_t i, std::uint32_t number) {
+                samples[i] = narrowed(number ^ flip, maximum);
+            });
     }
 }
 
-void unpackIndices(ByteSpan packed, SampleType type, std::span<std::uint16_t> indices)
+void unpackIndices(
+    ByteSpan packed, SampleType type, Interleaving from, std::span<std::uint16_t> indices)
 {
     assert(type.bits <= 16 && type.kind != SampleType::Kind::floatingPoint);
-    assert(packed.size() * 8 >= indices.size() * static_cast<std::size_t>(type.bits));
-    forEachNumber(packed, type.bits, indices.size(), [&](std::size_t i, std::uint32_t number) {
-        indices[i] = static_cast<std::uint16_t>(number);
-    });
+    assert(holds(packed, type, from, indices.size()));
+    forEachNumber(
+        packed, type.bits, from, indices.size(), [&](std::size_t i, std::uint32_t number) {
+            indices[i] = static_cast<std::uint16_t>(number);
+        });
 }
 
 } // namespace vellumine::imaging::tiff
