@@ -1,6 +1,7 @@
 #include "imaging/BitmapContext.h"
 
 #include "imaging/DeferredPixels.h"
+#include "imaging/Orientation.h"
 #include "imaging/PixelConversion.h"
 #include "imaging/colour/ColorTransform.h"
 #include "imaging/resample/PlanarPixels.h"
@@ -118,6 +119,12 @@ Result<void> BitmapContext::draw(const Image& image)
 
 Result<Image> BitmapContext::makeImage() &&
 {
+    return std::move(*this).makeImageWhereItIs().and_then(
+        [](const Image& image) { return image.withRows(); });
+}
+
+Result<Image> BitmapContext::makeImageWhereItIs() &&
+{
     if (m_drawn) {
         return std::move(*m_drawn);
     }
@@ -126,6 +133,22 @@ Result<Image> BitmapContext::makeImage() &&
         return tl::unexpected(transparent.error());
     }
     return Image(std::move(*transparent), m_colorSpace);
+}
+
+Result<Image> drawnUpright(const Image& image, const Drawing& drawing)
+{
+    if (!image.hasRows()) {
+        return image.deferred()->drawn(drawing);
+    }
+    auto context = BitmapContext::create(
+        uprightSize(drawing.size, drawing.orientation), 8, drawing.colorSpace);
+    if (!context) {
+        return tl::unexpected(context.error());
+    }
+    context->setInterpolationQuality(drawing.quality);
+    return context->draw(image)
+        .and_then([&context] { return std::move(*context).makeImage(); })
+        .and_then([&drawing](const Image& stored) { return upright(stored, drawing.orientation); });
 }
 
 } // namespace vellumine::imaging

@@ -8,6 +8,8 @@
 
 namespace vellumine::imaging {
 
+struct Drawing;
+
 /// A bitmap to draw a picture into: scaled to the bitmap's size, in the bitmap's colours.
 class BitmapContext {
 public:
@@ -24,9 +26,12 @@ public:
     /// bitmap then is as it was.
     Result<void> draw(const Image& image);
 
-    /// The bitmap as a picture. Nothing is copied; the context is spent. Fails with OutOfMemory
-    /// when nothing was drawn and there is no memory for the empty bitmap.
+    /// The bitmap as a picture, with rows. Nothing is copied that is in this process; the context
+    /// is spent. Fails with OutOfMemory when nothing was drawn and there is no memory for the empty
+    /// bitmap, and with what deferred pixels say.
     [[nodiscard]] Result<Image> makeImage() &&;
+    /// The same without the pixels being brought here, where they were drawn elsewhere.
+    [[nodiscard]] Result<Image> makeImageWhereItIs() &&;
 
 private:
     BitmapContext(Size size, ColorSpace colorSpace);
@@ -36,5 +41,9 @@ private:
     InterpolationQuality m_quality = InterpolationQuality::high;
     std::optional<Image> m_drawn;
 };
+
+/// The picture drawn upright. One that has rows is turned when it is drawn: that is less work.
+/// Fails as BitmapContext::draw() does.
+[[nodiscard]] Result<Image> drawnUpright(const Image& image, const Drawing& drawing);
 
 } // namespace vellumine::imaging

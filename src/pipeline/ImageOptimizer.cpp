@@ -94,6 +94,15 @@ ConversionAudit auditOf(const QUrl& url, UniformType sourceType, const Image& or
     };
 }
 
+/// What is drawn stays where it was drawn for the WebP encoder, whose file is written piece by
+/// piece; other encoders want the whole picture.
+imaging::Result<Image> broughtHere(const Image& image, const OptimizerSettings& settings)
+{
+    const bool mayStay
+        = isWebP(settings.outputFormat) && image.layout() == imaging::rgba8Premultiplied;
+    return mayStay ? image : image.withRows();
+}
+
 /// Everything up to writing. Takes the source over: with its end go the file's bytes and the
 /// decoded picture, so that neither is in memory while an encoder runs.
 Outcome<Prepared> prepare(ImageSource source, const QUrl& url, const OptimizerSettings& settings,
@@ -115,7 +124,7 @@ Outcome<Prepared> prepare(ImageSource source, const QUrl& url, const OptimizerSe
         return tl::unexpected(existing.error());
     }
 
-    auto encoded = ImageOptimizer::transformed(oriented, settings).withRows();
+    auto encoded = broughtHere(ImageOptimizer::transformed(oriented, settings), settings);
     if (!encoded) {
         return failed(UnreadableImage {}); // whatever holds the pixels lost them
     }

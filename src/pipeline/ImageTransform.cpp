@@ -86,7 +86,7 @@ Image ImageOptimizer::transformed(const Image& image, const OptimizerSettings& s
     if (!context->draw(image)) {
         return image;
     }
-    return std::move(*context).makeImage().value_or(image);
+    return std::move(*context).makeImageWhereItIs().value_or(image);
 }
 
 } // namespace vellumine

@@ -58,63 +58,60 @@ std::span<const std::uint8_t> samples(std::span<const std::byte> row)
     return { reinterpret_cast<const std::uint8_t*>(row.data()), row.size() };
 }
 
-/// Rows without gaps between them; none where there are some.
-std::optional<std::span<const std::uint8_t>> joinedRows(const Image& image, int top, int count)
+/// All rows, if there are no gaps between them.
+std::optional<std::span<const std::uint8_t>> joinedRows(const Image& image)
 {
-    const auto first = samples(image.row(top));
+    const auto first = samples(image.row(0));
     if (first.size() != image.rowBytes()) {
         return std::nullopt;
     }
-    return std::span(first.data(), first.size() * static_cast<std::size_t>(count));
+    return std::span(first.data(), first.size() * static_cast<std::size_t>(image.height()));
 }
 
-/// The pixels with straight alpha, piece by piece: those of opaque pictures, which nearly all are,
-/// go from where they stand.
-class StraightPixels {
-public:
-    explicit StraightPixels(const Image& image)
-        : m_image(image)
-    {
-    }
-
-    /// Valid until the next call.
-    [[nodiscard]] std::span<const std::uint8_t> rows(int top, int count)
-    {
-        const auto joined = joinedRows(m_image, top, count);
-        if (joined && isOpaque(*joined)) {
-            return *joined;
-        }
-        const std::size_t rowBytes = static_cast<std::size_t>(m_image.width()) * bytesPerPixel;
-        m_piece.resize(rowBytes * static_cast<std::size_t>(count));
-        std::span<std::uint8_t> left(m_piece);
-        for (int y = top; y < top + count; ++y) {
-            unpremultiply(samples(m_image.row(y)), left.first(rowBytes));
-            left = left.subspan(rowBytes);
-        }
-        return m_piece;
-    }
-
-private:
-    const Image& m_image;
-    std::vector<std::uint8_t> m_piece;
-};
-
-platform::Result<void> writeFile(const Image& image, const std::filesystem::path& path)
+/// Pixels with straight alpha: those of opaque pictures, which nearly all are, as they stand.
+/// `memory` is for the others.
+std::span<const std::uint8_t> straightPixels(const Image& piece, std::vector<std::uint8_t>& memory)
 {
-    const auto file = FileDescriptor::createPrivateFile(path);
+    const auto joined = joinedRows(piece);
+    if (joined && isOpaque(*joined)) {
+        return *joined;
+    }
+    const std::size_t rowBytes = static_cast<std::size_t>(piece.width()) * bytesPerPixel;
+    memory.resize(rowBytes * static_cast<std::size_t>(piece.height()));
+    std::span<std::uint8_t> left(memory);
+    for (int y = 0; y < piece.height(); ++y) {
+        unpremultiply(samples(piece.row(y)), left.first(rowBytes));
+        left = left.subspan(rowBytes);
+    }
+    return memory;
+}
+
+/// Piece by piece, so that a large picture is not in memory twice, or, drawn elsewhere, never here
+/// as a whole.
+Outcome<void> writeFile(const Image& image, const QUrl& url)
+{
+    const auto cannotWrite = [&url](const platform::FileError& error) {
+        return failed(CannotFinalize { url, error.text });
+    };
+    const auto file = FileDescriptor::createPrivateFile(platform::toPath(url));
     if (!file) {
-        return tl::unexpected(file.error());
+        return cannotWrite(file.error());
     }
     const std::string head = header(image.size());
-    if (auto written = file->writeAll(std::as_bytes(std::span(head))); !written) {
-        return written;
+    if (const auto written = file->writeAll(std::as_bytes(std::span(head))); !written) {
+        return cannotWrite(written.error());
     }
-    StraightPixels pixels(image);
+    std::vector<std::uint8_t> memory;
     const int rows = rowsPerPiece(static_cast<std::size_t>(image.width()) * bytesPerPixel);
     for (int top = 0; top < image.height(); top += rows) {
-        const auto piece = pixels.rows(top, std::min(rows, image.height() - top));
-        if (auto written = file->writeAll(std::as_bytes(piece)); !written) {
-            return written;
+        const auto piece
+            = image.rows({ 0, top, image.width(), std::min(rows, image.height() - top) });
+        if (!piece) {
+            return failed(UnreadableImage {}); // whatever holds the pixels lost them
+        }
+        const auto pixels = straightPixels(*piece, memory);
+        if (const auto written = file->writeAll(std::as_bytes(pixels)); !written) {
+            return cannotWrite(written.error());
         }
     }
     return {};
@@ -128,13 +125,8 @@ Outcome<void> ImageOptimizer::writePAM(const Image& image, const QUrl& url)
     if (!drawn) {
         return failed(CannotCreateDestination { url });
     }
-    // Written in pieces, so that a large picture is not in memory twice. Nobody else knows the
-    // name yet: the file is seen only when it is complete.
-    const auto written = writeFile(*drawn, platform::toPath(url));
-    if (!written) {
-        return failed(CannotFinalize { url, written.error().text });
-    }
-    return {};
+    // Nobody else knows the name yet: the file is seen only when it is complete.
+    return writeFile(*drawn, url);
 }
 
 } // namespace vellumine

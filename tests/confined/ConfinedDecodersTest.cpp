@@ -178,6 +178,48 @@ TEST_F(Confined, picturesAreDrawnInTheirOwnColours)
     EXPECT_EQ(m_decoders.deathCount(), 0U);
 }
 
+/// The picture drawn into a bitmap in sRGB, its pixels staying where that happened.
+Image drawnWhereItIs(const Image& image, imaging::Size size)
+{
+    auto context = imaging::BitmapContext::create(size, 8, imaging::ColorSpace::sRgb()).value();
+    EXPECT_TRUE(context.draw(image));
+    return std::move(context).makeImageWhereItIs().value();
+}
+
+TEST_F(Confined, aDrawnPictureStaysWithItsHelperAndComesInPieces)
+{
+    const auto path = picture(UniformType::jpeg, { 300, 200 });
+    const Image here = drawnWhereItIs(
+        ImageSource::create(path, Limits())->image(imaging::ImageUse::toBeDrawn).value(),
+        { 150, 100 });
+    ASSERT_TRUE(here.hasRows());
+    const Image there = drawnWhereItIs(
+        m_decoders.open(path, Limits())->image(imaging::ImageUse::toBeDrawn).value(), { 150, 100 });
+    ASSERT_FALSE(there.hasRows());
+    for (const Rect part : { Rect { 0, 0, 150, 7 }, Rect { 0, 93, 150, 7 }, Rect { 20, 30, 5, 40 },
+             Rect { 149, 99, 1, 1 }, Rect { 0, 0, 150, 100 } }) {
+        EXPECT_TRUE(areEqual(there.rows(part).value(), here.cropped(part)));
+    }
+    // Drawn once more, from what was drawn.
+    EXPECT_TRUE(areEqual(drawnWhereItIs(there, { 75, 50 }), drawnWhereItIs(here, { 75, 50 })));
+    EXPECT_EQ(m_decoders.deathCount(), 0U);
+}
+
+TEST_F(Confined, aDrawnPictureThatItsHelperForgotIsDrawnAgain)
+{
+    const auto path = picture(UniformType::jpeg, { 300, 200 });
+    const Image stored
+        = ImageSource::create(path, Limits())->image(imaging::ImageUse::toBeDrawn).value();
+    auto source = m_decoders.open(path, Limits()).value();
+    const Image decoded = source.image(imaging::ImageUse::toBeDrawn).value();
+    const Image first = drawnWhereItIs(decoded, { 150, 100 });
+    const Image second = drawnWhereItIs(decoded, { 60, 40 });
+    EXPECT_TRUE(areEqual(first.withRows().value(), drawnWhereItIs(stored, { 150, 100 })));
+    EXPECT_TRUE(areEqual(second.withRows().value(), drawnWhereItIs(stored, { 60, 40 })));
+    EXPECT_TRUE(areEqual(first.withRows().value(), drawnWhereItIs(stored, { 150, 100 })));
+    EXPECT_EQ(m_decoders.deathCount(), 0U);
+}
+
 TEST_F(Confined, aPictureThatStaysWithItsHelperGivesItsRows)
 {
     const auto path = picture(UniformType::jpeg, { 300, 200 });

@@ -1,3 +1,5 @@
+#include "imaging/DeferredPixels.h"
+#include "imaging/Orientation.h"
 #include "pipeline/ImageOptimizer.h"
 #include "pipeline/Workplace.h"
 #include "support/QtPrinters.h"
@@ -8,6 +10,7 @@ namespace vellumine {
 namespace {
 
 using imaging::ColorModel;
+using imaging::Image;
 using imaging::rgba8Premultiplied;
 using test::TemporaryFolder;
 
@@ -81,6 +84,42 @@ TEST(WritePAM, aPictureOfManyPiecesIsComplete)
         expected += "\x33\x66\x99\xff";
     }
     EXPECT_TRUE(std::string_view(pam).substr(pam.size() - body) == expected);
+}
+
+/// Gives rows of a picture until it is asked for some below the middle.
+class HalfThere final : public imaging::DeferredPixels {
+public:
+    explicit HalfThere(Image image)
+        : m_image(std::move(image))
+    {
+    }
+    [[nodiscard]] imaging::Result<Image> rows(imaging::Rect part) const override
+    {
+        if (part.y > m_image.height() / 2) {
+            return imaging::failure(imaging::Error::Kind::io, "gone");
+        }
+        return m_image.cropped(part);
+    }
+    [[nodiscard]] imaging::Result<Image> drawn(const imaging::Drawing& /*drawing*/) const override
+    {
+        return imaging::failure(imaging::Error::Kind::unsupported, "not drawn");
+    }
+
+private:
+    Image m_image;
+};
+
+TEST(WritePAM, pixelsThatAreLostOnTheWayMakeThePictureUnreadable)
+{
+    const test::TemporaryFolder folder;
+    const imaging::Size size { 300, 900 }; // several pieces
+    const Image image(size, rgba8Premultiplied, imaging::ColorSpace::sRgb(),
+        std::make_shared<HalfThere>(test::gradient(size, rgba8Premultiplied)),
+        imaging::Orientation::topLeft);
+    const auto written = ImageOptimizer::writePAM(image, test::urlOf(folder / "p.pam"));
+    ASSERT_FALSE(written);
+    EXPECT_EQ(
+        localizedDescription(written.error()), QStringLiteral("The image could not be read."));
 }
 
 TEST(WritePAM, failsWithTheSystemsTextWhereItCannotWrite)

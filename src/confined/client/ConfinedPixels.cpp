@@ -1,5 +1,8 @@
 #include "confined/client/ConfinedPixels.h"
 
+#include "imaging/BitmapContext.h"
+
+#include <mutex>
 #include <optional>
 #include <utility>
 
@@ -26,6 +29,51 @@ std::optional<BitmapColors> bitmapColors(const ColorSpace& wanted, const ColorSp
     return std::nullopt;
 }
 
+/// A drawn picture that stays with its helper. When that has it no longer it is drawn once more,
+/// and then brought here.
+class DrawnPixels final : public imaging::DeferredPixels {
+public:
+    DrawnPixels(std::shared_ptr<HelperSession> session, DrawRequest request,
+        HelperSession::KeptDrawing drawing, ColorSpace colorSpace)
+        : m_session(std::move(session))
+        , m_request(request)
+        , m_drawing(drawing)
+        , m_colorSpace(std::move(colorSpace))
+    {
+    }
+
+    [[nodiscard]] Result<Image> rows(Rect part) const override
+    {
+        const std::scoped_lock lock(m_mutex);
+        if (!m_whole) {
+            auto fetched = m_session->keptRows(m_drawing, part, m_colorSpace);
+            if (fetched) {
+                return fetched;
+            }
+            auto again = m_session->draw(m_request, m_colorSpace);
+            if (!again) {
+                return again;
+            }
+            m_whole = std::move(*again);
+        }
+        return m_whole->cropped(part);
+    }
+
+    [[nodiscard]] Result<Image> drawn(const Drawing& drawing) const override
+    {
+        return rows({ 0, 0, m_request.size.width, m_request.size.height })
+            .and_then([&drawing](const Image& image) { return drawnUpright(image, drawing); });
+    }
+
+private:
+    const std::shared_ptr<HelperSession> m_session;
+    const DrawRequest m_request;
+    const HelperSession::KeptDrawing m_drawing;
+    const ColorSpace m_colorSpace;
+    mutable std::mutex m_mutex;
+    mutable std::optional<Image> m_whole;
+};
+
 } // namespace
 
 ConfinedPixels::ConfinedPixels(std::shared_ptr<HelperSession> session, ColorSpace colorSpace)
@@ -36,7 +84,6 @@ ConfinedPixels::ConfinedPixels(std::shared_ptr<HelperSession> session, ColorSpac
 
 Result<Image> ConfinedPixels::rows(Rect part) const
 {
-    const std::scoped_lock lock(m_mutex);
     return m_session->rows(part);
 }
 
@@ -46,9 +93,14 @@ Result<Image> ConfinedPixels::drawn(const Drawing& drawing) const
     if (!colors) {
         return imaging::failure(imaging::Error::Kind::unsupported, "not in these colours");
     }
-    const std::scoped_lock lock(m_mutex);
-    return m_session->draw(
-        { drawing.size, *colors, drawing.quality, drawing.orientation }, drawing.colorSpace);
+    const DrawRequest request { drawing.size, *colors, drawing.quality, drawing.orientation };
+    const auto kept = m_session->drawAndKeep(request);
+    if (!kept) {
+        return m_session->draw(request, drawing.colorSpace);
+    }
+    return Image(request.size, imaging::rgba8Premultiplied, drawing.colorSpace,
+        std::make_shared<DrawnPixels>(m_session, request, *kept, drawing.colorSpace),
+        imaging::Orientation::topLeft);
 }
 
 } // namespace vellumine::confined

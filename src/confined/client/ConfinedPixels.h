@@ -4,7 +4,6 @@
 #include "imaging/DeferredPixels.h"
 
 #include <memory>
-#include <mutex>
 
 namespace vellumine::confined {
 
@@ -19,7 +18,6 @@ public:
         const imaging::Drawing& drawing) const override;
 
 private:
-    mutable std::mutex m_mutex; ///< the session is for one at a time
     const std::shared_ptr<HelperSession> m_session;
     const imaging::ColorSpace m_colorSpace;
 };

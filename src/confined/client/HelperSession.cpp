@@ -18,6 +18,15 @@ using imaging::Rect;
 using imaging::Result;
 using imaging::UniformType;
 
+namespace {
+
+PixelsReply drawn(const DrawRequest& request)
+{
+    return { .size = request.size, .layout = imaging::rgba8Premultiplied };
+}
+
+} // namespace
+
 Result<std::shared_ptr<HelperSession>> HelperSession::open(std::shared_ptr<DecoderPool> pool,
     FileDescriptor file, const Limits& limits, const std::stop_token& interruption)
 {
@@ -50,6 +59,7 @@ HelperSession::~HelperSession()
 
 Result<HelperSession::Decoded> HelperSession::decode(const PictureWish& wish)
 {
+    const std::scoped_lock lock(m_mutex);
     m_wish = wish;
     auto decoded = decodeInHelper(wish);
     if (!decoded && mayTryAgain()) {
@@ -61,6 +71,7 @@ Result<HelperSession::Decoded> HelperSession::decode(const PictureWish& wish)
 
 Result<Image> HelperSession::rows(Rect part)
 {
+    const std::scoped_lock lock(m_mutex);
     assert(m_decoded && contains(m_decoded->size, part));
     return pixels(RowsRequest { part }, { .size = part.size(), .layout = m_decoded->layout },
         m_decoded->attachments.colorSpace);
@@ -68,9 +79,39 @@ Result<Image> HelperSession::rows(Rect part)
 
 Result<Image> HelperSession::draw(const DrawRequest& request, const ColorSpace& colorSpace)
 {
+    const std::scoped_lock lock(m_mutex);
     assert(m_decoded);
-    return pixels(
-        request, { .size = request.size, .layout = imaging::rgba8Premultiplied }, colorSpace);
+    return pixels(request, drawn(request), colorSpace);
+}
+
+Result<HelperSession::KeptDrawing> HelperSession::drawAndKeep(const DrawRequest& request)
+{
+    const std::scoped_lock lock(m_mutex);
+    assert(m_decoded);
+    if (m_pool->handover() != Handover::fetched) {
+        return imaging::failure(Error::Kind::unsupported, "pictures are handed over");
+    }
+    const auto given = askForPixels(request, drawn(request));
+    if (!given) {
+        return tl::unexpected(given.error());
+    }
+    // Whether it may be fetched is known when some of it is.
+    const auto firstRow = fetchedPart(*given, { 0, 0, given->size.width, 1 }, ColorSpace::sRgb());
+    if (!firstRow) {
+        return tl::unexpected(firstRow.error());
+    }
+    return KeptDrawing { *given, m_drawings };
+}
+
+Result<Image> HelperSession::keptRows(
+    const KeptDrawing& drawing, Rect part, const ColorSpace& colorSpace)
+{
+    const std::scoped_lock lock(m_mutex);
+    assert(contains(drawing.given.size, part));
+    if (!m_loan.process || drawing.number != m_drawings) {
+        return imaging::failure(Error::Kind::io, "the drawn picture is gone");
+    }
+    return fetchedPart(drawing.given, part, colorSpace);
 }
 
 HelperSession::HelperSession(std::shared_ptr<DecoderPool> pool, FileDescriptor file,
@@ -106,13 +147,14 @@ Result<DecoderProcess::Answer> HelperSession::ask(
 
 Result<void> HelperSession::openInHelper()
 {
+    ++m_drawings;
     ::lseek(m_file.number(), 0, SEEK_SET); // another helper may have read it
     auto answer = ask(OpenRequest { m_limits }, &m_file, m_pool->patience().toOpen(m_fileBytes));
     if (!answer) {
         return tl::unexpected(answer.error());
     }
     if (const auto* const failed = std::get_if<FailedReply>(&answer->reply)) {
-        close();
+        giveHelperBack();
         return tl::unexpected(failed->error);
     }
     const auto* const opened = std::get_if<OpenedReply>(&answer->reply);
@@ -153,6 +195,7 @@ Allowance HelperSession::allowance() const
 
 Result<HelperSession::Decoded> HelperSession::decodeInHelper(const PictureWish& wish)
 {
+    ++m_drawings;
     auto answer = ask(DecodeRequest { wish }, nullptr, allowance());
     if (!answer) {
         return tl::unexpected(answer.error());
@@ -192,9 +235,11 @@ Result<Image> HelperSession::pixels(
     return image;
 }
 
-Result<Image> HelperSession::pixelsFromHelper(
-    const Request& request, const PixelsReply& expected, const ColorSpace& colorSpace)
+Result<PixelsReply> HelperSession::askForPixels(const Request& request, const PixelsReply& expected)
 {
+    if (std::holds_alternative<DrawRequest>(request)) {
+        ++m_drawings;
+    }
     auto answer = ask(request, nullptr, allowance());
     if (!answer) {
         return tl::unexpected(answer.error());
@@ -207,9 +252,37 @@ Result<Image> HelperSession::pixelsFromHelper(
         loseHelper();
         return notWhatWasAskedFor();
     }
+    return *given;
+}
+
+Result<Image> HelperSession::pixelsFromHelper(
+    const Request& request, const PixelsReply& expected, const ColorSpace& colorSpace)
+{
+    const auto given = askForPixels(request, expected);
+    if (!given) {
+        return tl::unexpected(given.error());
+    }
     return handedOver(
         [&](const DecoderProcess& process) { return fetchPixels(process, *given, colorSpace); },
         [&](const FileDescriptor& memory) { return mapPixels(memory, *given, colorSpace); });
+}
+
+Result<Image> HelperSession::fetchedPart(
+    const PixelsReply& given, Rect part, const ColorSpace& colorSpace)
+{
+    const auto before = static_cast<std::uint64_t>(part.x)
+        * static_cast<std::uint64_t>(given.layout.bytesPerPixel());
+    auto image = fetchPixels(*m_loan.process,
+        { .size = part.size(),
+            .layout = given.layout,
+            .rowBytes = given.rowBytes,
+            .address
+            = given.address + static_cast<std::uint64_t>(part.y) * given.rowBytes + before },
+        colorSpace);
+    if (!image && image.error().kind == Error::Kind::io) {
+        loseHelper();
+    }
+    return image;
 }
 
 /// What the helper has ready, in one way or the other. A helper whose things are not where it said
@@ -242,6 +315,12 @@ std::invoke_result_t<Map, const FileDescriptor&> HelperSession::handedOver(
 }
 
 void HelperSession::close()
+{
+    const std::scoped_lock lock(m_mutex);
+    giveHelperBack();
+}
+
+void HelperSession::giveHelperBack()
 {
     if (m_loan.process) {
         m_loan.process->tell(ReleaseRequest {});

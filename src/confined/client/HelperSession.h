@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <stop_token>
 #include <type_traits>
@@ -14,8 +15,8 @@
 namespace vellumine::confined {
 
 /// One file, and the helper that has it open. A helper that dies or makes no sense over this file
-/// after it had served others is replaced once: one of those may have harmed it. For one thread at
-/// a time.
+/// after it had served others is replaced once: one of those may have harmed it. Safe to use from
+/// several threads, which wait for each other.
 ///
 /// Everything fails with Io when there is no helper, when it dies or is overdue over the file, and
 /// when a stop is requested; else as decoding in this process does.
@@ -47,6 +48,17 @@ public:
     [[nodiscard]] imaging::Result<imaging::Image> draw(
         const DrawRequest& request, const imaging::ColorSpace& colorSpace);
 
+    /// A drawn picture that stays with the helper until the next one is drawn.
+    struct KeptDrawing {
+        PixelsReply given;
+        std::uint64_t number = 0;
+    };
+    /// Fails with Unsupported where this process may not read the helper's memory.
+    [[nodiscard]] imaging::Result<KeptDrawing> drawAndKeep(const DrawRequest& request);
+    /// A part of it, which must lie inside. Fails with Io when the helper has it no longer.
+    [[nodiscard]] imaging::Result<imaging::Image> keptRows(
+        const KeptDrawing& drawing, imaging::Rect part, const imaging::ColorSpace& colorSpace);
+
     /// Gives the helper back when nothing else will be asked for.
     void close();
 
@@ -59,8 +71,11 @@ private:
     imaging::Result<void> openInHelper();
     imaging::Result<void> openInFreshHelper();
     imaging::Result<Decoded> decodeInHelper(const imaging::PictureWish& wish);
+    imaging::Result<PixelsReply> askForPixels(const Request& request, const PixelsReply& expected);
     imaging::Result<imaging::Image> pixelsFromHelper(
         const Request& request, const PixelsReply& expected, const imaging::ColorSpace& colorSpace);
+    imaging::Result<imaging::Image> fetchedPart(
+        const PixelsReply& given, imaging::Rect part, const imaging::ColorSpace& colorSpace);
     imaging::Result<imaging::Image> pixels(
         const Request& request, const PixelsReply& expected, const imaging::ColorSpace& colorSpace);
     template <typename Fetch, typename Map>
@@ -70,7 +85,9 @@ private:
     [[nodiscard]] Allowance allowance() const;
     [[nodiscard]] bool mayTryAgain() const;
     void loseHelper();
+    void giveHelperBack();
 
+    std::mutex m_mutex;
     const std::shared_ptr<DecoderPool> m_pool;
     imaging::FileDescriptor m_file;
     std::uint64_t m_fileBytes;
@@ -83,6 +100,7 @@ private:
     imaging::ImageHeader m_header;
     imaging::PictureWish m_wish; ///< of the last decode()
     std::optional<Decoded> m_decoded;
+    std::uint64_t m_drawings = 0; ///< counted, so that one that is gone is not asked for
 };
 
 } // namespace vellumine::confined

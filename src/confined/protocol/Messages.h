@@ -28,7 +28,7 @@ namespace vellumine::confined {
 // and lies within the limits that were asked with, is believed.
 
 /// Changes with the messages, so that a helper of another build is noticed.
-inline constexpr std::uint32_t protocolVersion = 2;
+inline constexpr std::uint32_t protocolVersion = 3;
 
 /// Longer messages are not sent and not read.
 inline constexpr std::size_t largestMessage = 4096;
@@ -92,7 +92,8 @@ struct DecodedReply {
     std::uint64_t attachmentsBytes = 0;
 };
 
-/// Rows are in the helper's memory until the next request but one for sharing.
+/// Rows are in the helper's memory until the next request but one for sharing; those of a drawn
+/// picture until the next one is drawn, or the decoded picture goes.
 struct PixelsReply {
     imaging::Size size;
     imaging::PixelLayout layout;

@@ -4,14 +4,12 @@
 #include "confined/protocol/SharedMemory.h"
 #include "imaging/BitmapContext.h"
 #include "imaging/DeferredPixels.h"
-#include "imaging/Orientation.h"
 
 #include <cstdint>
 #include <new>
 
 namespace vellumine::confined {
 
-using imaging::BitmapContext;
 using imaging::ColorSpace;
 using imaging::Error;
 using imaging::FileDescriptor;
@@ -43,25 +41,6 @@ Result<void> append(SharedMemory& memory, const Image& image)
         }
     }
     return {};
-}
-
-/// The picture drawn upright. One that has rows is turned when it is drawn: that is less work.
-Result<Image> drawn(const Image& image, const imaging::Drawing& drawing)
-{
-    if (!image.hasRows()) {
-        return image.deferred()->drawn(drawing);
-    }
-    auto context = BitmapContext::create(
-        imaging::uprightSize(drawing.size, drawing.orientation), 8, drawing.colorSpace);
-    if (!context) {
-        return tl::unexpected(context.error());
-    }
-    context->setInterpolationQuality(drawing.quality);
-    return context->draw(image)
-        .and_then([&context] { return std::move(*context).makeImage(); })
-        .and_then([&drawing](const Image& stored) {
-            return imaging::upright(stored, drawing.orientation);
-        });
 }
 
 ColorSpace colorSpace(BitmapColors colors, const Image& image)
@@ -114,6 +93,7 @@ std::optional<DecoderService::Answer> DecoderService::answer(
             return draw(*asked);
         }
         m_picture.reset();
+        m_drawn.reset();
         if (const auto* const asked = std::get_if<OpenRequest>(&request)) {
             return open(*asked, std::move(descriptor));
         }
@@ -124,6 +104,7 @@ std::optional<DecoderService::Answer> DecoderService::answer(
     } catch (const std::bad_alloc&) {
         m_decoder.reset();
         m_picture.reset();
+        m_drawn.reset();
         return failed({ Error::Kind::outOfMemory, "no memory for the picture" });
     }
 }
@@ -191,9 +172,14 @@ DecoderService::Answer DecoderService::draw(const DrawRequest& request)
         !allowed) {
         return failed(std::move(allowed.error()));
     }
-    return given(drawn(*m_picture,
+    m_drawn.reset(); // its memory may serve this one
+    auto image = drawnUpright(*m_picture,
         { request.size, colorSpace(request.colors, *m_picture), request.quality,
-            request.orientation }));
+            request.orientation });
+    if (image) {
+        m_drawn = *image;
+    }
+    return given(std::move(image));
 }
 
 DecoderService::Answer DecoderService::given(Result<Image> pixels)

@@ -37,6 +37,7 @@ private:
     imaging::Limits m_limits;
     std::unique_ptr<imaging::SourceDecoder> m_decoder;
     std::optional<imaging::Image> m_picture; ///< as it is stored
+    std::optional<imaging::Image> m_drawn; ///< may be fetched piece by piece
     /// What waits to be fetched.
     std::variant<std::monostate, imaging::Image, imaging::ByteBuffer> m_given;
 };
