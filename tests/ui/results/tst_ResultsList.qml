@@ -1,283 +1,109 @@
 import QtQuick
-import QtTest
 import Vellumine
-import VellumineTest
 
-Item {
-    id: root
+ResultsTestCase {
+    name: "ResultsList"
 
-    height: 760
-    width: 776
-
-    Component {
-        id: fixtureComponent
-
-        ResultsFixture { }
+    function test_withoutResultsThereIsNothing() {
+        verify(!list.visible);
+        fixture.addSuccess("a.jpg", 2000000, 1500000);
+        verify(list.visible);
     }
 
-    Component {
-        id: listComponent
-
-        ResultsList {
-            width: root.width
-        }
+    function test_isAsHighAsItsRowsUpToEight_data() {
+        return [
+            {tag: "one", count: 1, height: 76},
+            {tag: "three", count: 3, height: 228},
+            {tag: "eight", count: 8, height: 608},
+            {tag: "many", count: 30, height: 608}
+        ];
     }
 
-    TestCase {
-        id: testCase
+    function test_isAsHighAsItsRowsUpToEight(data) {
+        fixture.addMany(data.count);
+        waitForRendering(list);
+        compare(find("scrollingArea").height, data.height);
+        compare(row(0).height, 76);
+    }
 
-        property ResultsFixture fixture
-        property ResultsList list
+    function test_scrollsEarlierWhereThereIsLessRoom() {
+        fixture.addMany(8);
+        list.height = 300;
+        waitForRendering(list);
+        verify(find("scrollingArea").height < 300);
+        verify(view().contentHeight > view().height);
+    }
 
-        function find(name: string): Item {
-            return findChild(list, name);
-        }
+    function test_looksAsItShould() {
+        fixture.addMany(2);
+        const area = find("scrollingArea");
+        compare(area.radius, 8);
+        fuzzyCompare(area.color, KestrovaTheme.faded(KestrovaTheme.leatherRaised, 0.82), 1);
+        compare(area.border.width, 1);
+        fuzzyCompare(area.border.color, KestrovaTheme.faded(KestrovaTheme.cream, 0.16), 1);
+        waitForRendering(list);
+        fuzzyCompare(findChild(row(0), "divider").color, KestrovaTheme.faded(KestrovaTheme.cream, 0.1), 1);
+        verify(findChild(row(0), "divider").visible);
+        verify(!findChild(row(1), "divider").visible);
+    }
 
-        function row(index: int): Item {
-            return view().itemAtIndex(index);
-        }
-
-        function view(): ListView {
-            return find("resultsView") as ListView;
-        }
-
-        name: "ResultsList"
-        when: windowShown
-
-        function init() {
-            // outlives the list
-            fixture = fixtureComponent.createObject(root);
-            list = createTemporaryObject(listComponent, root, {results: fixture.model});
-        }
-
-        function test_withoutResultsThereIsNothing() {
-            verify(!list.visible);
-            fixture.addSuccess("a.jpg", 2000000, 1500000);
-            verify(list.visible);
-        }
-
-        function test_isAsHighAsItsRowsUpToEight_data() {
-            return [
-                {tag: "one", count: 1, height: 76},
-                {tag: "three", count: 3, height: 228},
-                {tag: "eight", count: 8, height: 608},
-                {tag: "many", count: 30, height: 608}
-            ];
-        }
-
-        function test_isAsHighAsItsRowsUpToEight(data) {
-            fixture.addMany(data.count);
-            waitForRendering(list);
-            compare(find("scrollingArea").height, data.height);
-            compare(row(0).height, 76);
-        }
-
-        function test_scrollsEarlierWhereThereIsLessRoom() {
-            fixture.addMany(8);
-            list.height = 300;
-            waitForRendering(list);
-            verify(find("scrollingArea").height < 300);
-            verify(view().contentHeight > view().height);
-        }
-
-        function test_looksAsItShould() {
-            fixture.addMany(2);
-            const area = find("scrollingArea");
-            compare(area.radius, 8);
-            fuzzyCompare(area.color, KestrovaTheme.faded(KestrovaTheme.leatherRaised, 0.82), 1);
-            compare(area.border.width, 1);
-            fuzzyCompare(area.border.color, KestrovaTheme.faded(KestrovaTheme.cream, 0.16), 1);
-            waitForRendering(list);
-            fuzzyCompare(findChild(row(0), "divider").color, KestrovaTheme.faded(KestrovaTheme.cream, 0.1), 1);
-            verify(findChild(row(0), "divider").visible);
-            verify(!findChild(row(1), "divider").visible);
-        }
-
-        function test_aSuccessShowsEverything() {
-            fixture.addSuccess("a.jpg", 2000000, 1500000, {"alpha": true});
-            waitForRendering(list);
-            compare(findChild(row(0), "fileName").text, "a.jpg");
-            compare(findChild(row(0), "message").text, "Saved 500 KB");
-            compare(findChild(row(0), "metrics").text, "2 MB -> 1.5 MB | saved 500 KB (25.0%)");
-            compare(findChild(row(0), "status").name, "checkmark.circle.fill");
-            fuzzyCompare(findChild(row(0), "status").color, KestrovaTheme.sage, 1);
-            compare(badgesShown(row(0)), 5);
-            verify(findChild(row(0), "buttons").visible);
-        }
-
-        function test_textsOfARowAsTheyShouldLook() {
-            fixture.addSuccess("a.jpg", 2000000, 1500000);
-            waitForRendering(list);
-            const name = findChild(row(0), "fileName");
-            const message = findChild(row(0), "message");
-            const metrics = findChild(row(0), "metrics");
-            fuzzyCompare(name.color, KestrovaTheme.cream, 1);
-            fuzzyCompare(message.color, KestrovaTheme.creamMuted, 1);
-            fuzzyCompare(metrics.color, KestrovaTheme.creamSubtle, 1);
-            compare([message.font.pixelSize, metrics.font.pixelSize], [TextStyle.caption.pixelSize, TextStyle.caption.pixelSize]);
-            compare([name.maximumLineCount, message.maximumLineCount], [1, 1]);
-            compare(message.y - name.y - name.height, 2);
-            compare(metrics.y - message.y - message.height, 2);
-            const buttons = findChild(row(0), "buttons");
-            compare(buttons.spacing, 7);
-            compare([findChild(row(0), "compare").symbol, findChild(row(0), "reveal").symbol], ["rectangle.split.2x1", "magnifyingglass"]);
-        }
-
-        function test_badgesAsTheyShouldLook() {
-            fixture.addSuccess("a.jpg", 2000000, 1500000);
-            waitForRendering(list);
-            const badge = findChild(row(0), "badges").children[0];
-            const symbol = badge.children[0];
-            const label = badge.children[1];
-            compare(badge.systemName, "aspectratio");
-            compare(symbol.name, "aspectratio");
-            compare(label.text, "4032x3024 -> 2560x1920");
-            compare(label.font.pixelSize, 9);
-            compare(label.font.weight, Font.DemiBold);
-            fuzzyCompare(label.color, KestrovaTheme.creamMuted, 1);
-            compare(symbol.x, 5);
-            compare(label.x, 5 + symbol.width + 3);
-            compare(badge.height, label.implicitHeight + 2 * 2);
-            fuzzyCompare(badge.color, KestrovaTheme.faded(KestrovaTheme.cream, 0.07), 1);
-            fuzzyCompare(badge.border.color, KestrovaTheme.faded(KestrovaTheme.cream, 0.1), 1);
-            compare(badge.border.width, 1);
-            verify(badge.radius > 0);
-        }
-
-        function badgesShown(item: Item): int {
-            const badges = findChild(item, "badges");
-            let count = 0;
-            for (const child of Array.from(badges.children)) {
-                if (child.visible && child.systemName !== undefined)
-                    ++count;
-            }
-            return badges.visible ? count : 0;
-        }
-
-        function test_aSourceWithoutAlphaShowsFourBadges() {
-            fixture.addSuccess("a.jpg", 2000000, 1500000);
-            waitForRendering(list);
-            compare(badgesShown(row(0)), 4);
-        }
-
-        function test_aFailureShowsItsNameAndMessageAlone() {
-            fixture.addFailure("b.jpg", "The image could not be read.");
-            waitForRendering(list);
-            compare(findChild(row(0), "status").name, "exclamationmark.triangle.fill");
-            fuzzyCompare(findChild(row(0), "status").color, KestrovaTheme.copper, 1);
-            compare(findChild(row(0), "message").text, "The image could not be read.");
-            verify(!findChild(row(0), "metrics").visible);
-            verify(!findChild(row(0), "buttons").visible);
-            compare(badgesShown(row(0)), 0);
-        }
-
-        function test_everythingOfARowLiesInsideIt() {
-            fixture.addSuccess("a.jpg", 2000000, 1500000, {"alpha": true});
-            waitForRendering(list);
-            for (const name of ["status", "fileName", "message", "metrics", "badges", "buttons"]) {
-                const item = findChild(row(0), name);
-                const place = item.mapToItem(row(0), 0, 0, item.width, item.height);
-                verify(place.top >= 0 && place.bottom <= 76, name);
-                verify(place.left >= 0 && place.right <= row(0).width, name);
-            }
-        }
-
-        function test_theButtonsCompareAndReveal() {
-            fixture.addSuccess("a.jpg", 2, 1);
-            fixture.addSuccess("b.jpg", 2, 1);
-            waitForRendering(list);
-            const compareButton = findChild(row(1), "compare");
-            compare(compareButton.helpText, "Open before and after viewer");
-            mouseClick(compareButton);
-            compare(fixture.compared, ["a.jpg > a.jpg"]);
-            const revealButton = findChild(row(0), "reveal");
-            compare(revealButton.helpText, "Show in Finder");
-            mouseClick(revealButton);
-            compare(fixture.revealed, ["b.jpg"]);
-        }
-
-        function test_theKeyboardReachesEveryRow() {
-            fixture.addMany(20);
-            waitForRendering(list);
-            view().forceActiveFocus(Qt.TabFocusReason);
-            compare(view().currentIndex, 0);
-            for (let press = 0; press < 12; ++press)
-                keyClick(Qt.Key_Down);
-            compare(view().currentIndex, 12);
-            tryVerify(() => row(12) !== null && row(12).y >= view().contentY && row(12).y + 76 <= view().contentY + view().height);
-            keyClick(Qt.Key_Return);
-            compare(fixture.compared.length, 1);
-        }
-
-        function test_tabGoesThroughTheButtonsOfTheCurrentRowAlone() {
-            fixture.addMany(20);
-            waitForRendering(list);
-            view().forceActiveFocus(Qt.TabFocusReason);
+    function test_theKeyboardReachesEveryRow() {
+        fixture.addMany(20);
+        waitForRendering(list);
+        view().forceActiveFocus(Qt.TabFocusReason);
+        compare(view().currentIndex, 0);
+        for (let press = 0; press < 12; ++press)
             keyClick(Qt.Key_Down);
-            keyClick(Qt.Key_Tab);
-            verify(findChild(row(1), "compare").activeFocus);
-            keyClick(Qt.Key_Tab);
-            verify(findChild(row(1), "reveal").activeFocus);
-            keyClick(Qt.Key_Tab);
-            for (let index = 0; index < 8; ++index)
-                verify(!findChild(row(index), "compare").activeFocus);
-        }
+        compare(view().currentIndex, 12);
+        tryVerify(() => row(12) !== null && row(12).y >= view().contentY && row(12).y + 76 <= view().contentY + view().height);
+        keyClick(Qt.Key_Return);
+        compare(fixture.compared.length, 1);
+    }
 
-        function test_onlyRowsInSightExist() {
-            fixture.addMany(2000);
-            waitForRendering(list);
-            let rows = 0;
-            for (const child of Array.from(view().contentItem.children)) {
-                if (child.fileName !== undefined)
-                    ++rows;
-            }
-            verify(rows >= 8 && rows < 40, "" + rows);
-        }
+    function test_tabGoesThroughTheButtonsOfTheCurrentRowAlone() {
+        fixture.addMany(20);
+        waitForRendering(list);
+        view().forceActiveFocus(Qt.TabFocusReason);
+        keyClick(Qt.Key_Down);
+        keyClick(Qt.Key_Tab);
+        verify(findChild(row(1), "compare").activeFocus);
+        keyClick(Qt.Key_Tab);
+        verify(findChild(row(1), "reveal").activeFocus);
+        keyClick(Qt.Key_Tab);
+        for (let index = 0; index < 8; ++index)
+            verify(!findChild(row(index), "compare").activeFocus);
+    }
 
-        function test_aNewResultComesIntoSightAtTheTop() {
-            fixture.addMany(20);
-            waitForRendering(list);
-            fixture.addSuccess("newest.jpg", 2, 1);
-            waitForRendering(list);
-            verify(view().atYBeginning);
-            compare(row(0).mapToItem(list, 0, 0).y, find("scrollingArea").y);
-            compare(findChild(row(0), "fileName").text, "newest.jpg");
+    function test_onlyRowsInSightExist() {
+        fixture.addMany(2000);
+        waitForRendering(list);
+        let rows = 0;
+        for (const child of Array.from(view().contentItem.children)) {
+            if (child.fileName !== undefined)
+                ++rows;
         }
+        verify(rows >= 8 && rows < 40, "" + rows);
+    }
 
-        function test_aNewResultLeavesAScrolledListWhereItIs() {
-            fixture.addMany(40);
-            waitForRendering(list);
-            view().positionViewAtIndex(20, ListView.Beginning);
-            const name = findChild(row(20), "fileName").text;
-            const before = row(20).mapToItem(list, 0, 0).y;
-            fixture.addSuccess("newest.jpg", 2, 1);
-            waitForRendering(list);
-            compare(findChild(row(21), "fileName").text, name);
-            compare(row(21).mapToItem(list, 0, 0).y, before);
-        }
+    function test_aNewResultComesIntoSightAtTheTop() {
+        fixture.addMany(20);
+        waitForRendering(list);
+        fixture.addSuccess("newest.jpg", 2, 1);
+        waitForRendering(list);
+        verify(view().atYBeginning);
+        compare(row(0).mapToItem(list, 0, 0).y, find("scrollingArea").y);
+        compare(findChild(row(0), "fileName").text, "newest.jpg");
+    }
 
-        function test_aRowThatIsUsedAgainShowsItsNewResultAlone() {
-            for (let number = 0; number < 60; ++number) {
-                if (number % 2)
-                    fixture.addSuccess(number + ".jpg", 2000, 1000, {"alpha": number % 4 === 1});
-                else
-                    fixture.addFailure(number + ".jpg", "No.");
-            }
-            waitForRendering(list);
-            for (let index = 0; index < 60; index += 5) {
-                view().positionViewAtIndex(index, ListView.Contain);
-                const number = 59 - index;
-                compare(findChild(row(index), "fileName").text, number + ".jpg");
-                compare(findChild(row(index), "metrics").visible, number % 2 === 1);
-                compare(badgesShown(row(index)), number % 2 === 0 ? 0 : number % 4 === 1 ? 5 : 4);
-            }
-        }
-
-        function test_markupInNamesIsText() {
-            fixture.addSuccess("<b>a&amp;b", 2, 1);
-            waitForRendering(list);
-            compare(findChild(row(0), "fileName").textFormat, Text.PlainText);
-            compare(findChild(row(0), "fileName").text, "<b>a&amp;b");
-        }
+    function test_aNewResultLeavesAScrolledListWhereItIs() {
+        fixture.addMany(40);
+        waitForRendering(list);
+        view().positionViewAtIndex(20, ListView.Beginning);
+        const name = findChild(row(20), "fileName").text;
+        const before = row(20).mapToItem(list, 0, 0).y;
+        fixture.addSuccess("newest.jpg", 2, 1);
+        waitForRendering(list);
+        compare(findChild(row(21), "fileName").text, name);
+        compare(row(21).mapToItem(list, 0, 0).y, before);
     }
 }
