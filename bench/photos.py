@@ -57,11 +57,15 @@ class Photos:
                     for photo, picture in programs.pictures.items()], 1.0)
 
     def memory(self):
-        for megapixels, dimensions, goal in ((24, "6000x4000!", 120), (100, "12240x8160!", 200)):
+        full, halved = "colour at full size", "colour at half the size"
+        for megapixels, dimensions, colour, goal in ((24, "6000x4000!", full, 120),
+                                                     (100, "12240x8160!", halved, 200),
+                                                     (100, "12240x8160!", full, 200)):
             photo = self.programs.scratch / f"{megapixels}-megapixels.jpg"
+            mode = "off" if colour is full else "on"
             run(["vipsthumbnail", "--size", dimensions, self.programs.photos[0], "-o",
-                 f"{photo}[Q=92]"])
-            yield Row(f"Peak memory, one photo of {megapixels} megapixels to WebP",
+                 f"{photo}[Q=90,subsample_mode={mode}]"])
+            yield Row(f"Peak memory, one photo of {megapixels} megapixels ({colour}) to WebP",
                       [self.programs.convert([photo]).memory for _ in range(self.repetitions)],
                       goal, "MB")
             photo.unlink()
