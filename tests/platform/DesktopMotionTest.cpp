@@ -1,14 +1,17 @@
 #include "platform/DesktopMotion.h"
 
 #include "platform/FakePortal.h"
-#include "platform/PrivateBus.h"
+#include "support/EventLoop.h"
 #include "support/NamedRows.h"
 #include "support/QtPrinters.h"
+#include "support/bus/OnPrivateBus.h"
 
 #include <QDBusPendingCallWatcher>
 
 namespace vellumine::platform {
 namespace {
+
+using test::runUntil;
 
 const char* const gnome = "org.gnome.desktop.interface";
 
