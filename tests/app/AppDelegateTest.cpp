@@ -1,6 +1,6 @@
 #include "app/AppDelegate.h"
+#include "app/TestProgram.h"
 #include "app/windows/WindowActivation.h"
-#include "core/PreferencesFile.h"
 #include "platform/FilePath.h"
 #include "support/TestImages.h"
 
@@ -14,60 +14,7 @@
 namespace vellumine {
 namespace {
 
-/// The program in a world of its own: its preferences and folders are the test's, nothing is opened
-/// and nothing is loaded.
-class Program : public testing::Test {
-protected:
-    Program()
-    {
-        std::filesystem::create_directory(m_folder / "temporary");
-        std::filesystem::create_directory(m_folder / "pictures");
-    }
-
-    AppDelegate& delegate()
-    {
-        if (!m_delegate) {
-            m_delegate = std::make_unique<AppDelegate>(AppDelegate::Surroundings {
-                .models = {
-                    .preferences = m_preferences.open(),
-                    .statsFolder = QString::fromStdString((m_folder / "stats").string()),
-                    // A check of such an address fails by itself.
-                    .updateSource = { .homePage = QUrl(QStringLiteral("none:")) },
-                    .temporaryFolder = m_folder / "temporary",
-                    .executableFolder = {},
-                },
-                .bus = QDBusConnection(QStringLiteral("no such connection")),
-                .reveal = [](const QUrl&) {},
-                .openPage = [](const QUrl&) {},
-                .quit = [this] { ++m_quits; },
-                .windowGrowingTime = std::chrono::milliseconds(0),
-            });
-            // Written by this program itself, so that no encoder is needed.
-            m_delegate->models().settings().setOutputFormat(OutputFormat::png);
-        }
-        return *m_delegate;
-    }
-
-    ProcessingModel& model() { return delegate().models().processingModel(); }
-
-    /// A file with the name of a picture that is none: it fails, and that is a result as well.
-    QUrl brokenPicture(const char* name)
-    {
-        test::writeFile(m_folder / "pictures" / name, std::string_view("no picture"));
-        return platform::fileUrl(m_folder / "pictures" / name);
-    }
-
-    bool waitForResults(qsizetype count)
-    {
-        return QTest::qWaitFor(
-            [&] { return model().results().size() == count && !model().isProcessing(); }, 20000);
-    }
-
-    test::TemporaryFolder m_folder;
-    test::PreferencesFile m_preferences;
-    int m_quits = 0;
-    std::unique_ptr<AppDelegate> m_delegate;
-};
+class Program : public testing::Test, protected test::TestProgram { };
 
 TEST_F(Program, makesTheProcessingModelWhenItIsFirstAskedFor)
 {

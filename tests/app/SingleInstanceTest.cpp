@@ -1,13 +1,13 @@
 #include "app/instance/SingleInstance.h"
 #include "app/instance/FileArguments.h"
 #include "support/QtPrinters.h"
+#include "support/bus/OnPrivateBus.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusPendingCall>
 #include <QDBusPendingCallWatcher>
 #include <QFutureWatcher>
-#include <QProcess>
 #include <QSignalSpy>
 #include <QtConcurrentRun>
 #include <gmock/gmock.h>
@@ -24,37 +24,8 @@ using namespace std::chrono_literals;
 using ::testing::ElementsAre;
 using Role = SingleInstance::Role;
 
-/// A bus of the test's own. Each connection plays a process.
-class SessionBus : public testing::Test {
+class SessionBus : public test::OnPrivateBus {
 protected:
-    void SetUp() override
-    {
-        const QString daemon = QStringLiteral(VELLUMINE_DBUS_DAEMON);
-        if (daemon.isEmpty()) {
-            GTEST_SKIP() << "dbus-daemon is not installed";
-        }
-        m_daemon.start(daemon,
-            { QStringLiteral("--session"), QStringLiteral("--nofork"),
-                QStringLiteral("--print-address") });
-        ASSERT_TRUE(m_daemon.waitForReadyRead());
-        m_address = QString::fromLatin1(m_daemon.readLine()).trimmed();
-    }
-
-    void TearDown() override
-    {
-        for (const QString& name : m_names) {
-            QDBusConnection::disconnectFromBus(name);
-        }
-        m_daemon.terminate();
-        m_daemon.waitForFinished();
-    }
-
-    QDBusConnection connection()
-    {
-        m_names.append(QStringLiteral("process %1").arg(m_names.size()));
-        return QDBusConnection::connectToBus(m_address, m_names.constLast());
-    }
-
     /// Waits for it with the event loop running.
     static Role result(const QFuture<Role>& role)
     {
@@ -69,15 +40,11 @@ protected:
     Role startAnother(const QList<QUrl>& files = {}, const ActivationToken& token = {},
         std::chrono::milliseconds patience = SingleInstance::answerTime)
     {
-        const QDBusConnection bus = connection();
+        const QDBusConnection bus = addProcess();
         const QFuture<Role> role
             = QtConcurrent::run([&] { return SingleInstance(bus).start(files, token, patience); });
         return result(role);
     }
-
-    QProcess m_daemon;
-    QString m_address;
-    QStringList m_names;
 };
 
 const QUrl photo(QStringLiteral("file:///pictures/a%20b%23%25.png"));
@@ -85,15 +52,15 @@ const QUrl oddlyNamed = QUrl::fromEncoded("file:///pictures/%FFphoto.jpg");
 
 TEST_F(SessionBus, theFirstProcessOwnsTheName)
 {
-    SingleInstance first(connection());
+    SingleInstance first(addProcess());
     EXPECT_EQ(first.start({}, {}), Role::first);
     EXPECT_TRUE(
-        connection().interface()->isServiceRegistered(QStringLiteral("com.kestrova.Vellumine")));
+        addProcess().interface()->isServiceRegistered(QStringLiteral("com.kestrova.Vellumine")));
 }
 
 TEST_F(SessionBus, aSecondStartWithoutFilesActivatesTheFirst)
 {
-    SingleInstance first(connection());
+    SingleInstance first(addProcess());
     ASSERT_EQ(first.start({}, {}), Role::first);
     QSignalSpy activations(&first, &SingleInstance::activationRequested);
     EXPECT_EQ(startAnother(), Role::handedOver);
@@ -102,7 +69,7 @@ TEST_F(SessionBus, aSecondStartWithoutFilesActivatesTheFirst)
 
 TEST_F(SessionBus, aSecondStartHandsItsFilesOver)
 {
-    SingleInstance first(connection());
+    SingleInstance first(addProcess());
     ASSERT_EQ(first.start({}, {}), Role::first);
     QList<QUrl> opened;
     ActivationToken activation;
@@ -123,7 +90,7 @@ TEST_F(SessionBus, ofManyStartsAtOnceOneIsTheFirst)
     std::vector<QFuture<Role>> roles;
     QList<QDBusConnection> buses;
     for (int number = 0; number < 8; ++number) {
-        buses.append(connection());
+        buses.append(addProcess());
     }
     SingleInstance first(buses.takeFirst());
     QObject::connect(&first, &SingleInstance::openRequested,
@@ -142,17 +109,17 @@ TEST_F(SessionBus, ofManyStartsAtOnceOneIsTheFirst)
 TEST_F(SessionBus, theNameIsFreeAgainAfterTheFirstProcess)
 {
     {
-        SingleInstance first(connection());
+        SingleInstance first(addProcess());
         ASSERT_EQ(first.start({}, {}), Role::first);
     }
-    SingleInstance next(connection());
+    SingleInstance next(addProcess());
     EXPECT_EQ(next.start({}, {}), Role::first);
 }
 
 TEST_F(SessionBus, aFirstProcessThatDoesNotAnswerIsGoneAround)
 {
     // It owns the name, and has no such object.
-    ASSERT_TRUE(connection().registerService(SingleInstance::busName()));
+    ASSERT_TRUE(addProcess().registerService(SingleInstance::busName()));
     EXPECT_EQ(startAnother({ photo }, {}, 500ms), Role::alone);
 }
 
@@ -183,15 +150,9 @@ protected:
         if (IsSkipped() || HasFatalFailure()) {
             return;
         }
-        m_launcher = connection();
-        m_first = std::make_unique<SingleInstance>(connection());
+        m_launcher = addProcess();
+        m_first = std::make_unique<SingleInstance>(addProcess());
         ASSERT_EQ(m_first->start({}, {}), Role::first);
-    }
-
-    void TearDown() override
-    {
-        m_first.reset();
-        SessionBus::TearDown();
     }
 
     QDBusConnection m_launcher { QString() };

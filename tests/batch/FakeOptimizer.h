@@ -1,9 +1,9 @@
 #pragma once
 
-#include "EventLoop.h"
 #include "core/OptimizerSettings.h"
 #include "core/ProcessingResult.h"
 #include "platform/FilePath.h"
+#include "support/EventLoop.h"
 
 #include <QStringList>
 #include <QThread>

@@ -1,7 +1,7 @@
-#include "EventLoop.h"
 #include "batch/ProcessingModel.h"
 #include "imaging/ImageDestination.h"
 #include "platform/FilePath.h"
+#include "support/EventLoop.h"
 #include "support/ProcessMemory.h"
 #include "support/TestImages.h"
 

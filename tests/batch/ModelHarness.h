@@ -1,10 +1,10 @@
 #pragma once
 
-#include "EventLoop.h"
 #include "FakeOptimizer.h"
 #include "RecordingScope.h"
 #include "batch/ProcessingModel.h"
 #include "platform/FilePath.h"
+#include "support/EventLoop.h"
 #include "support/QtPrinters.h"
 
 #include <gmock/gmock.h>

@@ -1,30 +1,29 @@
 #include "platform/DesktopMotion.h"
 
-#include "platform/FakePortal.h"
-#include "platform/PrivateBus.h"
+#include "support/EventLoop.h"
 #include "support/NamedRows.h"
 #include "support/QtPrinters.h"
+#include "support/bus/FakePortal.h"
+#include "support/bus/OnPrivateBus.h"
 
 #include <QDBusPendingCallWatcher>
 
 namespace vellumine::platform {
 namespace {
 
+using test::FakePortal;
+using test::runUntil;
+
 const char* const gnome = "org.gnome.desktop.interface";
 
 class DesktopMotionTest : public test::OnPrivateBus {
 protected:
-    void start(FakePortal& portal)
-    {
-        serve(portal, QStringLiteral("/org/freedesktop/portal/desktop"),
-            QStringLiteral("org.freedesktop.portal.Desktop"));
-    }
+    void start(FakePortal& portal) { serve(portal, FakePortal::path(), FakePortal::name()); }
 };
 
 TEST_F(DesktopMotionTest, isReducedWhereTheDesktopSaysSo)
 {
-    FakePortal portal(
-        { { QString::fromLatin1(gnome), { { QStringLiteral("enable-animations"), false } } } });
+    FakePortal portal(FakePortal::animations(false));
     start(portal);
     DesktopMotion motion(client());
     EXPECT_TRUE(runUntil([&] { return motion.isReduced(); }));
@@ -38,13 +37,9 @@ TEST_F(DesktopMotionTest, followsChanges)
     ASSERT_TRUE(runUntil([&] { return portal.wasRead(); }));
     int changes = 0;
     QObject::connect(&motion, &DesktopMotion::changed, [&] { ++changes; });
-    const auto change = [&](bool hasAnimations) {
-        Q_EMIT portal.SettingChanged(QString::fromLatin1(gnome),
-            QStringLiteral("enable-animations"), QDBusVariant(hasAnimations));
-    };
-    change(false);
+    portal.switchAnimations(false);
     EXPECT_TRUE(runUntil([&] { return motion.isReduced(); }));
-    change(true);
+    portal.switchAnimations(true);
     EXPECT_TRUE(runUntil([&] { return !motion.isReduced(); }));
     EXPECT_EQ(changes, 2);
 }

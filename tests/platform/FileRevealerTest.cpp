@@ -2,8 +2,9 @@
 
 #include "platform/FakeFileManager.h"
 #include "platform/FilePath.h"
-#include "platform/PrivateBus.h"
+#include "support/EventLoop.h"
 #include "support/QtPrinters.h"
+#include "support/bus/OnPrivateBus.h"
 
 #include <QDBusConnection>
 
@@ -13,6 +14,8 @@
 
 namespace vellumine::platform {
 namespace {
+
+using test::runUntil;
 
 class FileRevealerTest : public test::OnPrivateBus {
 protected:

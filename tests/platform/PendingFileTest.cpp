@@ -8,6 +8,7 @@
 
 #include <csignal>
 #include <string>
+#include <string_view>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -23,6 +24,16 @@ std::string content(const std::filesystem::path& path)
 {
     const auto bytes = test::readFile(path);
     return { reinterpret_cast<const char*>(bytes.data()), bytes.size() };
+}
+
+/// What becomes out.png, with what has been written of it.
+Result<PendingFile> outputWith(std::string_view text, const TemporaryFolder& folder)
+{
+    auto pending = PendingFile::beside(folder / "out.png");
+    if (pending) {
+        writeFile(pending->path(), text);
+    }
+    return pending;
 }
 
 TEST(PendingFile, isHiddenBesideItsTargetUntilItIsPublished)
@@ -73,9 +84,8 @@ TEST(PendingFile, whatAKilledProcessLeftIsRemoved)
 TEST(PendingFile, whatIsStillBeingWrittenIsNoLeftOver)
 {
     const TemporaryFolder folder;
-    auto pending = PendingFile::beside(folder / "out.png");
+    auto pending = outputWith("half", folder);
     ASSERT_TRUE(pending);
-    writeFile(pending->path(), "half");
     PendingFile::removeLeftOver(folder.path());
     EXPECT_EQ(content(pending->path()), "half");
     ASSERT_TRUE(std::move(*pending).publish(ExistingItem::replace));
@@ -115,9 +125,8 @@ TEST(PendingFile, leavesNothingWhenItIsDropped)
 TEST(PendingFile, keepsAnItemThatAppearedMeanwhile)
 {
     const TemporaryFolder folder;
-    auto pending = PendingFile::beside(folder / "out.png");
+    auto pending = outputWith("new", folder);
     ASSERT_TRUE(pending);
-    writeFile(pending->path(), "new");
     writeFile(folder / "out.png", "somebody else's");
     const auto published = std::move(*pending).publish(ExistingItem::keep);
     ASSERT_FALSE(published);
@@ -129,9 +138,8 @@ TEST(PendingFile, keepsAnItemThatAppearedMeanwhile)
 TEST(PendingFile, takesAFreeName)
 {
     const TemporaryFolder folder;
-    auto pending = PendingFile::beside(folder / "out.png");
+    auto pending = outputWith("new", folder);
     ASSERT_TRUE(pending);
-    writeFile(pending->path(), "new");
     ASSERT_TRUE(std::move(*pending).publish(ExistingItem::keep));
     EXPECT_EQ(content(folder / "out.png"), "new");
     EXPECT_EQ(listing(folder.path()), "out.png");
@@ -142,9 +150,8 @@ TEST(PendingFile, replacesALinkAndNotWhatItPointsTo)
     const TemporaryFolder folder;
     writeFile(folder / "precious", "precious");
     std::filesystem::create_symlink(folder / "precious", folder / "out.png");
-    auto pending = PendingFile::beside(folder / "out.png");
+    auto pending = outputWith("new", folder);
     ASSERT_TRUE(pending);
-    writeFile(pending->path(), "new");
     ASSERT_TRUE(std::move(*pending).publish(ExistingItem::replace));
     EXPECT_FALSE(std::filesystem::is_symlink(folder / "out.png"));
     EXPECT_EQ(content(folder / "precious"), "precious");
@@ -154,9 +161,8 @@ TEST(PendingFile, cannotReplaceAFolder)
 {
     const TemporaryFolder folder;
     std::filesystem::create_directory(folder / "out.png");
-    auto pending = PendingFile::beside(folder / "out.png");
+    auto pending = outputWith("new", folder);
     ASSERT_TRUE(pending);
-    writeFile(pending->path(), "new");
     const auto published = std::move(*pending).publish(ExistingItem::replace);
     ASSERT_FALSE(published);
     EXPECT_EQ(published.error().text, QStringLiteral("Is a directory"));

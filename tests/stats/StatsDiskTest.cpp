@@ -1,5 +1,6 @@
-#include "core/ProcessingResult.h"
 #include "stats/StatsStore.h"
+
+#include "stats/Results.h"
 #include "support/SmallDisk.h"
 
 #include <gtest/gtest.h>
@@ -11,14 +12,7 @@
 namespace vellumine {
 namespace {
 
-ProcessingResult success(qint64 original, qint64 output)
-{
-    ProcessingResult result;
-    result.isSuccess = true;
-    result.originalBytes = original;
-    result.outputBytes = output;
-    return result;
-}
+using test::success;
 
 TEST(StatsOnAFullDisk, keepTheOldFileAndAreWrittenOnceThereIsRoom)
 {

@@ -1,5 +1,5 @@
 #include "stats/StatsStore.h"
-#include "core/ProcessingResult.h"
+#include "stats/Results.h"
 #include "stats/StatsFolder.h"
 #include "support/TestImages.h"
 
@@ -15,6 +15,7 @@
 namespace vellumine {
 namespace {
 
+using test::success;
 using ::testing::SizeIs;
 namespace fs = std::filesystem;
 
@@ -23,15 +24,6 @@ constexpr qint64 largest = std::numeric_limits<qint64>::max();
 QDateTime moment(int second)
 {
     return { QDate(2026, 3, 1), QTime(14, 5, second), Qt::UTC };
-}
-
-ProcessingResult success(qint64 originalBytes, qint64 outputBytes)
-{
-    ProcessingResult result;
-    result.originalBytes = originalBytes;
-    result.outputBytes = outputBytes;
-    result.isSuccess = true;
-    return result;
 }
 
 ProcessingResult failure()

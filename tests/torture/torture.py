@@ -49,38 +49,51 @@ def path_of(url):
     return pathlib.Path(os.fsdecode(urllib.parse.unquote_to_bytes(urllib.parse.urlparse(url).path)))
 
 
-def environment(scratch):
-    home = scratch / "home"
-    temporary = scratch / "temporary"
-    for folder in (home, temporary):
+def made_folders(scratch, *names):
+    folders = [scratch / name for name in names]
+    for folder in folders:
         folder.mkdir(exist_ok=True)
+    return folders
+
+
+def environment(scratch):
+    home, temporary = made_folders(scratch, "home", "temporary")
     return {"PATH": os.environ["PATH"], "HOME": str(home), "XDG_DATA_HOME": str(home / "data"),
             "TMPDIR": str(temporary)}
 
 
-def command(program, paths, **settings):
+def start(program, scratch, paths, settings, **how):
+    """A process of the program; how: as Popen is told."""
     words = [word for key, value in settings.items() for word in ("--set", f"{key}={value}")]
-    return [str(program), "--json", *words, *map(str, paths)]
+    return subprocess.Popen([str(program), "--json", *words, *map(str, paths)],
+                            stdin=subprocess.DEVNULL, env=environment(scratch), **how)
+
+
+def results_in(said):
+    """What the program has said of every source, in the order in which it did."""
+    said.seek(0)
+    return [json.loads(line) for line in said.read().splitlines()]
+
+
+def smaller_copies(folder, output_format, pixels):
+    """The settings for them."""
+    return {"outputFormat": output_format, "resizeMode": "longestEdge", "maximumPixels": pixels,
+            "destinationMode": "selectedFolder", "destinationFolderBookmark": folder}
 
 
 def run_batch(program, scratch, paths, **settings):
     """The results by source, the errors' text and the exit status; None when it got stuck."""
     # What the children say counts too, and a child that stays must not keep us waiting.
     with open(scratch / "said", "w+b") as said, open(scratch / "errors", "w+b") as errors:
-        process = subprocess.Popen(command(program, paths, **settings), stdin=subprocess.DEVNULL,
-                                   stdout=said, stderr=errors, env=environment(scratch))
+        process = start(program, scratch, paths, settings, stdout=said, stderr=errors)
         try:
             status = process.wait(PATIENCE)
         except subprocess.TimeoutExpired:
             process.kill()
             process.wait()
             status = None
-        said.seek(0)
+        results = {path_of(result["sourceURL"]): result for result in results_in(said)}
         errors.seek(0)
-        results = {}
-        for line in said.read().splitlines():
-            result = json.loads(line)
-            results[path_of(result["sourceURL"])] = result
         return results, errors.read().decode(errors="replace"), status
 
 
@@ -91,9 +104,7 @@ def torture_with_hostile_inputs(table, program, samples, count, seed):
     while True:
         with tempfile.TemporaryDirectory(prefix="vellumine-torture-") as folder:
             scratch = pathlib.Path(folder)
-            sources = scratch / "sources"
-            sources.mkdir()
-            (scratch / "outputs").mkdir()
+            sources, outputs = made_folders(scratch, "sources", "outputs")
             expected = {}
             for number, (kind, extension, content) in zip(range(500), made):
                 path = sources / f"{number:04}{extension}"
@@ -103,16 +114,15 @@ def torture_with_hostile_inputs(table, program, samples, count, seed):
             if not expected:
                 break
             results, errors, status = run_batch(
-                program, scratch, [sources], outputFormat="jpeg", resizeMode="longestEdge",
-                maximumPixels=256, destinationMode="selectedFolder",
-                destinationFolderBookmark=scratch / "outputs", warnBeforeOverwrite="true")
+                program, scratch, [sources], **smaller_copies(outputs, "jpeg", 256),
+                warnBeforeOverwrite="true")
             stuck += status is None
             crashes += status not in (0, 1, None) or "Sanitizer" in errors
             missing += len(expected.keys() - results.keys())
             changed += sum(not path.exists() or digest(path) != before
                            for path, before in expected.items())
             converted += sum(result["isSuccess"] for result in results.values())
-            left += sum(1 for path in (scratch / "outputs").iterdir() if path.name.startswith("."))
+            left += sum(1 for path in outputs.iterdir() if path.name.startswith("."))
             left += sum(1 for path in (scratch / "temporary").iterdir()
                         if not path.name.startswith("vellumine-preview-"))
             replaced = re.search(r"replaced (\d+) time", errors)
@@ -197,9 +207,8 @@ def torture_with_ends(table, program, count, seed):
             killed = 0
             while killed < count // 2:
                 place = Workplace(scratch, pictures, old)
-                process = subprocess.Popen(command(program, [place.folder], **settings),
-                                           stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
-                                           stderr=subprocess.DEVNULL, env=environment(scratch))
+                process = start(program, scratch, [place.folder], settings,
+                                stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
                 begin = time.monotonic()
                 try:
                     process.wait(chance.uniform(0, 1.2 * duration))
@@ -312,9 +321,7 @@ def torture_with_large_pictures(table, program):
     color = bytes(x % 253 for x in range(3 * side))
     with tempfile.TemporaryDirectory(prefix="vellumine-torture-") as folder:
         scratch = pathlib.Path(folder)
-        sources = scratch / "sources"
-        sources.mkdir()
-        (scratch / "outputs").mkdir()
+        sources, outputs = made_folders(scratch, "sources", "outputs")
         (sources / "grey.png").write_bytes(png(side, side, 0, 8, grey))
         (sources / "colour.png").write_bytes(png(side, side, 2, 8, color))
         (sources / "bits.png").write_bytes(png(side, side, 0, 1, grey[:(side + 7) // 8]))
@@ -329,15 +336,11 @@ def torture_with_large_pictures(table, program):
         names = sorted(path.name for path in sources.iterdir())
         limit = MemoryLimit(2 << 30)
         with open(scratch / "said", "w+b") as said:
-            process = subprocess.Popen(
-                command(program, [sources], outputFormat="webp", destinationMode="selectedFolder",
-                        destinationFolderBookmark=scratch / "outputs", resizeMode="longestEdge",
-                        maximumPixels=2560),
-                stdin=subprocess.DEVNULL, stdout=said, env=environment(scratch),
-                preexec_fn=limit.enter)  # one thread: nothing else runs in between
+            process = start(
+                program, scratch, [sources], smaller_copies(outputs, "webp", 2560),
+                stdout=said, preexec_fn=limit.enter)  # one thread: nothing else runs in between
             status = process.wait(PATIENCE)
-            said.seek(0)
-            results = [json.loads(line) for line in said.read().splitlines()]
+            results = results_in(said)
         table.add("pictures of 200 megapixels within 2 GiB", len(names), 10)
         table.add("the memory is bounded by", limit.name)
         table.add("results", len(results), 10)

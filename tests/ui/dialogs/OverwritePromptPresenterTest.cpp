@@ -1,7 +1,7 @@
 #include "ui/dialogs/OverwritePromptPresenter.h"
 
-#include "batch/EventLoop.h"
 #include "platform/FilePath.h"
+#include "support/EventLoop.h"
 #include "support/QtPrinters.h"
 
 #include <QSignalSpy>

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <QTimer>
 
 #include <chrono>
@@ -14,12 +13,11 @@ template <typename Predicate>
 [[nodiscard]] bool runUntil(
     Predicate predicate, std::chrono::milliseconds limit = std::chrono::seconds(60))
 {
-    const QDeadlineTimer deadline(limit);
-    QTimer wakeUp;
-    wakeUp.setSingleShot(true);
-    wakeUp.start(limit);
+    QTimer patience;
+    patience.setSingleShot(true);
+    patience.start(limit);
     while (!predicate()) {
-        if (deadline.hasExpired()) {
+        if (!patience.isActive()) {
             return false;
         }
         QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);

@@ -1,15 +1,27 @@
-#include "platform/PrivateBus.h"
+#include "support/bus/OnPrivateBus.h"
 
 #include <QStandardPaths>
 
 namespace vellumine::test {
 
+OnPrivateBus::~OnPrivateBus()
+{
+    for (const QString& process : m_processes) {
+        QDBusConnection::disconnectFromBus(process);
+    }
+    // Asked to end, it removes its socket.
+    m_daemon.terminate();
+    m_daemon.waitForFinished();
+}
+
 void OnPrivateBus::SetUp()
 {
-    m_application = std::make_unique<QCoreApplication>(m_argumentCount, m_arguments.data());
+    if (!QCoreApplication::instance()) {
+        m_application = std::make_unique<QCoreApplication>(m_argumentCount, m_arguments.data());
+    }
     const QString daemon = QStandardPaths::findExecutable(QStringLiteral("dbus-daemon"));
     if (daemon.isEmpty()) {
-        GTEST_SKIP() << "there is no dbus-daemon";
+        GTEST_SKIP() << "dbus-daemon is not installed";
     }
     m_daemon.start(daemon,
         { QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--nopidfile"),
@@ -21,22 +33,19 @@ void OnPrivateBus::SetUp()
     m_address = QString::fromLatin1(m_daemon.readLine()).trimmed();
 }
 
-void OnPrivateBus::TearDown()
+QDBusConnection OnPrivateBus::addProcess()
 {
-    QDBusConnection::disconnectFromBus(QStringLiteral("client"));
-    QDBusConnection::disconnectFromBus(QStringLiteral("service"));
-    m_daemon.kill();
-    m_daemon.waitForFinished();
+    return connection(QStringLiteral("process %1").arg(m_processes.size()));
 }
 
 QDBusConnection OnPrivateBus::client()
 {
-    return QDBusConnection::connectToBus(m_address, QStringLiteral("client"));
+    return connection(QStringLiteral("client"));
 }
 
 QDBusConnection OnPrivateBus::service()
 {
-    return QDBusConnection::connectToBus(m_address, QStringLiteral("service"));
+    return connection(QStringLiteral("service"));
 }
 
 void OnPrivateBus::serve(QObject& object, const QString& path, const QString& name)
@@ -45,6 +54,14 @@ void OnPrivateBus::serve(QObject& object, const QString& path, const QString& na
     ASSERT_TRUE(bus.registerObject(
         path, &object, QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllSignals));
     ASSERT_TRUE(bus.registerService(name));
+}
+
+QDBusConnection OnPrivateBus::connection(const QString& process)
+{
+    if (!m_processes.contains(process)) {
+        m_processes.append(process);
+    }
+    return QDBusConnection::connectToBus(m_address, process);
 }
 
 } // namespace vellumine::test

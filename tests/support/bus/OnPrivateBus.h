@@ -2,25 +2,28 @@
 
 #include <QCoreApplication>
 #include <QDBusConnection>
-#include <QDeadlineTimer>
-#include <QEventLoop>
 #include <QProcess>
-#include <QTimer>
+#include <QString>
+#include <QStringList>
 
 #include <gtest/gtest.h>
 
 #include <array>
-#include <chrono>
 #include <memory>
 #include <string>
 
 namespace vellumine::test {
 
-/// A session bus of the test's own, ended with it. Skips the test where there is no bus daemon.
+/// A session bus of the test's own, which ends after all that a fixture of this kind holds. Each
+/// connection plays a process. Skips the test where there is no bus daemon.
 class OnPrivateBus : public testing::Test {
 protected:
+    ~OnPrivateBus() override;
+
     void SetUp() override;
-    void TearDown() override;
+
+    /// The connection of one more process.
+    [[nodiscard]] QDBusConnection addProcess();
 
     /// The connection of what is tested.
     [[nodiscard]] QDBusConnection client();
@@ -31,25 +34,18 @@ protected:
     /// Puts the slots and signals of an object on the bus.
     void serve(QObject& object, const QString& path, const QString& name);
 
-    template <typename Predicate> [[nodiscard]] static bool runUntil(Predicate predicate)
-    {
-        const std::chrono::seconds limit(60);
-        const QDeadlineTimer deadline(limit);
-        QTimer wakeUp;
-        wakeUp.start(limit);
-        while (!predicate() && !deadline.hasExpired()) {
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-        }
-        return predicate();
-    }
-
 private:
+    /// One for each name.
+    [[nodiscard]] QDBusConnection connection(const QString& process);
+
     int m_argumentCount = 1;
-    std::string m_name = "platform_test";
+    std::string m_name = "test";
     std::array<char*, 2> m_arguments { m_name.data(), nullptr };
+    /// Where the program has none for all of its tests.
     std::unique_ptr<QCoreApplication> m_application;
     QProcess m_daemon;
     QString m_address;
+    QStringList m_processes; ///< with a connection
 };
 
 } // namespace vellumine::test

@@ -10,7 +10,7 @@
 
 #include <utility>
 
-namespace vellumine::platform {
+namespace vellumine::test {
 
 /// A desktop's portal with the settings that it is given.
 class FakePortal : public QObject {
@@ -18,17 +18,33 @@ class FakePortal : public QObject {
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
 
 public:
-    explicit FakePortal(DesktopSettings settings)
+    explicit FakePortal(platform::DesktopSettings settings)
         : m_settings(std::move(settings))
     {
-        qDBusRegisterMetaType<DesktopSettings>();
+        qDBusRegisterMetaType<platform::DesktopSettings>();
+    }
+
+    static QString name() { return QStringLiteral("org.freedesktop.portal.Desktop"); }
+    static QString path() { return QStringLiteral("/org/freedesktop/portal/desktop"); }
+
+    /// The settings of a desktop whose user has switched animations on or off.
+    [[nodiscard]] static platform::DesktopSettings animations(bool areOn)
+    {
+        return { { animationsGroup(), { { animationsName(), areOn } } } };
+    }
+
+    /// The user switches them now.
+    void switchAnimations(bool areOn)
+    {
+        m_settings = animations(areOn);
+        Q_EMIT SettingChanged(animationsGroup(), animationsName(), QDBusVariant(areOn));
     }
 
     // NOLINTNEXTLINE(readability-identifier-naming): the bus's own name
     Q_SLOT [[nodiscard]] vellumine::platform::DesktopSettings ReadAll(const QStringList& groups)
     {
         m_wasRead = true;
-        DesktopSettings asked;
+        platform::DesktopSettings asked;
         for (const QString& group : groups) {
             if (m_settings.contains(group)) {
                 asked.insert(group, m_settings.value(group));
@@ -45,8 +61,11 @@ Q_SIGNALS:
     void SettingChanged(const QString& group, const QString& name, const QDBusVariant& value);
 
 private:
-    DesktopSettings m_settings;
+    static QString animationsGroup() { return QStringLiteral("org.gnome.desktop.interface"); }
+    static QString animationsName() { return QStringLiteral("enable-animations"); }
+
+    platform::DesktopSettings m_settings;
     bool m_wasRead = false;
 };
 
-} // namespace vellumine::platform
+} // namespace vellumine::test

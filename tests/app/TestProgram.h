@@ -1,0 +1,76 @@
+#pragma once
+
+#include "app/AppDelegate.h"
+#include "core/PreferencesFile.h"
+#include "platform/FilePath.h"
+#include "support/TestImages.h"
+
+#include <QTest>
+
+#include <chrono>
+#include <filesystem>
+#include <memory>
+#include <string_view>
+
+namespace vellumine::test {
+
+/// The program in a world of its own: its preferences and folders are the test's, nothing is opened
+/// and nothing is loaded.
+class TestProgram {
+protected:
+    TestProgram()
+    {
+        std::filesystem::create_directory(m_folder / "temporary");
+        std::filesystem::create_directory(m_folder / "pictures");
+    }
+
+    AppDelegate& delegate()
+    {
+        if (!m_delegate) {
+            m_delegate = std::make_unique<AppDelegate>(AppDelegate::Surroundings {
+                .models = {
+                    .preferences = m_preferences.open(),
+                    .statsFolder = QString::fromStdString((m_folder / "stats").string()),
+                    // A check of such an address fails by itself.
+                    .updateSource = { .homePage = QUrl(QStringLiteral("none:")) },
+                    .temporaryFolder = m_folder / "temporary",
+                    .executableFolder = {},
+                },
+                .bus = m_bus,
+                .reveal = [](const QUrl&) {},
+                .openPage = [](const QUrl&) {},
+                .quit = [this] { ++m_quits; },
+                .windowGrowingTime = m_windowGrowingTime,
+            });
+            // Written by this program itself, so that no encoder is needed.
+            m_delegate->models().settings().setOutputFormat(OutputFormat::png);
+        }
+        return *m_delegate;
+    }
+
+    ProcessingModel& model() { return delegate().models().processingModel(); }
+
+    /// A file with the name of a picture that is none: it fails, and that is a result as well.
+    QUrl brokenPicture(const char* name)
+    {
+        writeFile(m_folder / "pictures" / name, std::string_view("no picture"));
+        return platform::fileUrl(m_folder / "pictures" / name);
+    }
+
+    bool waitForResults(qsizetype count)
+    {
+        return QTest::qWaitFor(
+            [&] { return model().results().size() == count && !model().isProcessing(); }, 20000);
+    }
+
+    // The world that the program finds when it is first asked for.
+    QDBusConnection m_bus { QStringLiteral("no such connection") };
+    std::chrono::milliseconds m_windowGrowingTime { 0 };
+
+    TemporaryFolder m_folder;
+    PreferencesFile m_preferences;
+    int m_quits = 0;
+    std::unique_ptr<AppDelegate> m_delegate;
+};
+
+} // namespace vellumine::test
