@@ -4,6 +4,19 @@
 
 namespace vellumine::test {
 
+OnPrivateBus::OnPrivateBus()
+{
+    if (!QCoreApplication::instance()) {
+        m_application = std::make_unique<QCoreApplication>(m_argumentCount, m_arguments.data());
+    }
+    const QString daemon = QStandardPaths::findExecutable(QStringLiteral("dbus-daemon"));
+    if (!daemon.isEmpty()) {
+        m_daemon.start(daemon,
+            { QStringLiteral("--session"), QStringLiteral("--nofork"),
+                QStringLiteral("--nopidfile"), QStringLiteral("--print-address=1") });
+    }
+}
+
 OnPrivateBus::~OnPrivateBus()
 {
     for (const QString& process : m_processes) {
@@ -16,16 +29,9 @@ OnPrivateBus::~OnPrivateBus()
 
 void OnPrivateBus::SetUp()
 {
-    if (!QCoreApplication::instance()) {
-        m_application = std::make_unique<QCoreApplication>(m_argumentCount, m_arguments.data());
-    }
-    const QString daemon = QStandardPaths::findExecutable(QStringLiteral("dbus-daemon"));
-    if (daemon.isEmpty()) {
+    if (m_daemon.program().isEmpty()) {
         GTEST_SKIP() << "dbus-daemon is not installed";
     }
-    m_daemon.start(daemon,
-        { QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--nopidfile"),
-            QStringLiteral("--print-address=1") });
     ASSERT_TRUE(m_daemon.waitForStarted());
     while (!m_daemon.canReadLine()) {
         ASSERT_TRUE(m_daemon.waitForReadyRead());

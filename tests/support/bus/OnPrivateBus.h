@@ -18,6 +18,8 @@ namespace vellumine::test {
 /// connection plays a process. Skips the test where there is no bus daemon.
 class OnPrivateBus : public testing::Test {
 protected:
+    /// Starts the daemon: before whatever a fixture of this kind holds starts threads.
+    OnPrivateBus();
     ~OnPrivateBus() override;
 
     void SetUp() override;
