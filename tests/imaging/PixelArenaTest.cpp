@@ -1,8 +1,6 @@
 #include "imaging/PixelArena.h"
 
 #include "imaging/PixelMemory.h"
-
-#include "imaging/PixelMemory.h"
 #include "support/ProcessMemory.h"
 
 #include <gtest/gtest.h>
