@@ -40,8 +40,8 @@ inline void touchPixels(const imaging::Image& image)
 inline void drawPicture(
     const imaging::Codec& codec, imaging::ByteSpan file, const imaging::Image& rows)
 {
-    const auto decoded = codec.decode(file,
-        { .limits = fuzzLimits, .region = std::nullopt, .use = imaging::ImageUse::toBeDrawn });
+    const auto decoded = codec.decode(
+        file, { .limits = fuzzLimits, .wish = { .use = imaging::ImageUse::toBeDrawn } });
     require(decoded.has_value() && decoded->image.size() == rows.size());
     const auto laidOut = decoded->image.withRows();
     require(laidOut.has_value());
