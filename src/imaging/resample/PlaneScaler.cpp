@@ -61,7 +61,8 @@ private:
 
 constexpr std::size_t roundedUp(int value, int to)
 {
-    return static_cast<std::size_t>((value + to - 1) / to * to);
+    const int multiples = (value + to - 1) / to;
+    return static_cast<std::size_t>(multiples) * static_cast<std::size_t>(to);
 }
 
 /// Rows become columns: both halves of the rows are threaded into each other until every number has

@@ -96,10 +96,10 @@ bool PlannedDrawing::isFor(const Drawing& drawing, Size stored)
         && target.width <= stored.width && target.height <= stored.height;
 }
 
-PlannedDrawing::PlannedDrawing(Size stored, const ColorSpace& colorSpace, Drawing drawing,
+PlannedDrawing::PlannedDrawing(Size stored, ColorSpace colorSpace, Drawing drawing,
     ColorTransform&& transform, PixelBuffer&& target, YccPlanes&& kept, Rect keptPart)
     : m_stored(stored)
-    , m_colorSpace(colorSpace)
+    , m_colorSpace(std::move(colorSpace))
     , m_drawing(std::move(drawing))
     , m_transform(std::move(transform))
     , m_target(std::move(target))

@@ -39,8 +39,8 @@ public:
     [[nodiscard]] std::shared_ptr<const DeferredPixels> finish() &&;
 
 private:
-    PlannedDrawing(Size stored, const ColorSpace& colorSpace, Drawing drawing,
-        ColorTransform&& transform, PixelBuffer&& target, YccPlanes&& kept, Rect keptPart);
+    PlannedDrawing(Size stored, ColorSpace colorSpace, Drawing drawing, ColorTransform&& transform,
+        PixelBuffer&& target, YccPlanes&& kept, Rect keptPart);
     [[nodiscard]] Result<void> begin(Subsampling subsampling);
     void keep(const YccPlanes& rows);
 
