@@ -31,6 +31,9 @@ class Programs:
         self.photos = photos
         self.samples = samples
         self.scratch = scratch
+        # Not what years of other programs have left behind: a folder that is long is slow.
+        self.temporary = scratch / "temporary"
+        self.temporary.mkdir()
 
     def folder(self, name):
         """An empty folder of that name."""
@@ -50,7 +53,8 @@ class Programs:
                     "destinationFolderBookmark": self.folder(output), **settings}
         words = [word for key, value in settings.items() for word in ("--set", f"{key}={value}")]
         return run([self.program, *words, *(files or self.photos)],
-                   {"HOME": str(self.scratch), **(environment or {})}, accepted=(0, 1))
+                   {"HOME": str(self.scratch), "TMPDIR": str(self.temporary),
+                    **(environment or {})}, accepted=(0, 1))
 
     def convert_to_jpeg(self):
         return self.convert(outputFormat="jpeg")

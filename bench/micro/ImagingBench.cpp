@@ -60,8 +60,7 @@ void decode(benchmark::State& state, UniformType type)
     const imaging::Codec& codec = imaging::codecForType(type);
     const imaging::ByteBuffer file = codec.encode(cameraPhoto(), atQuality(0.9)).value();
     for ([[maybe_unused]] auto iteration : state) {
-        const auto decoded
-            = codec.decode(file, { .limits = imaging::Limits(), .region = std::nullopt });
+        const auto decoded = codec.decode(file, { .limits = {}, .wish = {} });
         if (!decoded) {
             state.SkipWithError(decoded.error().detail.c_str());
             break;

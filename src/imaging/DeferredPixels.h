@@ -20,12 +20,6 @@ struct Drawing {
     Orientation orientation; ///< in which the picture is stored; it is drawn upright
 };
 
-/// What becomes of a decoded picture.
-enum class ImageUse {
-    asRows, ///< it is needed in rows, the whole of it or parts
-    toBeDrawn, ///< into a bitmap: its pixels may be deferred where that is faster
-};
-
 /// The pixels of a picture that is decoded, but not laid out in rows: in planes, or in another
 /// process. Only what is asked for is ever laid out. Immutable and safe for several threads.
 class DeferredPixels {

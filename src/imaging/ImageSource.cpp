@@ -48,17 +48,17 @@ struct ImageSource::State {
     std::optional<ImageProperties> properties;
     Orientation orientation = Orientation::topLeft;
 
-    const Result<Image>& picture(ImageUse use = ImageUse::asRows);
+    const Result<Image>& picture(const PictureWish& wish = {});
     void adopt(SourcePicture picture);
 };
 
 // The whole picture, which is decoded unless that was tried before.
-const Result<Image>& ImageSource::State::picture(ImageUse use)
+const Result<Image>& ImageSource::State::picture(const PictureWish& wish)
 {
     if (decoded) {
         return *decoded;
     }
-    auto result = decoder->decode({ .region = std::nullopt, .use = use });
+    auto result = decoder->decode(wish);
     if (result) {
         adopt(std::move(*result));
     } else {
@@ -128,9 +128,10 @@ std::uint64_t ImageSource::decodedBytes() const
         * static_cast<std::uint64_t>(header.layout.bytesPerPixel());
 }
 
-Result<Image> ImageSource::image(ImageUse use)
+Result<Image> ImageSource::image(ImageUse use, const std::optional<DrawingPlan>& plan)
 {
-    const Result<Image>& picture = m_state->picture(use);
+    const Result<Image>& picture
+        = m_state->picture({ .region = std::nullopt, .use = use, .plan = plan });
     return picture && use == ImageUse::asRows ? picture->withRows() : picture;
 }
 
@@ -164,7 +165,8 @@ Result<Image> ImageSource::imageRegion(Rect region)
         return failure(Error::Kind::malformed, "the part lies outside of the picture");
     }
     if (!m_state->decoded) {
-        auto part = m_state->decoder->decode({ .region = region, .use = ImageUse::asRows });
+        auto part = m_state->decoder->decode(
+            { .region = region, .use = ImageUse::asRows, .plan = std::nullopt });
         if (part && part->isRegion) {
             return std::move(part->image);
         }

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "imaging/Bytes.h"
-#include "imaging/DeferredPixels.h"
 #include "imaging/Error.h"
 #include "imaging/Image.h"
 #include "imaging/ImageProperties.h"
 #include "imaging/Limits.h"
 #include "imaging/Orientation.h"
+#include "imaging/PictureWish.h"
 #include "imaging/UniformType.h"
 
 #include <filesystem>
@@ -44,8 +44,10 @@ public:
     /// Memory that the decoded picture takes, from the header, in bytes.
     [[nodiscard]] std::uint64_t decodedBytes() const;
 
-    /// The first picture as it is stored. It is decoded for the use that is named first.
-    Result<Image> image(ImageUse use = ImageUse::asRows);
+    /// The first picture as it is stored. It is decoded for the use that is named first, and for
+    /// the drawing that is planned then.
+    Result<Image> image(
+        ImageUse use = ImageUse::asRows, const std::optional<DrawingPlan>& plan = std::nullopt);
     /// Its properties; decodes the picture when that has not happened yet.
     Result<ImageProperties> properties();
     /// The first picture turned upright, scaled down to fit `maximumPixelSize` on its longer side

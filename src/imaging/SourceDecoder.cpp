@@ -1,11 +1,17 @@
 #include "imaging/SourceDecoder.h"
 
+#include "imaging/BitmapContext.h"
+#include "imaging/DeferredPixels.h"
 #include "imaging/codecs/CodecTable.h"
 #include "imaging/metadata/Metadata.h"
 
 #include <algorithm>
+#include <memory>
+#include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace vellumine::imaging {
 
@@ -42,6 +48,51 @@ std::optional<PropertyKey> dictionaryOf(UniformType type)
     }
 }
 
+/// What a codec has drawn as it was planned. Where something else is asked for after all, the file
+/// is decoded once more, the whole of it.
+class DrawnByCodec final : public DeferredPixels {
+public:
+    DrawnByCodec(std::shared_ptr<const DeferredPixels> drawn, const Codec& codec,
+        const Limits& limits, std::shared_ptr<const ByteBuffer> file)
+        : m_drawn(std::move(drawn))
+        , m_codec(codec)
+        , m_limits(limits)
+        , m_file(std::move(file))
+    {
+    }
+
+    [[nodiscard]] Result<Image> rows(Rect part) const override
+    {
+        return orElse(m_drawn->rows(part), [part](const Image& whole) { return whole.rows(part); });
+    }
+    [[nodiscard]] Result<Image> drawn(const Drawing& drawing) const override
+    {
+        return orElse(m_drawn->drawn(drawing),
+            [&drawing](const Image& whole) { return drawnUpright(whole, drawing); });
+    }
+
+private:
+    template <typename Make> Result<Image> orElse(Result<Image> made, const Make& make) const
+    {
+        if (made || made.error().kind != Error::Kind::unsupported) {
+            return made;
+        }
+        const std::scoped_lock lock(m_mutex);
+        if (!m_whole) {
+            m_whole = m_codec.decode(*m_file, { .limits = m_limits, .wish = {} })
+                          .map([](DecodedImage&& picture) { return std::move(picture.image); });
+        }
+        return m_whole->and_then(make);
+    }
+
+    const std::shared_ptr<const DeferredPixels> m_drawn;
+    const Codec& m_codec;
+    const Limits m_limits;
+    const std::shared_ptr<const ByteBuffer> m_file;
+    mutable std::mutex m_mutex;
+    mutable std::optional<Result<Image>> m_whole;
+};
+
 class CodecDecoder final : public SourceDecoder {
 public:
     CodecDecoder(
@@ -49,7 +100,7 @@ public:
         : m_codec(codec)
         , m_header(header)
         , m_limits(limits)
-        , m_file(std::move(file))
+        , m_file(std::make_shared<const ByteBuffer>(std::move(file)))
     {
     }
 
@@ -58,13 +109,18 @@ public:
 
     Result<SourcePicture> decode(const PictureWish& wish) override
     {
-        auto decoded = m_codec.decode(
-            m_file, { .limits = m_limits, .region = wish.region, .use = wish.use });
+        auto decoded = m_codec.decode(*m_file, { .limits = m_limits, .wish = wish });
         if (!decoded) {
             return tl::unexpected(std::move(decoded.error()));
         }
         if (decoded->isRegion) {
             return SourcePicture { std::move(decoded->image), true, Orientation::topLeft, {} };
+        }
+        if (decoded->isDrawn) {
+            const Image& image = decoded->image;
+            decoded->image = Image(image.size(), image.layout(), image.colorSpace(),
+                std::make_shared<DrawnByCodec>(image.deferred(), m_codec, m_limits, m_file),
+                Orientation::topLeft);
         }
         return described(std::move(*decoded));
     }
@@ -72,7 +128,7 @@ public:
 private:
     [[nodiscard]] SourcePicture described(DecodedImage picture) const
     {
-        MetadataBlocks blocks = m_codec.type == UniformType::tiff ? metadata::readTiff(m_file)
+        MetadataBlocks blocks = m_codec.type == UniformType::tiff ? metadata::readTiff(*m_file)
                                                                   : std::move(picture.metadata);
         const auto known
             = picture.orientation ? picture.orientation : metadata::orientation(blocks);
@@ -98,7 +154,7 @@ private:
     const Codec& m_codec;
     ImageHeader m_header;
     Limits m_limits;
-    ByteBuffer m_file;
+    std::shared_ptr<const ByteBuffer> m_file;
 };
 
 } // namespace

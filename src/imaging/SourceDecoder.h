@@ -1,7 +1,6 @@
 #pragma once
 
 #include "imaging/Bytes.h"
-#include "imaging/DeferredPixels.h"
 #include "imaging/Error.h"
 #include "imaging/FileDescriptor.h"
 #include "imaging/Geometry.h"
@@ -9,6 +8,7 @@
 #include "imaging/ImageProperties.h"
 #include "imaging/Limits.h"
 #include "imaging/Orientation.h"
+#include "imaging/PictureWish.h"
 #include "imaging/UniformType.h"
 #include "imaging/codecs/Codec.h"
 
@@ -24,12 +24,6 @@ struct SourcePicture {
     bool isRegion = false;
     Orientation orientation = Orientation::topLeft;
     ImageProperties properties;
-};
-
-/// What of a picture is wanted, and what for.
-struct PictureWish {
-    std::optional<Rect> region; ///< the only part of the stored picture that is needed
-    ImageUse use = ImageUse::asRows;
 };
 
 /// An open picture file of known type whose header was found good: what an ImageSource stands on.

@@ -6,6 +6,7 @@
 #if defined(__x86_64__) && defined(__linux__) && defined(__GNUC__) && !defined(__clang__)          \
     && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 #define VELLUMINE_VECTOR_CLONES [[gnu::target_clones("avx2", "default")]]
+#define VELLUMINE_HAS_VECTOR_CLONES
 #else
 #define VELLUMINE_VECTOR_CLONES
 #endif

@@ -23,15 +23,19 @@ using platform::toPath;
 
 namespace {
 
-/// Whether the picture will be drawn. Which of its sides the limit is for is known when it is
-/// upright; until then it may be either.
-imaging::ImageUse useOf(imaging::Size stored, const OptimizerSettings& settings)
+/// How the picture will be drawn; none when it will stay as it is. Which of its sides the limit is
+/// for is known when it is upright; until then it may be either.
+std::optional<imaging::DrawingPlan> planOf(imaging::Size stored, const OptimizerSettings& settings)
 {
     const imaging::Size turned { stored.height, stored.width };
-    const bool isDrawn = settings.optimizeColorForSharing || settings.removeColorManagement
-        || ImageOptimizer::transformedSize(stored, settings) != stored
-        || ImageOptimizer::transformedSize(turned, settings) != turned;
-    return isDrawn ? imaging::ImageUse::toBeDrawn : imaging::ImageUse::asRows;
+    const imaging::DrawingPlan plan { .size = ImageOptimizer::transformedSize(stored, settings),
+        .turnedSize = ImageOptimizer::transformedSize(turned, settings),
+        .colors = ImageOptimizer::bitmapColors(settings),
+        .quality = imaging::InterpolationQuality::high,
+        .middle = ComparisonSampler::largest };
+    const bool isDrawn = plan.colors != imaging::BitmapColors::own || plan.size != stored
+        || plan.turnedSize != turned;
+    return isDrawn ? std::optional(plan) : std::nullopt;
 }
 
 /// All that is left of the source when it has been read: everything that writing needs.
@@ -108,7 +112,9 @@ imaging::Result<Image> broughtHere(const Image& image, const OptimizerSettings& 
 Outcome<Prepared> prepare(ImageSource source, const QUrl& url, const OptimizerSettings& settings,
     const ConversionEnvironment& environment)
 {
-    const auto decoded = source.image(useOf(source.storedSize(), settings));
+    const auto plan = planOf(source.storedSize(), settings);
+    const auto decoded
+        = source.image(plan ? imaging::ImageUse::toBeDrawn : imaging::ImageUse::asRows, plan);
     if (!decoded) {
         return failed(UnreadableImage {});
     }

@@ -47,6 +47,9 @@ public:
     [[nodiscard]] static imaging::Image transformed(
         const imaging::Image& image, const OptimizerSettings& settings);
 
+    /// The colours in which transformed() draws.
+    [[nodiscard]] static imaging::BitmapColors bitmapColors(const OptimizerSettings& settings);
+
     /// The size that transformed() gives a picture. The sides' ratio is kept, fractions of a pixel
     /// are cut off, no side falls below 1, and nothing is enlarged.
     [[nodiscard]] static imaging::Size transformedSize(

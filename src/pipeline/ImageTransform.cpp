@@ -9,8 +9,8 @@
 
 namespace vellumine {
 
+using imaging::BitmapColors;
 using imaging::BitmapContext;
-using imaging::ColorSpace;
 using imaging::Image;
 using imaging::Size;
 
@@ -41,23 +41,20 @@ int scaledSide(int side, double scale)
     return std::max(1, static_cast<int>(scaled));
 }
 
-ColorSpace colorSpaceOfRedraw(const Image& image, const OptimizerSettings& settings)
-{
-    if (settings.optimizeColorForSharing) {
-        return ColorSpace::sRgb();
-    }
-    if (settings.removeColorManagement) {
-        return ColorSpace::deviceRgb();
-    }
-    return image.colorSpace();
-}
-
 } // namespace
 
 Image ImageOptimizer::oriented(imaging::ImageSource& source, const Image& fallback)
 {
     return source.thumbnailWithTransform(std::max(fallback.width(), fallback.height()))
         .value_or(fallback);
+}
+
+BitmapColors ImageOptimizer::bitmapColors(const OptimizerSettings& settings)
+{
+    if (settings.optimizeColorForSharing) {
+        return BitmapColors::sRgb;
+    }
+    return settings.removeColorManagement ? BitmapColors::deviceRgb : BitmapColors::own;
 }
 
 Size ImageOptimizer::transformedSize(Size size, const OptimizerSettings& settings)
@@ -74,11 +71,11 @@ Size ImageOptimizer::transformedSize(Size size, const OptimizerSettings& setting
 Image ImageOptimizer::transformed(const Image& image, const OptimizerSettings& settings)
 {
     const Size size = transformedSize(image.size(), settings);
-    if (size == image.size() && !settings.optimizeColorForSharing
-        && !settings.removeColorManagement) {
+    const BitmapColors colors = bitmapColors(settings);
+    if (size == image.size() && colors == BitmapColors::own) {
         return image;
     }
-    auto context = BitmapContext::create(size, 8, colorSpaceOfRedraw(image, settings));
+    auto context = BitmapContext::create(size, 8, colorSpaceOf(colors, image.colorSpace()));
     if (!context) {
         return image; // grey or CMYK that is to keep its colours
     }

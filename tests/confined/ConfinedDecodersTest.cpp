@@ -220,6 +220,33 @@ TEST_F(Confined, aDrawnPictureThatItsHelperForgotIsDrawnAgain)
     EXPECT_EQ(m_decoders.deathCount(), 0U);
 }
 
+TEST_F(Confined, aPictureIsDrawnWhileItIsDecodedAsInTheProgram)
+{
+    const auto path = picture(UniformType::jpeg, { 300, 200 });
+    const imaging::DrawingPlan plan { .size = { 150, 100 },
+        .turnedSize = { 100, 150 },
+        .colors = imaging::BitmapColors::sRgb,
+        .quality = imaging::InterpolationQuality::high,
+        .middle = { 72, 46 } };
+    const Image here
+        = ImageSource::create(path, Limits())->image(imaging::ImageUse::toBeDrawn, plan).value();
+    for (const Handover handover : { Handover::fetched, Handover::shared }) {
+        ConfinedDecoders decoders(VELLUMINE_DECODER, {}, handover);
+        const Image there
+            = decoders.open(path, Limits())->image(imaging::ImageUse::toBeDrawn, plan).value();
+        ASSERT_FALSE(there.hasRows());
+        EXPECT_TRUE(areEqual(drawnWhereItIs(there, { 150, 100 }).withRows().value(),
+            drawnWhereItIs(here, { 150, 100 })));
+        const Rect middle { 114, 77, 72, 46 };
+        EXPECT_TRUE(areEqual(there.rows(middle).value(), here.rows(middle).value()));
+        // What was not planned.
+        EXPECT_TRUE(areEqual(drawnWhereItIs(there, { 75, 50 }).withRows().value(),
+            drawnWhereItIs(here, { 75, 50 })));
+        EXPECT_TRUE(areEqual(there.withRows().value(), here.withRows().value()));
+        EXPECT_EQ(decoders.deathCount(), 0U);
+    }
+}
+
 TEST_F(Confined, aPictureThatStaysWithItsHelperGivesItsRows)
 {
     const auto path = picture(UniformType::jpeg, { 300, 200 });

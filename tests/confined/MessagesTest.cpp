@@ -14,6 +14,7 @@ namespace vellumine::confined {
 namespace {
 
 using imaging::AlphaInfo;
+using imaging::BitmapColors;
 using imaging::ByteBuffer;
 using imaging::ByteSpan;
 using imaging::ColorModel;
@@ -32,6 +33,12 @@ DecodedReply decodedReply()
         .attachmentsAddress = 8192,
         .attachmentsBytes = 12 };
 }
+
+constexpr imaging::DrawingPlan plan { .size = { 50, 60 },
+    .turnedSize = { 60, 50 },
+    .colors = BitmapColors::own,
+    .quality = imaging::InterpolationQuality::medium,
+    .middle = { 9, 7 } };
 
 constexpr DrawRequest drawRequest { { 5, 6 }, BitmapColors::deviceRgb,
     imaging::InterpolationQuality::low, imaging::Orientation::leftTop };
@@ -58,11 +65,21 @@ TEST(Messages, requestsComeBackAsTheyWere)
         = std::get<DecodeRequest>(*parseRequest(serialised(Request(DecodeRequest {}))));
     EXPECT_FALSE(whole.wish.region);
     EXPECT_EQ(whole.wish.use, imaging::ImageUse::asRows);
+    EXPECT_FALSE(whole.wish.plan);
     const imaging::Rect rect { 1, -2, 3, 4 };
     const auto part = std::get<DecodeRequest>(*parseRequest(
         serialised(Request(DecodeRequest { { rect, imaging::ImageUse::toBeDrawn } }))));
     EXPECT_EQ(part.wish.region, rect);
     EXPECT_EQ(part.wish.use, imaging::ImageUse::toBeDrawn);
+    const auto planned = std::get<DecodeRequest>(*parseRequest(serialised(
+        Request(DecodeRequest { { std::nullopt, imaging::ImageUse::toBeDrawn, plan } }))));
+    EXPECT_FALSE(planned.wish.region);
+    ASSERT_TRUE(planned.wish.plan);
+    EXPECT_EQ(planned.wish.plan->size, plan.size);
+    EXPECT_EQ(planned.wish.plan->turnedSize, plan.turnedSize);
+    EXPECT_EQ(planned.wish.plan->colors, plan.colors);
+    EXPECT_EQ(planned.wish.plan->quality, plan.quality);
+    EXPECT_EQ(planned.wish.plan->middle, plan.middle);
     EXPECT_EQ(
         std::get<RowsRequest>(*parseRequest(serialised(Request(RowsRequest { rect })))).part, rect);
     const auto draw = std::get<DrawRequest>(*parseRequest(serialised(Request(drawRequest))));
@@ -121,6 +138,7 @@ TEST(Messages, areRefusedWhenTheyAreCutOrLonger)
     }
     for (const Request& request :
         { Request(OpenRequest {}), Request(DecodeRequest { { imaging::Rect { 1, 2, 3, 4 } } }),
+            Request(DecodeRequest { { std::nullopt, imaging::ImageUse::toBeDrawn, plan } }),
             Request(RowsRequest { { 1, 2, 3, 4 } }), Request(drawRequest) }) {
         ByteBuffer bytes = serialised(request);
         for (std::size_t length = 0; length < bytes.size(); ++length) {
@@ -189,6 +207,25 @@ TEST(Messages, drawingsThatCannotBeAreRefused)
     EXPECT_TRUE(isRefused(
         [](DrawRequest& request) { request.orientation = static_cast<imaging::Orientation>(9); }));
     EXPECT_FALSE(isRefused([](DrawRequest&) {}));
+}
+
+TEST(Messages, plansThatCannotBeAreRefused)
+{
+    const auto isRefused = [](void (*spoil)(imaging::DrawingPlan&)) {
+        imaging::DrawingPlan spoiled = plan;
+        spoil(spoiled);
+        return !parseRequest(serialised(
+            Request(DecodeRequest { { std::nullopt, imaging::ImageUse::toBeDrawn, spoiled } })));
+    };
+    EXPECT_TRUE(isRefused([](imaging::DrawingPlan& bad) { bad.size.width = 0; }));
+    EXPECT_TRUE(isRefused([](imaging::DrawingPlan& bad) { bad.turnedSize.height = -1; }));
+    EXPECT_TRUE(isRefused([](imaging::DrawingPlan& bad) { bad.middle = {}; }));
+    EXPECT_TRUE(
+        isRefused([](imaging::DrawingPlan& bad) { bad.colors = static_cast<BitmapColors>(3); }));
+    EXPECT_TRUE(isRefused([](imaging::DrawingPlan& bad) {
+        bad.quality = static_cast<imaging::InterpolationQuality>(4);
+    }));
+    EXPECT_FALSE(isRefused([](imaging::DrawingPlan&) {}));
 }
 
 TEST(Messages, thoseWithoutContentAreToldApart)

@@ -36,12 +36,42 @@ inline void touchPixels(const imaging::Image& image)
     [[maybe_unused]] volatile unsigned sink = sum;
 }
 
+/// The file drawn while it is decoded, where it can be: its middle is the picture's.
+inline void drawAsPlanned(
+    const imaging::Codec& codec, imaging::ByteSpan file, const imaging::Image& rows)
+{
+    const imaging::Size half { (rows.width() + 1) / 2, (rows.height() + 1) / 2 };
+    const imaging::Size middle { std::min(rows.width(), 24), std::min(rows.height(), 16) };
+    const auto decoded = codec.decode(file,
+        { .limits = fuzzLimits,
+            .wish = { .use = imaging::ImageUse::toBeDrawn,
+                .plan
+                = imaging::DrawingPlan { .size = half, .turnedSize = half, .middle = middle } } });
+    require(decoded.has_value() && decoded->image.size() == rows.size());
+    if (!decoded->isDrawn) {
+        return;
+    }
+    const imaging::Rect part = centredRect(rows.size(), middle);
+    const auto kept = decoded->image.rows(part);
+    require(kept.has_value());
+    for (int y = 0; y < part.height; ++y) {
+        require(std::ranges::equal(kept->row(y), rows.cropped(part).row(y)));
+    }
+    for (int tag = 1; tag <= 8; ++tag) {
+        const auto drawn = decoded->image.deferred()->drawn({ half, imaging::ColorSpace::sRgb(),
+            imaging::InterpolationQuality::high, *imaging::orientationFromTag(tag) });
+        if (drawn) {
+            touchPixels(*drawn);
+        }
+    }
+}
+
 /// The file decoded to be drawn: the same picture, which can be drawn small.
 inline void drawPicture(
     const imaging::Codec& codec, imaging::ByteSpan file, const imaging::Image& rows)
 {
-    const auto decoded = codec.decode(file,
-        { .limits = fuzzLimits, .region = std::nullopt, .use = imaging::ImageUse::toBeDrawn });
+    const auto decoded = codec.decode(
+        file, { .limits = fuzzLimits, .wish = { .use = imaging::ImageUse::toBeDrawn } });
     require(decoded.has_value() && decoded->image.size() == rows.size());
     const auto laidOut = decoded->image.withRows();
     require(laidOut.has_value());
@@ -56,6 +86,9 @@ inline void drawPicture(
     if (context->draw(decoded->image)) {
         touchPixels(std::move(*context).makeImage().value());
     }
+    if (!decoded->image.hasRows()) {
+        drawAsPlanned(codec, file, rows);
+    }
 }
 
 /// The body of every decoder's fuzz target: the header, the whole picture and the middle of it.
@@ -64,7 +97,7 @@ inline int fuzzDecoder(const imaging::Codec& codec, const std::uint8_t* data, st
 {
     const auto file = std::as_bytes(std::span(data, size));
     const auto header = codec.readHeader(file);
-    const auto decoded = codec.decode(file, { .limits = fuzzLimits, .region = std::nullopt });
+    const auto decoded = codec.decode(file, { .limits = fuzzLimits, .wish = {} });
     if (!decoded) {
         return 0;
     }
@@ -77,7 +110,7 @@ inline int fuzzDecoder(const imaging::Codec& codec, const std::uint8_t* data, st
     const imaging::Size stored = decoded->storedSize;
     const imaging::Rect middle
         = imaging::centredRect(stored, { (stored.width + 1) / 2, (stored.height + 1) / 2 });
-    const auto part = codec.decode(file, { .limits = fuzzLimits, .region = middle });
+    const auto part = codec.decode(file, { .limits = fuzzLimits, .wish = { .region = middle } });
     // The rest of the file need not be looked at for a part, the other way round it must be.
     require(part.has_value() && part->storedSize == stored);
     require(part->image.size() == (part->isRegion ? middle.size() : stored));

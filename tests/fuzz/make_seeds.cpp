@@ -96,12 +96,14 @@ void append(ByteBuffer& seed, const ByteBuffer& message)
 ByteBuffer requestsSeed(const Codec& codec)
 {
     using confined::Request;
-    const std::array<Request, 7> requests { confined::OpenRequest {},
+    const DrawingPlan plan { .size = { 9, 7 }, .turnedSize = { 7, 9 }, .middle = { 8, 8 } };
+    const std::array<Request, 8> requests { confined::OpenRequest {},
         confined::DecodeRequest { { Rect { 3, 2, 8, 8 } } },
         confined::DecodeRequest { { std::nullopt, ImageUse::toBeDrawn } },
+        confined::DecodeRequest { { std::nullopt, ImageUse::toBeDrawn, plan } },
         confined::ShareRequest {}, confined::RowsRequest { { 3, 2, 8, 8 } },
-        confined::DrawRequest { { 9, 7 }, confined::BitmapColors::deviceRgb,
-            InterpolationQuality::high, Orientation::rightTop },
+        confined::DrawRequest {
+            { 9, 7 }, BitmapColors::deviceRgb, InterpolationQuality::high, Orientation::rightTop },
         confined::ShareRequest {} };
     ByteBuffer seed { static_cast<std::byte>(requests.size()) };
     for (const Request& request : requests) {

@@ -8,6 +8,7 @@
 
 namespace vellumine::confined {
 
+using imaging::BitmapColors;
 using imaging::ColorSpace;
 using imaging::Drawing;
 using imaging::Image;
@@ -19,10 +20,8 @@ namespace {
 /// None for colours that a helper cannot be told.
 std::optional<BitmapColors> bitmapColors(const ColorSpace& wanted, const ColorSpace& own)
 {
-    for (const auto& [colors, space] : { std::pair(BitmapColors::sRgb, ColorSpace::sRgb()),
-             std::pair(BitmapColors::deviceRgb, ColorSpace::deviceRgb()),
-             std::pair(BitmapColors::own, own) }) {
-        if (wanted == space) {
+    for (const auto colors : { BitmapColors::sRgb, BitmapColors::deviceRgb, BitmapColors::own }) {
+        if (wanted == colorSpaceOf(colors, own)) {
             return colors;
         }
     }

@@ -68,6 +68,15 @@ void write(ByteWriter& writer, const PixelLayout& layout)
     writer.number(static_cast<std::uint8_t>(layout.alpha));
 }
 
+void write(ByteWriter& writer, const imaging::DrawingPlan& plan)
+{
+    write(writer, plan.size);
+    write(writer, plan.turnedSize);
+    writer.number(static_cast<std::uint8_t>(plan.colors));
+    writer.number(static_cast<std::uint8_t>(plan.quality));
+    write(writer, plan.middle);
+}
+
 Size readSize(ByteReader& reader)
 {
     const auto width = reader.number<std::int32_t>();
@@ -190,17 +199,41 @@ OpenRequest readOpen(ByteReader& reader)
     return { limits };
 }
 
+std::optional<imaging::DrawingPlan> readPlan(ByteReader& reader)
+{
+    imaging::DrawingPlan plan;
+    plan.size = readSize(reader);
+    plan.turnedSize = readSize(reader);
+    const auto colors = readEnumerator(reader, imaging::BitmapColors::own);
+    const auto quality = readEnumerator(reader, imaging::InterpolationQuality::high);
+    plan.middle = readSize(reader);
+    if (!colors || !quality || !hasPixels(plan.size) || !hasPixels(plan.turnedSize)
+        || !hasPixels(plan.middle)) {
+        return std::nullopt;
+    }
+    plan.colors = *colors;
+    plan.quality = *quality;
+    return plan;
+}
+
 enum class HasRegion { no, yes };
 
 std::optional<Request> readDecode(ByteReader& reader, HasRegion hasRegion)
 {
     const auto use = readEnumerator(reader, imaging::ImageUse::toBeDrawn);
-    if (!use) {
+    const auto plans = reader.number<std::uint8_t>();
+    if (!use || plans > 1) {
         return std::nullopt;
     }
-    DecodeRequest request { { .region = std::nullopt, .use = *use } };
+    DecodeRequest request { { .region = std::nullopt, .use = *use, .plan = std::nullopt } };
     if (hasRegion == HasRegion::yes) {
         request.wish.region = readRect(reader);
+    }
+    if (plans == 1) {
+        request.wish.plan = readPlan(reader);
+        if (!request.wish.plan) {
+            return std::nullopt;
+        }
     }
     return request;
 }
@@ -208,7 +241,7 @@ std::optional<Request> readDecode(ByteReader& reader, HasRegion hasRegion)
 std::optional<Request> readDraw(ByteReader& reader)
 {
     const Size size = readSize(reader);
-    const auto colors = readEnumerator(reader, BitmapColors::own);
+    const auto colors = readEnumerator(reader, imaging::BitmapColors::own);
     const auto quality = readEnumerator(reader, imaging::InterpolationQuality::high);
     const auto orientation = imaging::orientationFromTag(reader.number<std::uint8_t>());
     if (!colors || !quality || !orientation || !hasPixels(size)) {
@@ -229,11 +262,15 @@ struct Serialiser {
     }
     void operator()(const DecodeRequest& request)
     {
-        const auto& [region, use] = request.wish;
+        const auto& [region, use, plan] = request.wish;
         write(writer, region ? Tag::decodeRegion : Tag::decode);
         writer.number(static_cast<std::uint8_t>(use));
+        writer.number(static_cast<std::uint8_t>(plan.has_value()));
         if (region) {
             write(writer, *region);
+        }
+        if (plan) {
+            write(writer, *plan);
         }
     }
     void operator()(const RowsRequest& request)

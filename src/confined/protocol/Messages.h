@@ -6,6 +6,7 @@
 #include "imaging/Geometry.h"
 #include "imaging/Limits.h"
 #include "imaging/Orientation.h"
+#include "imaging/PictureWish.h"
 #include "imaging/PixelLayout.h"
 #include "imaging/SourceDecoder.h"
 #include "imaging/UniformType.h"
@@ -28,7 +29,7 @@ namespace vellumine::confined {
 // and lies within the limits that were asked with, is believed.
 
 /// Changes with the messages, so that a helper of another build is noticed.
-inline constexpr std::uint32_t protocolVersion = 3;
+inline constexpr std::uint32_t protocolVersion = 4;
 
 /// Longer messages are not sent and not read.
 inline constexpr std::size_t largestMessage = 4096;
@@ -48,17 +49,10 @@ struct RowsRequest {
     imaging::Rect part;
 };
 
-/// The colours of a bitmap that can be asked for.
-enum class BitmapColors : std::uint8_t {
-    sRgb,
-    deviceRgb,
-    own, ///< the picture's, which must be RGB
-};
-
 /// Draws the decoded picture, upright.
 struct DrawRequest {
     imaging::Size size;
-    BitmapColors colors = BitmapColors::sRgb;
+    imaging::BitmapColors colors = imaging::BitmapColors::sRgb;
     imaging::InterpolationQuality quality = imaging::InterpolationQuality::high;
     imaging::Orientation orientation = imaging::Orientation::topLeft;
 };

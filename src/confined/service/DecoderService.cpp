@@ -4,13 +4,13 @@
 #include "confined/protocol/SharedMemory.h"
 #include "imaging/BitmapContext.h"
 #include "imaging/DeferredPixels.h"
+#include "imaging/PictureWish.h"
 
 #include <cstdint>
 #include <new>
 
 namespace vellumine::confined {
 
-using imaging::ColorSpace;
 using imaging::Error;
 using imaging::FileDescriptor;
 using imaging::Image;
@@ -41,19 +41,6 @@ Result<void> append(SharedMemory& memory, const Image& image)
         }
     }
     return {};
-}
-
-ColorSpace colorSpace(BitmapColors colors, const Image& image)
-{
-    switch (colors) {
-    case BitmapColors::sRgb:
-        return ColorSpace::sRgb();
-    case BitmapColors::deviceRgb:
-        return ColorSpace::deviceRgb();
-    case BitmapColors::own:
-        break;
-    }
-    return image.colorSpace();
 }
 
 } // namespace
@@ -174,7 +161,7 @@ DecoderService::Answer DecoderService::draw(const DrawRequest& request)
     }
     m_drawn.reset(); // its memory may serve this one
     auto image = drawnUpright(*m_picture,
-        { request.size, colorSpace(request.colors, *m_picture), request.quality,
+        { request.size, colorSpaceOf(request.colors, m_picture->colorSpace()), request.quality,
             request.orientation });
     if (image) {
         m_drawn = *image;

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "imaging/Bytes.h"
-#include "imaging/DeferredPixels.h"
 #include "imaging/Error.h"
 #include "imaging/Image.h"
 #include "imaging/Limits.h"
 #include "imaging/Orientation.h"
+#include "imaging/PictureWish.h"
 #include "imaging/UniformType.h"
 #include "imaging/metadata/MetadataBlocks.h"
 
@@ -21,21 +21,24 @@ struct ImageHeader {
 
 struct DecodeOptions {
     Limits limits;
-    /// The only part of the stored picture that is needed. A codec that can decode a part for less
-    /// than the whole does; any other decodes the whole.
-    std::optional<Rect> region;
-    ImageUse use = ImageUse::asRows;
+    /// A codec that can decode a part of the picture for less than the whole does; any other
+    /// decodes the whole. One that can draw as it is planned does that, any other gives it back to
+    /// be drawn.
+    PictureWish wish;
 };
 
 struct DecodedImage {
     Image image;
     /// The size of the whole stored picture, whatever part `image` is.
     Size storedSize;
-    /// True when `image` is `DecodeOptions::region` and not the whole picture.
+    /// True when `image` is the region that was wished for and not the whole picture.
     bool isRegion = false;
     MetadataBlocks metadata;
     /// What the format itself says (TIFF's tag). Without a value, EXIF's orientation counts.
     std::optional<Orientation> orientation;
+    /// True when the picture was drawn as it was planned, and nothing else of it is there but its
+    /// middle: what needs more fails with Unsupported.
+    bool isDrawn = false;
 };
 
 /// Whether the picture's profile is written into the file. Device spaces never have one.

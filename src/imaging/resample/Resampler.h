@@ -3,7 +3,6 @@
 #include "imaging/Error.h"
 #include "imaging/Geometry.h"
 #include "imaging/resample/InterpolationQuality.h"
-#include "imaging/ycc/YccPlanes.h"
 
 #include <array>
 #include <cstdint>
@@ -45,10 +44,5 @@ struct ResampleJob {
 /// Runs the job. When a picture shrinks, the filter is widened by the same factor, so that every
 /// source pixel counts. Fails with OutOfMemory, or with Unsupported for sizes beyond the library's.
 Result<void> resample(const ResampleJob& job);
-
-/// The same for a photograph in planes, whose last pairs must be complete. `write` takes rows of
-/// Y, Cb and Cr, whose samples are 256 times as large as the source's.
-Result<void> resample(
-    const ycc::YccPlanes& source, Size target, ResampleFilter filter, const RowHandler& write);
 
 } // namespace vellumine::imaging

@@ -1,9 +1,10 @@
 #include "imaging/ycc/YccPixels.h"
 
+#include "imaging/BitmapContext.h"
 #include "imaging/colour/ColorTransform.h"
-#include "imaging/resample/Resampler.h"
 #include "imaging/resample/UprightRows.h"
 #include "imaging/ycc/YccRowWriter.h"
+#include "imaging/ycc/YccScaler.h"
 #include "imaging/ycc/YccToRgb.h"
 
 #include <utility>
@@ -14,7 +15,6 @@ YccPixels::YccPixels(YccPlanes planes, ColorSpace colorSpace)
     : m_planes(std::move(planes))
     , m_colorSpace(std::move(colorSpace))
 {
-    m_planes.completeLastPairs();
 }
 
 Result<Image> YccPixels::rows(Rect part) const
@@ -26,6 +26,10 @@ Result<Image> YccPixels::rows(Rect part) const
 
 Result<Image> YccPixels::drawn(const Drawing& drawing) const
 {
+    if (drawing.quality != InterpolationQuality::high) {
+        return rows({ 0, 0, m_planes.size().width, m_planes.size().height })
+            .and_then([&drawing](const Image& image) { return drawnUpright(image, drawing); });
+    }
     const auto transform = ColorTransform::create(m_colorSpace, 8, drawing.colorSpace);
     if (!transform) {
         return tl::unexpected(transform.error());
@@ -42,10 +46,13 @@ Result<Image> YccPixels::drawn(const Drawing& drawing) const
         toRgba(m_planes, *transform, *rows);
     } else {
         YccRowWriter writer(*rows, *transform);
-        const auto done = resample(m_planes, rows->storedSize(), filterFor(drawing.quality),
+        auto scaler = YccScaler::create(m_planes.size(), m_planes.subsampling(), rows->storedSize(),
             [&writer](const PlanarRow& row) { writer.write(row); });
-        if (!done) {
-            return tl::unexpected(done.error());
+        if (!scaler) {
+            return tl::unexpected(scaler.error());
+        }
+        for (int row = 0; row < m_planes.size().height; row += YccBand::rows) {
+            scaler->take(bandAt(m_planes, row));
         }
     }
     return Image(std::move(*target), drawing.colorSpace);

@@ -1,8 +1,6 @@
 #include "imaging/ycc/YccPlanes.h"
 
-#include <algorithm>
 #include <cassert>
-#include <cstring>
 #include <utility>
 
 namespace vellumine::imaging::ycc {
@@ -26,21 +24,19 @@ constexpr Size inPlane(Size size, Subsampling subsampling, int plane)
 Result<YccPlanes> YccPlanes::create(Size size, Subsampling subsampling, Size room)
 {
     assert(size.width > 0 && size.height > 0);
-    // Room for completeLastPairs() too.
-    const Size padded { std::max(room.width, size.width + 1),
-        std::max(room.height, size.height + 1) };
+    assert(room.width >= size.width && room.height >= size.height);
     YccPlanes planes;
     planes.m_size = size;
     planes.m_subsampling = subsampling;
     std::size_t total = 0;
     for (int plane = 0; plane < 3; ++plane) {
-        const Size samples = inPlane(padded, subsampling, plane);
+        const Size samples = inPlane(room, subsampling, plane);
         const std::size_t bytes = alignedUp(static_cast<std::size_t>(samples.width));
         planes.m_rowBytes.at(plane == 0 ? 0 : 1) = bytes;
         planes.m_starts.at(static_cast<std::size_t>(plane)) = total;
         total += bytes * static_cast<std::size_t>(samples.height);
     }
-    planes.m_memory = allocatePixels(total);
+    planes.m_memory = allocatePixels(total + pixelAlignment);
     if (!planes.m_memory) {
         return failure(Error::Kind::outOfMemory, "no memory for the pixels");
     }
@@ -67,19 +63,6 @@ const std::uint8_t* YccPlanes::row(int plane, int y) const
 std::uint8_t* YccPlanes::row(int plane, int y)
 {
     return const_cast<std::uint8_t*>(std::as_const(*this).row(plane, y));
-}
-
-void YccPlanes::completeLastPairs()
-{
-    if (m_size.width % m_subsampling.x != 0) {
-        for (int y = 0; y < m_size.height; ++y) {
-            std::uint8_t* const end = row(0, y) + m_size.width;
-            *end = *(end - 1);
-        }
-    }
-    if (m_size.height % m_subsampling.y != 0) {
-        std::memcpy(row(0, m_size.height), row(0, m_size.height - 1), rowBytes(0));
-    }
 }
 
 } // namespace vellumine::imaging::ycc

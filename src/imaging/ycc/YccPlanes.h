@@ -24,7 +24,8 @@ struct Subsampling {
 class YccPlanes {
 public:
     /// The memory starts out uninitialised. `room` is what the one who fills the planes may write
-    /// to, in pixels: at least the picture. Fails with OutOfMemory.
+    /// to, in pixels: at least the picture. A few samples behind the end of any row may be read.
+    /// Fails with OutOfMemory.
     static Result<YccPlanes> create(Size size, Subsampling subsampling, Size room);
 
     [[nodiscard]] Size size() const { return m_size; }
@@ -36,10 +37,6 @@ public:
 
     [[nodiscard]] const std::uint8_t* row(int plane, int y) const;
     [[nodiscard]] std::uint8_t* row(int plane, int y);
-
-    /// Repeats the last column and row of Y where the picture has an odd side and two pixels share
-    /// a colour. Resampling wants all planes to cover the same area.
-    void completeLastPairs();
 
 private:
     YccPlanes() = default;

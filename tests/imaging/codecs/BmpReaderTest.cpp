@@ -293,7 +293,8 @@ TEST(BmpReader, ReadsTheFirstBitmapOfAnOs2Array)
 TEST(BmpReader, ARegionIsNotCutOut)
 {
     const ByteBuffer file = smallFile(40, 24).bytes();
-    const auto decoded = bmp::decode(file, { .limits = {}, .region = Rect { 1, 1, 1, 1 } });
+    const auto decoded
+        = bmp::decode(file, { .limits = {}, .wish = { .region = Rect { 1, 1, 1, 1 } } });
     ASSERT_TRUE(decoded);
     EXPECT_FALSE(decoded->isRegion);
     expectSmallPicture(decoded->image);

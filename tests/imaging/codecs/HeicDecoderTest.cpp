@@ -220,7 +220,7 @@ TEST(HeicDecoder, limitsHoldBeforeDecoding)
 {
     const auto file = heicFile(test::gradient({ 200, 100 }, rgb8), {});
     const auto kindUnder = [&file](const Limits& limits) -> std::optional<Error::Kind> {
-        const auto decoded = decode(file, { .limits = limits, .region = {} });
+        const auto decoded = decode(file, { .limits = limits, .wish = {} });
         return decoded ? std::nullopt : std::optional(decoded.error().kind);
     };
     EXPECT_EQ(kindUnder({ .maximumSide = 199 }), Error::Kind::limitExceeded);

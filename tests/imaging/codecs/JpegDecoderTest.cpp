@@ -98,7 +98,8 @@ TEST_P(JpegKinds, regionEqualsTheFullDecode)
         regions.push_back({ x, y, 1 + (i * 29) % (211 - x), 1 + (i * 31) % (173 - y) });
     }
     for (const Rect& region : regions) {
-        const auto part = jpeg::decode(file, { .limits = {}, .region = region }).value();
+        const auto part
+            = jpeg::decode(file, { .limits = {}, .wish = { .region = region } }).value();
         ASSERT_TRUE(part.isRegion);
         ASSERT_EQ(part.storedSize, size);
         ASSERT_EQ(part.image.size(), region.size());
@@ -289,12 +290,12 @@ TEST(JpegDecoder, checksTheLimitsBeforeItAllocates)
 {
     const auto file = jpegFile(gradient({ 64, 64 }, rgb8), {});
     EXPECT_EQ(refusal(withFrame(file, 8, 65500, 65500)), Error::Kind::limitExceeded);
-    EXPECT_EQ(refusal(file, { .limits = { .maximumPixels = 4095 }, .region = {} }),
+    EXPECT_EQ(refusal(file, { .limits = { .maximumPixels = 4095 }, .wish = {} }),
         Error::Kind::limitExceeded);
-    EXPECT_EQ(refusal(file, { .limits = { .maximumSide = 63 }, .region = {} }),
-        Error::Kind::limitExceeded);
+    EXPECT_EQ(
+        refusal(file, { .limits = { .maximumSide = 63 }, .wish = {} }), Error::Kind::limitExceeded);
     const Limits exact { .maximumPixels = 4096, .maximumSide = 64, .maximumBytes = 4096 * 3 };
-    EXPECT_TRUE(jpeg::decode(file, { .limits = exact, .region = {} }).has_value());
+    EXPECT_TRUE(jpeg::decode(file, { .limits = exact, .wish = {} }).has_value());
 }
 
 TEST(JpegDecoder, countsTheCoefficientsOfProgressiveFilesAgainstTheLimits)
@@ -302,9 +303,9 @@ TEST(JpegDecoder, countsTheCoefficientsOfProgressiveFilesAgainstTheLimits)
     const auto file = jpegFile(gradient({ 64, 64 }, rgb8), { .coding = Coding::progressive });
     Limits limits;
     limits.maximumBytes = 4096 * (3 + 6); // samples, and 16 bits for each coefficient
-    EXPECT_TRUE(jpeg::decode(file, { .limits = limits, .region = {} }).has_value());
+    EXPECT_TRUE(jpeg::decode(file, { .limits = limits, .wish = {} }).has_value());
     --limits.maximumBytes;
-    EXPECT_EQ(refusal(file, { .limits = limits, .region = {} }), Error::Kind::limitExceeded);
+    EXPECT_EQ(refusal(file, { .limits = limits, .wish = {} }), Error::Kind::limitExceeded);
 }
 
 TEST(JpegDecoder, saysWhatItDoesNotSupport)
@@ -371,7 +372,7 @@ TEST(JpegDecoder, survivesEveryBrokenByteOfTheHeader)
             broken[at] = static_cast<std::byte>(value);
             const auto header = jpeg::readHeader(broken);
             const auto result
-                = jpeg::decode(broken, { .limits = { .maximumPixels = 1U << 20U }, .region = {} });
+                = jpeg::decode(broken, { .limits = { .maximumPixels = 1U << 20U }, .wish = {} });
             if (result) {
                 ASSERT_TRUE(header.has_value());
                 ASSERT_EQ(header->size, result->image.size());

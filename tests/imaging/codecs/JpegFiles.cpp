@@ -65,7 +65,8 @@ imaging::ByteBuffer jpegFile(const imaging::Image& image, const JpegRecipe& reci
     jpeg_set_quality(&library, recipe.quality, TRUE);
     for (int i = 0; i < library.num_components; ++i) {
         library.comp_info[i].h_samp_factor = i == 0 ? recipe.horizontalSampling : 1;
-        library.comp_info[i].v_samp_factor = i == 0 ? recipe.verticalSampling : 1;
+        library.comp_info[i].v_samp_factor
+            = i == 0 ? recipe.verticalSampling : recipe.verticalSamplingOfOthers;
     }
     library.restart_interval = recipe.restartInterval;
     if (recipe.adobe == JpegRecipe::Adobe::without) {

@@ -15,9 +15,11 @@ namespace vellumine::test {
 /// A JPEG file of a kind that the product itself does not write.
 struct JpegRecipe {
     J_COLOR_SPACE fileSpace = JCS_YCbCr;
-    /// Sampling factors of the first component; the others have 1 x 1.
+    /// Sampling factors of the first component; the others have 1 x 1, unless they are told to have
+    /// more rows.
     int horizontalSampling = 1;
     int verticalSampling = 1;
+    int verticalSamplingOfOthers = 1;
     enum class Coding { baseline, progressive, arithmetic, separateScans };
     Coding coding = Coding::baseline;
     int quality = 92;

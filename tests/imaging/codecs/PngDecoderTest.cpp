@@ -126,7 +126,8 @@ TEST_P(PngKinds, regionEqualsTheFullDecode)
             const int x = (i * 17) % 47;
             const int y = (i * 11) % 33;
             const Rect region { x, y, 1 + (i * 29) % (47 - x), 1 + (i * 31) % (33 - y) };
-            const auto part = png::decode(file, { .limits = {}, .region = region }).value();
+            const auto part
+                = png::decode(file, { .limits = {}, .wish = { .region = region } }).value();
             ASSERT_TRUE(part.isRegion);
             ASSERT_EQ(part.storedSize, oddSize);
             ASSERT_EQ(part.image.size(), region.size());
@@ -264,13 +265,13 @@ TEST(PngDecoder, checksTheLimitsBeforeItAllocates)
 {
     const auto file = pngFile(recipe(2, 16, { 64, 64 }));
     Limits exact { .maximumPixels = 4096, .maximumSide = 64, .maximumBytes = 4096 * 6 };
-    EXPECT_TRUE(png::decode(file, { .limits = exact, .region = {} }).has_value());
+    EXPECT_TRUE(png::decode(file, { .limits = exact, .wish = {} }).has_value());
     for (const Limits& tight : {
              Limits { .maximumPixels = 4095, .maximumSide = 64, .maximumBytes = 4096 * 6 },
              Limits { .maximumPixels = 4096, .maximumSide = 63, .maximumBytes = 4096 * 6 },
              Limits { .maximumPixels = 4096, .maximumSide = 64, .maximumBytes = 4096 * 6 - 1 },
          }) {
-        EXPECT_EQ(refusal(file, { .limits = tight, .region = {} }), Error::Kind::limitExceeded);
+        EXPECT_EQ(refusal(file, { .limits = tight, .wish = {} }), Error::Kind::limitExceeded);
     }
 }
 
@@ -281,9 +282,9 @@ TEST(PngDecoder, countsTheAlphaOfATransparencyChunkAgainstTheLimits)
     const auto file = pngFile(made);
     Limits limits;
     limits.maximumBytes = 4096 * 4;
-    EXPECT_TRUE(png::decode(file, { .limits = limits, .region = {} }).has_value());
+    EXPECT_TRUE(png::decode(file, { .limits = limits, .wish = {} }).has_value());
     --limits.maximumBytes;
-    EXPECT_EQ(refusal(file, { .limits = limits, .region = {} }), Error::Kind::limitExceeded);
+    EXPECT_EQ(refusal(file, { .limits = limits, .wish = {} }), Error::Kind::limitExceeded);
 }
 
 TEST(PngDecoder, givesNoOtherPictureForAChangedByte)

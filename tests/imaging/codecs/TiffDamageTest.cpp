@@ -126,13 +126,13 @@ TEST(TiffDamage, limitsHoldBeforeAnythingIsAllocated)
     const auto nothing = [](int, int, int) { return 0U; };
     const auto wide = tiffFile({ .size = { 5000, 40 } }, nothing);
     const auto refused = [](const ByteBuffer& file, const Limits& limits) {
-        const auto decoded = decode(file, { .limits = limits, .region = {} });
+        const auto decoded = decode(file, { .limits = limits, .wish = {} });
         return !decoded && decoded.error().kind == Error::Kind::limitExceeded;
     };
     EXPECT_TRUE(refused(wide, { .maximumSide = 4999 }));
     EXPECT_TRUE(refused(wide, { .maximumPixels = 199'999 }));
     EXPECT_TRUE(refused(wide, { .maximumBytes = 199'999 }));
-    EXPECT_TRUE(decode(wide, { .limits = { .maximumPixels = 200'000 }, .region = {} }));
+    EXPECT_TRUE(decode(wide, { .limits = { .maximumPixels = 200'000 }, .wish = {} }));
     // The picture is tiny and its tile is not.
     const auto tile = tiffFile(
         { .size = { 2, 2 }, .compression = COMPRESSION_ADOBE_DEFLATE, .tile = 4096 }, nothing);

@@ -352,7 +352,7 @@ TEST(TiffDecoder, regionIsThatPartOfThePicture)
         const auto file = tiffFile(
             recipe, [&](int x, int y, int s) { return patternOf(recipe.bits, x, y, s); });
         const auto whole = decodeFile(file);
-        const auto part = decode(file, { .limits = {}, .region = region });
+        const auto part = decode(file, { .limits = {}, .wish = { .region = region } });
         ASSERT_TRUE(whole && part);
         EXPECT_TRUE(part->isRegion);
         EXPECT_EQ(part->storedSize, recipe.size);

@@ -117,7 +117,8 @@ TEST_P(WebPRegion, IsThePartOfTheWhole)
 {
     for (std::size_t i = 0; i < files.size(); ++i) {
         const Image whole = decodeWell(files[i]).image;
-        const auto part = webp::decode(files[i], { .limits = {}, .region = GetParam().region });
+        const auto part
+            = webp::decode(files[i], { .limits = {}, .wish = { .region = GetParam().region } });
         ASSERT_TRUE(part);
         EXPECT_TRUE(part->isRegion);
         EXPECT_EQ(part->storedSize, size);
@@ -140,7 +141,8 @@ INSTANTIATE_TEST_SUITE_P(Table, WebPRegion,
 TEST(WebPReader, ARegionOutsideThePictureIsIgnored)
 {
     const ByteBuffer file = webPFile(opaquePicture(oddSize));
-    const auto decoded = webp::decode(file, { .limits = {}, .region = Rect { 40, 0, 40, 10 } });
+    const auto decoded
+        = webp::decode(file, { .limits = {}, .wish = { .region = Rect { 40, 0, 40, 10 } } });
     ASSERT_TRUE(decoded);
     EXPECT_FALSE(decoded->isRegion);
     EXPECT_EQ(decoded->image.size(), oddSize);
@@ -192,7 +194,8 @@ TEST(WebPAnimation, IsNotCutToARegion)
     const Image first = opaquePicture({ 20, 12 });
     const ByteBuffer file = test::animation(
         0, { 20, 12 }, { test::animationFrame(webPFile(first), { 0, 0, 20, 12 }) });
-    const auto decoded = webp::decode(file, { .limits = {}, .region = Rect { 2, 2, 3, 3 } });
+    const auto decoded
+        = webp::decode(file, { .limits = {}, .wish = { .region = Rect { 2, 2, 3, 3 } } });
     ASSERT_TRUE(decoded);
     EXPECT_FALSE(decoded->isRegion);
     EXPECT_EQ(decoded->image.size(), (Size { 20, 12 }));

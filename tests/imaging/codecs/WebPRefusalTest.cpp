@@ -105,7 +105,7 @@ TEST(WebPLimits, CountTheWholePicture)
 {
     const ByteBuffer file = webPFile(test::syntheticPhoto(oddSize));
     DecodeOptions options;
-    options.region = Rect { 0, 0, 1, 1 };
+    options.wish.region = Rect { 0, 0, 1, 1 };
     options.limits.maximumBytes = std::uint64_t { 47 } * 33 * 3;
     EXPECT_TRUE(webp::decode(file, options));
     options.limits.maximumBytes -= 1;

@@ -4,7 +4,6 @@
 
 #include <functional>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace vellumine::imaging {
@@ -45,23 +44,6 @@ Samples resampled(int planes, ResampleFilter filter)
     return samples;
 }
 
-Samples resampledPhotograph(ycc::Subsampling subsampling, ResampleFilter filter)
-{
-    auto photograph = ycc::YccPlanes::create(source, subsampling, source).value();
-    for (int plane = 0; plane < 3; ++plane) {
-        const Size size = photograph.planeSize(plane);
-        for (int y = 0; y < size.height; ++y) {
-            for (int x = 0; x < size.width; ++x) {
-                photograph.row(plane, y)[x] = static_cast<std::uint8_t>(sampleAt(plane, x, y));
-            }
-        }
-    }
-    photograph.completeLastPairs();
-    Samples samples;
-    EXPECT_TRUE(resample(photograph, target, filter, appendingTo(samples, 3)));
-    return samples;
-}
-
 struct Job {
     std::string name;
     std::function<Samples()> run;
@@ -78,38 +60,8 @@ std::vector<Job> jobsOfOneSize()
             jobs.push_back({ std::to_string(planes) + " planes" + suffix,
                 [planes, filter] { return resampled(planes, filter); } });
         }
-        for (const ycc::Subsampling subsampling :
-            { ycc::Subsampling { 1, 1 }, ycc::Subsampling { 2, 1 }, ycc::Subsampling { 2, 2 } }) {
-            jobs.push_back({ "a photograph with " + std::to_string(subsampling.x) + "x"
-                    + std::to_string(subsampling.y) + suffix,
-                [subsampling, filter] { return resampledPhotograph(subsampling, filter); } });
-        }
     }
     return jobs;
-}
-
-/// On a thread that has resampled nothing before.
-Samples freshly(const Job& job)
-{
-    Samples samples;
-    std::thread([&] { samples = job.run(); }).join();
-    return samples;
-}
-
-TEST(Resample, whatRanBeforeOnTheThreadMakesNoDifference)
-{
-    const std::vector<Job> jobs = jobsOfOneSize();
-    std::vector<Samples> expected;
-    for (const Job& job : jobs) {
-        expected.push_back(freshly(job));
-    }
-    for (std::size_t i = 0; i < jobs.size(); ++i) {
-        EXPECT_EQ(jobs[i].run(), expected[i]) << jobs[i].name;
-        // Back to the one before, which may have been kept, and to this one again.
-        const std::size_t before = i == 0 ? jobs.size() - 1 : i - 1;
-        EXPECT_EQ(jobs[before].run(), expected[before]) << jobs[before].name;
-        EXPECT_EQ(jobs[i].run(), expected[i]) << jobs[i].name;
-    }
 }
 
 TEST(Resample, jobsOfAnotherKindGiveSomethingElse)

@@ -34,7 +34,7 @@ constexpr Primaries displayP3 { { 0.3127, 0.3290 }, { 0.680, 0.320 }, { 0.265, 0
 
 Image decoded(ByteSpan file, ImageUse use)
 {
-    return jpeg::decode(file, { .limits = {}, .region = std::nullopt, .use = use }).value().image;
+    return jpeg::decode(file, { .limits = {}, .wish = { .use = use } }).value().image;
 }
 
 Image drawn(const Image& image, Size size, const ColorSpace& space = ColorSpace::sRgb())
@@ -191,7 +191,7 @@ TEST_P(YccPixels, hasItsColoursConverted)
 TEST_P(YccPixels, isRefusedWhenAnyDataIsMissing)
 {
     const ByteBuffer file = jpegFile(syntheticPhoto({ 83, 61 }), GetParam().recipe);
-    const DecodeOptions options { {}, std::nullopt, ImageUse::toBeDrawn };
+    const DecodeOptions options { .limits = {}, .wish = { .use = ImageUse::toBeDrawn } };
     for (std::size_t cut = test::pictureDataStart(file); cut < file.size() - 4; ++cut) {
         const auto result = jpeg::decode(ByteSpan(file).first(cut), options);
         ASSERT_FALSE(result.has_value()) << "cut at " << cut << " of " << file.size();

@@ -6,10 +6,14 @@
 #include "imaging/codecs/jpeg/JpegPlanes.h"
 #include "imaging/codecs/jpeg/JpegScans.h"
 #include "imaging/codecs/jpeg/JpegSource.h"
+#include "imaging/metadata/Metadata.h"
+#include "imaging/ycc/PlannedDrawing.h"
 #include "imaging/ycc/YccPixels.h"
 
 #include <algorithm>
 #include <array>
+#include <memory>
+#include <utility>
 
 namespace vellumine::imaging::jpeg {
 
@@ -47,6 +51,11 @@ private:
     void readRows(const Window& window, PixelBuffer& pixels);
     Result<Image> decodeRows(PixelLayout layout, const std::optional<Rect>& region);
     Result<Image> decodePlanes(PixelLayout layout, ycc::Subsampling subsampling);
+    [[nodiscard]] std::unique_ptr<ycc::PlannedDrawing> plannedDrawing(
+        const DecodeOptions& options, ycc::Subsampling subsampling) const;
+    Result<Image> decodeDrawing(
+        PixelLayout layout, ycc::Subsampling subsampling, ycc::PlannedDrawing& drawing);
+    [[nodiscard]] Size storedSize() const;
     [[nodiscard]] ColorSpace colorSpace(ColorModel model) const;
 
     Errors m_errors;
@@ -85,6 +94,11 @@ J_COLOR_SPACE outputSpace(ColorModel model)
     return JCS_UNKNOWN;
 }
 
+Size Reader::storedSize() const
+{
+    return { static_cast<int>(m_library.image_width), static_cast<int>(m_library.image_height) };
+}
+
 Result<ImageHeader> Reader::readHeader(Markers markers)
 {
     const auto read = m_errors.run([this, markers] {
@@ -100,9 +114,7 @@ Result<ImageHeader> Reader::readHeader(Markers markers)
         return tl::unexpected(read.error());
     }
     return layoutOf(m_library).map([this](PixelLayout layout) {
-        return ImageHeader { { static_cast<int>(m_library.image_width),
-                                 static_cast<int>(m_library.image_height) },
-            layout };
+        return ImageHeader { storedSize(), layout };
     });
 }
 
@@ -242,17 +254,71 @@ Result<Image> Reader::decodePlanes(PixelLayout layout, ycc::Subsampling subsampl
     if (auto started = start(); !started) {
         return tl::unexpected(started.error());
     }
-    auto planes = makePlanes(m_library, subsampling);
+    auto planes = makePlanes(m_library, subsampling, static_cast<int>(m_library.output_height));
     if (!planes) {
         return tl::unexpected(planes.error());
     }
-    if (auto done = m_errors.run([&] { readPlanes(m_library, *planes); }); !done) {
+    const auto done = m_errors.run([&] {
+        while (m_library.output_scanline < m_library.output_height) {
+            readPlaneRows(m_library, *planes, static_cast<int>(m_library.output_scanline));
+        }
+    });
+    if (!done) {
         return tl::unexpected(done.error());
     }
     const Size size = planes->size();
     ColorSpace space = colorSpace(ColorModel::rgb);
     auto pixels = std::make_shared<ycc::YccPixels>(std::move(*planes), space);
     return Image(size, layout, std::move(space), std::move(pixels), Orientation::topLeft);
+}
+
+/// What is drawn while decoding; null when the picture is better decoded first, or has to be.
+std::unique_ptr<ycc::PlannedDrawing> Reader::plannedDrawing(
+    const DecodeOptions& options, ycc::Subsampling subsampling) const
+{
+    const auto& plan = options.wish.plan;
+    if (!plan || ycc::YccBand::rows % rowsOfCall(m_library) != 0) {
+        return nullptr;
+    }
+    const ColorSpace space = colorSpace(ColorModel::rgb);
+    const Drawing drawing = plan->drawing(
+        metadata::orientation(metadata(m_library)).value_or(Orientation::topLeft), space);
+    if (!ycc::PlannedDrawing::isFor(drawing, storedSize())
+        || !options.limits.check(
+            drawing.size.width, drawing.size.height, rgba8Premultiplied.bytesPerPixel())) {
+        return nullptr;
+    }
+    return ycc::PlannedDrawing::create(storedSize(), subsampling, space, drawing, plan->middle)
+        .value_or(nullptr);
+}
+
+/// The picture as it will be drawn, and its middle: some rows at a time, whatever its size is.
+Result<Image> Reader::decodeDrawing(
+    PixelLayout layout, ycc::Subsampling subsampling, ycc::PlannedDrawing& drawing)
+{
+    m_library.raw_data_out = TRUE;
+    if (auto started = start(); !started) {
+        return tl::unexpected(started.error());
+    }
+    auto rows = makePlanes(m_library, subsampling, ycc::YccBand::rows);
+    if (!rows) {
+        return tl::unexpected(rows.error());
+    }
+    while (m_library.output_scanline < m_library.output_height) {
+        const auto done = m_errors.run([&] {
+            for (int row = 0;
+                 row < ycc::YccBand::rows && m_library.output_scanline < m_library.output_height;
+                 row += rowsOfCall(m_library)) {
+                readPlaneRows(m_library, *rows, row);
+            }
+        });
+        if (!done) {
+            return tl::unexpected(done.error());
+        }
+        drawing.take(*rows);
+    }
+    return Image(storedSize(), layout, colorSpace(ColorModel::rgb), std::move(drawing).finish(),
+        Orientation::topLeft);
 }
 
 Result<DecodedImage> Reader::decode(const DecodeOptions& options)
@@ -264,17 +330,23 @@ Result<DecodedImage> Reader::decode(const DecodeOptions& options)
     if (const auto allowed = checkLimits(*header, options.limits); !allowed) {
         return tl::unexpected(allowed.error());
     }
-    std::optional<Rect> region = options.region;
+    std::optional<Rect> region = options.wish.region;
     if (region && !contains(header->size, *region)) {
         region.reset();
     }
-    const auto planes
-        = options.use == ImageUse::toBeDrawn && !region ? subsampling(m_library) : std::nullopt;
-    return (planes ? decodePlanes(header->layout, *planes) : decodeRows(header->layout, region))
-        .map([&](Image&& image) {
-            return DecodedImage { std::move(image), header->size, region.has_value(),
-                metadata(m_library), std::nullopt };
-        });
+    const auto planes = options.wish.use == ImageUse::toBeDrawn && !region ? subsampling(m_library)
+                                                                           : std::nullopt;
+    const auto drawing = planes ? plannedDrawing(options, *planes) : nullptr;
+    const auto decoded = [&] {
+        if (drawing) {
+            return decodeDrawing(header->layout, *planes, *drawing);
+        }
+        return planes ? decodePlanes(header->layout, *planes) : decodeRows(header->layout, region);
+    };
+    return decoded().map([&](Image&& image) {
+        return DecodedImage { std::move(image), header->size, region.has_value(),
+            metadata(m_library), std::nullopt, drawing != nullptr };
+    });
 }
 
 } // namespace

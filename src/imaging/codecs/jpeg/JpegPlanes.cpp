@@ -8,12 +8,6 @@ namespace vellumine::imaging::jpeg {
 
 namespace {
 
-/// Rows of pixels that the library gives in one call.
-int rowsOfCall(const jpeg_decompress_struct& library)
-{
-    return library.max_v_samp_factor * DCTSIZE;
-}
-
 constexpr int roundedUp(JDIMENSION value, int to)
 {
     return (static_cast<int>(value) + to - 1) / to * to;
@@ -44,31 +38,32 @@ std::optional<ycc::Subsampling> subsampling(const jpeg_decompress_struct& librar
     return result;
 }
 
-Result<ycc::YccPlanes> makePlanes(
-    const jpeg_decompress_struct& library, ycc::Subsampling subsampling)
+int rowsOfCall(const jpeg_decompress_struct& library)
 {
-    return ycc::YccPlanes::create(
-        { static_cast<int>(library.output_width), static_cast<int>(library.output_height) },
-        subsampling,
-        { roundedUp(library.output_width, library.max_h_samp_factor * DCTSIZE),
-            roundedUp(library.output_height, rowsOfCall(library)) });
+    return library.max_v_samp_factor * DCTSIZE;
 }
 
-void readPlanes(jpeg_decompress_struct& library, ycc::YccPlanes& planes)
+Result<ycc::YccPlanes> makePlanes(
+    const jpeg_decompress_struct& library, ycc::Subsampling subsampling, int rows)
+{
+    return ycc::YccPlanes::create({ static_cast<int>(library.output_width), rows }, subsampling,
+        { roundedUp(library.output_width, library.max_h_samp_factor * DCTSIZE),
+            roundedUp(static_cast<JDIMENSION>(rows), rowsOfCall(library)) });
+}
+
+void readPlaneRows(jpeg_decompress_struct& library, ycc::YccPlanes& planes, int row)
 {
     std::array<std::array<JSAMPROW, std::size_t { DCTSIZE } * MAX_SAMP_FACTOR>, 3> rows {};
     std::array<JSAMPARRAY, 3> arrays { rows[0].data(), rows[1].data(), rows[2].data() };
-    while (library.output_scanline < library.output_height) {
-        const int call = static_cast<int>(library.output_scanline) / rowsOfCall(library);
-        for (int plane = 0; plane < 3; ++plane) {
-            const auto at = static_cast<std::size_t>(plane);
-            const int count = components(library)[at].v_samp_factor * DCTSIZE;
-            for (int i = 0; i < count; ++i) {
-                rows.at(at).at(static_cast<std::size_t>(i)) = planes.row(plane, call * count + i);
-            }
+    for (int plane = 0; plane < 3; ++plane) {
+        const auto at = static_cast<std::size_t>(plane);
+        const int count = components(library)[at].v_samp_factor * DCTSIZE;
+        const int first = row / rowsOfCall(library) * count;
+        for (int i = 0; i < count; ++i) {
+            rows.at(at).at(static_cast<std::size_t>(i)) = planes.row(plane, first + i);
         }
-        jpeg_read_raw_data(&library, arrays.data(), static_cast<JDIMENSION>(rowsOfCall(library)));
     }
+    jpeg_read_raw_data(&library, arrays.data(), static_cast<JDIMENSION>(rowsOfCall(library)));
 }
 
 } // namespace vellumine::imaging::jpeg

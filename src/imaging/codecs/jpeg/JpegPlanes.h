@@ -15,13 +15,16 @@ namespace vellumine::imaging::jpeg {
 /// the header was read.
 [[nodiscard]] std::optional<ycc::Subsampling> subsampling(const jpeg_decompress_struct& library);
 
-/// Planes for the library to fill: it writes whole blocks. To be called after
+/// Rows of pixels that the library gives in one call: 8 to 32.
+[[nodiscard]] int rowsOfCall(const jpeg_decompress_struct& library);
+
+/// Planes with so many rows for the library to fill: it writes whole blocks. To be called after
 /// jpeg_start_decompress.
 [[nodiscard]] Result<ycc::YccPlanes> makePlanes(
-    const jpeg_decompress_struct& library, ycc::Subsampling subsampling);
+    const jpeg_decompress_struct& library, ycc::Subsampling subsampling, int rows);
 
-/// Reads the picture. To be called inside Errors::run, after jpeg_start_decompress with
-/// `raw_data_out` set.
-void readPlanes(jpeg_decompress_struct& library, ycc::YccPlanes& planes);
+/// Reads the next rows of the picture, so many as the library gives, from a row of the planes on.
+/// To be called inside Errors::run, after jpeg_start_decompress with `raw_data_out` set.
+void readPlaneRows(jpeg_decompress_struct& library, ycc::YccPlanes& planes, int row);
 
 } // namespace vellumine::imaging::jpeg

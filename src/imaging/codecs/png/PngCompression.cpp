@@ -1,14 +1,19 @@
 #include "imaging/codecs/png/PngCompression.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <memory>
 #include <new>
 
+#include <isa-l.h>
 #include <libdeflate.h>
 
 namespace vellumine::imaging::png {
 
 namespace {
+
+/// ISA-L counts in 32 bits.
+constexpr std::size_t largestForQuick = std::size_t { 1 } << 30U;
 
 using Decompressor
     = std::unique_ptr<libdeflate_decompressor, decltype(&libdeflate_free_decompressor)>;
@@ -54,6 +59,34 @@ ByteBuffer deflated(ByteSpan bytes, CompressionLevel level)
     ByteBuffer stream(libdeflate_zlib_compress_bound(compressor.get(), bytes.size()));
     stream.resize(libdeflate_zlib_compress(
         compressor.get(), bytes.data(), bytes.size(), stream.data(), stream.size()));
+    return stream;
+}
+
+ByteBuffer quicklyDeflated(ByteSpan bytes)
+{
+    // Blocks of 64 KiB are stored as they are where they do not get shorter.
+    constexpr std::size_t block = std::size_t { 1 } << 16U;
+    constexpr std::size_t blockHeader = 5;
+    constexpr std::size_t envelope = 64;
+    ByteBuffer stream(bytes.size() + (bytes.size() / block + 1) * blockHeader + envelope);
+    const auto scratch = std::make_unique_for_overwrite<std::uint8_t[]>(ISAL_DEF_LVL1_DEFAULT);
+    isal_zstream library;
+    isal_deflate_stateless_init(&library);
+    library.level = 1;
+    library.level_buf = scratch.get();
+    library.level_buf_size = ISAL_DEF_LVL1_DEFAULT;
+    library.gzip_flag = IGZIP_ZLIB;
+    library.end_of_stream = 1;
+    // The library only reads it, but does not say so.
+    library.next_in
+        = const_cast<std::uint8_t*>(reinterpret_cast<const std::uint8_t*>(bytes.data()));
+    library.avail_in = static_cast<std::uint32_t>(bytes.size());
+    library.next_out = reinterpret_cast<std::uint8_t*>(stream.data());
+    library.avail_out = static_cast<std::uint32_t>(stream.size());
+    if (bytes.size() > largestForQuick || isal_deflate_stateless(&library) != COMP_OK) {
+        return deflated(bytes, CompressionLevel::lowest);
+    }
+    stream.resize(library.total_out);
     return stream;
 }
 

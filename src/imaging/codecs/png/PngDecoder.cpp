@@ -198,8 +198,8 @@ Result<DecodedImage> decode(ByteSpan file, const DecodeOptions& options)
     }
 
     const Rect whole { 0, 0, header->size.width, header->size.height };
-    const bool isRegion = options.region && contains(header->size, *options.region);
-    const Rect wanted = isRegion ? *options.region : whole;
+    const bool isRegion = options.wish.region && contains(header->size, *options.wish.region);
+    const Rect wanted = isRegion ? *options.wish.region : whole;
     const Rect kept = header->isInterlaced ? whole : wanted;
     auto pixels = PixelBuffer::create(kept.size(), layout);
     if (!pixels) {

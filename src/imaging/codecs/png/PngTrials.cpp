@@ -130,7 +130,7 @@ Compressed smallest(std::span<const PackedPicture> forms)
 
 ByteBuffer fastest(const PackedPicture& form)
 {
-    return deflated(filtered(form, FilterStrategy::sub), CompressionLevel::fast);
+    return quicklyDeflated(filtered(form, FilterStrategy::sub));
 }
 
 } // namespace vellumine::imaging::png

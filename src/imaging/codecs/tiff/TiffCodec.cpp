@@ -34,9 +34,9 @@ Result<DecodedImage> decodePicture(ByteSpan file, const DecodeOptions& options)
         return tl::unexpected(ok.error());
     }
     const Size size = directory->size();
-    const bool isRegion
-        = directory->colour != Colour::library && options.region && contains(size, *options.region);
-    const Rect wanted = isRegion ? *options.region : Rect { 0, 0, size.width, size.height };
+    const bool isRegion = directory->colour != Colour::library && options.wish.region
+        && contains(size, *options.wish.region);
+    const Rect wanted = isRegion ? *options.wish.region : Rect { 0, 0, size.width, size.height };
     auto pixels = directory->colour == Colour::library ? decodeThroughLibrary(*reader, *directory)
                                                        : decodeBlocks(*reader, *directory, wanted);
     if (!pixels) {

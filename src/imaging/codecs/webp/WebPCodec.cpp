@@ -121,10 +121,10 @@ Result<DecodedImage> decode(ByteSpan file, const DecodeOptions& options)
         return tl::unexpected(checked.error());
     }
     const Frame& frame = container->firstFrame();
-    const bool isPart
-        = options.region && !container->isAnimation() && contains(canvas, *options.region);
+    const bool isPart = options.wish.region && !container->isAnimation()
+        && contains(canvas, *options.wish.region);
     const Rect whole { 0, 0, frame.place.width, frame.place.height };
-    const Rect part = isPart ? withMargin(*options.region, canvas) : whole;
+    const Rect part = isPart ? withMargin(*options.wish.region, canvas) : whole;
     const bool coversTarget = isPart || frame.place.size() == canvas;
     const Size targetSize = isPart ? part.size() : canvas;
     auto target = coversTarget ? PixelBuffer::create(targetSize, layout)
@@ -137,7 +137,7 @@ Result<DecodedImage> decode(ByteSpan file, const DecodeOptions& options)
     }
     Image image(std::move(*target), container->colorSpace());
     if (isPart) {
-        const Rect wanted = *options.region;
+        const Rect wanted = *options.wish.region;
         image
             = image.cropped({ wanted.x - part.x, wanted.y - part.y, wanted.width, wanted.height });
     }
