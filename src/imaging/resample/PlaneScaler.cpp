@@ -5,6 +5,9 @@
 #include <algorithm>
 #include <cstring>
 #include <span>
+#include <tuple>
+#include <type_traits>
+#include <utility>
 
 namespace vellumine::imaging {
 
@@ -23,31 +26,50 @@ constexpr int columnsAtOnce = 2 * laneCount;
 using Bytes [[gnu::vector_size(laneCount)]] = std::uint8_t;
 using Numbers [[gnu::vector_size(halfCount * sizeof(float))]] = float;
 
-/// Vectors as processors of different kinds have them. (A template takes no vector's type.)
+/// Vectors as processors of different kinds have them, and the same in memory that is not aligned
+/// for them. (A copy of the bytes would go through smaller vectors, and wait for them.)
 struct FourNumbers {
     static constexpr int count = 4;
     float vector [[gnu::vector_size(count * sizeof(float))]];
+    using InMemory
+        [[gnu::vector_size(count * sizeof(float)), gnu::aligned(alignof(float)), gnu::may_alias]]
+        = float;
 };
 struct EightNumbers {
     static constexpr int count = 8;
     float vector [[gnu::vector_size(count * sizeof(float))]];
+    using InMemory
+        [[gnu::vector_size(count * sizeof(float)), gnu::aligned(alignof(float)), gnu::may_alias]]
+        = float;
 };
 struct SixteenNumbers {
     static constexpr int count = 16;
     float vector [[gnu::vector_size(count * sizeof(float))]];
+    using InMemory
+        [[gnu::vector_size(count * sizeof(float)), gnu::aligned(alignof(float)), gnu::may_alias]]
+        = float;
 };
+
+/// Calls the function with 0 to Count - 1, written out: what a loop would index stays in registers.
+template <std::size_t Count, typename Function>
+[[gnu::always_inline]] inline void forEachIndex(const Function& function)
+{
+    [&function]<std::size_t... index>(std::index_sequence<index...>) [[gnu::always_inline]]
+    {
+        (function(std::integral_constant<std::size_t, index> {}), ...);
+    }
+    (std::make_index_sequence<Count> {});
+}
 
 /// So many sums of products.
 template <typename Vector, std::size_t Count> class Sums {
 public:
     [[gnu::always_inline]] void add(float weight, const float* numbers)
     {
-        for (Vector& sum : m_sums) {
-            Vector part;
-            std::memcpy(&part, numbers, sizeof(part));
-            sum.vector += weight * part.vector;
-            numbers += Vector::count;
-        }
+        forEachIndex<Count / Vector::count>([&](auto i) [[gnu::always_inline]] {
+            std::get<i>(m_sums).vector += weight
+                * *reinterpret_cast<const typename Vector::InMemory*>(numbers + i * Vector::count);
+        });
     }
     template <typename Numbers> [[gnu::always_inline]] void get(Numbers& numbers) const
     {
@@ -124,9 +146,10 @@ template <typename Vector>
     std::array<Sums<Vector, laneCount>, columnsTogether>& sums)
 {
     for (int tap = 0; tap < taps.count(); ++tap) {
-        for (std::size_t i = 0; i < columnsTogether; ++i) {
-            sums[i].add(weights[i][tap], samples[i] + static_cast<std::ptrdiff_t>(tap) * laneCount);
-        }
+        forEachIndex<columnsTogether>([&](auto i) [[gnu::always_inline]] {
+            std::get<i>(sums).add(std::get<i>(weights)[tap],
+                std::get<i>(samples) + static_cast<std::ptrdiff_t>(tap) * laneCount);
+        });
     }
 }
 
@@ -161,8 +184,8 @@ template <typename Vector>
         transpose(upper);
         transpose(lower);
         for (std::size_t row = 0; row < halfCount; ++row) {
-            std::memcpy(rows[row] + x, &upper[row], sizeof(Numbers));
-            std::memcpy(rows[row + halfCount] + x, &lower[row], sizeof(Numbers));
+            *reinterpret_cast<EightNumbers::InMemory*>(rows[row] + x) = upper[row];
+            *reinterpret_cast<EightNumbers::InMemory*>(rows[row + halfCount] + x) = lower[row];
         }
     }
 }
