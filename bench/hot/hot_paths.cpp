@@ -20,7 +20,7 @@
 #include <vector>
 
 /// Instructions inside this function are counted, by its name.
-extern "C" [[gnu::noinline]] void vellumine_hot_path(const std::function<bool()>& path, bool* done)
+extern "C" [[gnu::noinline]] void runHotPath(const std::function<bool()>& path, bool* done)
 {
     *done = path();
 }
@@ -150,6 +150,6 @@ int main(int argc, char** argv)
     }
     const Path path = found->second();
     bool done = false;
-    vellumine_hot_path(path, &done);
+    runHotPath(path, &done);
     return done ? EXIT_SUCCESS : EXIT_FAILURE;
 }

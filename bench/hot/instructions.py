@@ -43,7 +43,7 @@ def measured(program, name):
     with tempfile.TemporaryDirectory(prefix="vellumine-instructions-") as folder:
         report = pathlib.Path(folder) / "callgrind"
         subprocess.run(["valgrind", "--tool=callgrind", "--quiet", "--collect-atstart=no",
-                        "--toggle-collect=vellumine_hot_path", f"--callgrind-out-file={report}",
+                        "--toggle-collect=runHotPath", f"--callgrind-out-file={report}",
                         str(program), name],
                        check=True, stdout=subprocess.DEVNULL)
         return own_instructions(report, program)
