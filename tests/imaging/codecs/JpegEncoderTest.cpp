@@ -1,3 +1,4 @@
+#include "imaging/PixelConversion.h"
 #include "imaging/codecs/jpeg/JpegCodec.h"
 #include "support/TestImages.h"
 
@@ -130,6 +131,20 @@ TEST(JpegEncoder, writesGreyRgbWithOneComponentUnlessAProfileSaysRgb)
     EXPECT_EQ(structureOf(encoded(tagged, omit)).components, 1);
     EXPECT_EQ(structureOf(encoded(untagged, embed)).components, 1);
     EXPECT_EQ(encoded(untagged, embed), encoded(grey, embed));
+}
+
+TEST(JpegEncoder, writesOpaquePicturesWithAlphaAsThoseWithout)
+{
+    const PixelLayout rgb { ColorModel::rgb, 8, AlphaInfo::none };
+    for (const Image& picture :
+        { test::syntheticPhoto(oddSize), test::flat(oddSize, rgb, { 0.5, 0.5, 0.5 }) }) {
+        const ByteBuffer expected = jpeg::encode(picture, {}).value();
+        for (const AlphaInfo alpha :
+            { AlphaInfo::premultipliedLast, AlphaInfo::last, AlphaInfo::noneSkipLast }) {
+            const Image opaque = relayout(picture, { ColorModel::rgb, 8, alpha }).value();
+            EXPECT_EQ(jpeg::encode(opaque, {}).value(), expected);
+        }
+    }
 }
 
 TEST(JpegEncoder, composesAlphaOnWhite)

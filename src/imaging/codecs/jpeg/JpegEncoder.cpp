@@ -180,13 +180,25 @@ Result<ByteBuffer> Writer::write(const Plan& plan, const OutgoingMarkers& marker
     return std::move(m_destination).take();
 }
 
+/// Whether the library can read the pixels where they are, past an alpha that says nothing.
+bool isOpaqueRgba(const Image& image)
+{
+    const PixelLayout layout = image.layout();
+    const bool isRgba = layout.model == ColorModel::rgb && layout.bitsPerComponent == 8
+        && (layout.alpha == AlphaInfo::premultipliedLast || layout.alpha == AlphaInfo::last
+            || layout.alpha == AlphaInfo::noneSkipLast);
+    return isRgba && isOpaque(image);
+}
+
 Result<Plan> plan(const Image& image, const EncodeOptions& options, bool hasProfile)
 {
     const ColorModel model = image.layout().model;
-    auto flat = relayout(image, { model, 8, AlphaInfo::none });
+    const bool staysRgba = isOpaqueRgba(image);
+    auto flat = staysRgba ? Result<Image>(image) : relayout(image, { model, 8, AlphaInfo::none });
     if (!flat) {
         return tl::unexpected(flat.error());
     }
+    const J_COLOR_SPACE rgb = staysRgba ? JCS_EXT_RGBX : JCS_RGB;
     const double percent = std::isfinite(options.quality) ? options.quality * 100.0 : 100.0;
     const int quality = static_cast<int>(std::lround(std::clamp(percent, 1.0, 100.0)));
     switch (model) {
@@ -196,9 +208,9 @@ Result<Plan> plan(const Image& image, const EncodeOptions& options, bool hasProf
         // The library's luma of three equal samples is the sample. Under an RGB profile a file
         // with one component would be invalid.
         if (!hasProfile && isGrey(*flat)) {
-            return Plan { std::move(*flat), JCS_RGB, JCS_GRAYSCALE, quality };
+            return Plan { std::move(*flat), rgb, JCS_GRAYSCALE, quality };
         }
-        return Plan { std::move(*flat), JCS_RGB, std::nullopt, quality };
+        return Plan { std::move(*flat), rgb, std::nullopt, quality };
     case ColorModel::cmyk:
         break;
     }
