@@ -32,21 +32,23 @@ class Formats:
                   [ours.cpu / sum(cost.cpu for cost in costs)], 0.15)
 
     def heic(self):
-        """heif-enc on the very pixels of our files, at the quality that gives the same size."""
+        """A batch, against heif-enc on the very pixels of our files, one after another since it takes
+        all processors for each, at the quality that gives the same size."""
         programs = self.programs
-        photos = programs.photos[:3]
-        costs, differences = [], []
+        photos = programs.photos[:4]
+        batches = [programs.convert(photos, "heic", outputFormat="heic").wall
+                   for _ in range(self.repetitions)]
+        theirs_wall, differences = 0, []
         for photo in photos:
-            ours = programs.convert([photo], "heic", outputFormat="heic")
-            output = programs.outputs("heic")[0]
+            output = programs.scratch / f"heic/{photo.stem}.heic"
             picture = programs.scratch / "heic.png"
             run(["convert", programs.pictures[photo], "-alpha", "off", picture])
             target = programs.scratch / "heif-enc.heic"
             quality = nearest(lambda q: heif_enc(picture, q, target) and size(target), size(output))
-            theirs = heif_enc(picture, quality, target)
-            costs.append(ours.wall / theirs.wall)
+            theirs_wall += heif_enc(picture, quality, target).wall
             differences.append(ssim(picture, output) - ssim(picture, target))
-        yield Row("HEIC, wall time, against heif-enc at equal size", costs, 0.5)
+        yield Row("HEIC, wall time of a batch, against heif-enc at equal size",
+                  [wall / theirs_wall for wall in batches], 0.5)
         yield Row("The same, what it has more of structural similarity",
                   [-difference for difference in differences], 0.002)
 

@@ -21,12 +21,12 @@ class Photos:
         programs = self.programs
         programs.pictures  # made before anything is measured
         yield self.against("WebP, CPU, against decoding and cwebp alone", programs.convert,
-                           programs.webp_floor, "cpu", 1.20)
+                           programs.webp_floor, "cpu", 1.07)
         command = programs.parallel_cwebp()
         yield self.against("WebP, wall time, against cwebp in parallel", programs.convert,
-                           lambda: run(command), "wall", 1.0)
+                           lambda: run(command), "wall", 0.94)
         yield self.against("WebP, CPU, against vipsthumbnail", programs.convert,
-                           lambda: programs.vips(f"webp[Q={QUALITY},strip]"), "cpu", 0.9)
+                           lambda: programs.vips(f"webp[Q={QUALITY},strip]"), "cpu", 0.8)
         yield self.against("WebP, CPU, against ImageMagick", programs.convert,
                            programs.image_magick_to_webp, "cpu", 0.5)
 
@@ -34,7 +34,7 @@ class Photos:
         programs = self.programs
         yield self.against("JPEG, CPU, against vipsthumbnail with the same options",
                            programs.convert_to_jpeg, lambda: programs.vips(f"jpg[{JPEG_OPTIONS}]"),
-                           "cpu", 0.8)
+                           "cpu", 0.6)
         parallel = programs.in_parallel("vipsthumbnail", [
             " ".join(map(str, [*programs.vips_words(f"jpg[{JPEG_OPTIONS}]"), photo])) + "\n"
             for photo in programs.photos])

@@ -41,6 +41,17 @@ TEST(PngCompression, quickStreamsComeBackAsTheyWere)
     }
 }
 
+TEST(PngCompression, streamsOfZlibComeBackAsTheyWere)
+{
+    for (const std::size_t size : { 0U, 1U, 100U, 100'003U }) {
+        for (const ByteBuffer& bytes : { noise(size), residuals(size), ByteBuffer(size) }) {
+            EXPECT_EQ(inflated(deflatedByZlib(bytes), size), bytes) << size;
+        }
+    }
+    EXPECT_LT(deflatedByZlib(ByteBuffer(4)).size(),
+        deflated(ByteBuffer(4), CompressionLevel::optimal).size());
+}
+
 TEST(PngCompression, quickStreamsAreNotMuchLonger)
 {
     const ByteBuffer bytes = residuals(1'000'000);

@@ -7,6 +7,7 @@
 
 #include <isa-l.h>
 #include <libdeflate.h>
+#include <zlib.h>
 
 namespace vellumine::imaging::png {
 
@@ -59,6 +60,20 @@ ByteBuffer deflated(ByteSpan bytes, CompressionLevel level)
     ByteBuffer stream(libdeflate_zlib_compress_bound(compressor.get(), bytes.size()));
     stream.resize(libdeflate_zlib_compress(
         compressor.get(), bytes.data(), bytes.size(), stream.data(), stream.size()));
+    return stream;
+}
+
+ByteBuffer deflatedByZlib(ByteSpan bytes)
+{
+    uLongf size = compressBound(static_cast<uLong>(bytes.size()));
+    ByteBuffer stream(size);
+    if (compress2(reinterpret_cast<Bytef*>(stream.data()), &size,
+            reinterpret_cast<const Bytef*>(bytes.data()), static_cast<uLong>(bytes.size()),
+            Z_BEST_COMPRESSION)
+        != Z_OK) {
+        throw std::bad_alloc(); // there is room enough, and nothing else that could go wrong
+    }
+    stream.resize(size);
     return stream;
 }
 

@@ -23,6 +23,10 @@ enum class CompressionLevel : std::uint8_t {
 /// A zlib stream of the bytes. Throws std::bad_alloc.
 [[nodiscard]] ByteBuffer deflated(ByteSpan bytes, CompressionLevel level);
 
+/// The same by zlib, as small as it can. Now and then that is ahead, and always with a few bytes.
+/// Throws std::bad_alloc.
+[[nodiscard]] ByteBuffer deflatedByZlib(ByteSpan bytes);
+
 /// The same in half of the time that libdeflate's lowest level takes, and a tenth longer than its.
 /// Throws std::bad_alloc.
 [[nodiscard]] ByteBuffer quicklyDeflated(ByteSpan bytes);

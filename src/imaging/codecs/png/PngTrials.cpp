@@ -87,6 +87,7 @@ std::vector<Candidate> candidates(std::span<const PackedPicture> forms)
 struct FinalEffort {
     std::size_t finalists;
     std::vector<CompressionLevel> levels;
+    bool triesZlib = false;
 };
 
 FinalEffort finalEffort(std::size_t rawBytes)
@@ -100,7 +101,7 @@ FinalEffort finalEffort(std::size_t rawBytes)
     // The highest level looks for the cheapest code piece by piece; now and then, with much
     // repetition, the plain longest match comes out ahead.
     return { rawBytes > fewTrialsBytes ? std::size_t { 2 } : 4,
-        { CompressionLevel::deep, CompressionLevel::optimal } };
+        { CompressionLevel::deep, CompressionLevel::optimal }, true };
 }
 
 } // namespace
@@ -114,15 +115,20 @@ Compressed smallest(std::span<const PackedPicture> forms)
 
     std::optional<Compressed> best;
     std::size_t bestSize = 0;
+    const auto consider = [&](std::size_t form, ByteBuffer stream) {
+        const std::size_t size = stream.size() + overhead(forms[form]);
+        if (!best || size < bestSize) {
+            best = Compressed { form, std::move(stream) };
+            bestSize = size;
+        }
+    };
     for (const Candidate& trial : trials) {
         const ByteBuffer bytes = filtered(forms[trial.form], trial.strategy);
         for (const CompressionLevel level : effort.levels) {
-            auto stream = deflated(bytes, level);
-            const std::size_t size = stream.size() + overhead(forms[trial.form]);
-            if (!best || size < bestSize) {
-                best = Compressed { trial.form, std::move(stream) };
-                bestSize = size;
-            }
+            consider(trial.form, deflated(bytes, level));
+        }
+        if (effort.triesZlib) {
+            consider(trial.form, deflatedByZlib(bytes));
         }
     }
     return std::move(*best);
