@@ -1,5 +1,6 @@
-// Runs one hot path once, for its instructions to be counted; without a name, prints all names.
-// What it works on is made before and counts for nothing.
+// Runs one hot path once, for its instructions to be counted; without a name, prints all names, and
+// with --made-with what else the counts depend on. What a path works on is made before and counts
+// for nothing.
 
 #include "imaging/BitmapContext.h"
 #include "imaging/ImageSource.h"
@@ -134,6 +135,17 @@ const std::map<std::string_view, Path (*)()> paths {
         } },
 };
 
+/// What the counts depend on beside the code: the compiler, and the vectors that loops use here.
+std::string madeWith()
+{
+#ifdef __x86_64__
+    const char* const processor = __builtin_cpu_supports("avx2") ? "x86-64 with AVX2" : "x86-64";
+#else
+    const char* const processor = "another processor";
+#endif
+    return std::string(__VERSION__) + ", " + processor;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -142,6 +154,10 @@ int main(int argc, char** argv)
         for (const auto& [name, make] : paths) {
             std::puts(std::string(name).c_str());
         }
+        return EXIT_SUCCESS;
+    }
+    if (std::string_view(argv[1]) == "--made-with") {
+        std::puts(madeWith().c_str());
         return EXIT_SUCCESS;
     }
     const auto found = paths.find(argv[1]);

@@ -3,7 +3,8 @@
 
 Instructions do not depend on what else a machine does. Only those of our own code count: another
 version of a library is nobody's regression. The record is instructions.json; --record writes it.
-Ends with 1 where a path takes more than was recorded, and with 77 where there is no valgrind.
+Ends with 1 where a path takes more than was recorded, and with 77 where nothing can be compared:
+without valgrind, and with another compiler or processor than the record's.
 """
 
 import argparse
@@ -16,9 +17,9 @@ import sys
 import tempfile
 
 RECORD = pathlib.Path(__file__).resolve().parent / "instructions.json"
-# Another compiler of the same major version may do a little more, or less.
+# A little more is no regression.
 TOLERANCE = 1.03
-NO_VALGRIND = 77
+NOT_COMPARABLE = 77
 
 
 def own_instructions(report, program):
@@ -56,17 +57,23 @@ def main():
     arguments = parser.parse_args()
     if shutil.which("valgrind") is None:
         print("There is no valgrind to count with.")
-        return NO_VALGRIND
+        return NOT_COMPARABLE
 
     program = arguments.program.resolve()
     names = subprocess.run([str(program)], check=True, stdout=subprocess.PIPE,
                            text=True).stdout.splitlines()
+    made_with = subprocess.run([str(program), "--made-with"], check=True, stdout=subprocess.PIPE,
+                               text=True).stdout.strip()
+    recorded = {} if arguments.record else json.loads(RECORD.read_text())
+    if not arguments.record and recorded["made with"] != made_with:
+        print(f"The record is of {recorded['made with']}, this is {made_with}.")
+        return NOT_COMPARABLE
     counts = {name: measured(program, name) for name in names}
     if arguments.record:
-        RECORD.write_text(json.dumps(counts, indent=2) + "\n")
+        RECORD.write_text(json.dumps({"made with": made_with, "paths": counts}, indent=2) + "\n")
         return 0
 
-    record = json.loads(RECORD.read_text())
+    record = recorded["paths"]
     print("| path | instructions | of those on record | |\n|---|---|---|---|")
     grown = set(record) ^ set(counts)
     for name, count in counts.items():
