@@ -249,6 +249,12 @@ TEST(PngEncoder, isSmallerWhenItMayTakeItsTime)
     EXPECT_GT(slow.size(), 331U * 257U / 2);
 }
 
+TEST(PngEncoder, writesTheSmallestPicturesWithoutAByteTooMany)
+{
+    const Image pixel = test::flat({ 1, 1 }, { ColorModel::rgb, 8, AlphaInfo::none }, { 0, 0, 1 });
+    EXPECT_EQ(encoded(pixel, smallest).size(), 69U);
+}
+
 TEST(PngEncoder, refusesCmyk)
 {
     const auto result

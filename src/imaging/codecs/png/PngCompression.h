@@ -17,6 +17,7 @@ enum class CompressionLevel : std::uint8_t {
     balanced = 6,
     thorough = 7,
     deep = 9,
+    search = 10,
     optimal = 12,
 };
 

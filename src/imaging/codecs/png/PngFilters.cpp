@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cmath>
 #include <cstdlib>
 
@@ -96,13 +95,13 @@ double leastEntropy(ByteSpan bytes)
 double fewestPairs(ByteSpan bytes)
 {
     std::array<std::uint64_t, 1024> seen {};
+    unsigned count = 0;
     for (std::size_t i = 1; i < bytes.size(); ++i) {
         const unsigned pair = (number(bytes[i - 1]) << 8U) | number(bytes[i]);
-        seen[pair / 64] |= std::uint64_t { 1 } << (pair % 64);
-    }
-    double count = 0;
-    for (const std::uint64_t bits : seen) {
-        count += std::popcount(bits);
+        const std::uint64_t bit = std::uint64_t { 1 } << (pair % 64);
+        std::uint64_t& word = seen[pair / 64];
+        count += (word & bit) == 0 ? 1U : 0U;
+        word |= bit;
     }
     return count;
 }

@@ -16,13 +16,16 @@ constexpr std::array allStrategies { FilterStrategy::none, FilterStrategy::sub, 
     FilterStrategy::leastEntropy, FilterStrategy::fewestPairs };
 
 /// Bytes of rows that are enough to choose by.
-constexpr std::size_t sampleBytes = std::size_t { 1 } << 20U;
+constexpr std::size_t sampleBytes = std::size_t { 1 } << 19U;
 /// Bands of rows that the sample is taken from, spread evenly.
 constexpr int sampleBands = 12;
 
-/// Up to here the last percent is worth its time, half a second a megabyte for a photograph.
-constexpr std::size_t optimalBytes = std::size_t { 32 } << 20U;
-constexpr std::size_t fewTrialsBytes = std::size_t { 128 } << 10U;
+/// Up to here the search for the cheapest code is worth its time, a tenth of a second a megabyte
+/// for a photograph.
+constexpr std::size_t searchBytes = std::size_t { 32 } << 20U;
+/// Up to here every way is tried.
+constexpr std::size_t smallBytes = std::size_t { 128 } << 10U;
+constexpr std::size_t tinyBytes = std::size_t { 8 } << 10U;
 
 /// What compresses to how much, as far as the sample tells.
 struct Candidate {
@@ -83,55 +86,89 @@ std::vector<Candidate> candidates(std::span<const PackedPicture> forms)
     return found;
 }
 
-/// What is done at last, by the bytes of the picture's rows.
-struct FinalEffort {
-    std::size_t finalists;
-    std::vector<CompressionLevel> levels;
-    bool triesZlib = false;
+/// The smallest outcome of one form and filter after the other.
+class Contest {
+public:
+    explicit Contest(std::span<const PackedPicture> forms)
+        : m_forms(forms)
+    {
+    }
+
+    void enter(const Candidate& candidate)
+    {
+        m_form = candidate.form;
+        m_bytes = filtered(m_forms[m_form], candidate.strategy);
+    }
+
+    /// The length of the stream that the level gives.
+    std::size_t compress(CompressionLevel level) { return consider(deflated(m_bytes, level)); }
+    std::size_t compressByZlib() { return consider(deflatedByZlib(m_bytes)); }
+
+    [[nodiscard]] Compressed winner() && { return std::move(*m_best); }
+
+private:
+    std::size_t consider(ByteBuffer stream)
+    {
+        const std::size_t length = stream.size();
+        const std::size_t size = length + overhead(m_forms[m_form]);
+        if (!m_best || size < m_bestSize) {
+            m_best = Compressed { m_form, std::move(stream) };
+            m_bestSize = size;
+        }
+        return length;
+    }
+
+    std::span<const PackedPicture> m_forms;
+    std::size_t m_form = 0;
+    ByteBuffer m_bytes; ///< what is compressed
+    std::optional<Compressed> m_best;
+    std::size_t m_bestSize = 0;
 };
 
-FinalEffort finalEffort(std::size_t rawBytes)
+/// Every way, for each of the first ones.
+void tryAll(Contest& contest, std::span<const Candidate> trials)
 {
-    if (rawBytes > optimalBytes) {
-        return { 1, { CompressionLevel::thorough } };
+    for (const Candidate& trial : trials) {
+        contest.enter(trial);
+        contest.compress(CompressionLevel::deep);
+        contest.compress(CompressionLevel::optimal);
+        contest.compressByZlib();
     }
-    if (rawBytes > sampleBytes) {
-        return { 1, { CompressionLevel::optimal } };
+}
+
+/// The search for the cheapest code, piece by piece, is what makes most pictures smallest. Where
+/// there is much repetition it has to go on for long, and now and then the plain longest match
+/// comes out ahead; that shows at a lower level.
+void tryWhatPays(Contest& contest, std::span<const Candidate> trials, std::size_t rawBytes)
+{
+    contest.enter(trials[0]);
+    const std::size_t searched = contest.compress(CompressionLevel::search);
+    const bool repeatsItself = 4 * searched < rawBytes;
+    const bool hardlySaysAnything = 30 * searched < rawBytes;
+    if (hardlySaysAnything) {
+        tryAll(contest, trials.first(2));
+    } else if (repeatsItself && contest.compress(CompressionLevel::deep) < searched) {
+        contest.compress(CompressionLevel::optimal);
+        contest.compressByZlib();
     }
-    // The highest level looks for the cheapest code piece by piece; now and then, with much
-    // repetition, the plain longest match comes out ahead.
-    return { rawBytes > fewTrialsBytes ? std::size_t { 2 } : 4,
-        { CompressionLevel::deep, CompressionLevel::optimal }, true };
 }
 
 } // namespace
 
 Compressed smallest(std::span<const PackedPicture> forms)
 {
-    auto trials = candidates(forms);
+    const auto trials = candidates(forms);
     const std::size_t rawBytes = forms[trials.front().form].rows.size();
-    const FinalEffort effort = finalEffort(rawBytes);
-    trials.resize(std::min(trials.size(), effort.finalists));
-
-    std::optional<Compressed> best;
-    std::size_t bestSize = 0;
-    const auto consider = [&](std::size_t form, ByteBuffer stream) {
-        const std::size_t size = stream.size() + overhead(forms[form]);
-        if (!best || size < bestSize) {
-            best = Compressed { form, std::move(stream) };
-            bestSize = size;
-        }
-    };
-    for (const Candidate& trial : trials) {
-        const ByteBuffer bytes = filtered(forms[trial.form], trial.strategy);
-        for (const CompressionLevel level : effort.levels) {
-            consider(trial.form, deflated(bytes, level));
-        }
-        if (effort.triesZlib) {
-            consider(trial.form, deflatedByZlib(bytes));
-        }
+    Contest contest(forms);
+    if (rawBytes > searchBytes) {
+        contest.enter(trials.front());
+        contest.compress(CompressionLevel::thorough);
+    } else if (rawBytes > smallBytes) {
+        tryWhatPays(contest, trials, rawBytes);
+    } else {
+        tryAll(contest, std::span(trials).first(rawBytes > tinyBytes ? 2 : 3));
     }
-    return std::move(*best);
+    return std::move(contest).winner();
 }
 
 ByteBuffer fastest(const PackedPicture& form)
