@@ -5,6 +5,7 @@
 #include "imaging/BitmapContext.h"
 #include "imaging/ImageSource.h"
 #include "imaging/Orientation.h"
+#include "imaging/PixelConversion.h"
 #include "imaging/codecs/CodecTable.h"
 #include "pipeline/Unpremultiply.h"
 #include "support/TestImages.h"
@@ -107,7 +108,7 @@ Path divideAlphaOut()
         std::vector<std::uint8_t> straight(image.row(0).size());
         for (int y = 0; y < image.height(); ++y) {
             const std::span row(image.row8(y), straight.size());
-            if (!isOpaque(row)) {
+            if (!imaging::isOpaque(row)) {
                 unpremultiply(row, straight);
             }
         }

@@ -1,12 +1,14 @@
 #include "imaging/PixelConversion.h"
 
 #include "imaging/OpaquePixel.h"
+#include "imaging/VectorClones.h"
 
 #include <algorithm>
 #include <array>
 #include <cassert>
 #include <cstring>
 #include <limits>
+#include <span>
 #include <type_traits>
 
 namespace vellumine::imaging {
@@ -123,6 +125,21 @@ template <typename Sample> const Sample* samples(const Image& image, int y)
     return reinterpret_cast<const Sample*>(image.row(y).data());
 }
 
+/// The alphas of RGBA pixels, joined by "and".
+VELLUMINE_VECTOR_CLONES
+std::uint8_t commonAlpha(const std::uint8_t* rgba, std::size_t count)
+{
+    std::uint32_t all = ~std::uint32_t { 0 };
+    for (std::size_t i = 0; i < count; ++i) {
+        std::uint32_t pixel = 0;
+        std::memcpy(&pixel, rgba + 4 * i, sizeof(pixel));
+        all &= pixel;
+    }
+    std::array<std::uint8_t, sizeof(all)> samples {};
+    std::memcpy(samples.data(), &all, sizeof(all));
+    return samples[3];
+}
+
 template <typename Sample> bool rowIsOpaque(const Image& image, int y, const Positions& at)
 {
     const Sample* row = samples<Sample>(image, y) + at.alpha;
@@ -187,6 +204,11 @@ Result<Image> relayout(const Image& image, PixelLayout layout)
     return Image(std::move(*target), spaceAfter(image, layout));
 }
 
+bool isOpaque(std::span<const std::uint8_t> rgba)
+{
+    return commonAlpha(rgba.data(), rgba.size() / 4) == 255;
+}
+
 bool isOpaque(const Image& image)
 {
     const Positions at(image.layout());
@@ -194,9 +216,12 @@ bool isOpaque(const Image& image)
         return true;
     }
     const bool deep = image.layout().bitsPerComponent == 16;
+    const bool isRgba = !deep && at.stride == 4 && at.alpha == 3;
     for (int y = 0; y < image.height(); ++y) {
-        if (!(deep ? rowIsOpaque<std::uint16_t>(image, y, at)
-                   : rowIsOpaque<std::uint8_t>(image, y, at))) {
+        const bool opaque = isRgba ? isOpaque(std::span(image.row8(y), image.row(y).size()))
+            : deep                 ? rowIsOpaque<std::uint16_t>(image, y, at)
+                                   : rowIsOpaque<std::uint8_t>(image, y, at);
+        if (!opaque) {
             return false;
         }
     }

@@ -3,6 +3,7 @@
 #include "imaging/Image.h"
 
 #include <cstdint>
+#include <span>
 
 namespace vellumine::imaging {
 
@@ -23,8 +24,10 @@ namespace vellumine::imaging {
 [[nodiscard]] Result<Image> relayout(const Image& image, PixelLayout layout);
 
 /// Whether every pixel is fully opaque; true for pictures without alpha. One with alpha must have
-/// rows, and so must the next function's.
+/// rows, and so must isGrey's.
 [[nodiscard]] bool isOpaque(const Image& image);
+/// The same of 8-bit RGBA pixels in a row, or in several without gaps.
+[[nodiscard]] bool isOpaque(std::span<const std::uint8_t> rgba);
 
 /// Whether every pixel of an RGB picture has three equal samples; true for grey pictures.
 [[nodiscard]] bool isGrey(const Image& image);

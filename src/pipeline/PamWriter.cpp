@@ -1,4 +1,5 @@
 #include "imaging/BitmapContext.h"
+#include "imaging/PixelConversion.h"
 #include "pipeline/ImageOptimizer.h"
 #include "pipeline/Unpremultiply.h"
 #include "platform/FileDescriptor.h"
@@ -73,7 +74,7 @@ std::optional<std::span<const std::uint8_t>> joinedRows(const Image& image)
 std::span<const std::uint8_t> straightPixels(const Image& piece, std::vector<std::uint8_t>& memory)
 {
     const auto joined = joinedRows(piece);
-    if (joined && isOpaque(*joined)) {
+    if (joined && imaging::isOpaque(*joined)) {
         return *joined;
     }
     const std::size_t rowBytes = static_cast<std::size_t>(piece.width()) * bytesPerPixel;

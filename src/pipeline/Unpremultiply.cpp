@@ -1,7 +1,9 @@
 #include "pipeline/Unpremultiply.h"
 
+#include "imaging/PixelConversion.h"
+#include "imaging/VectorClones.h"
+
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <cstring>
 
@@ -9,48 +11,44 @@ namespace vellumine {
 
 namespace {
 
-/// floor(2^32 / alpha) + 1. The upper half of its product with n is floor(n / alpha) for every n
-/// below 2^16: the excess of at most alpha / 2^32 per unit adds up to less than 1 / alpha.
-constexpr std::array<std::uint64_t, 256> reciprocals = [] {
-    std::array<std::uint64_t, 256> table {};
-    for (std::size_t alpha = 1; alpha < table.size(); ++alpha) {
-        table.at(alpha) = (std::uint64_t { 1 } << 32U) / alpha + 1;
-    }
-    return table;
-}();
-
-constexpr std::uint8_t straight(std::uint8_t sample, std::uint8_t alpha)
+/// (sample * 255 + alpha / 2) / alpha in whole numbers, at most 255. The half that is added keeps
+/// the quotient further from the next whole number than a float's rounding can take it, for every
+/// sample and alpha.
+int straight(int sample, int alpha, float reciprocal)
 {
-    const std::uint64_t value = sample * std::uint64_t { 255 } + alpha / 2U;
-    return static_cast<std::uint8_t>(
-        std::min<std::uint64_t>(255, value * reciprocals[alpha] >> 32U));
+    const int numerator = sample * 255 + alpha / 2;
+    return std::min(static_cast<int>((static_cast<float>(numerator) + 0.5F) * reciprocal), 255);
+}
+
+/// The alpha, or 255 for 0: colour that is not to be seen stays as it is. A branch would keep the
+/// compiler from making vectors of it.
+int divisor(int alpha)
+{
+    const std::uint32_t isZero = static_cast<std::uint32_t>(alpha - 1) >> 31U;
+    return alpha + 255 * static_cast<int>(isZero);
+}
+
+VELLUMINE_VECTOR_CLONES
+void divide(const std::uint8_t* __restrict from, std::uint8_t* __restrict to, std::size_t count)
+{
+    for (std::size_t x = 0; x < count; ++x) {
+        const int alpha = from[4 * x + 3];
+        const float reciprocal = 1.0F / static_cast<float>(divisor(alpha));
+        to[4 * x] = static_cast<std::uint8_t>(straight(from[4 * x], alpha, reciprocal));
+        to[4 * x + 1] = static_cast<std::uint8_t>(straight(from[4 * x + 1], alpha, reciprocal));
+        to[4 * x + 2] = static_cast<std::uint8_t>(straight(from[4 * x + 2], alpha, reciprocal));
+        to[4 * x + 3] = static_cast<std::uint8_t>(alpha);
+    }
 }
 
 } // namespace
 
-bool isOpaque(std::span<const std::uint8_t> pixels)
-{
-    std::uint8_t all = 255;
-    for (std::size_t i = 3; i < pixels.size(); i += 4) {
-        all &= pixels[i];
-    }
-    return all == 255;
-}
-
 void unpremultiply(std::span<const std::uint8_t> from, std::span<std::uint8_t> to)
 {
-    std::memcpy(to.data(), from.data(), from.size());
-    if (isOpaque(from)) {
-        return;
-    }
-    for (std::size_t i = 0; i + 3 < to.size(); i += 4) {
-        const std::uint8_t alpha = to[i + 3];
-        if (alpha == 0 || alpha == 255) {
-            continue;
-        }
-        to[i] = straight(to[i], alpha);
-        to[i + 1] = straight(to[i + 1], alpha);
-        to[i + 2] = straight(to[i + 2], alpha);
+    if (imaging::isOpaque(from)) {
+        std::memcpy(to.data(), from.data(), from.size());
+    } else {
+        divide(from.data(), to.data(), from.size() / 4);
     }
 }
 

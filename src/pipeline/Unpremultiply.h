@@ -5,9 +5,6 @@
 
 namespace vellumine {
 
-/// Whether every one of the RGBA pixels has alpha 255.
-[[nodiscard]] bool isOpaque(std::span<const std::uint8_t> pixels);
-
 /// Divides alpha out of RGBA pixels, rounded to nearest and at most 255. Pixels with alpha 0 or 255
 /// stay as they are. Both spans have the same length, a multiple of 4.
 void unpremultiply(std::span<const std::uint8_t> from, std::span<std::uint8_t> to);

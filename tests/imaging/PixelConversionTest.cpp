@@ -119,6 +119,21 @@ TEST(PixelConversion, opacityIsSeenInEveryLayout)
     EXPECT_FALSE(isGrey(gradient(oddSize, rgb8)));
 }
 
+TEST(PixelConversion, onePixelThatShinesThroughIsFoundAnywhere)
+{
+    constexpr int width = 37;
+    for (const AlphaInfo alpha : { AlphaInfo::first, AlphaInfo::last }) {
+        const int channelOfAlpha = alpha == AlphaInfo::first ? 0 : 3;
+        for (int at = 0; at <= width; ++at) {
+            const Image image = test::makeImage({ width, 1 }, { ColorModel::rgb, 8, alpha },
+                [at, channelOfAlpha](int x, int /*y*/, int channel) {
+                    return channel == channelOfAlpha && x != at ? 1.0 : 0.99;
+                });
+            EXPECT_EQ(isOpaque(image), at == width) << at;
+        }
+    }
+}
+
 TEST(PixelConversion, cropsAreConvertedFromTheirOwnRows)
 {
     const Image image = gradient(oddSize, rgb8);

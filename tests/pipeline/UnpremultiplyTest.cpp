@@ -17,7 +17,7 @@ std::array<std::uint8_t, 4> straight(std::array<std::uint8_t, 4> pixel)
     return result;
 }
 
-TEST(Unpremultiply, divisionByTableIsExactForEverySampleAndAlpha)
+TEST(Unpremultiply, divisionIsExactForEverySampleAndAlpha)
 {
     for (int alpha = 1; alpha < 255; ++alpha) {
         for (int sample = 0; sample < 256; ++sample) {
@@ -29,6 +29,28 @@ TEST(Unpremultiply, divisionByTableIsExactForEverySampleAndAlpha)
                 (std::array<std::uint8_t, 4> { expected, 0, expected, a }))
                 << sample << " with alpha " << alpha;
         }
+    }
+}
+
+TEST(Unpremultiply, isTheSameInLongRows)
+{
+    // Every sample with every alpha, in one row with a rest that no vector takes.
+    std::vector<std::uint8_t> row;
+    for (int alpha = 0; alpha < 256; ++alpha) {
+        for (int sample = 0; sample < 256; ++sample) {
+            const auto value = static_cast<std::uint8_t>(sample);
+            row.insert(row.end(),
+                { value, static_cast<std::uint8_t>(255 - sample), 3,
+                    static_cast<std::uint8_t>(alpha) });
+        }
+    }
+    row.insert(row.end(), { 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12 });
+    std::vector<std::uint8_t> result(row.size());
+    unpremultiply(row, result);
+    for (std::size_t i = 0; i < row.size(); i += 4) {
+        const std::array pixel { row[i], row[i + 1], row[i + 2], row[i + 3] };
+        const std::array found { result[i], result[i + 1], result[i + 2], result[i + 3] };
+        ASSERT_EQ(found, straight(pixel)) << i;
     }
 }
 

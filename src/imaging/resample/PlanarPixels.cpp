@@ -4,6 +4,7 @@
 #include "imaging/VectorClones.h"
 
 #include <algorithm>
+#include <array>
 #include <cassert>
 #include <cstddef>
 
@@ -49,9 +50,11 @@ template <typename Sample> constexpr Sample narrowed(std::uint32_t sample)
     }
 }
 
+/// sample * alpha / 65535, rounded to nearest, without a division.
 constexpr std::uint32_t multiplied(std::uint32_t sample, std::uint32_t alpha)
 {
-    return (sample * alpha + maximum / 2) / maximum;
+    const std::uint32_t product = sample * alpha + 32768U;
+    return (product + (product >> 16U)) >> 16U;
 }
 
 /// Colour above alpha is what a filter's overshoot leaves; there is none such.
@@ -83,7 +86,55 @@ void splitRgb(const std::uint16_t* __restrict from, std::uint16_t* __restrict re
     }
 }
 
-/// And back, opaque.
+template <typename Sample>
+[[gnu::always_inline]] inline void splitFour(const Sample* __restrict from,
+    std::uint16_t* __restrict red, std::uint16_t* __restrict green, std::uint16_t* __restrict blue,
+    std::uint16_t* __restrict alpha, int count)
+{
+    for (std::ptrdiff_t x = 0; x < count; ++x) {
+        red[x] = to16(from[4 * x]);
+        green[x] = to16(from[4 * x + 1]);
+        blue[x] = to16(from[4 * x + 2]);
+        alpha[x] = to16(from[4 * x + 3]);
+    }
+}
+
+VELLUMINE_VECTOR_CLONES
+void splitRgba(const std::uint8_t* from, const std::array<std::uint16_t*, 4>& to, int count)
+{
+    splitFour(from, to[0], to[1], to[2], to[3], count);
+}
+
+VELLUMINE_VECTOR_CLONES
+void splitRgba(const std::uint16_t* from, const std::array<std::uint16_t*, 4>& to, int count)
+{
+    splitFour(from, to[0], to[1], to[2], to[3], count);
+}
+
+VELLUMINE_VECTOR_CLONES
+void multiply(std::uint16_t* __restrict samples, const std::uint16_t* __restrict alpha, int count)
+{
+    for (std::ptrdiff_t x = 0; x < count; ++x) {
+        samples[x] = static_cast<std::uint16_t>(multiplied(samples[x], alpha[x]));
+    }
+}
+
+/// And back. Colour above alpha is what a filter's overshoot leaves.
+VELLUMINE_VECTOR_CLONES
+void joinRgba(const std::uint16_t* __restrict red, const std::uint16_t* __restrict green,
+    const std::uint16_t* __restrict blue, const std::uint16_t* __restrict alpha,
+    std::uint8_t* __restrict to, int count)
+{
+    for (std::ptrdiff_t x = 0; x < count; ++x) {
+        const std::uint32_t most = alpha[x];
+        to[4 * x] = to8(std::min<std::uint32_t>(red[x], most));
+        to[4 * x + 1] = to8(std::min<std::uint32_t>(green[x], most));
+        to[4 * x + 2] = to8(std::min<std::uint32_t>(blue[x], most));
+        to[4 * x + 3] = to8(most);
+    }
+}
+
+/// The same, opaque.
 VELLUMINE_VECTOR_CLONES
 void joinOpaque(const std::uint16_t* __restrict red, const std::uint16_t* __restrict green,
     const std::uint16_t* __restrict blue, std::uint8_t* __restrict to, int count)
@@ -135,6 +186,13 @@ template <typename Sample> void PlanarReader::readSamples(const PlanarRow& row) 
         return;
     }
     const bool premultiply = m_alpha >= 0 && !isPremultiplied(m_image.layout().alpha);
+    if (m_alpha == 3) {
+        splitRgba(from, to, count);
+        for (std::size_t c = 0; premultiply && c < 3; ++c) {
+            multiply(to.at(c), to[3], count);
+        }
+        return;
+    }
     for (int x = 0; x < count; ++x, from += m_stride) {
         const std::uint32_t alpha = m_alpha >= 0 ? to16(from[m_alpha]) : maximum;
         for (int c = 0; c < m_colors; ++c) {
@@ -197,13 +255,8 @@ void RgbaWriter::writePremultiplied(const PlanarRow& row)
             row.right - row.left);
         return;
     }
-    for (int x = row.left; x < row.right; ++x, to += 4) {
-        const std::uint32_t alpha = row.planes[3][x];
-        to[0] = narrowed<std::uint8_t>(std::min<std::uint32_t>(row.planes[0][x], alpha));
-        to[1] = narrowed<std::uint8_t>(std::min<std::uint32_t>(row.planes[1][x], alpha));
-        to[2] = narrowed<std::uint8_t>(std::min<std::uint32_t>(row.planes[2][x], alpha));
-        to[3] = narrowed<std::uint8_t>(alpha);
-    }
+    joinRgba(row.planes[0] + row.left, row.planes[1] + row.left, row.planes[2] + row.left,
+        row.planes[3] + row.left, to, row.right - row.left);
 }
 
 void RgbaWriter::write(const PlanarRow& row)

@@ -26,27 +26,13 @@ constexpr int columnsAtOnce = 2 * laneCount;
 using Bytes [[gnu::vector_size(laneCount)]] = std::uint8_t;
 using Numbers [[gnu::vector_size(halfCount * sizeof(float))]] = float;
 
-/// Vectors as processors of different kinds have them, and the same in memory that is not aligned
-/// for them. (A copy of the bytes would go through smaller vectors, and wait for them.)
-struct FourNumbers {
-    static constexpr int count = 4;
-    float vector [[gnu::vector_size(count * sizeof(float))]];
+/// A vector as processors have it, and the same in memory that is not aligned for it. (A copy of
+/// the bytes would go through smaller vectors, and wait for them.)
+template <int Count> struct NumberVector {
+    static constexpr int count = Count;
+    float vector [[gnu::vector_size(Count * sizeof(float))]];
     using InMemory
-        [[gnu::vector_size(count * sizeof(float)), gnu::aligned(alignof(float)), gnu::may_alias]]
-        = float;
-};
-struct EightNumbers {
-    static constexpr int count = 8;
-    float vector [[gnu::vector_size(count * sizeof(float))]];
-    using InMemory
-        [[gnu::vector_size(count * sizeof(float)), gnu::aligned(alignof(float)), gnu::may_alias]]
-        = float;
-};
-struct SixteenNumbers {
-    static constexpr int count = 16;
-    float vector [[gnu::vector_size(count * sizeof(float))]];
-    using InMemory
-        [[gnu::vector_size(count * sizeof(float)), gnu::aligned(alignof(float)), gnu::may_alias]]
+        [[gnu::vector_size(Count * sizeof(float)), gnu::aligned(alignof(float)), gnu::may_alias]]
         = float;
 };
 
@@ -71,7 +57,7 @@ public:
                 * *reinterpret_cast<const typename Vector::InMemory*>(numbers + i * Vector::count);
         });
     }
-    template <typename Numbers> [[gnu::always_inline]] void get(Numbers& numbers) const
+    template <typename Array> [[gnu::always_inline]] void get(Array& numbers) const
     {
         static_assert(sizeof(numbers) == sizeof(m_sums));
         std::memcpy(&numbers, &m_sums, sizeof(numbers));
@@ -184,8 +170,9 @@ template <typename Vector>
         transpose(upper);
         transpose(lower);
         for (std::size_t row = 0; row < halfCount; ++row) {
-            *reinterpret_cast<EightNumbers::InMemory*>(rows[row] + x) = upper[row];
-            *reinterpret_cast<EightNumbers::InMemory*>(rows[row + halfCount] + x) = lower[row];
+            *reinterpret_cast<NumberVector<halfCount>::InMemory*>(rows[row] + x) = upper[row];
+            *reinterpret_cast<NumberVector<halfCount>::InMemory*>(rows[row + halfCount] + x)
+                = lower[row];
         }
     }
 }
@@ -228,25 +215,25 @@ template <typename Vector>
 [[gnu::target("arch=x86-64-v4")]] void narrowRows(const PlaneScaler::Band& band,
     const LanczosTaps& taps, int width, float* lanes, const std::array<float*, laneCount>& rows)
 {
-    narrowBand<SixteenNumbers>(band, taps, width, lanes, rows);
+    narrowBand<NumberVector<16>>(band, taps, width, lanes, rows);
 }
 
 [[gnu::target("arch=x86-64-v3")]] void narrowRows(const PlaneScaler::Band& band,
     const LanczosTaps& taps, int width, float* lanes, const std::array<float*, laneCount>& rows)
 {
-    narrowBand<EightNumbers>(band, taps, width, lanes, rows);
+    narrowBand<NumberVector<8>>(band, taps, width, lanes, rows);
 }
 
 [[gnu::target("arch=x86-64-v4")]] void addRows(
     std::span<const float* const> rows, const float* weights, int width, std::uint16_t* to)
 {
-    addUp<SixteenNumbers>(rows, weights, width, to);
+    addUp<NumberVector<16>>(rows, weights, width, to);
 }
 
 [[gnu::target("arch=x86-64-v3")]] void addRows(
     std::span<const float* const> rows, const float* weights, int width, std::uint16_t* to)
 {
-    addUp<EightNumbers>(rows, weights, width, to);
+    addUp<NumberVector<8>>(rows, weights, width, to);
 }
 
 [[gnu::target("default")]]
@@ -254,7 +241,7 @@ template <typename Vector>
 void narrowRows(const PlaneScaler::Band& band, const LanczosTaps& taps, int width, float* lanes,
     const std::array<float*, laneCount>& rows)
 {
-    narrowBand<FourNumbers>(band, taps, width, lanes, rows);
+    narrowBand<NumberVector<4>>(band, taps, width, lanes, rows);
 }
 
 #ifdef VELLUMINE_HAS_VECTOR_CLONES
@@ -263,7 +250,7 @@ void narrowRows(const PlaneScaler::Band& band, const LanczosTaps& taps, int widt
 void addRows(
     std::span<const float* const> rows, const float* weights, int width, std::uint16_t* to)
 {
-    addUp<FourNumbers>(rows, weights, width, to);
+    addUp<NumberVector<4>>(rows, weights, width, to);
 }
 
 } // namespace
