@@ -65,6 +65,11 @@ std::vector<UniformType> ImageDestination::encodableTypes()
     return types;
 }
 
+bool ImageDestination::encodesInPieces(UniformType type)
+{
+    return codecForType(type).roundTrip != nullptr;
+}
+
 Result<ImageDestination> ImageDestination::create(
     const std::filesystem::path& path, UniformType type)
 {
@@ -108,11 +113,16 @@ Result<void> ImageDestination::finalize()
     if (!m_image) {
         return failure(Error::Kind::encodingFailed, "no picture was added");
     }
-    auto withRows = std::exchange(m_image, std::nullopt)->withRows();
-    if (!withRows) {
-        return tl::unexpected(withRows.error());
+    const Codec& codec = codecForType(m_type);
+    // The rows of a picture that has yet to be turned would be columns.
+    const bool staysDeferred
+        = encodesInPieces(m_type) && m_image->orientation() == Orientation::topLeft;
+    auto encodable = staysDeferred ? Result<Image>(*m_image) : m_image->withRows();
+    m_image.reset();
+    if (!encodable) {
+        return tl::unexpected(encodable.error());
     }
-    Image image = std::move(*withRows);
+    Image image = std::move(*encodable);
     if (!storesColors(m_type, image)) {
         auto converted = convertedToSRgb(image);
         if (!converted) {
@@ -130,7 +140,7 @@ Result<void> ImageDestination::finalize()
     // A TIFF file gets its blocks when it is done: they are fields among its own.
     const MetadataBlocks appended
         = m_type == UniformType::tiff ? std::exchange(options.metadata, {}) : MetadataBlocks {};
-    auto encoded = codecForType(m_type).encode(image, options);
+    auto encoded = codec.encode(image, options);
     if (!encoded) {
         return tl::unexpected(encoded.error());
     }
@@ -140,7 +150,15 @@ Result<void> ImageDestination::finalize()
     if (auto written = m_file.write(*encoded); !written) {
         return written;
     }
-    return m_file.syncAndClose();
+    if (auto closed = m_file.syncAndClose(); !closed) {
+        return closed;
+    }
+    if (m_part && codec.roundTrip != nullptr) {
+        if (auto part = codec.roundTrip(image, options, *m_part)) {
+            m_writtenPart = std::move(*part);
+        }
+    }
+    return {};
 }
 
 } // namespace vellumine::imaging

@@ -21,6 +21,10 @@ public:
     /// The types that can be written: all but WebP.
     [[nodiscard]] static std::vector<UniformType> encodableTypes();
 
+    /// Whether pictures of the type are encoded some rows at a time, and need not be here as a
+    /// whole.
+    [[nodiscard]] static bool encodesInPieces(UniformType type);
+
     /// Creates the file; one that exists is never written over. Fails with Unsupported for a type
     /// that is not encodable and with Io, the system's text as detail.
     static Result<ImageDestination> create(const std::filesystem::path& path, UniformType type);
@@ -34,9 +38,13 @@ public:
     /// upright, whatever its properties say. A CMYK picture becomes sRGB where the type knows no
     /// CMYK. Only one picture is written, the one that was added last.
     void addImage(Image image, ImageProperties properties);
+    /// Has finalize() find out what a reader will see in this part of the picture.
+    void setPartOfInterest(Rect part) { m_part = part; }
     /// Encodes and writes, once. Fails with EncodingFailed when no picture was added, with what
     /// the encoder fails with, and with Io when the disk does.
     Result<void> finalize();
+    /// The part of interest in the written file; none where only a reader of the file can tell.
+    [[nodiscard]] const std::optional<Image>& writtenPart() const { return m_writtenPart; }
 
 private:
     [[nodiscard]] MetadataBlocks metadataFor(const Image& image) const;
@@ -47,6 +55,8 @@ private:
     UniformType m_type;
     ProfilePolicy m_profile = ProfilePolicy::embed;
     Effort m_effort = Effort::smallest;
+    std::optional<Rect> m_part;
+    std::optional<Image> m_writtenPart;
     std::optional<Image> m_image;
     ImageProperties m_properties;
 };

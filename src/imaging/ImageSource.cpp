@@ -69,7 +69,7 @@ const Result<Image>& ImageSource::State::picture(const PictureWish& wish)
 }
 
 // Keeps a whole picture and what its file says about it. The file has served then, and its memory
-// is given back before the next steps ask for theirs.
+// is given back before the next steps ask for theirs; a picture that needs it longer has it.
 void ImageSource::State::adopt(SourcePicture picture)
 {
     decoder.reset();

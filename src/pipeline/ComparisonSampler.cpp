@@ -120,10 +120,24 @@ ComparisonSampler::ComparisonSampler(const Image& oriented, const Image& encoded
     : m_orientedSize(oriented.size())
     , m_encodedSize(encoded.size())
 {
+    const Rect sample = encodedPart();
+    m_source = copied(oriented, centredRect(m_orientedSize, sample.size()));
+    m_encoded = copied(encoded, sample);
+}
+
+Rect ComparisonSampler::encodedPart() const
+{
     // The written picture has the encoded one's size; the sample is no larger than either.
-    const Size sample = smaller(smaller(m_orientedSize, m_encodedSize), largest);
-    m_source = copied(oriented, centredRect(m_orientedSize, sample));
-    m_encoded = copied(encoded, centredRect(m_encodedSize, sample));
+    return centredRect(m_encodedSize, smaller(smaller(m_orientedSize, m_encodedSize), largest));
+}
+
+std::optional<ComparisonSampler::OutputSample> ComparisonSampler::outputSample(
+    const QUrl& url, ReadBack readBack, const ConversionEnvironment& environment) const
+{
+    if (m_written && readBack == ReadBack::sampleOnly) {
+        return OutputSample { m_encodedSize, m_written, false };
+    }
+    return OutputSample::read(url, readBack, m_orientedSize, environment);
 }
 
 std::optional<Image> ComparisonSampler::sourceCrop(Size sample) const
@@ -146,7 +160,7 @@ ComparisonSampler::Comparison ComparisonSampler::compare(const QUrl& sourceURL,
     const QUrl& outputURL, ReadBack readBack, const ConversionEnvironment& environment) const
 {
     Comparison comparison;
-    auto output = OutputSample::read(outputURL, readBack, m_orientedSize, environment);
+    auto output = outputSample(outputURL, readBack, environment);
     comparison.isReadBack = output && output->isReadBack && output->size == m_encodedSize;
     if (!output) {
         output = OutputSample { m_encodedSize, m_encoded, false };

@@ -6,6 +6,7 @@
 #include <QUrl>
 
 #include <optional>
+#include <utility>
 
 namespace vellumine {
 
@@ -31,20 +32,28 @@ public:
 
     ComparisonSampler(const imaging::Image& oriented, const imaging::Image& encoded);
 
-    /// Reads the written file and writes the samples, whether or not the conversion was to give up.
-    /// What cannot be read is sampled from the picture that was encoded. The first sample stays
-    /// where the second cannot be written.
+    /// The part of the encoded picture that will be compared.
+    [[nodiscard]] imaging::Rect encodedPart() const;
+    /// Tells what a reader of the file will find there, where the encoder knows that.
+    void setWrittenPart(imaging::Image part) { m_written = std::move(part); }
+
+    /// Reads the written file, unless the sample is known, and writes the samples, whether or not
+    /// the conversion was to give up. What cannot be read is sampled from the picture that was
+    /// encoded. The first sample stays where the second cannot be written.
     [[nodiscard]] Comparison compare(const QUrl& sourceURL, const QUrl& outputURL,
         ReadBack readBack, const ConversionEnvironment& environment) const;
 
 private:
     struct OutputSample;
+    [[nodiscard]] std::optional<OutputSample> outputSample(
+        const QUrl& url, ReadBack readBack, const ConversionEnvironment& environment) const;
     [[nodiscard]] std::optional<imaging::Image> sourceCrop(imaging::Size sample) const;
 
     imaging::Size m_orientedSize;
     imaging::Size m_encodedSize;
     std::optional<imaging::Image> m_source; ///< the middle of the oriented picture
     std::optional<imaging::Image> m_encoded; ///< the middle of the encoded one
+    std::optional<imaging::Image> m_written; ///< the same, after its encoding
 };
 
 } // namespace vellumine

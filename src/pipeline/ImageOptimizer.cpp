@@ -98,13 +98,15 @@ ConversionAudit auditOf(const QUrl& url, UniformType sourceType, const Image& or
     };
 }
 
-/// What is drawn stays where it was drawn for the WebP encoder, whose file is written piece by
-/// piece; other encoders want the whole picture.
-imaging::Result<Image> broughtHere(const Image& image, const OptimizerSettings& settings)
+/// What is drawn stays where it was drawn for encoders that take it piece by piece, as that of WebP
+/// does. Others want the whole picture.
+imaging::Result<Image> broughtHere(
+    const Image& image, UniformType sourceType, const OptimizerSettings& settings)
 {
-    const bool mayStay
-        = isWebP(settings.outputFormat) && image.layout() == imaging::rgba8Premultiplied;
-    return mayStay ? image : image.withRows();
+    const auto type = ImageOptimizer::outputUTI(sourceType, settings);
+    const bool takesPieces
+        = isWebP(settings.outputFormat) || (type && ImageDestination::encodesInPieces(*type));
+    return takesPieces && image.layout() == imaging::rgba8Premultiplied ? image : image.withRows();
 }
 
 /// Everything up to writing. Takes the source over: with its end go the file's bytes and the
@@ -130,7 +132,8 @@ Outcome<Prepared> prepare(ImageSource source, const QUrl& url, const OptimizerSe
         return tl::unexpected(existing.error());
     }
 
-    auto encoded = broughtHere(ImageOptimizer::transformed(oriented, settings), settings);
+    auto encoded
+        = broughtHere(ImageOptimizer::transformed(oriented, settings), source.type(), settings);
     if (!encoded) {
         return failed(UnreadableImage {}); // whatever holds the pixels lost them
     }
@@ -141,9 +144,9 @@ Outcome<Prepared> prepare(ImageSource source, const QUrl& url, const OptimizerSe
 }
 
 /// Writes the picture with the image service.
-Outcome<void> encode(Image&& image, UniformType type, ImageProperties properties,
-    const QUrl& outputURL, ExistingItem existing, const OptimizerSettings& settings)
+Outcome<void> encode(Prepared& prepared, UniformType type, const OptimizerSettings& settings)
 {
+    const QUrl& outputURL = prepared.outputURL;
     auto pending = PendingFile::beside(toPath(outputURL));
     if (!pending) {
         return failed(CannotCreateDestination { outputURL });
@@ -159,12 +162,20 @@ Outcome<void> encode(Image&& image, UniformType type, ImageProperties properties
         destination->setProfilePolicy(settings.removeColorManagement
                 ? imaging::ProfilePolicy::omit
                 : imaging::ProfilePolicy::embed);
-        destination->addImage(std::move(image), std::move(properties));
+        if (!settings.moveOriginalToTrash) { // else the whole file is read as a proof
+            destination->setPartOfInterest(prepared.sampler.encodedPart());
+        }
+        destination->addImage(std::move(prepared.encoded),
+            ImageOptimizer::destinationProperties(
+                settings, prepared.sourceProperties, CompressionQuality::include));
         if (!destination->finalize()) {
             return failed(CannotFinalize { outputURL, std::nullopt });
         }
+        if (destination->writtenPart()) {
+            prepared.sampler.setWrittenPart(*destination->writtenPart());
+        }
     }
-    if (const auto published = std::move(*pending).publish(existing); !published) {
+    if (const auto published = std::move(*pending).publish(prepared.existing); !published) {
         return failed(CannotFinalize { outputURL, published.error().text });
     }
     return {};
@@ -181,10 +192,7 @@ Outcome<void> write(
     if (!type) {
         return tl::unexpected(type.error());
     }
-    return encode(std::move(prepared.encoded), *type,
-        ImageOptimizer::destinationProperties(
-            settings, prepared.sourceProperties, CompressionQuality::include),
-        prepared.outputURL, prepared.existing, settings);
+    return encode(prepared, *type, settings);
 }
 
 /// Only an original whose output is known to be readable may go, and only as it was read: what was

@@ -220,6 +220,33 @@ TEST_F(Confined, aDrawnPictureThatItsHelperForgotIsDrawnAgain)
     EXPECT_EQ(m_decoders.deathCount(), 0U);
 }
 
+TEST_F(Confined, aDrawingInTheOwnSizeIsMadeWhereItIsLookedAt)
+{
+    const imaging::Size size { 300, 200 };
+    const auto path = picture(UniformType::jpeg, size);
+    const Image here = drawnWhereItIs(ImageSource::create(path, Limits())->image().value(), size);
+    ASSERT_TRUE(here.hasRows());
+    for (const Handover handover : { Handover::fetched, Handover::shared }) {
+        ConfinedDecoders decoders(VELLUMINE_DECODER, {}, handover);
+        auto source = decoders.open(path, Limits()).value();
+        const Image decoded = source.image(imaging::ImageUse::toBeDrawn).value();
+        const Image first = drawnWhereItIs(decoded, size);
+        EXPECT_EQ(first.hasRows(), handover == Handover::shared);
+        for (const Rect part : { Rect { 0, 0, 300, 16 }, Rect { 0, 184, 300, 16 },
+                 Rect { 20, 31, 5, 40 }, Rect { 299, 199, 1, 1 }, Rect { 0, 0, 300, 200 } }) {
+            EXPECT_TRUE(areEqual(first.rows(part).value(), here.cropped(part)));
+            EXPECT_TRUE(decoded.rows(part)); // comes in between, and changes nothing
+        }
+        // The next drawing takes its place.
+        EXPECT_TRUE(areEqual(drawnWhereItIs(decoded, { 60, 40 }).withRows().value(),
+            drawnWhereItIs(
+                ImageSource::create(path, Limits())->image(imaging::ImageUse::toBeDrawn).value(),
+                { 60, 40 })));
+        EXPECT_TRUE(areEqual(first.withRows().value(), here));
+        EXPECT_EQ(decoders.deathCount(), 0U);
+    }
+}
+
 TEST_F(Confined, aPictureIsDrawnWhileItIsDecodedAsInTheProgram)
 {
     const auto path = picture(UniformType::jpeg, { 300, 200 });

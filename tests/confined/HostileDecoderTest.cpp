@@ -87,7 +87,7 @@ std::vector<AttackRow> attackRows()
     for (const char* name :
         { "dies-opening", "dies-decoding", "hangs-opening", "hangs-decoding", "declares-too-much",
             "says-nothing-known", "says-too-much", "answers-another-question", "is-of-another-size",
-            "gives-a-part-unasked", "names-no-memory", "rows-reach-into-nothing",
+            "gives-a-part-unasked", "names-no-memory", "defers-rows", "rows-reach-into-nothing",
             "gives-rows-of-another-size", "gives-rows-of-another-layout", "dies-over-rows",
             "hangs-over-rows", "attaches-nothing-that-is-there", "attaches-more-than-is-allowed",
             "has-colours-of-another-model", "attaches-garbage", "attaches-less" }) {
@@ -135,7 +135,8 @@ TEST_F(Hostile, thatAnEarlierFileHarmedDoesNotCostALaterOne)
 TEST_F(Hostile, thatFailsToDrawCostsItsFile)
 {
     // It draws in grey, or not at all.
-    for (const char* name : { "harmless", "dies-over-rows", "hangs-over-rows" }) {
+    for (const char* name :
+        { "harmless", "dies-over-rows", "hangs-over-rows", "defers-its-drawing-for-ever" }) {
         ConfinedDecoders decoders(helper(name), little);
         auto source = decoders.open(file(), Limits());
         const auto image = source->image(imaging::ImageUse::toBeDrawn);

@@ -80,13 +80,21 @@ TEST(Messages, requestsComeBackAsTheyWere)
     EXPECT_EQ(planned.wish.plan->colors, plan.colors);
     EXPECT_EQ(planned.wish.plan->quality, plan.quality);
     EXPECT_EQ(planned.wish.plan->middle, plan.middle);
-    EXPECT_EQ(
-        std::get<RowsRequest>(*parseRequest(serialised(Request(RowsRequest { rect })))).part, rect);
+    for (const auto picture : { RowsRequest::Of::decoded, RowsRequest::Of::drawn }) {
+        const auto rows = std::get<RowsRequest>(
+            *parseRequest(serialised(Request(RowsRequest { rect, picture }))));
+        EXPECT_EQ(rows.part, rect);
+        EXPECT_EQ(rows.picture, picture);
+    }
     const auto draw = std::get<DrawRequest>(*parseRequest(serialised(Request(drawRequest))));
     EXPECT_EQ(draw.size, drawRequest.size);
     EXPECT_EQ(draw.colors, drawRequest.colors);
     EXPECT_EQ(draw.quality, drawRequest.quality);
     EXPECT_EQ(draw.orientation, drawRequest.orientation);
+    EXPECT_FALSE(draw.mayBeDeferred);
+    DrawRequest patient = drawRequest;
+    patient.mayBeDeferred = true;
+    EXPECT_TRUE(std::get<DrawRequest>(*parseRequest(serialised(Request(patient)))).mayBeDeferred);
 }
 
 TEST(Messages, repliesComeBackAsTheyWere)
@@ -109,6 +117,10 @@ TEST(Messages, repliesComeBackAsTheyWere)
     EXPECT_EQ(as<PixelsReply>(given).layout, deepColour);
     EXPECT_EQ(as<PixelsReply>(given).rowBytes, 400U);
     EXPECT_EQ(as<PixelsReply>(given).address, 4096U);
+    EXPECT_FALSE(as<PixelsReply>(given).isDeferred());
+    const auto deferred
+        = parseReply(serialised(Reply(PixelsReply { { 47, 33 }, imaging::rgba8Premultiplied })));
+    EXPECT_TRUE(as<PixelsReply>(deferred).isDeferred());
     const Error error { Error::Kind::truncated, "data is missing" };
     EXPECT_EQ(as<FailedReply>(parseReply(serialised(Reply(FailedReply { error })))).error, error);
 }
@@ -175,6 +187,7 @@ INSTANTIATE_TEST_SUITE_P(With, BadReply,
             [](PixelsReply& reply) { reply.layout.alpha = static_cast<AlphaInfo>(8); } },
         BadRow { "oddDepth", [](PixelsReply& reply) { reply.layout.bitsPerComponent = 12; } },
         BadRow { "shortRows", [](PixelsReply& reply) { reply.rowBytes = 374; } },
+        BadRow { "noRows", [](PixelsReply& reply) { reply.rowBytes = 0; } },
         BadRow { "hugeRows", [](PixelsReply& reply) { reply.rowBytes = huge; } },
         BadRow { "rowsThatWrapAround",
             [](PixelsReply& reply) { reply.rowBytes = std::uint64_t { 1 } << 59U; } }),
@@ -207,6 +220,18 @@ TEST(Messages, drawingsThatCannotBeAreRefused)
     EXPECT_TRUE(isRefused(
         [](DrawRequest& request) { request.orientation = static_cast<imaging::Orientation>(9); }));
     EXPECT_FALSE(isRefused([](DrawRequest&) {}));
+}
+
+TEST(Messages, yesIsOneAndNoIsZero)
+{
+    for (const Request& request :
+        { Request(drawRequest), Request(RowsRequest { { 0, 0, 1, 1 } }) }) {
+        ByteBuffer bytes = serialised(request);
+        bytes.back() = std::byte { 1 };
+        EXPECT_TRUE(parseRequest(bytes));
+        bytes.back() = std::byte { 2 };
+        EXPECT_FALSE(parseRequest(bytes));
+    }
 }
 
 TEST(Messages, plansThatCannotBeAreRefused)

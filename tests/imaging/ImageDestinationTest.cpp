@@ -304,6 +304,34 @@ TEST(ImageDestination, whatCannotBeSaidInTheFileBecomesSRgb)
     }
 }
 
+TEST(ImageDestination, tellsOfThePartOfInterestWhereTheCodecKnowsIt)
+{
+    TemporaryFolder folder;
+    const Rect part { 10, 5, 30, 20 };
+    for (const UniformType type : { UniformType::jpeg, UniformType::png }) {
+        const auto path = folder / std::string(preferredExtension(type));
+        auto destination = ImageDestination::create(path, type).value();
+        destination.setPartOfInterest(part);
+        destination.addImage(test::syntheticPhoto(oddSize), {});
+        ASSERT_TRUE(destination.finalize());
+        ASSERT_EQ(destination.writtenPart().has_value(), type == UniformType::jpeg);
+        EXPECT_EQ(ImageDestination::encodesInPieces(type), type == UniformType::jpeg);
+        if (destination.writtenPart()) {
+            const Image read = ImageSource::create(path, Limits {})->image().value();
+            EXPECT_EQ(test::maximumDifference(*destination.writtenPart(), read.cropped(part)), 0.0);
+        }
+    }
+}
+
+TEST(ImageDestination, tellsOfNoPartThatNobodyAskedFor)
+{
+    TemporaryFolder folder;
+    auto destination = ImageDestination::create(folder / "photo.jpg", UniformType::jpeg).value();
+    destination.addImage(test::syntheticPhoto(oddSize), {});
+    ASSERT_TRUE(destination.finalize());
+    EXPECT_FALSE(destination.writtenPart());
+}
+
 TEST(ImageDestination, theProfilePolicyHolds)
 {
     TemporaryFolder folder;

@@ -56,9 +56,12 @@ protected:
     ComparisonSampler::Comparison compare(
         const Image& oriented, const Image& encoded, ReadBack readBack = ReadBack::sampleOnly)
     {
-        return ComparisonSampler(oriented, encoded)
-            .compare(
-                urlOf("/from/source.jpg"), urlOf(output()), readBack, m_workplace.environment());
+        return compare(ComparisonSampler(oriented, encoded), readBack);
+    }
+    ComparisonSampler::Comparison compare(const ComparisonSampler& sampler, ReadBack readBack)
+    {
+        return sampler.compare(
+            urlOf("/from/source.jpg"), urlOf(output()), readBack, m_workplace.environment());
     }
 
     [[nodiscard]] std::filesystem::path output() const
@@ -137,6 +140,32 @@ TEST_F(Sampler, unreadableOutputIsSampledFromTheEncodedPicture)
         EXPECT_EQ(comparison.preview->outputPixelSize, QSizeF(100, 50));
         EXPECT_TRUE(areEqual(sample(comparison.preview->outputSampleURL), image));
     }
+}
+
+TEST_F(Sampler, whatTheEncoderKnowsIsNotReadAgain)
+{
+    const Image image = pattern({ 1000, 700 });
+    ComparisonSampler sampler(image, image);
+    EXPECT_EQ(sampler.encodedPart().size(), ComparisonSampler::largest);
+    const Image known = pattern({ 1440, 920 }).cropped({ 720, 460, 720, 460 });
+    sampler.setWrittenPart(known);
+    const auto comparison = compare(sampler, ReadBack::sampleOnly);
+    ASSERT_TRUE(comparison.preview);
+    EXPECT_FALSE(comparison.isReadBack);
+    EXPECT_EQ(comparison.preview->outputPixelSize, QSizeF(1000, 700));
+    EXPECT_TRUE(areEqual(sample(comparison.preview->outputSampleURL), known));
+}
+
+TEST_F(Sampler, aProofIsReadWhateverTheEncoderKnows)
+{
+    const Image image = pattern({ 100, 50 });
+    test::writePicture(output(), image, UniformType::bmp);
+    ComparisonSampler sampler(image, image);
+    sampler.setWrittenPart(pattern({ 200, 50 }).cropped({ 100, 0, 100, 50 }));
+    const auto comparison = compare(sampler, ReadBack::whole);
+    EXPECT_TRUE(comparison.isReadBack);
+    ASSERT_TRUE(comparison.preview);
+    EXPECT_TRUE(areEqual(sample(comparison.preview->outputSampleURL), image));
 }
 
 TEST_F(Sampler, onlyAWholeReadingIsAProof)

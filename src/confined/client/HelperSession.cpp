@@ -25,6 +25,12 @@ PixelsReply drawn(const DrawRequest& request)
     return { .size = request.size, .layout = imaging::rgba8Premultiplied };
 }
 
+bool mayBeDeferred(const Request& request)
+{
+    const auto* const draw = std::get_if<DrawRequest>(&request);
+    return draw != nullptr && draw->mayBeDeferred;
+}
+
 } // namespace
 
 Result<std::shared_ptr<HelperSession>> HelperSession::open(std::shared_ptr<DecoderPool> pool,
@@ -91,12 +97,14 @@ Result<HelperSession::KeptDrawing> HelperSession::drawAndKeep(const DrawRequest&
     if (m_pool->handover() != Handover::fetched) {
         return imaging::failure(Error::Kind::unsupported, "pictures are handed over");
     }
-    const auto given = askForPixels(request, drawn(request));
+    DrawRequest patient = request;
+    patient.mayBeDeferred = true;
+    const auto given = askForPixels(patient, drawn(request));
     if (!given) {
         return tl::unexpected(given.error());
     }
     // Whether it may be fetched is known when some of it is.
-    const auto firstRow = fetchedPart(*given, { 0, 0, given->size.width, 1 }, ColorSpace::sRgb());
+    const auto firstRow = partOfDrawing(*given, { 0, 0, given->size.width, 1 }, ColorSpace::sRgb());
     if (!firstRow) {
         return tl::unexpected(firstRow.error());
     }
@@ -111,7 +119,7 @@ Result<Image> HelperSession::keptRows(
     if (!m_loan.process || drawing.number != m_drawings) {
         return imaging::failure(Error::Kind::io, "the drawn picture is gone");
     }
-    return fetchedPart(drawing.given, part, colorSpace);
+    return partOfDrawing(drawing.given, part, colorSpace);
 }
 
 HelperSession::HelperSession(std::shared_ptr<DecoderPool> pool, FileDescriptor file,
@@ -248,7 +256,8 @@ Result<PixelsReply> HelperSession::askForPixels(const Request& request, const Pi
         return tl::unexpected(failed->error);
     }
     const auto* const given = std::get_if<PixelsReply>(&answer->reply);
-    if (given == nullptr || given->size != expected.size || given->layout != expected.layout) {
+    if (given == nullptr || given->size != expected.size || given->layout != expected.layout
+        || (given->isDeferred() && !mayBeDeferred(request))) {
         loseHelper();
         return notWhatWasAskedFor();
     }
@@ -265,6 +274,19 @@ Result<Image> HelperSession::pixelsFromHelper(
     return handedOver(
         [&](const DecoderProcess& process) { return fetchPixels(process, *given, colorSpace); },
         [&](const FileDescriptor& memory) { return mapPixels(memory, *given, colorSpace); });
+}
+
+Result<Image> HelperSession::partOfDrawing(
+    const PixelsReply& given, Rect part, const ColorSpace& colorSpace)
+{
+    if (!given.isDeferred()) {
+        return fetchedPart(given, part, colorSpace);
+    }
+    return askForPixels(RowsRequest { part, RowsRequest::Of::drawn },
+        { .size = part.size(), .layout = given.layout })
+        .and_then([&](const PixelsReply& laidOut) {
+            return fetchedPart(laidOut, { 0, 0, part.width, part.height }, colorSpace);
+        });
 }
 
 Result<Image> HelperSession::fetchedPart(

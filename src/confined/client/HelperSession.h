@@ -74,6 +74,8 @@ private:
     imaging::Result<PixelsReply> askForPixels(const Request& request, const PixelsReply& expected);
     imaging::Result<imaging::Image> pixelsFromHelper(
         const Request& request, const PixelsReply& expected, const imaging::ColorSpace& colorSpace);
+    imaging::Result<imaging::Image> partOfDrawing(
+        const PixelsReply& given, imaging::Rect part, const imaging::ColorSpace& colorSpace);
     imaging::Result<imaging::Image> fetchedPart(
         const PixelsReply& given, imaging::Rect part, const imaging::ColorSpace& colorSpace);
     imaging::Result<imaging::Image> pixels(

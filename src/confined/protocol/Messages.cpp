@@ -109,6 +109,9 @@ bool hasPixels(Size size)
 /// Whether the rows have room, and an end.
 bool isConsistent(const PixelsReply& reply)
 {
+    if (reply.isDeferred()) {
+        return true;
+    }
     const std::uint64_t used = tightRowBytes(reply.size, reply.layout);
     const auto rows = static_cast<std::uint64_t>(reply.size.height);
     return reply.rowBytes >= used
@@ -244,10 +247,21 @@ std::optional<Request> readDraw(ByteReader& reader)
     const auto colors = readEnumerator(reader, imaging::BitmapColors::own);
     const auto quality = readEnumerator(reader, imaging::InterpolationQuality::high);
     const auto orientation = imaging::orientationFromTag(reader.number<std::uint8_t>());
-    if (!colors || !quality || !orientation || !hasPixels(size)) {
+    const auto mayBeDeferred = reader.number<std::uint8_t>();
+    if (!colors || !quality || !orientation || !hasPixels(size) || mayBeDeferred > 1) {
         return std::nullopt;
     }
-    return DrawRequest { size, *colors, *quality, *orientation };
+    return DrawRequest { size, *colors, *quality, *orientation, mayBeDeferred == 1 };
+}
+
+std::optional<Request> readRows(ByteReader& reader)
+{
+    const Rect part = readRect(reader);
+    const auto picture = readEnumerator(reader, RowsRequest::Of::drawn);
+    if (!picture) {
+        return std::nullopt;
+    }
+    return RowsRequest { part, *picture };
 }
 
 struct Serialiser {
@@ -277,6 +291,7 @@ struct Serialiser {
     {
         write(writer, Tag::rows);
         write(writer, request.part);
+        writer.number(static_cast<std::uint8_t>(request.picture));
     }
     void operator()(const DrawRequest& request)
     {
@@ -285,6 +300,7 @@ struct Serialiser {
         writer.number(static_cast<std::uint8_t>(request.colors));
         writer.number(static_cast<std::uint8_t>(request.quality));
         writer.number(static_cast<std::uint8_t>(request.orientation));
+        writer.number(static_cast<std::uint8_t>(request.mayBeDeferred));
     }
     void operator()(const ShareRequest& /*request*/) { write(writer, Tag::share); }
     void operator()(const ReleaseRequest& /*request*/) { write(writer, Tag::release); }
@@ -374,7 +390,7 @@ Result<Request> parseRequest(ByteSpan message)
         request = readDecode(reader, HasRegion::yes);
         break;
     case Tag::rows:
-        request = RowsRequest { readRect(reader) };
+        request = readRows(reader);
         break;
     case Tag::draw:
         request = readDraw(reader);

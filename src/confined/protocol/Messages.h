@@ -29,7 +29,7 @@ namespace vellumine::confined {
 // and lies within the limits that were asked with, is believed.
 
 /// Changes with the messages, so that a helper of another build is noticed.
-inline constexpr std::uint32_t protocolVersion = 4;
+inline constexpr std::uint32_t protocolVersion = 5;
 
 /// Longer messages are not sent and not read.
 inline constexpr std::size_t largestMessage = 4096;
@@ -44,9 +44,12 @@ struct DecodeRequest {
     imaging::PictureWish wish;
 };
 
-/// Lays rows of the decoded picture out, as it is stored.
+/// Lays rows out: of the decoded picture, as it is stored, or of the one that was drawn last.
 struct RowsRequest {
+    enum class Of : std::uint8_t { decoded, drawn };
+
     imaging::Rect part;
+    Of picture = Of::decoded;
 };
 
 /// Draws the decoded picture, upright.
@@ -55,6 +58,8 @@ struct DrawRequest {
     imaging::BitmapColors colors = imaging::BitmapColors::sRgb;
     imaging::InterpolationQuality quality = imaging::InterpolationQuality::high;
     imaging::Orientation orientation = imaging::Orientation::topLeft;
+    /// Whether its rows may be made when they are asked for, where that costs no more.
+    bool mayBeDeferred = false;
 };
 
 /// Puts what was given last into sealed memory: rows without gaps, or the attachments.
@@ -87,12 +92,15 @@ struct DecodedReply {
 };
 
 /// Rows are in the helper's memory until the next request but one for sharing; those of a drawn
-/// picture until the next one is drawn, or the decoded picture goes.
+/// picture until the next one is drawn, or the decoded picture goes. Without a row length and an
+/// address the drawing has no rows: they are there to be asked for.
 struct PixelsReply {
     imaging::Size size;
     imaging::PixelLayout layout;
     std::uint64_t rowBytes = 0;
     std::uint64_t address = 0;
+
+    [[nodiscard]] bool isDeferred() const { return rowBytes == 0 && address == 0; }
 };
 
 struct FailedReply {

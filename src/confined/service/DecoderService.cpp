@@ -143,10 +143,11 @@ DecoderService::Answer DecoderService::decode(const DecodeRequest& request)
 
 DecoderService::Answer DecoderService::rows(const RowsRequest& request)
 {
-    if (!m_picture || !contains(m_picture->size(), request.part)) {
+    const auto& picture = request.picture == RowsRequest::Of::drawn ? m_drawn : m_picture;
+    if (!picture || !contains(picture->size(), request.part)) {
         return failed({ Error::Kind::io, "there is no such part" });
     }
-    return given(m_picture->rows(request.part));
+    return given(picture->rows(request.part));
 }
 
 DecoderService::Answer DecoderService::draw(const DrawRequest& request)
@@ -163,6 +164,9 @@ DecoderService::Answer DecoderService::draw(const DrawRequest& request)
     auto image = drawnUpright(*m_picture,
         { request.size, colorSpaceOf(request.colors, m_picture->colorSpace()), request.quality,
             request.orientation });
+    if (image && !request.mayBeDeferred) {
+        image = image->withRows();
+    }
     if (image) {
         m_drawn = *image;
     }
@@ -173,6 +177,9 @@ DecoderService::Answer DecoderService::given(Result<Image> pixels)
 {
     if (!pixels) {
         return failed(std::move(pixels.error()));
+    }
+    if (!pixels->hasRows()) {
+        return { PixelsReply { .size = pixels->size(), .layout = pixels->layout() }, std::nullopt };
     }
     const Image& image = m_given.emplace<Image>(std::move(*pixels));
     return { PixelsReply {

@@ -17,7 +17,8 @@ namespace vellumine::imaging {
 namespace {
 
 constexpr std::array table {
-    Codec { UniformType::jpeg, jpeg::sniff, jpeg::readHeader, jpeg::decode, jpeg::encode },
+    Codec { UniformType::jpeg, jpeg::sniff, jpeg::readHeader, jpeg::decode, jpeg::encode,
+        jpeg::roundTrip },
     Codec { UniformType::png, png::sniff, png::readHeader, png::decode, png::encode },
     Codec { UniformType::webp, webp::sniff, webp::readHeader, webp::decode, nullptr },
     Codec { UniformType::heic, heic::sniffHeic, heic::readHeader, heic::decode, heic::encodeHeic },

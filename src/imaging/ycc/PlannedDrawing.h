@@ -34,6 +34,9 @@ public:
     /// as the picture.
     void take(const YccPlanes& rows);
 
+    /// What the picture's RGB numbers mean.
+    [[nodiscard]] const ColorSpace& colorSpace() const { return m_colorSpace; }
+
     /// To be called after the last rows. Gives rows of the middle, and the drawing as it was
     /// planned; anything else fails with Unsupported.
     [[nodiscard]] std::shared_ptr<const DeferredPixels> finish() &&;

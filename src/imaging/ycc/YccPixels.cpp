@@ -7,9 +7,46 @@
 #include "imaging/ycc/YccScaler.h"
 #include "imaging/ycc/YccToRgb.h"
 
+#include <memory>
+#include <mutex>
 #include <utility>
 
 namespace vellumine::imaging::ycc {
+
+namespace {
+
+/// A photograph in its own size and other colours, which are made where they are looked at.
+class ConvertedPixels final : public DeferredPixels {
+public:
+    ConvertedPixels(YccPlanes planes, ColorTransform transform, ColorSpace colorSpace)
+        : m_planes(std::move(planes))
+        , m_transform(std::move(transform))
+        , m_colorSpace(std::move(colorSpace))
+    {
+    }
+
+    [[nodiscard]] Result<Image> rows(Rect part) const override
+    {
+        const std::scoped_lock lock(m_mutex);
+        return toRgba(m_planes, m_transform, part).map([this](PixelBuffer&& pixels) {
+            return Image(std::move(pixels), m_colorSpace);
+        });
+    }
+
+    [[nodiscard]] Result<Image> drawn(const Drawing& drawing) const override
+    {
+        return rows({ 0, 0, m_planes.size().width, m_planes.size().height })
+            .and_then([&drawing](const Image& image) { return drawnUpright(image, drawing); });
+    }
+
+private:
+    YccPlanes m_planes;
+    mutable std::mutex m_mutex; ///< the transform serves one thread at a time
+    ColorTransform m_transform;
+    ColorSpace m_colorSpace;
+};
+
+} // namespace
 
 YccPixels::YccPixels(YccPlanes planes, ColorSpace colorSpace)
     : m_planes(std::move(planes))
@@ -30,9 +67,14 @@ Result<Image> YccPixels::drawn(const Drawing& drawing) const
         return rows({ 0, 0, m_planes.size().width, m_planes.size().height })
             .and_then([&drawing](const Image& image) { return drawnUpright(image, drawing); });
     }
-    const auto transform = ColorTransform::create(m_colorSpace, 8, drawing.colorSpace);
+    auto transform = ColorTransform::create(m_colorSpace, 8, drawing.colorSpace);
     if (!transform) {
         return tl::unexpected(transform.error());
+    }
+    if (drawing.size == m_planes.size() && drawing.orientation == Orientation::topLeft) {
+        return Image(drawing.size, rgba8Premultiplied, drawing.colorSpace,
+            std::make_shared<ConvertedPixels>(m_planes, std::move(*transform), drawing.colorSpace),
+            Orientation::topLeft);
     }
     auto target = PixelBuffer::create(drawing.size, rgba8Premultiplied);
     if (!target) {

@@ -158,6 +158,42 @@ private:
     std::vector<std::uint8_t> m_samples;
 };
 
+/// Gives the columns of a part as opaque RGBA in other colours, row by row.
+class RgbaRows {
+public:
+    RgbaRows(const YccPlanes& planes, const ColorTransform& transform, Rect part)
+        : m_planes(planes)
+        , m_transform(transform)
+        , m_left(part.x)
+        , m_width(part.width)
+        , m_blueness(planes, 1, part)
+        , m_redness(planes, 2, part)
+        , m_rgb(transform.isIdentity() ? 0 : 3 * static_cast<std::size_t>(part.width))
+    {
+    }
+
+    void write(int y, std::uint8_t* to)
+    {
+        const std::uint8_t* const brightness = m_planes.row(0, y) + m_left;
+        const std::uint8_t* const blueness = m_blueness.row(y);
+        const std::uint8_t* const redness = m_redness.row(y);
+        convertToRgba(brightness, blueness, redness, to, m_width);
+        if (!m_transform.isIdentity()) {
+            convertToRgb(brightness, blueness, redness, m_rgb.data(), m_width);
+            m_transform.apply(m_rgb.data(), to, m_width); // leaves alpha as it is
+        }
+    }
+
+private:
+    const YccPlanes& m_planes;
+    const ColorTransform& m_transform;
+    int m_left;
+    int m_width;
+    ColorRows m_blueness;
+    ColorRows m_redness;
+    std::vector<std::uint8_t> m_rgb; ///< one row, where colours are converted
+};
+
 } // namespace
 
 Result<PixelBuffer> toRgb(const YccPlanes& planes, Rect part)
@@ -176,21 +212,28 @@ Result<PixelBuffer> toRgb(const YccPlanes& planes, Rect part)
     return rgb;
 }
 
+Result<PixelBuffer> toRgba(const YccPlanes& planes, const ColorTransform& transform, Rect part)
+{
+    assert(contains(planes.size(), part));
+    auto rgba = PixelBuffer::create(part.size(), rgba8Premultiplied);
+    if (!rgba) {
+        return rgba;
+    }
+    RgbaRows rows(planes, transform, part);
+    for (int y = 0; y < part.height; ++y) {
+        rows.write(part.y + y, rgba->row8(y));
+    }
+    return rgba;
+}
+
 void toRgba(const YccPlanes& planes, const ColorTransform& transform, UprightRows& target)
 {
     const auto [width, height] = planes.size();
     assert(target.storedSize() == planes.size());
-    ColorRows blueness(planes, 1, { 0, 0, width, height });
-    ColorRows redness(planes, 2, { 0, 0, width, height });
-    std::vector<std::uint8_t> rgb(transform.isIdentity() ? 0 : 3 * static_cast<std::size_t>(width));
+    RgbaRows rows(planes, transform, { 0, 0, width, height });
     for (int y = 0; y < height; ++y) {
         const PlanarRow row { y, 0, width, {} };
-        std::uint8_t* const to = target.begin(row);
-        convertToRgba(planes.row(0, y), blueness.row(y), redness.row(y), to, width);
-        if (!transform.isIdentity()) {
-            convertToRgb(planes.row(0, y), blueness.row(y), redness.row(y), rgb.data(), width);
-            transform.apply(rgb.data(), to, width); // leaves alpha as it is
-        }
+        rows.write(y, target.begin(row));
         target.end(row);
     }
 }

@@ -13,8 +13,11 @@ namespace vellumine::imaging::ycc {
 /// it. Fails with OutOfMemory.
 [[nodiscard]] Result<PixelBuffer> toRgb(const YccPlanes& planes, Rect part);
 
-/// The whole picture as opaque RGBA, its RGB converted by the transform. The target's size must be
-/// the picture's.
+/// The same as opaque RGBA, its RGB converted by the transform.
+[[nodiscard]] Result<PixelBuffer> toRgba(
+    const YccPlanes& planes, const ColorTransform& transform, Rect part);
+
+/// The same of the whole picture. The target's size must be the picture's.
 void toRgba(const YccPlanes& planes, const ColorTransform& transform, UprightRows& target);
 
 } // namespace vellumine::imaging::ycc

@@ -147,6 +147,17 @@ const std::map<std::string, Attack> attacks {
         [](const Channel& channel) {
             handChanged(channel, [](Picture& picture) { picture.given.address = 0; });
         } },
+    { "defers-rows",
+        [](const Channel& channel) {
+            handChanged(channel,
+                [](Picture& picture) { picture.given = { .size = size, .layout = layout }; });
+        } },
+    { "defers-its-drawing-for-ever",
+        [](const Channel& channel) {
+            handChanged(channel, [](Picture& picture) {
+                picture.given = { .size = { 2, 2 }, .layout = imaging::rgba8Premultiplied };
+            });
+        } },
     { "rows-reach-into-nothing",
         [](const Channel& channel) {
             handChanged(channel,

@@ -1,3 +1,4 @@
+#include "imaging/DeferredPixels.h"
 #include "imaging/PixelConversion.h"
 #include "imaging/codecs/jpeg/JpegCodec.h"
 #include "support/TestImages.h"
@@ -6,6 +7,9 @@
 
 #include <cstddef>
 #include <cstdio>
+#include <memory>
+#include <utility>
+#include <vector>
 
 #include <jpeglib.h>
 
@@ -170,6 +174,102 @@ TEST(JpegEncoder, writesCmykAsAdobeDoes)
     EXPECT_EQ(structure.components, 4);
     EXPECT_TRUE(structure.hasAdobeMarker);
     EXPECT_GT(psnr(ink, decoded(file).image), 36.0);
+}
+
+/// Gives rows as they are asked for, until a row on.
+class RowsOf final : public DeferredPixels {
+public:
+    RowsOf(Image image, int endOfRows)
+        : m_image(std::move(image))
+        , m_endOfRows(endOfRows)
+    {
+    }
+    [[nodiscard]] Result<Image> rows(Rect part) const override
+    {
+        if (part.y + part.height > m_endOfRows) {
+            return failure(Error::Kind::io, "the rows are gone");
+        }
+        return m_image.cropped(part);
+    }
+    [[nodiscard]] Result<Image> drawn(const Drawing& /*drawing*/) const override
+    {
+        return failure(Error::Kind::unsupported, "never drawn");
+    }
+
+private:
+    Image m_image;
+    int m_endOfRows;
+};
+
+Image deferred(const Image& image, int endOfRows)
+{
+    return { image.size(), image.layout(), image.colorSpace(),
+        std::make_shared<RowsOf>(image, endOfRows), Orientation::topLeft };
+}
+
+TEST(JpegEncoder, bringsTheRowsOfDeferredPictures)
+{
+    for (const PixelLayout layout : { grey8, rgb8, rgba8, cmyk8 }) {
+        const Image image = gradient(oddSize, layout);
+        EXPECT_EQ(encoded(deferred(image, image.height())), encoded(image));
+    }
+}
+
+TEST(JpegEncoder, failsWithWhatDeferredPicturesSay)
+{
+    const Image image = syntheticPhoto(oddSize);
+    const auto result = jpeg::encode(deferred(image, image.height() - 1), {});
+    ASSERT_FALSE(result.has_value());
+    EXPECT_EQ(result.error().kind, Error::Kind::io);
+    EXPECT_EQ(result.error().detail, "the rows are gone");
+}
+
+/// Pictures of every kind that is written differently.
+std::vector<Image> kindsOfPictures()
+{
+    const Image photo = syntheticPhoto({ 131, 89 });
+    std::vector<Image> kinds { photo, photo.withColorSpace(ColorSpace::deviceRgb()) };
+    for (const AlphaInfo alpha : { AlphaInfo::premultipliedLast, AlphaInfo::last, AlphaInfo::first,
+             AlphaInfo::noneSkipLast }) {
+        kinds.push_back(relayout(photo, { ColorModel::rgb, 8, alpha }).value());
+    }
+    for (const PixelLayout layout :
+        { grey8, cmyk8, rgba8, PixelLayout { ColorModel::rgb, 16, AlphaInfo::last } }) {
+        kinds.push_back(gradient(photo.size(), layout));
+    }
+    const auto grey = [](int x, int y, int /*channel*/) { return (x * 3 + y) / 500.0; };
+    kinds.push_back(test::makeImage(photo.size(), rgb8, ColorSpace::deviceRgb(), grey));
+    kinds.push_back(deferred(photo, photo.height()));
+    return kinds;
+}
+
+TEST(JpegEncoder, roundTripIsWhatAReaderOfTheFileFinds)
+{
+    for (const Image& image : kindsOfPictures()) {
+        for (const double quality : { 0.1, 0.82, 0.95 }) {
+            const EncodeOptions options { .quality = quality, .metadata = {} };
+            const Image whole = decoded(encoded(image, options)).image;
+            for (const Rect& part : { Rect { 0, 0, 131, 89 }, Rect { 0, 0, 1, 1 },
+                     Rect { 130, 88, 1, 1 }, Rect { 31, 17, 33, 31 }, Rect { 16, 32, 48, 16 },
+                     Rect { 47, 15, 84, 74 }, Rect { 5, 64, 126, 20 } }) {
+                const Image found = jpeg::roundTrip(image, options, part).value();
+                ASSERT_EQ(found.size(), part.size());
+                ASSERT_EQ(found.layout(), whole.layout());
+                ASSERT_EQ(found.colorSpace(), whole.colorSpace());
+                ASSERT_EQ(maximumDifference(found, whole.cropped(part)), 0.0)
+                    << part.x << ' ' << part.y << ' ' << part.width << ' ' << part.height;
+            }
+        }
+    }
+}
+
+TEST(JpegEncoder, roundTripIsGreyOnlyWhereTheFileIs)
+{
+    // A grey corner of a picture with colour.
+    const Image image = test::makeImage({ 80, 80 }, rgb8, ColorSpace::deviceRgb(),
+        [](int x, int y, int channel) { return x > 60 && channel == 0 ? 1.0 : y / 80.0; });
+    const Image corner = jpeg::roundTrip(image, {}, { 0, 0, 8, 8 }).value();
+    EXPECT_EQ(corner.layout(), rgb8);
 }
 
 TEST(JpegEncoder, refusesSidesThatTheFormatCannotHold)

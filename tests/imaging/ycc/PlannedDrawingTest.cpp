@@ -184,6 +184,11 @@ TEST(PlannedDrawings, areMadeWhileDecodingWhereThatIsPossible)
     DrawingPlan other = plan;
     other.size = photoSize;
     EXPECT_FALSE(decoded(file, other).isDrawn) << "its own size";
+    other.turnedSize = { photoSize.height, photoSize.width };
+    EXPECT_FALSE(decoded(file, other).isDrawn) << "its own size, turned or not";
+    other.turnedSize = plan.turnedSize;
+    EXPECT_TRUE(decoded(fileOf(syntheticPhoto(photoSize), {}, 6), other).isDrawn)
+        << "its own size, were it not turned";
     other.size = { 212, 100 };
     EXPECT_FALSE(decoded(file, other).isDrawn) << "larger";
     other = plan;

@@ -280,15 +280,19 @@ std::unique_ptr<ycc::PlannedDrawing> Reader::plannedDrawing(
     if (!plan || ycc::YccBand::rows % rowsOfCall(m_library) != 0) {
         return nullptr;
     }
+    const Size stored = storedSize();
+    if (plan->size == stored && plan->turnedSize == Size { stored.height, stored.width }) {
+        return nullptr; // in its own size, whatever its orientation is
+    }
     const ColorSpace space = colorSpace(ColorModel::rgb);
     const Drawing drawing = plan->drawing(
         metadata::orientation(metadata(m_library)).value_or(Orientation::topLeft), space);
-    if (!ycc::PlannedDrawing::isFor(drawing, storedSize())
+    if (!ycc::PlannedDrawing::isFor(drawing, stored)
         || !options.limits.check(
             drawing.size.width, drawing.size.height, rgba8Premultiplied.bytesPerPixel())) {
         return nullptr;
     }
-    return ycc::PlannedDrawing::create(storedSize(), subsampling, space, drawing, plan->middle)
+    return ycc::PlannedDrawing::create(stored, subsampling, space, drawing, plan->middle)
         .value_or(nullptr);
 }
 
@@ -317,8 +321,9 @@ Result<Image> Reader::decodeDrawing(
         }
         drawing.take(*rows);
     }
-    return Image(storedSize(), layout, colorSpace(ColorModel::rgb), std::move(drawing).finish(),
-        Orientation::topLeft);
+    ColorSpace space = drawing.colorSpace();
+    return Image(
+        storedSize(), layout, std::move(space), std::move(drawing).finish(), Orientation::topLeft);
 }
 
 Result<DecodedImage> Reader::decode(const DecodeOptions& options)

@@ -71,13 +71,20 @@ private:
     ByteBuffer m_bytes;
 };
 
-/// What is written: the picture in a layout that the library takes, and how.
+/// What is written of which picture, and how.
 struct Plan {
-    Image image;
-    J_COLOR_SPACE inputSpace;
+    const Image& image;
+    PixelLayout layout; ///< in which the library takes it
+    J_COLOR_SPACE inputSpace; ///< what that is to the library
     /// The space of the file, where it is not the library's choice for the input.
     std::optional<J_COLOR_SPACE> fileSpace;
     int quality;
+};
+
+/// How the coefficients get into the file; they are the same ones.
+enum class EntropyCoding {
+    smallest, ///< progressive, with tables for this picture
+    fastest,
 };
 
 class Writer {
@@ -91,12 +98,13 @@ public:
     Writer& operator=(const Writer&) = delete;
     ~Writer() { jpeg_destroy_compress(&m_library); }
 
-    Result<ByteBuffer> write(const Plan& plan, const OutgoingMarkers& markers);
+    Result<ByteBuffer> write(
+        const Plan& plan, EntropyCoding coding, const OutgoingMarkers& markers);
 
 private:
-    void configure(const Plan& plan);
-    void writeRows(const Image& image);
-    void writeInvertedRows(const Image& image, std::span<JSAMPLE> scratch);
+    void configure(const Plan& plan, EntropyCoding coding);
+    void writeRows(const Image& piece);
+    Result<void> writePieces(const Plan& plan);
 
     Errors m_errors;
     Destination m_destination;
@@ -104,14 +112,48 @@ private:
     jpeg_compress_struct m_library {};
 };
 
-void Writer::configure(const Plan& plan)
+/// As many as the library wants for a row of its blocks.
+constexpr int rowsInPiece = 2 * DCTSIZE;
+
+bool isOpaqueInPlace(const Image& piece, PixelLayout layout)
+{
+    const PixelLayout from = piece.layout();
+    return layout.alpha == AlphaInfo::noneSkipLast && from.channels() == layout.channels()
+        && isOpaque(piece);
+}
+
+/// Rows in the library's layout: where they are, past an alpha that says nothing, or a copy.
+Result<Image> pieceOf(const Image& image, int top, PixelLayout layout)
+{
+    return image.rows({ 0, top, image.width(), std::min(rowsInPiece, image.height() - top) })
+        .and_then([layout](Image&& piece) -> Result<Image> {
+            return isOpaqueInPlace(piece, layout) ? std::move(piece) : relayout(piece, layout);
+        });
+}
+
+/// CMYK goes into files as Adobe's programs write it, 255 for no ink: with their marker (which the
+/// library sets) that is what every reader expects.
+Result<Image> inverted(const Image& piece)
+{
+    auto target = PixelBuffer::create(piece.size(), piece.layout());
+    if (!target) {
+        return tl::unexpected(target.error());
+    }
+    for (int y = 0; y < piece.height(); ++y) {
+        std::ranges::transform(
+            piece.row(y), target->row(y).begin(), [](std::byte ink) { return ~ink; });
+    }
+    return Image(std::move(*target), piece.colorSpace());
+}
+
+void Writer::configure(const Plan& plan, EntropyCoding coding)
 {
     jpeg_create_compress(&m_library);
     m_coefficients.manage(reinterpret_cast<j_common_ptr>(&m_library));
     m_library.dest = &m_destination;
     m_library.image_width = static_cast<JDIMENSION>(plan.image.width());
     m_library.image_height = static_cast<JDIMENSION>(plan.image.height());
-    m_library.input_components = plan.image.layout().channels();
+    m_library.input_components = plan.layout.channels();
     m_library.in_color_space = plan.inputSpace;
     jpeg_set_defaults(&m_library);
     if (plan.fileSpace) {
@@ -123,114 +165,167 @@ void Writer::configure(const Plan& plan)
         m_library.comp_info[0].v_samp_factor = 1;
     }
     m_library.dct_method = JDCT_ISLOW;
-    m_library.optimize_coding = TRUE;
-    jpeg_simple_progression(&m_library);
+    if (coding == EntropyCoding::smallest) {
+        m_library.optimize_coding = TRUE;
+        jpeg_simple_progression(&m_library);
+    }
 }
 
-void Writer::writeRows(const Image& image)
+void Writer::writeRows(const Image& piece)
 {
-    std::array<JSAMPROW, 16> rows {};
-    while (m_library.next_scanline < m_library.image_height) {
-        const JDIMENSION count = std::min<JDIMENSION>(
-            static_cast<JDIMENSION>(rows.size()), m_library.image_height - m_library.next_scanline);
-        for (JDIMENSION i = 0; i < count; ++i) {
-            // The library only reads, its interface is from before const.
-            rows[i]
-                = const_cast<JSAMPROW>(image.row8(static_cast<int>(m_library.next_scanline + i)));
+    std::array<JSAMPROW, rowsInPiece> rows {};
+    int count = 0;
+    for (; count < piece.height(); ++count) {
+        // The library only reads, its interface is from before const.
+        rows.at(static_cast<std::size_t>(count)) = const_cast<JSAMPROW>(piece.row8(count));
+    }
+    jpeg_write_scanlines(&m_library, rows.data(), static_cast<JDIMENSION>(count));
+}
+
+Result<void> Writer::writePieces(const Plan& plan)
+{
+    for (int top = 0; top < plan.image.height(); top += rowsInPiece) {
+        auto piece = pieceOf(plan.image, top, plan.layout);
+        if (piece && plan.inputSpace == JCS_CMYK) {
+            piece = inverted(*piece);
         }
-        jpeg_write_scanlines(&m_library, rows.data(), count);
+        if (!piece) {
+            return tl::unexpected(piece.error());
+        }
+        if (auto written = m_errors.run([&] { writeRows(*piece); }); !written) {
+            return written;
+        }
     }
+    return {};
 }
 
-/// CMYK goes into files as Adobe's programs write it, 255 for no ink: with their marker (which the
-/// library sets) that is what every reader expects.
-void Writer::writeInvertedRows(const Image& image, std::span<JSAMPLE> scratch)
+Result<ByteBuffer> Writer::write(
+    const Plan& plan, EntropyCoding coding, const OutgoingMarkers& markers)
 {
-    while (m_library.next_scanline < m_library.image_height) {
-        const JSAMPLE* row = image.row8(static_cast<int>(m_library.next_scanline));
-        std::transform(row, row + scratch.size(), scratch.begin(),
-            [](JSAMPLE ink) { return static_cast<JSAMPLE>(MAXJSAMPLE - ink); });
-        JSAMPROW inverted = scratch.data();
-        jpeg_write_scanlines(&m_library, &inverted, 1);
-    }
-}
-
-Result<ByteBuffer> Writer::write(const Plan& plan, const OutgoingMarkers& markers)
-{
-    std::vector<JSAMPLE> scratch;
-    if (plan.inputSpace == JCS_CMYK) {
-        scratch.resize(plan.image.row(0).size());
-    }
-    const auto written = m_errors.run([&] {
-        configure(plan);
+    const auto started = m_errors.run([&] {
+        configure(plan, coding);
         jpeg_start_compress(&m_library, TRUE);
         writeMarkers(m_library, markers);
-        if (plan.inputSpace == JCS_CMYK) {
-            writeInvertedRows(plan.image, scratch);
-        } else {
-            writeRows(plan.image);
-        }
-        jpeg_finish_compress(&m_library);
+    });
+    const auto written = started.and_then([&] { return writePieces(plan); }).and_then([this] {
+        return m_errors.run([this] { jpeg_finish_compress(&m_library); });
     });
     if (!written) {
-        const bool noMemory = written.error().kind == Error::Kind::outOfMemory;
-        return failure(noMemory ? Error::Kind::outOfMemory : Error::Kind::encodingFailed,
-            written.error().detail);
+        const Error& error = written.error();
+        const bool isOfTheLibrary
+            = error.kind != Error::Kind::outOfMemory && error.kind != Error::Kind::io;
+        return failure(isOfTheLibrary ? Error::Kind::encodingFailed : error.kind, error.detail);
     }
     return std::move(m_destination).take();
 }
 
-/// Whether the library can read the pixels where they are, past an alpha that says nothing.
-bool isOpaqueRgba(const Image& image)
+/// As every grey picture is seen to be one, and colour in the first rows of most others.
+Result<bool> isGreyThroughout(const Image& image, PixelLayout layout)
 {
-    const PixelLayout layout = image.layout();
-    const bool isRgba = layout.model == ColorModel::rgb && layout.bitsPerComponent == 8
-        && (layout.alpha == AlphaInfo::premultipliedLast || layout.alpha == AlphaInfo::last
-            || layout.alpha == AlphaInfo::noneSkipLast);
-    return isRgba && isOpaque(image);
+    for (int top = 0; top < image.height(); top += rowsInPiece) {
+        const auto piece = pieceOf(image, top, layout);
+        if (!piece) {
+            return tl::unexpected(piece.error());
+        }
+        if (!isGrey(*piece)) {
+            return false;
+        }
+    }
+    return true;
 }
 
-Result<Plan> plan(const Image& image, const EncodeOptions& options, bool hasProfile)
+ByteSpan profileOf(const Image& image, const EncodeOptions& options)
 {
-    const ColorModel model = image.layout().model;
-    const bool staysRgba = isOpaqueRgba(image);
-    auto flat = staysRgba ? Result<Image>(image) : relayout(image, { model, 8, AlphaInfo::none });
-    if (!flat) {
-        return tl::unexpected(flat.error());
-    }
-    const J_COLOR_SPACE rgb = staysRgba ? JCS_EXT_RGBX : JCS_RGB;
+    return options.profile == ProfilePolicy::embed ? image.colorSpace().iccProfile() : ByteSpan {};
+}
+
+/// What is to be known of the picture is in its pieces, as far as it has to be.
+Result<Plan> planFor(const Image& image, const EncodeOptions& options)
+{
     const double percent = std::isfinite(options.quality) ? options.quality * 100.0 : 100.0;
     const int quality = static_cast<int>(std::lround(std::clamp(percent, 1.0, 100.0)));
-    switch (model) {
+    const PixelLayout from = image.layout();
+    PixelLayout layout { from.model, 8, AlphaInfo::none };
+    switch (from.model) {
     case ColorModel::grey:
-        return Plan { std::move(*flat), JCS_GRAYSCALE, std::nullopt, quality };
-    case ColorModel::rgb:
-        // The library's luma of three equal samples is the sample. Under an RGB profile a file
-        // with one component would be invalid.
-        if (!hasProfile && isGrey(*flat)) {
-            return Plan { std::move(*flat), rgb, JCS_GRAYSCALE, quality };
-        }
-        return Plan { std::move(*flat), rgb, std::nullopt, quality };
+        return Plan { image, layout, JCS_GRAYSCALE, std::nullopt, quality };
     case ColorModel::cmyk:
+        return Plan { image, layout, JCS_CMYK, std::nullopt, quality };
+    case ColorModel::rgb:
         break;
     }
-    return Plan { std::move(*flat), JCS_CMYK, std::nullopt, quality };
+    const bool isRgba = from.bitsPerComponent == 8
+        && (from.alpha == AlphaInfo::premultipliedLast || from.alpha == AlphaInfo::last
+            || from.alpha == AlphaInfo::noneSkipLast);
+    if (isRgba) {
+        layout.alpha = AlphaInfo::noneSkipLast;
+    }
+    Plan plan { image, layout, isRgba ? JCS_EXT_RGBX : JCS_RGB, std::nullopt, quality };
+    // The library's luma of three equal samples is the sample. Under an RGB profile a file with one
+    // component would be invalid.
+    if (profileOf(image, options).empty()) {
+        const auto grey = isGreyThroughout(image, layout);
+        if (!grey) {
+            return tl::unexpected(grey.error());
+        }
+        if (*grey) {
+            plan.fileSpace = JCS_GRAYSCALE;
+        }
+    }
+    return plan;
+}
+
+/// The part and what takes part in smoothing its colour, in whole blocks: encoded alone they give
+/// the coefficients that they give in the picture.
+Rect blocksAround(Rect part, Size whole)
+{
+    constexpr int block = 2 * DCTSIZE;
+    const auto along = [](int first, int length, int end) {
+        const int begin = std::max(first / block - 1, 0) * block;
+        return std::pair(begin, std::min(((first + length - 1) / block + 2) * block, end) - begin);
+    };
+    const auto [x, width] = along(part.x, part.width, whole.width);
+    const auto [y, height] = along(part.y, part.height, whole.height);
+    return { x, y, width, height };
 }
 
 } // namespace
 
 Result<ByteBuffer> encode(const Image& image, const EncodeOptions& options)
 {
-    const ByteSpan profile
-        = options.profile == ProfilePolicy::embed ? image.colorSpace().iccProfile() : ByteSpan {};
-    const auto planned = plan(image, options, !profile.empty());
-    if (!planned) {
-        return tl::unexpected(planned.error());
+    const auto plan = planFor(image, options);
+    if (!plan) {
+        return tl::unexpected(plan.error());
     }
     // Seldom too little, and never much to take back.
     const std::size_t expected = std::size_t { 4096 }
         + static_cast<std::size_t>(image.width()) * static_cast<std::size_t>(image.height()) / 4;
-    return Writer(expected).write(*planned, outgoingMarkers(profile, options.metadata));
+    return Writer(expected).write(*plan, EntropyCoding::smallest,
+        outgoingMarkers(profileOf(image, options), options.metadata));
+}
+
+Result<Image> roundTrip(const Image& image, const EncodeOptions& options, Rect part)
+{
+    const auto plan = planFor(image, options);
+    if (!plan) {
+        return tl::unexpected(plan.error());
+    }
+    const Rect blocks = blocksAround(part, image.size());
+    const auto around = image.rows(blocks);
+    if (!around) {
+        return tl::unexpected(around.error());
+    }
+    const Plan planOfPart { *around, plan->layout, plan->inputSpace, plan->fileSpace,
+        plan->quality };
+    const std::size_t expected = std::size_t { 4096 }
+        + static_cast<std::size_t>(blocks.width) * static_cast<std::size_t>(blocks.height);
+    return Writer(expected)
+        .write(planOfPart, EntropyCoding::fastest, outgoingMarkers(profileOf(image, options), {}))
+        .and_then([](ByteBuffer&& file) { return decode(file, {}); })
+        .map([&](DecodedImage&& decoded) {
+            return decoded.image.cropped(
+                { part.x - blocks.x, part.y - blocks.y, part.width, part.height });
+        });
 }
 
 } // namespace vellumine::imaging::jpeg
