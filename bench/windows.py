@@ -41,10 +41,12 @@ class Windows:
         """Milliseconds to the first frame, and resident megabytes a while later."""
         home = self.scratch / "home"
         shutil.rmtree(home, ignore_errors=True)
-        (home / "run").mkdir(parents=True, mode=0o700)
+        for name in ("run", "temporary"):
+            (home / name).mkdir(parents=True, mode=0o700)
         environment = {name: value for name, value in os.environ.items()
                        if not name.startswith(("XDG_", "QT_", "QSG_", "WAYLAND_", "DBUS_"))}
         environment |= {**display, "HOME": str(home), "XDG_RUNTIME_DIR": str(home / "run"),
+                        "TMPDIR": str(home / "temporary"),
                         "DBUS_SESSION_BUS_ADDRESS": "unix:path=/nonexistent",
                         "QT_LOGGING_RULES": "qt.scenegraph.time.renderloop=true"}
         begin = time.monotonic()
