@@ -30,6 +30,9 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
 endif()
 target_include_directories(vellumine_options INTERFACE "${CMAKE_SOURCE_DIR}/src")
 
+# Some libraries ask for it, and what is precompiled is shared by all.
+add_compile_options(-pthread)
+
 if(VELLUMINE_SANITIZE)
     # Line numbers are all that a report needs, and take half the time to write.
     set(CMAKE_CXX_FLAGS_DEBUG "-g1")
@@ -44,6 +47,23 @@ if(VELLUMINE_FUZZ)
     add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
+# Headers that are read once for several libraries: vellumine_precompiled(NAME HEADER [LINK target...]
+# [DEFINITIONS definition...] [OPTIONS option...]) makes NAME, whose header others take over with `target_precompile_headers(... REUSE_FROM NAME)`.
+# The compiler insists on options like its own and on definitions that the headers cannot tell apart.
+function(vellumine_precompiled name header)
+    cmake_parse_arguments(ARG "" "" "LINK;DEFINITIONS;OPTIONS" ${ARGN})
+    set(source "${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp")
+    file(CONFIGURE OUTPUT "${source}" CONTENT "// has nothing but its precompiled header\n")
+    add_library(${name} OBJECT EXCLUDE_FROM_ALL "${source}")
+    target_link_libraries(${name} PRIVATE vellumine_options ${ARG_LINK})
+    target_compile_definitions(${name} PRIVATE ${ARG_DEFINITIONS})
+    target_compile_options(${name} PRIVATE ${ARG_OPTIONS})
+    target_precompile_headers(${name} PRIVATE "${CMAKE_SOURCE_DIR}/cmake/precompiled/${header}")
+endfunction()
+
+set(VELLUMINE_QT_DEFINITIONS
+    QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING)
+
 # vellumine_library(NAME [DEPENDS target...] [PRIVATE target...] [SUBFOLDERS])
 # A static library of every .cpp file below the folder that calls it.
 function(vellumine_library name)
@@ -55,8 +75,13 @@ function(vellumine_library name)
         PUBLIC ${ARG_DEPENDS}
         PRIVATE vellumine_options ${ARG_PRIVATE})
     target_include_directories(vellumine_${name} PUBLIC "${CMAKE_SOURCE_DIR}/src")
+    set(kind standard)
     if(ARG_DEPENDS MATCHES "Qt6|core|pipeline|batch" OR ARG_PRIVATE MATCHES "Qt6")
-        target_compile_definitions(vellumine_${name}
-            PRIVATE QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING)
+        target_compile_definitions(vellumine_${name} PRIVATE ${VELLUMINE_QT_DEFINITIONS})
+        set(kind qt)
     endif()
+    if(ARG_DEPENDS MATCHES "Qt6::Quick")
+        set(kind quick)
+    endif()
+    target_precompile_headers(vellumine_${name} REUSE_FROM vellumine_precompiled_${kind})
 endfunction()
