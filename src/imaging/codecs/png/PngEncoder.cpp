@@ -28,23 +28,23 @@ void appendHeader(ByteBuffer& file, const PackedPicture& picture)
     appendChunk(file, "IHDR", data);
 }
 
-void appendProfile(ByteBuffer& file, ByteSpan profile)
+void appendProfile(ByteBuffer& file, ByteSpan deflatedProfile)
 {
     ByteBuffer data;
     append(data, profileChunkName);
     data.resize(data.size() + 2); // the end of the name, the compression method
-    append(data, deflated(profile, CompressionLevel::optimal));
+    append(data, deflatedProfile);
     appendChunk(file, "iCCP", data);
 }
 
-ByteBuffer assembled(
-    const PackedPicture& picture, ByteSpan stream, ByteSpan profile, const MetadataBlocks& metadata)
+ByteBuffer assembled(const PackedPicture& picture, ByteSpan stream, ByteSpan deflatedProfile,
+    const MetadataBlocks& metadata)
 {
     ByteBuffer file;
     append(file, signature);
     appendHeader(file, picture);
-    if (!profile.empty()) {
-        appendProfile(file, profile);
+    if (!deflatedProfile.empty()) {
+        appendProfile(file, deflatedProfile);
     }
     if (!picture.palette.empty()) {
         appendChunk(file, "PLTE", picture.palette);
@@ -66,7 +66,8 @@ Result<ByteBuffer> encodeFastest(
     const Image& image, ByteSpan profile, const MetadataBlocks& metadata)
 {
     return packed(image).map([&](const PackedPicture& picture) {
-        return assembled(picture, fastest(picture), profile, metadata);
+        return assembled(picture, fastest(picture),
+            profile.empty() ? ByteBuffer() : quicklyDeflated(profile), metadata);
     });
 }
 
@@ -78,7 +79,8 @@ Result<ByteBuffer> encodeSmallest(
         .toPalette = profile.empty() || image.layout().model == ColorModel::rgb };
     return reduced(image, allowed).map([&](const std::vector<PackedPicture>& forms) {
         const Compressed best = smallest(forms);
-        return assembled(forms[best.form], best.stream, profile, metadata);
+        return assembled(forms[best.form], best.stream,
+            profile.empty() ? ByteBuffer() : deflated(profile, CompressionLevel::optimal), metadata);
     });
 }
 
