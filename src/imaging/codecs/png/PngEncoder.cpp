@@ -80,7 +80,8 @@ Result<ByteBuffer> encodeSmallest(
     return reduced(image, allowed).map([&](const std::vector<PackedPicture>& forms) {
         const Compressed best = smallest(forms);
         return assembled(forms[best.form], best.stream,
-            profile.empty() ? ByteBuffer() : deflated(profile, CompressionLevel::optimal), metadata);
+            profile.empty() ? ByteBuffer() : deflated(profile, CompressionLevel::optimal),
+            metadata);
     });
 }
 
