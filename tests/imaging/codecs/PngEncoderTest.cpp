@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -247,6 +248,20 @@ TEST(PngEncoder, isSmallerWhenItMayTakeItsTime)
     EXPECT_LT(slow.size(), fast.size());
     EXPECT_LT(fast.size(), 331U * 257U * 3U);
     EXPECT_GT(slow.size(), 331U * 257U / 2);
+}
+
+TEST(PngEncoder, keepsTheProfileWhateverTheEffort)
+{
+    const auto wide = ColorSpace::fromPrimaries(
+        { { 0.3127, 0.3290 }, { 0.68, 0.32 }, { 0.265, 0.69 }, { 0.15, 0.06 } }, {})
+                          .value();
+    const Image image = gradient(oddSize, rgb8).withColorSpace(wide);
+    for (const Effort effort : { Effort::smallest, Effort::fastest }) {
+        const auto file = encoded(image, { .effort = effort, .metadata = {} });
+        const Image back = decoded(file);
+        EXPECT_TRUE(std::ranges::equal(back.colorSpace().iccProfile(), wide.iccProfile()));
+        EXPECT_EQ(visibleDifference(image, back), 0.0);
+    }
 }
 
 TEST(PngEncoder, writesTheSmallestPicturesWithoutAByteTooMany)
