@@ -4,6 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#ifdef __SANITIZE_ADDRESS__
+extern "C" void __sanitizer_purge_allocator(); // its header is not installed everywhere
+#endif
+
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -69,6 +73,11 @@ TEST_F(ControlGroups, withoutLimitsThereIsNone)
 [[noreturn]] void endWithLimitedAddresses()
 {
     constexpr rlim_t addresses = rlim_t { 1 } << 20U;
+#ifdef __SANITIZE_ADDRESS__
+    // What is freed is kept from being used again, and new addresses there will be none.
+    (void)memoryForThisProcess();
+    __sanitizer_purge_allocator();
+#endif
     rlimit limit {};
     limit.rlim_cur = addresses;
     limit.rlim_max = RLIM_INFINITY;
