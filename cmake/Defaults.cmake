@@ -47,9 +47,10 @@ if(VELLUMINE_FUZZ)
     add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
-# Headers that are read once for several libraries: vellumine_precompiled(NAME HEADER [LINK target...]
-# [DEFINITIONS definition...] [OPTIONS option...]) makes NAME, whose header others take over with `target_precompile_headers(... REUSE_FROM NAME)`.
-# The compiler insists on options like its own and on definitions that the headers cannot tell apart.
+# vellumine_precompiled(NAME HEADER [LINK target...] [DEFINITIONS definition...] [OPTIONS option...])
+# Makes NAME of headers that are read once for several libraries or programs, which take them over with
+# `target_precompile_headers(... REUSE_FROM NAME)`. The compiler insists that they are compiled with the
+# same options, and with definitions that make no difference to the headers.
 function(vellumine_precompiled name header)
     cmake_parse_arguments(ARG "" "" "LINK;DEFINITIONS;OPTIONS" ${ARGN})
     set(source "${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp")
