@@ -4,14 +4,14 @@
 
 #include <gtest/gtest.h>
 
-#ifdef __SANITIZE_ADDRESS__
-extern "C" void __sanitizer_purge_allocator(); // its header is not installed everywhere
-#endif
-
 #include <sys/resource.h>
 #include <unistd.h>
 
 #include <string_view>
+
+#ifdef __SANITIZE_ADDRESS__
+extern "C" void __sanitizer_purge_allocator(); // its header is not installed everywhere
+#endif
 
 namespace vellumine::imaging {
 namespace {
