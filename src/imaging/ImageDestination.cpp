@@ -154,7 +154,7 @@ Result<void> ImageDestination::finalize()
         return closed;
     }
     if (m_part && codec.roundTrip != nullptr) {
-        if (auto part = codec.roundTrip(image, options, *m_part)) {
+        if (auto part = codec.roundTrip(image, options, *encoded, *m_part)) {
             m_writtenPart = std::move(*part);
         }
     }

@@ -70,10 +70,11 @@ struct Codec {
     Result<DecodedImage> (*decode)(ByteSpan file, const DecodeOptions& options);
     /// The whole encoded file. Takes any layout, in rows; null for a format that is only read.
     Result<ByteBuffer> (*encode)(const Image& image, const EncodeOptions& options);
-    /// What decode() would find in a part of the file that encode() makes of the picture, at the
+    /// What decode() would find in a part of the file that encode() made of the picture, at the
     /// cost of the part; null where that takes the whole file. A codec with this takes pictures
     /// without rows, too, and asks for some rows at a time.
-    Result<Image> (*roundTrip)(const Image& image, const EncodeOptions& options, Rect part)
+    Result<Image> (*roundTrip)(
+        const Image& image, const EncodeOptions& options, ByteSpan file, Rect part)
         = nullptr;
 };
 

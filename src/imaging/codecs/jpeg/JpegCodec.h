@@ -8,6 +8,6 @@ namespace vellumine::imaging::jpeg {
 Result<ImageHeader> readHeader(ByteSpan file);
 Result<DecodedImage> decode(ByteSpan file, const DecodeOptions& options);
 Result<ByteBuffer> encode(const Image& image, const EncodeOptions& options);
-Result<Image> roundTrip(const Image& image, const EncodeOptions& options, Rect part);
+Result<Image> roundTrip(const Image& image, const EncodeOptions& options, ByteSpan file, Rect part);
 
 } // namespace vellumine::imaging::jpeg

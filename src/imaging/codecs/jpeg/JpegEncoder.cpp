@@ -239,8 +239,8 @@ ByteSpan profileOf(const Image& image, const EncodeOptions& options)
     return options.profile == ProfilePolicy::embed ? image.colorSpace().iccProfile() : ByteSpan {};
 }
 
-/// What is to be known of the picture is in its pieces, as far as it has to be.
-Result<Plan> planFor(const Image& image, const EncodeOptions& options)
+/// In the space that the library chooses.
+Plan planFor(const Image& image, const EncodeOptions& options)
 {
     const double percent = std::isfinite(options.quality) ? options.quality * 100.0 : 100.0;
     const int quality = static_cast<int>(std::lround(std::clamp(percent, 1.0, 100.0)));
@@ -260,19 +260,17 @@ Result<Plan> planFor(const Image& image, const EncodeOptions& options)
     if (isRgba) {
         layout.alpha = AlphaInfo::noneSkipLast;
     }
-    Plan plan { image, layout, isRgba ? JCS_EXT_RGBX : JCS_RGB, std::nullopt, quality };
-    // The library's luma of three equal samples is the sample. Under an RGB profile a file with one
-    // component would be invalid.
-    if (profileOf(image, options).empty()) {
-        const auto grey = isGreyThroughout(image, layout);
-        if (!grey) {
-            return tl::unexpected(grey.error());
-        }
-        if (*grey) {
-            plan.fileSpace = JCS_GRAYSCALE;
-        }
+    return Plan { image, layout, isRgba ? JCS_EXT_RGBX : JCS_RGB, std::nullopt, quality };
+}
+
+/// Whether the file of an RGB picture needs one component only: the library's luma of three equal
+/// samples is the sample. Under an RGB profile such a file would be invalid.
+Result<bool> maySayLess(const Plan& plan, const EncodeOptions& options)
+{
+    if (plan.layout.model != ColorModel::rgb || !profileOf(plan.image, options).empty()) {
+        return false;
     }
-    return plan;
+    return isGreyThroughout(plan.image, plan.layout);
 }
 
 /// The part and what takes part in smoothing its colour, in whole blocks: encoded alone they give
@@ -293,35 +291,41 @@ Rect blocksAround(Rect part, Size whole)
 
 Result<ByteBuffer> encode(const Image& image, const EncodeOptions& options)
 {
-    const auto plan = planFor(image, options);
-    if (!plan) {
-        return tl::unexpected(plan.error());
+    Plan plan = planFor(image, options);
+    const auto becomesGrey = maySayLess(plan, options);
+    if (!becomesGrey) {
+        return tl::unexpected(becomesGrey.error());
+    }
+    if (*becomesGrey) {
+        plan.fileSpace = JCS_GRAYSCALE;
     }
     // Seldom too little, and never much to take back.
     const std::size_t expected = std::size_t { 4096 }
         + static_cast<std::size_t>(image.width()) * static_cast<std::size_t>(image.height()) / 4;
-    return Writer(expected).write(*plan, EntropyCoding::smallest,
+    return Writer(expected).write(plan, EntropyCoding::smallest,
         outgoingMarkers(profileOf(image, options), options.metadata));
 }
 
-Result<Image> roundTrip(const Image& image, const EncodeOptions& options, Rect part)
+Result<Image> roundTrip(const Image& image, const EncodeOptions& options, ByteSpan file, Rect part)
 {
-    const auto plan = planFor(image, options);
-    if (!plan) {
-        return tl::unexpected(plan.error());
+    const auto header = readHeader(file);
+    if (!header) {
+        return tl::unexpected(header.error());
     }
     const Rect blocks = blocksAround(part, image.size());
     const auto around = image.rows(blocks);
     if (!around) {
         return tl::unexpected(around.error());
     }
-    const Plan planOfPart { *around, plan->layout, plan->inputSpace, plan->fileSpace,
-        plan->quality };
+    Plan plan = planFor(*around, options);
+    if (header->layout.model == ColorModel::grey) {
+        plan.fileSpace = JCS_GRAYSCALE;
+    }
     const std::size_t expected = std::size_t { 4096 }
         + static_cast<std::size_t>(blocks.width) * static_cast<std::size_t>(blocks.height);
     return Writer(expected)
-        .write(planOfPart, EntropyCoding::fastest, outgoingMarkers(profileOf(image, options), {}))
-        .and_then([](ByteBuffer&& file) { return decode(file, {}); })
+        .write(plan, EntropyCoding::fastest, outgoingMarkers(profileOf(image, options), {}))
+        .and_then([](ByteBuffer&& partsFile) { return decode(partsFile, {}); })
         .map([&](DecodedImage&& decoded) {
             return decoded.image.cropped(
                 { part.x - blocks.x, part.y - blocks.y, part.width, part.height });
