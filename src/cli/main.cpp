@@ -80,10 +80,10 @@ int convert(const CommandLine& line, TerminationSignals& signals)
         environment.openImage = confined::opener(confined);
     }
 
-    // The samples that JSON names are for whoever reads it.
-    PreviewSamples samples(environment.temporaryFolder,
-        line.style == OutputStyle::json ? PreviewSamples::AtEnd::keep
-                                        : PreviewSamples::AtEnd::remove);
+    // The samples that JSON names are for whoever reads it. Text names none.
+    environment.comparisonSamples
+        = line.style == OutputStyle::json ? ComparisonSamples::make : ComparisonSamples::leaveOut;
+    PreviewSamples samples(environment.temporaryFolder, PreviewSamples::AtEnd::keep);
     Report report(line.style);
     // The preferences are those of the command line, and no statistics are kept.
     ProcessingModel model({

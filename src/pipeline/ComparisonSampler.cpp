@@ -116,17 +116,23 @@ std::optional<ComparisonSampler::OutputSample> ComparisonSampler::OutputSample::
     return OutputSample { size, std::move(*crop), false };
 }
 
-ComparisonSampler::ComparisonSampler(const Image& oriented, const Image& encoded)
-    : m_orientedSize(oriented.size())
+ComparisonSampler::ComparisonSampler(
+    const Image& oriented, const Image& encoded, ComparisonSamples samples)
+    : m_samples(samples)
+    , m_orientedSize(oriented.size())
     , m_encodedSize(encoded.size())
 {
-    const Rect sample = encodedPart();
-    m_source = copied(oriented, centredRect(m_orientedSize, sample.size()));
-    m_encoded = copied(encoded, sample);
+    if (const auto sample = encodedPart()) {
+        m_source = copied(oriented, centredRect(m_orientedSize, sample->size()));
+        m_encoded = copied(encoded, *sample);
+    }
 }
 
-Rect ComparisonSampler::encodedPart() const
+std::optional<Rect> ComparisonSampler::encodedPart() const
 {
+    if (m_samples == ComparisonSamples::leaveOut) {
+        return std::nullopt;
+    }
     // The written picture has the encoded one's size; the sample is no larger than either.
     return centredRect(m_encodedSize, smaller(smaller(m_orientedSize, m_encodedSize), largest));
 }
@@ -160,8 +166,14 @@ ComparisonSampler::Comparison ComparisonSampler::compare(const QUrl& sourceURL,
     const QUrl& outputURL, ReadBack readBack, const ConversionEnvironment& environment) const
 {
     Comparison comparison;
+    if (m_samples == ComparisonSamples::leaveOut && readBack == ReadBack::sampleOnly) {
+        return comparison;
+    }
     auto output = outputSample(outputURL, readBack, environment);
     comparison.isReadBack = output && output->isReadBack && output->size == m_encodedSize;
+    if (m_samples == ComparisonSamples::leaveOut) {
+        return comparison;
+    }
     if (!output) {
         output = OutputSample { m_encodedSize, m_encoded, false };
     }

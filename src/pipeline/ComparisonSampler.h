@@ -2,6 +2,7 @@
 
 #include "core/ProcessingResult.h"
 #include "imaging/Image.h"
+#include "pipeline/ConversionEnvironment.h"
 
 #include <QUrl>
 
@@ -9,8 +10,6 @@
 #include <utility>
 
 namespace vellumine {
-
-struct ConversionEnvironment;
 
 /// Cuts the same part out of the middle of a source and of its output, for the two to be compared.
 /// Keeps only what the samples need, so that the whole pictures can go.
@@ -30,16 +29,18 @@ public:
         bool isReadBack = false;
     };
 
-    ComparisonSampler(const imaging::Image& oriented, const imaging::Image& encoded);
+    ComparisonSampler(
+        const imaging::Image& oriented, const imaging::Image& encoded, ComparisonSamples samples);
 
-    /// The part of the encoded picture that will be compared.
-    [[nodiscard]] imaging::Rect encodedPart() const;
+    /// The part of the encoded picture that will be compared, if any.
+    [[nodiscard]] std::optional<imaging::Rect> encodedPart() const;
     /// Tells what a reader of the file will find there, where the encoder knows that.
     void setWrittenPart(imaging::Image part) { m_written = std::move(part); }
 
     /// Reads the written file, unless the sample is known, and writes the samples, whether or not
     /// the conversion was to give up. What cannot be read is sampled from the picture that was
-    /// encoded. The first sample stays where the second cannot be written.
+    /// encoded. The first sample stays where the second cannot be written. Without samples only a
+    /// proof is read.
     [[nodiscard]] Comparison compare(const QUrl& sourceURL, const QUrl& outputURL,
         ReadBack readBack, const ConversionEnvironment& environment) const;
 
@@ -49,6 +50,7 @@ private:
         const QUrl& url, ReadBack readBack, const ConversionEnvironment& environment) const;
     [[nodiscard]] std::optional<imaging::Image> sourceCrop(imaging::Size sample) const;
 
+    ComparisonSamples m_samples;
     imaging::Size m_orientedSize;
     imaging::Size m_encodedSize;
     std::optional<imaging::Image> m_source; ///< the middle of the oriented picture

@@ -11,6 +11,7 @@
 #include <QUrl>
 
 #include <chrono>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -33,6 +34,9 @@ struct EncoderPatience {
     [[nodiscard]] std::chrono::milliseconds forPicture(imaging::Size size) const;
 };
 
+/// Whether a conversion leaves samples of its picture for a comparison behind.
+enum class ComparisonSamples : std::uint8_t { make, leaveOut };
+
 /// What a conversion needs from the world around it. One for all conversions of a batch; everything
 /// in it is safe to use from several threads at once.
 struct ConversionEnvironment {
@@ -48,6 +52,7 @@ struct ConversionEnvironment {
     imaging::Limits limits = imaging::Limits::forThisMachine();
     std::shared_ptr<MemoryBudget> memoryBudget
         = std::make_shared<MemoryBudget>(MemoryBudget::bytesFor(limits));
+    ComparisonSamples comparisonSamples = ComparisonSamples::make;
     /// For work files and preview samples.
     std::filesystem::path temporaryFolder = std::filesystem::temp_directory_path();
     /// Where the program's executable is, with the WebP encoder beside it.

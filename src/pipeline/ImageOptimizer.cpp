@@ -138,7 +138,7 @@ Outcome<Prepared> prepare(ImageSource source, const QUrl& url, const OptimizerSe
         return failed(UnreadableImage {}); // whatever holds the pixels lost them
     }
     ConversionAudit audit = auditOf(url, source.type(), oriented, *encoded, settings);
-    ComparisonSampler sampler(oriented, *encoded);
+    ComparisonSampler sampler(oriented, *encoded, environment.comparisonSamples);
     return Prepared { std::move(*encoded), source.type(), std::move(properties),
         std::move(*outputURL), *existing, std::move(audit), std::move(sampler) };
 }
@@ -162,8 +162,9 @@ Outcome<void> encode(Prepared& prepared, UniformType type, const OptimizerSettin
         destination->setProfilePolicy(settings.removeColorManagement
                 ? imaging::ProfilePolicy::omit
                 : imaging::ProfilePolicy::embed);
-        if (!settings.moveOriginalToTrash) { // else the whole file is read as a proof
-            destination->setPartOfInterest(prepared.sampler.encodedPart());
+        const auto part = prepared.sampler.encodedPart();
+        if (part && !settings.moveOriginalToTrash) { // else the whole file is read as a proof
+            destination->setPartOfInterest(*part);
         }
         destination->addImage(std::move(prepared.encoded),
             ImageOptimizer::destinationProperties(

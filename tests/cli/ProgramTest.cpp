@@ -15,11 +15,15 @@
 
 #include <fcntl.h>
 #include <sched.h>
+#include <sys/inotify.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <csignal>
 #include <string>
+#include <vector>
 
 namespace vellumine {
 namespace {
@@ -142,6 +146,52 @@ TEST_F(Program, oneFailureIsStatusOneAndStopsNobody)
     EXPECT_TRUE(outcome.output.contains(QStringLiteral("b.png: The image could not be read.\n")));
     EXPECT_TRUE(outcome.output.contains(QStringLiteral("1 file optimized, 1 failed")));
     EXPECT_TRUE(std::filesystem::exists(pictures() / "a.webp"));
+}
+
+/// What files come to be in a folder, from the making of the object on.
+class FolderWatch {
+public:
+    explicit FolderWatch(const std::filesystem::path& folder)
+        : m_descriptor(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC))
+    {
+        EXPECT_GE(::inotify_add_watch(m_descriptor.get(), folder.c_str(), IN_CREATE), 0);
+    }
+
+    /// The names of all so far.
+    [[nodiscard]] std::vector<std::string> names() const
+    {
+        std::vector<std::string> found;
+        alignas(inotify_event) std::array<char, 65536> events {};
+        for (ssize_t size = 0;
+             (size = ::read(m_descriptor.get(), events.data(), events.size())) > 0;) {
+            for (const char* at = events.data(); at < events.data() + size;) {
+                const auto* event = reinterpret_cast<const inotify_event*>(at);
+                found.emplace_back(event->name);
+                at += sizeof(inotify_event) + event->len;
+            }
+        }
+        return found;
+    }
+
+private:
+    platform::FileDescriptor m_descriptor;
+};
+
+TEST_F(Program, samplesAreMadeForThoseWhoAreToldOfThem)
+{
+    makePicture("a.bmp");
+    const auto samplesMade = [this](const QStringList& arguments) {
+        const FolderWatch watch(temporary());
+        EXPECT_EQ(run(arguments).status, 0);
+        const auto names = watch.names();
+        EXPECT_FALSE(names.empty()); // a lock, and what the encoder is handed
+        return std::ranges::count_if(
+            names, [](const std::string& name) { return name.ends_with(".png"); });
+    };
+    EXPECT_EQ(samplesMade({ QStringLiteral("a.bmp") }), 0);
+    EXPECT_EQ(samplesMade({ QStringLiteral("--json"), QStringLiteral("--set"),
+                  QStringLiteral("warnBeforeOverwrite=false"), QStringLiteral("a.bmp") }),
+        2);
 }
 
 TEST_F(Program, jsonIsOneObjectPerFileAndKeepsTheSamples)

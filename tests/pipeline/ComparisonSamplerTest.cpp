@@ -56,7 +56,7 @@ protected:
     ComparisonSampler::Comparison compare(
         const Image& oriented, const Image& encoded, ReadBack readBack = ReadBack::sampleOnly)
     {
-        return compare(ComparisonSampler(oriented, encoded), readBack);
+        return compare(ComparisonSampler(oriented, encoded, ComparisonSamples::make), readBack);
     }
     ComparisonSampler::Comparison compare(const ComparisonSampler& sampler, ReadBack readBack)
     {
@@ -145,8 +145,8 @@ TEST_F(Sampler, unreadableOutputIsSampledFromTheEncodedPicture)
 TEST_F(Sampler, whatTheEncoderKnowsIsNotReadAgain)
 {
     const Image image = pattern({ 1000, 700 });
-    ComparisonSampler sampler(image, image);
-    EXPECT_EQ(sampler.encodedPart().size(), ComparisonSampler::largest);
+    ComparisonSampler sampler(image, image, ComparisonSamples::make);
+    EXPECT_EQ(sampler.encodedPart()->size(), ComparisonSampler::largest);
     const Image known = pattern({ 1440, 920 }).cropped({ 720, 460, 720, 460 });
     sampler.setWrittenPart(known);
     const auto comparison = compare(sampler, ReadBack::sampleOnly);
@@ -160,7 +160,7 @@ TEST_F(Sampler, aProofIsReadWhateverTheEncoderKnows)
 {
     const Image image = pattern({ 100, 50 });
     test::writePicture(output(), image, UniformType::bmp);
-    ComparisonSampler sampler(image, image);
+    ComparisonSampler sampler(image, image, ComparisonSamples::make);
     sampler.setWrittenPart(pattern({ 200, 50 }).cropped({ 100, 0, 100, 50 }));
     const auto comparison = compare(sampler, ReadBack::whole);
     EXPECT_TRUE(comparison.isReadBack);
@@ -174,6 +174,21 @@ TEST_F(Sampler, onlyAWholeReadingIsAProof)
     test::writePicture(output(), image, UniformType::bmp);
     EXPECT_TRUE(compare(image, image, ReadBack::whole).isReadBack);
     EXPECT_FALSE(compare(image, image, ReadBack::sampleOnly).isReadBack);
+}
+
+TEST_F(Sampler, withoutSamplesOnlyAProofIsRead)
+{
+    const Image image = pattern({ 60, 40 });
+    const ComparisonSampler sampler(image, image, ComparisonSamples::leaveOut);
+    EXPECT_FALSE(sampler.encodedPart());
+    test::writePicture(output(), image, UniformType::bmp);
+    EXPECT_FALSE(compare(sampler, ReadBack::sampleOnly).isReadBack);
+    const auto proof = compare(sampler, ReadBack::whole);
+    EXPECT_TRUE(proof.isReadBack);
+    EXPECT_FALSE(proof.preview);
+    test::writeFile(output(), "no picture");
+    EXPECT_FALSE(compare(sampler, ReadBack::whole).isReadBack);
+    EXPECT_EQ(test::listing(m_workplace.temporary()), "");
 }
 
 TEST_F(Sampler, withoutAFolderThereIsNoPreview)

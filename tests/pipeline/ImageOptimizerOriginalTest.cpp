@@ -102,6 +102,24 @@ TEST_F(Optimize, originalStaysWhenTheOutputHasAnotherSize)
     EXPECT_TRUE(result->message.contains(QStringLiteral("could not be moved to Trash")));
 }
 
+TEST_F(Optimize, originalGoesOnlyWithAProofWhereSamplesAreNotWanted)
+{
+    m_environment.comparisonSamples = ComparisonSamples::leaveOut;
+    m_settings.moveOriginalToTrash = true;
+    const auto result = optimize(makeSource());
+    ASSERT_TRUE(result);
+    EXPECT_EQ(m_trashed, std::vector { urlOf(in("a.bmp")) });
+    EXPECT_FALSE(result->comparisonPreview);
+
+    m_workplace.replaceEncoder(R"(
+while [ "$1" != "-o" ]; do shift; done
+printf garbage > "$2"
+)");
+    ASSERT_TRUE(optimize(makeSource("b.bmp")));
+    EXPECT_EQ(m_trashed.size(), 1U);
+    EXPECT_TRUE(std::filesystem::exists(in("b.bmp")));
+}
+
 TEST_F(Optimize, trashThatFailsIsOnlyMentioned)
 {
     m_settings.moveOriginalToTrash = true;

@@ -58,6 +58,29 @@ TEST_F(Optimize, resultOfASuccessHasEveryField)
     EXPECT_EQ(listing(in("")), "photo.bmp photo.webp");
 }
 
+TEST_F(Optimize, outputIsTheSameWithoutSamples)
+{
+    const auto source = makeSource("a.bmp", { 300, 200 });
+    for (const OutputFormat format :
+        { OutputFormat::webp, OutputFormat::jpeg, OutputFormat::png }) {
+        m_settings.outputFormat = format;
+        m_environment.comparisonSamples = ComparisonSamples::make;
+        const auto sampled = optimize(source);
+        ASSERT_TRUE(sampled && sampled->comparisonPreview);
+        const auto output = platform::toPath(*sampled->outputURL);
+        const std::string expected = test::textOf(output);
+        std::filesystem::remove(output);
+        const std::string samples = test::listing(m_workplace.temporary());
+
+        m_environment.comparisonSamples = ComparisonSamples::leaveOut;
+        const auto result = optimize(source);
+        ASSERT_TRUE(result);
+        EXPECT_FALSE(result->comparisonPreview);
+        EXPECT_EQ(test::textOf(output), expected);
+        EXPECT_EQ(test::listing(m_workplace.temporary()), samples);
+    }
+}
+
 TEST_F(Optimize, leavesOnlyTheTwoSamplesInTheTemporaryFolder)
 {
     const auto result = optimize(makeSource());
