@@ -41,6 +41,21 @@ TEST(PngCompression, quickStreamsComeBackAsTheyWere)
     }
 }
 
+TEST(PngCompression, streamsMadeOneAfterTheOtherAreThoseMadeAlone)
+{
+    for (const CompressionLevel level :
+        { CompressionLevel::balanced, CompressionLevel::search, CompressionLevel::optimal }) {
+        Deflater deflater(level);
+        for (const std::size_t size : { 100'003U, 100U, 0U, 5'000U }) {
+            for (const ByteBuffer& bytes : { noise(size), residuals(size), ByteBuffer(size) }) {
+                const ByteBuffer stream = deflater.deflated(bytes);
+                EXPECT_EQ(stream, deflated(bytes, level)) << size;
+                EXPECT_EQ(inflated(stream, size), bytes) << size;
+            }
+        }
+    }
+}
+
 TEST(PngCompression, streamsOfZlibComeBackAsTheyWere)
 {
     for (const std::size_t size : { 0U, 1U, 100U, 100'003U }) {

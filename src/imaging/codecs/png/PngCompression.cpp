@@ -18,7 +18,6 @@ constexpr std::size_t largestForQuick = std::size_t { 1 } << 30U;
 
 using Decompressor
     = std::unique_ptr<libdeflate_decompressor, decltype(&libdeflate_free_decompressor)>;
-using Compressor = std::unique_ptr<libdeflate_compressor, decltype(&libdeflate_free_compressor)>;
 
 } // namespace
 
@@ -50,17 +49,25 @@ std::optional<ByteBuffer> inflated(ByteSpan stream, std::size_t maximum)
     }
 }
 
-ByteBuffer deflated(ByteSpan bytes, CompressionLevel level)
+Deflater::Deflater(CompressionLevel level)
+    : m_library(libdeflate_alloc_compressor(static_cast<int>(level)), libdeflate_free_compressor)
 {
-    const Compressor compressor(
-        libdeflate_alloc_compressor(static_cast<int>(level)), libdeflate_free_compressor);
-    if (!compressor) {
+    if (!m_library) {
         throw std::bad_alloc();
     }
-    ByteBuffer stream(libdeflate_zlib_compress_bound(compressor.get(), bytes.size()));
+}
+
+ByteBuffer Deflater::deflated(ByteSpan bytes)
+{
+    ByteBuffer stream(libdeflate_zlib_compress_bound(m_library.get(), bytes.size()));
     stream.resize(libdeflate_zlib_compress(
-        compressor.get(), bytes.data(), bytes.size(), stream.data(), stream.size()));
+        m_library.get(), bytes.data(), bytes.size(), stream.data(), stream.size()));
     return stream;
+}
+
+ByteBuffer deflated(ByteSpan bytes, CompressionLevel level)
+{
+    return Deflater(level).deflated(bytes);
 }
 
 ByteBuffer deflatedByZlib(ByteSpan bytes)

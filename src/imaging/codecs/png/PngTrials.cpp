@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 #include <optional>
 
 namespace vellumine::imaging::png {
@@ -15,6 +16,8 @@ constexpr std::array allStrategies { FilterStrategy::none, FilterStrategy::sub, 
     FilterStrategy::average, FilterStrategy::paeth, FilterStrategy::smallestSum,
     FilterStrategy::leastEntropy, FilterStrategy::fewestPairs };
 
+/// Bytes of rows that are enough to leave half of the ways out.
+constexpr std::size_t glanceBytes = std::size_t { 1 } << 17U;
 /// Bytes of rows that are enough to choose by.
 constexpr std::size_t sampleBytes = std::size_t { 1 } << 19U;
 /// Bands of rows that the sample is taken from, spread evenly.
@@ -23,9 +26,9 @@ constexpr int sampleBands = 12;
 /// Up to here the search for the cheapest code is worth its time, a tenth of a second a megabyte
 /// for a photograph.
 constexpr std::size_t searchBytes = std::size_t { 32 } << 20U;
-/// Up to here every way is tried.
+/// Up to here the longest search is.
 constexpr std::size_t smallBytes = std::size_t { 128 } << 10U;
-constexpr std::size_t tinyBytes = std::size_t { 8 } << 10U;
+constexpr std::size_t tinyBytes = std::size_t { 2 } << 10U;
 
 /// What compresses to how much, as far as the sample tells.
 struct Candidate {
@@ -65,24 +68,45 @@ ByteBuffer filteredSample(const PackedPicture& form, FilterStrategy strategy, in
     return bytes;
 }
 
+/// How many rows are at most so many bytes in every form.
+int rowsIn(std::size_t bytes, std::span<const PackedPicture> forms)
+{
+    const auto longest = std::ranges::max_element(forms, {}, &PackedPicture::rowBytes);
+    return static_cast<int>(bytes / std::max<std::size_t>(longest->rowBytes, 1));
+}
+
+/// Sorts them by what so many rows compress to: the same ones of every form, so that what they give
+/// can be compared.
+void sortByEstimate(
+    std::vector<Candidate>& candidates, std::span<const PackedPicture> forms, int rows)
+{
+    Deflater deflater(CompressionLevel::balanced);
+    for (Candidate& candidate : candidates) {
+        const PackedPicture& form = forms[candidate.form];
+        const auto sample = filteredSample(form, candidate.strategy, rows);
+        candidate.estimate = deflater.deflated(sample).size() + overhead(form);
+    }
+    std::ranges::stable_sort(candidates, {}, &Candidate::estimate);
+}
+
+/// What is promising, the best first: of each form at least four.
 std::vector<Candidate> candidates(std::span<const PackedPicture> forms)
 {
-    // The same rows of every form, so that what they give can be compared.
-    std::size_t longestRow = 1;
-    for (const PackedPicture& form : forms) {
-        longestRow = std::max(longestRow, form.rowBytes);
-    }
-    const int rows = static_cast<int>(sampleBytes / longestRow);
-
+    const int glanceRows = rowsIn(glanceBytes, forms);
+    const bool paysToGlance = 2 * glanceRows < forms.front().size.height;
     std::vector<Candidate> found;
     for (std::size_t form = 0; form < forms.size(); ++form) {
+        std::vector<Candidate> ofForm;
         for (const FilterStrategy strategy : allStrategies) {
-            const auto sample = filteredSample(forms[form], strategy, rows);
-            const auto size = deflated(sample, CompressionLevel::balanced).size();
-            found.push_back({ form, strategy, size + overhead(forms[form]) });
+            ofForm.push_back({ form, strategy, 0 });
         }
+        if (paysToGlance) {
+            sortByEstimate(ofForm, forms, glanceRows);
+            ofForm.resize(ofForm.size() / 2);
+        }
+        found.insert(found.end(), ofForm.begin(), ofForm.end());
     }
-    std::ranges::stable_sort(found, {}, &Candidate::estimate);
+    sortByEstimate(found, forms, rowsIn(sampleBytes, forms));
     return found;
 }
 
@@ -96,49 +120,80 @@ public:
 
     void enter(const Candidate& candidate)
     {
-        m_form = candidate.form;
-        m_bytes = filtered(m_forms[m_form], candidate.strategy);
+        m_candidate = candidate;
+        m_bytes = filtered(m_forms[candidate.form], candidate.strategy);
     }
 
     /// The length of the stream that the level gives.
-    std::size_t compress(CompressionLevel level) { return consider(deflated(m_bytes, level)); }
+    std::size_t compress(CompressionLevel level)
+    {
+        return consider(m_deflaters.try_emplace(level, level).first->second.deflated(m_bytes));
+    }
     std::size_t compressByZlib() { return consider(deflatedByZlib(m_bytes)); }
 
-    [[nodiscard]] Compressed winner() && { return std::move(*m_best); }
+    /// What the smallest outcome so far is of.
+    [[nodiscard]] const Candidate& leader() const { return m_leader; }
+    [[nodiscard]] Compressed winner() && { return { m_leader.form, std::move(*m_best) }; }
 
 private:
     std::size_t consider(ByteBuffer stream)
     {
         const std::size_t length = stream.size();
-        const std::size_t size = length + overhead(m_forms[m_form]);
+        const std::size_t size = length + overhead(m_forms[m_candidate.form]);
         if (!m_best || size < m_bestSize) {
-            m_best = Compressed { m_form, std::move(stream) };
+            m_best = std::move(stream);
+            m_leader = m_candidate;
             m_bestSize = size;
         }
         return length;
     }
 
     std::span<const PackedPicture> m_forms;
-    std::size_t m_form = 0;
+    Candidate m_candidate {};
     ByteBuffer m_bytes; ///< what is compressed
-    std::optional<Compressed> m_best;
-    std::size_t m_bestSize = 0;
+    std::map<CompressionLevel, Deflater> m_deflaters; ///< those that were needed
+    Candidate m_leader {};
+    std::optional<ByteBuffer> m_best;
+    std::size_t m_bestSize = 0; ///< with what else the form needs
 };
 
-/// Every way, for each of the first ones.
-void tryAll(Contest& contest, std::span<const Candidate> trials)
+/// What takes the longest match that it finds.
+void tryLongestMatches(Contest& contest, const Candidate& trial)
 {
-    for (const Candidate& trial : trials) {
-        contest.enter(trial);
-        contest.compress(CompressionLevel::deep);
+    contest.enter(trial);
+    contest.compress(CompressionLevel::deep);
+    contest.compressByZlib();
+}
+
+/// The best candidate of another form than the very best one, where there is one; else the second.
+const Candidate& alternative(std::span<const Candidate> trials)
+{
+    const auto found = std::ranges::find_if(
+        trials, [&](const Candidate& trial) { return trial.form != trials[0].form; });
+    return found != trials.end() ? *found : trials[1];
+}
+
+/// The same for two, and the longest search for the one that comes out ahead.
+void trySmall(Contest& contest, std::span<const Candidate> trials)
+{
+    tryLongestMatches(contest, trials[0]);
+    tryLongestMatches(contest, alternative(trials));
+    contest.enter(contest.leader());
+    contest.compress(CompressionLevel::optimal);
+}
+
+/// Every way for each of the first ones.
+void tryTiny(Contest& contest, std::span<const Candidate> trials)
+{
+    for (const Candidate& trial : trials.first(3)) {
+        tryLongestMatches(contest, trial);
         contest.compress(CompressionLevel::optimal);
-        contest.compressByZlib();
     }
 }
 
 /// The search for the cheapest code, piece by piece, is what makes most pictures smallest. Where
-/// there is much repetition it has to go on for long, and now and then the plain longest match
-/// comes out ahead; that shows at a lower level.
+/// there is much repetition it would have to go on for long, and now and then the plain longest
+/// match comes out ahead.
 void tryWhatPays(Contest& contest, std::span<const Candidate> trials, std::size_t rawBytes)
 {
     contest.enter(trials[0]);
@@ -146,9 +201,9 @@ void tryWhatPays(Contest& contest, std::span<const Candidate> trials, std::size_
     const bool repeatsItself = 4 * searched < rawBytes;
     const bool hardlySaysAnything = 30 * searched < rawBytes;
     if (hardlySaysAnything) {
-        tryAll(contest, trials.first(2));
+        tryLongestMatches(contest, trials[0]);
+        tryLongestMatches(contest, alternative(trials));
     } else if (repeatsItself && contest.compress(CompressionLevel::deep) < searched) {
-        contest.compress(CompressionLevel::optimal);
         contest.compressByZlib();
     }
 }
@@ -165,8 +220,10 @@ Compressed smallest(std::span<const PackedPicture> forms)
         contest.compress(CompressionLevel::thorough);
     } else if (rawBytes > smallBytes) {
         tryWhatPays(contest, trials, rawBytes);
+    } else if (rawBytes > tinyBytes) {
+        trySmall(contest, trials);
     } else {
-        tryAll(contest, std::span(trials).first(rawBytes > tinyBytes ? 2 : 3));
+        tryTiny(contest, trials);
     }
     return std::move(contest).winner();
 }

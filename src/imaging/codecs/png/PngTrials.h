@@ -13,8 +13,8 @@ struct Compressed {
 };
 
 /// Tries filters on every form and keeps the smallest outcome. What is promising is found at a
-/// moderate level, for large pictures on a sample of their rows; only that is compressed as far as
-/// it goes. Throws std::bad_alloc.
+/// moderate level, for large pictures on samples of their rows; only that is compressed as far as
+/// it pays. Throws std::bad_alloc.
 [[nodiscard]] Compressed smallest(std::span<const PackedPicture> forms);
 
 /// One filter, the fastest level. Throws std::bad_alloc.
