@@ -4,6 +4,7 @@ import functools
 import json
 
 from measure import Row, run
+from programs import AS_WINDOW
 
 
 class Batches:
@@ -13,7 +14,7 @@ class Batches:
         self.repetitions = repetitions
 
     def rows(self):
-        yield self.overhead()
+        yield from self.overhead()
         yield Row("Main thread, longest wait in a batch of 2,000 small pictures",
                   [batch["blocked_max_ms"] for batch in self.webp], 16, "ms")
         yield Row("The same, 99th percentile of the waits",
@@ -21,7 +22,7 @@ class Batches:
         yield Row("CPU a file beyond its conversion", [batch["model_ms"] for batch in self.webp],
                   2, "ms")
         yield self.growth()
-        yield self.linearity()
+        yield from self.linearity()
         yield Row("Finding 100,000 pictures among 200,000 entries",
                   [batch["real_time"] for batch in self.batches("resolveLargeTree")], None, "ms")
 
@@ -36,19 +37,21 @@ class Batches:
         for number in range(1, count):
             (folder / f"small-{number:04}.jpg").write_bytes(content)
         picture = programs.kept_picture(first)
-        values = []
-        for _ in range(self.repetitions):
-            ours = programs.convert([folder])
-            theirs = programs.encode([picture] * count)
-            values.append((ours.cpu - theirs.cpu) * 1000 / count)
-        return Row("1,000 pictures of 200 x 200, CPU a file beside cwebp", values, 3, "ms")
+        for name, comparisons in (("1,000 pictures of 200 x 200, CPU a file beside cwebp", False),
+                                  (AS_WINDOW, True)):
+            values = []
+            for _ in range(self.repetitions):
+                ours = programs.convert([folder], comparisons=comparisons)
+                theirs = programs.encode([picture] * count)
+                values.append((ours.cpu - theirs.cpu) * 1000 / count)
+            yield Row(name, values, 3, "ms")
 
     def batches(self, name):
         """The figures of a batch of small pictures, of each repetition."""
         output = self.programs.scratch / "batch.json"
         figures = []
         for _ in range(self.repetitions):
-            run([self.batch_bench, f"--benchmark_filter=^{name}", f"--benchmark_out={output}"])
+            run([self.batch_bench, f"--benchmark_filter=^{name}(/|$)", f"--benchmark_out={output}"])
             figures += json.loads(output.read_text())["benchmarks"]
         return figures
 
@@ -66,7 +69,9 @@ class Batches:
                    [batch["grown_mb"] - batch["live_mb"] for batch in self.ten_thousand], 20, "MB")
 
     def linearity(self):
-        return Row("Time a file in a batch of 10,000, against one of 2,000",
-                   [many["real_time"] / 10_000 / (few["real_time"] / 2_000)
-                    for many, few in zip(self.ten_thousand,
-                                         self.batches("convertManyPictures/jpeg/2000"))], 1.03)
+        for count in (1_000, 100, 10):
+            yield Row(f"Time a file in a batch of 10,000, against one of {count:,}",
+                      [many["real_time"] / 10_000 / (few["real_time"] / count)
+                       for many, few in zip(self.ten_thousand,
+                                            self.batches(f"convertManyPictures/jpeg/{count}"))],
+                      1.03)

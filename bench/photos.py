@@ -1,7 +1,7 @@
 """Questions about large photographs: time and memory to WebP and to JPEG."""
 
 from measure import Row, compared, run
-from programs import JPEG_OPTIONS, NOT_RESIZED, QUALITY, size
+from programs import AS_WINDOW, JPEG_OPTIONS, NOT_RESIZED, QUALITY, size
 
 
 class Photos:
@@ -22,9 +22,12 @@ class Photos:
         programs.pictures  # made before anything is measured
         yield self.against("WebP, CPU, against decoding and cwebp alone", programs.convert,
                            programs.webp_floor, "cpu", 1.07)
+        yield self.against(AS_WINDOW, programs.convert_as_window, programs.webp_floor, "cpu", 1.07)
         command = programs.parallel_cwebp()
         yield self.against("WebP, wall time, against cwebp in parallel", programs.convert,
                            lambda: run(command), "wall", 0.94)
+        yield self.against(AS_WINDOW, programs.convert_as_window, lambda: run(command), "wall",
+                           0.94)
         yield self.against("WebP, CPU, against vipsthumbnail", programs.convert,
                            lambda: programs.vips(f"webp[Q={QUALITY},strip]"), "cpu", 0.8)
         yield self.against("WebP, CPU, against ImageMagick", programs.convert,
@@ -45,6 +48,10 @@ class Photos:
         yield self.against("JPEG without resizing, CPU, against decoding and encoding alone",
                            lambda: programs.convert(outputFormat="jpeg", **NOT_RESIZED),
                            programs.jpeg_floor_again, "cpu", 1.10)
+        yield self.against(
+            AS_WINDOW,
+            lambda: programs.convert_as_window(outputFormat="jpeg", **NOT_RESIZED),
+            programs.jpeg_floor_again, "cpu", 1.10)
         yield self.jpeg_sizes()
 
     def jpeg_sizes(self):

@@ -12,6 +12,8 @@ QUALITY = 82
 # The options with which we write JPEG files, as vipsthumbnail says them.
 JPEG_OPTIONS = f"Q={QUALITY},optimize_coding,interlace,strip"
 NOT_RESIZED = {"resizeMode": "none"}
+# What of a row tells that it was measured with convert_as_window().
+AS_WINDOW = "The same, with the comparisons that the window makes"
 
 # Stands in for cwebp and keeps the picture that it is handed.
 KEEPING_ENCODER = """#!/bin/sh
@@ -47,14 +49,24 @@ class Programs:
 
     # Ours
 
-    def convert(self, files=None, output="output", environment=None, **settings):
-        """Runs vellumine-batch into an empty folder. A file may fail, which ends it with 1."""
+    def convert(self, files=None, output="output", environment=None, comparisons=False,
+                **settings):
+        """Runs vellumine-batch into an empty folder, with the samples for comparisons that the
+        window makes as well, or without. A file may fail, which ends it with 1."""
         settings = {"destinationMode": "selectedFolder",
                     "destinationFolderBookmark": self.folder(output), **settings}
         words = [word for key, value in settings.items() for word in ("--set", f"{key}={value}")]
-        return run([self.program, *words, *(files or self.photos)],
+        if comparisons:
+            words.append("--json")
+        cost = run([self.program, *words, *(files or self.photos)],
                    {"HOME": str(self.scratch), "TMPDIR": str(self.temporary),
                     **(environment or {})}, accepted=(0, 1))
+        for sample in self.temporary.glob("vellumine-preview-*.png"):
+            sample.unlink()
+        return cost
+
+    def convert_as_window(self, **settings):
+        return self.convert(comparisons=True, **settings)
 
     def convert_to_jpeg(self):
         return self.convert(outputFormat="jpeg")
