@@ -97,6 +97,7 @@ std::vector<Candidate> candidates(std::span<const PackedPicture> forms)
     std::vector<Candidate> found;
     for (std::size_t form = 0; form < forms.size(); ++form) {
         std::vector<Candidate> ofForm;
+        ofForm.reserve(allStrategies.size());
         for (const FilterStrategy strategy : allStrategies) {
             ofForm.push_back({ form, strategy, 0 });
         }
