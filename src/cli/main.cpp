@@ -83,16 +83,12 @@ int convert(const CommandLine& line, TerminationSignals& signals)
     // The samples that JSON names are for whoever reads it. Text names none.
     environment.comparisonSamples
         = line.style == OutputStyle::json ? ComparisonSamples::make : ComparisonSamples::leaveOut;
-    PreviewSamples samples(environment.temporaryFolder, PreviewSamples::AtEnd::keep);
+    const PreviewSamples samples(environment.temporaryFolder, PreviewSamples::AtEnd::keep);
     Report report(line.style);
     // The preferences are those of the command line, and no statistics are kept.
     ProcessingModel model({
         .snapshot = [&line] { return line.settings; },
-        .record =
-            [&report, &samples](const ProcessingResult& result) {
-                samples.add(result);
-                report.add(result);
-            },
+        .record = [&report](const ProcessingResult& result) { report.add(result); },
         .optimize = optimizeIn(environment),
         .folderAccess = { .securityScope = environment.securityScope },
         .activeProcessorCount = QThread::idealThreadCount(),

@@ -81,6 +81,14 @@ INSTANTIATE_TEST_SUITE_P(Of, Trials,
             [] {
                 return test::makeImage({ 480, 480 }, rgb8, tiles);
             } },
+        PictureRow { "rowsLongerThanASample",
+            [] {
+                return test::makeImage({ 180'000, 5 }, rgb8, tiles);
+            } },
+        PictureRow { "aSingleLongRow",
+            [] {
+                return test::makeImage({ 180'000, 1 }, rgb8, tiles);
+            } },
         PictureRow { "almostNothing",
             [] {
                 return test::makeImage({ 600, 500 }, rgb8, almostNothing);

@@ -20,7 +20,7 @@ constexpr std::array allStrategies { FilterStrategy::none, FilterStrategy::sub, 
 constexpr std::size_t glanceBytes = std::size_t { 1 } << 17U;
 /// Bytes of rows that are enough to choose by.
 constexpr std::size_t sampleBytes = std::size_t { 1 } << 19U;
-/// Bands of rows that the sample is taken from, spread evenly.
+/// Bands of rows that a sample is taken from, spread evenly; fewer where it has fewer rows.
 constexpr int sampleBands = 12;
 
 /// Up to here the search for the cheapest code is worth its time, a tenth of a second a megabyte
@@ -59,10 +59,11 @@ ByteBuffer filteredSample(const PackedPicture& form, FilterStrategy strategy, in
         return filtered(form, strategy);
     }
     ByteBuffer bytes;
-    const int bandRows = std::max(1, rows / sampleBands);
-    for (int band = 0; band < sampleBands; ++band) {
-        const int first = static_cast<int>(
-            static_cast<std::int64_t>(height - bandRows) * band / (sampleBands - 1));
+    const int bands = std::clamp(rows, 2, sampleBands);
+    const int bandRows = std::max(1, rows / bands);
+    for (int band = 0; band < bands; ++band) {
+        const int first
+            = static_cast<int>(static_cast<std::int64_t>(height - bandRows) * band / (bands - 1));
         appendFiltered(bytes, form, { first, first + bandRows }, strategy);
     }
     return bytes;
@@ -158,10 +159,9 @@ private:
     std::size_t m_bestSize = 0; ///< with what else the form needs
 };
 
-/// What takes the longest match that it finds.
-void tryLongestMatches(Contest& contest, const Candidate& trial)
+/// Both ways that take the longest match that they find.
+void tryLongestMatches(Contest& contest)
 {
-    contest.enter(trial);
     contest.compress(CompressionLevel::deep);
     contest.compressByZlib();
 }
@@ -174,11 +174,13 @@ const Candidate& alternative(std::span<const Candidate> trials)
     return found != trials.end() ? *found : trials[1];
 }
 
-/// The same for two, and the longest search for the one that comes out ahead.
+/// The longest matches of two, and the longest search for the one that comes out ahead.
 void trySmall(Contest& contest, std::span<const Candidate> trials)
 {
-    tryLongestMatches(contest, trials[0]);
-    tryLongestMatches(contest, alternative(trials));
+    contest.enter(trials[0]);
+    tryLongestMatches(contest);
+    contest.enter(alternative(trials));
+    tryLongestMatches(contest);
     contest.enter(contest.leader());
     contest.compress(CompressionLevel::optimal);
 }
@@ -187,7 +189,8 @@ void trySmall(Contest& contest, std::span<const Candidate> trials)
 void tryTiny(Contest& contest, std::span<const Candidate> trials)
 {
     for (const Candidate& trial : trials.first(3)) {
-        tryLongestMatches(contest, trial);
+        contest.enter(trial);
+        tryLongestMatches(contest);
         contest.compress(CompressionLevel::optimal);
     }
 }
@@ -202,8 +205,9 @@ void tryWhatPays(Contest& contest, std::span<const Candidate> trials, std::size_
     const bool repeatsItself = 4 * searched < rawBytes;
     const bool hardlySaysAnything = 30 * searched < rawBytes;
     if (hardlySaysAnything) {
-        tryLongestMatches(contest, trials[0]);
-        tryLongestMatches(contest, alternative(trials));
+        tryLongestMatches(contest);
+        contest.enter(alternative(trials));
+        tryLongestMatches(contest);
     } else if (repeatsItself && contest.compress(CompressionLevel::deep) < searched) {
         contest.compressByZlib();
     }
