@@ -4,13 +4,33 @@
 #include "update/PageVersion.h"
 #include "update/VersionText.h"
 
+#include <QFuture>
 #include <QNetworkAccessManager>
 #include <QNetworkProxy>
 #include <QNetworkReply>
 #include <QNetworkRequest>
+#include <QPromise>
+#include <QThreadPool>
+
+#include <memory>
+#include <utility>
 
 namespace vellumine {
 namespace {
+
+/// What the function gives, called in a thread of the program's pool.
+template <typename Function>
+auto inAnotherThread(Function function) -> QFuture<decltype(function())>
+{
+    const auto promise = std::make_shared<QPromise<decltype(function())>>();
+    auto future = promise->future();
+    QThreadPool::globalInstance()->start([promise, function = std::move(function)] {
+        promise->start();
+        promise->addResult(function());
+        promise->finish();
+    });
+    return future;
+}
 
 /// Whether the server's page arrived whole. A status such as 404 is reported as an error too, but
 /// its page is a page like any other.
@@ -41,6 +61,7 @@ UpdateChecker::UpdateChecker(Source source, QString currentVersion, QObject* par
     , m_source(std::move(source))
     , m_currentVersion(std::move(currentVersion))
 {
+    connect(&m_tls, &QFutureWatcherBase::finished, this, &UpdateChecker::load);
     m_deadline.setSingleShot(true);
     connect(&m_deadline, &QTimer::timeout, this, [this] { m_reply->abort(); });
 }
@@ -52,7 +73,7 @@ void UpdateChecker::checkForUpdates()
     }
     setStatus(Checking {});
     if (m_source.homePage.scheme() == QStringLiteral("https")) {
-        load();
+        m_tls.setFuture(inAnotherThread(m_source.tls));
     } else {
         setStatus(Failed {});
     }
@@ -65,7 +86,7 @@ void UpdateChecker::load()
     m_network->setProxy(QNetworkProxy::NoProxy);
 
     QNetworkRequest request(m_source.homePage);
-    request.setSslConfiguration(m_source.tls);
+    request.setSslConfiguration(m_tls.result());
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
         QNetworkRequest::NoLessSafeRedirectPolicy); // from https to https only
     m_reply = m_network->get(request);

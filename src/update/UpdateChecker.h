@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QFutureWatcher>
 #include <QObject>
 #include <QSslConfiguration>
 #include <QString>
@@ -7,6 +8,7 @@
 #include <QUrl>
 
 #include <chrono>
+#include <functional>
 #include <variant>
 
 class QNetworkAccessManager;
@@ -48,8 +50,9 @@ public:
         QUrl homePage; ///< with another scheme than https every check fails
         std::chrono::milliseconds timeout { 8000 }; ///< from the request to the page's last byte
         qint64 maximumPageBytes = qint64 { 8 } << 20U;
-        /// Which certificates are trusted: by default those of the system.
-        QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
+        /// Which certificates are trusted: by default those of the system. Called at each check, in
+        /// another thread, since the library behind it takes its time to load.
+        std::function<QSslConfiguration()> tls = &QSslConfiguration::defaultConfiguration;
     };
 
     /// The product's own home page.
@@ -75,6 +78,7 @@ private:
     Source m_source;
     QString m_currentVersion;
     Status m_status = Idle {};
+    QFutureWatcher<QSslConfiguration> m_tls; ///< of the running check
     QTimer m_deadline;
     /// Of the running check; our child, as the reply is the manager's.
     QNetworkAccessManager* m_network = nullptr;

@@ -5,11 +5,16 @@
 #include "update/TestCertificates.h"
 
 #include <QDeadlineTimer>
+#include <QSemaphore>
 #include <QSignalSpy>
 #include <QTcpServer>
+#include <QThread>
+#include <QThreadPool>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <memory>
 #include <optional>
 
 namespace vellumine {
@@ -50,6 +55,13 @@ Status settled(const UpdateChecker& checker)
     return checker.status();
 }
 
+QSslConfiguration trusting(const QList<QSslCertificate>& authorities)
+{
+    QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
+    configuration.setCaCertificates(authorities);
+    return configuration;
+}
+
 class UpdateCheck : public testing::Test {
 protected:
     static void SetUpTestSuite() { certificates.emplace(test::TestCertificates::create()); }
@@ -57,9 +69,9 @@ protected:
 
     [[nodiscard]] UpdateChecker::Source source() const
     {
-        UpdateChecker::Source source { .homePage = m_server.url(path()), .timeout = patience };
-        source.tls.setCaCertificates({ certificates->authority });
-        return source;
+        return { .homePage = m_server.url(path()), .timeout = patience, .tls = [] {
+                    return trusting({ certificates->authority });
+                } };
     }
 
     [[nodiscard]] static Status check(UpdateChecker::Source source)
@@ -205,7 +217,7 @@ TEST_F(UpdateCheck, anUntrustedCertificateFails)
 {
     m_server.answerPage(path(), page("1.4.3"));
     UpdateChecker::Source distrustful = source();
-    distrustful.tls.setCaCertificates({});
+    distrustful.tls = [] { return trusting({}); };
     EXPECT_EQ(check(distrustful), Status(Failed {}));
     EXPECT_THAT(m_server.requests(), SizeIs(0));
 }
@@ -372,8 +384,54 @@ TEST_F(UpdateCheck, theCheckerCanGoInTheMiddleOfACheck)
     auto checker = std::make_unique<UpdateChecker>(source(), QStringLiteral("1.0"));
     QSignalSpy spy(checker.get(), &UpdateChecker::statusChanged);
     checker->checkForUpdates();
+    const QDeadlineTimer deadline(patience);
+    while (m_server.requests().isEmpty() && !deadline.hasExpired()) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    EXPECT_THAT(m_server.requests(), SizeIs(1));
     checker.reset();
     EXPECT_THAT(spy, SizeIs(1)); // checking, and no outcome
+}
+
+TEST_F(UpdateCheck, whatTakesLongToLoadIsLoadedInAnotherThread)
+{
+    m_server.answerPage(path(), page("1.4.3"));
+    QSemaphore mayGoOn;
+    std::atomic<QThread*> thread = nullptr;
+    UpdateChecker::Source slow = source();
+    slow.tls = [&mayGoOn, &thread, ready = slow.tls] {
+        mayGoOn.acquire();
+        thread = QThread::currentThread();
+        return ready();
+    };
+    UpdateChecker checker(slow, QStringLiteral("1.0"));
+    checker.checkForUpdates();
+    checker.checkForUpdates();
+    EXPECT_EQ(checker.status(), Status(Checking {}));
+    mayGoOn.release();
+    EXPECT_EQ(settled(checker), Status(UpdateAvailable { QStringLiteral("1.4.3") }));
+    EXPECT_NE(thread, QThread::currentThread());
+    EXPECT_THAT(m_server.requests(), SizeIs(1));
+}
+
+TEST_F(UpdateCheck, theCheckerCanGoBeforeItsRequest)
+{
+    QSemaphore mayGoOn;
+    UpdateChecker::Source slow = source();
+    slow.tls = [&mayGoOn, ready = slow.tls] {
+        mayGoOn.acquire();
+        return ready();
+    };
+    auto checker = std::make_unique<UpdateChecker>(slow, QStringLiteral("1.0"));
+    QSignalSpy spy(checker.get(), &UpdateChecker::statusChanged);
+    checker->checkForUpdates();
+    checker.reset();
+    mayGoOn.release();
+    EXPECT_TRUE(
+        QThreadPool::globalInstance()->waitForDone(std::chrono::milliseconds(patience).count()));
+    QCoreApplication::processEvents();
+    EXPECT_THAT(spy, SizeIs(1)); // checking
+    EXPECT_THAT(m_server.requests(), SizeIs(0));
 }
 
 TEST(UpdateCheckerStatus, equalityLooksAtTheVersionToo)
