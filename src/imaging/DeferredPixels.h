@@ -6,8 +6,13 @@
 #include "imaging/resample/InterpolationQuality.h"
 
 #include <cstdint>
+#include <memory>
 
 namespace vellumine::imaging {
+
+namespace ycc {
+class PlaneSource;
+}
 
 class Image;
 enum class Orientation : std::uint8_t;
@@ -35,6 +40,9 @@ public:
     /// The picture drawn into a bitmap. Within rounding the same as if its rows were drawn, and
     /// just the same where the size is the picture's own.
     [[nodiscard]] virtual Result<Image> drawn(const Drawing& drawing) const = 0;
+    /// The planes of which the formula of ITU-T T.871 alone makes the picture's RGB numbers; null
+    /// where they come from something else, or are not at hand.
+    [[nodiscard]] virtual std::shared_ptr<const ycc::PlaneSource> planes() const { return nullptr; }
 };
 
 } // namespace vellumine::imaging

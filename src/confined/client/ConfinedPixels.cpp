@@ -1,6 +1,7 @@
 #include "confined/client/ConfinedPixels.h"
 
 #include "imaging/BitmapContext.h"
+#include "imaging/ycc/PlaneSource.h"
 
 #include <mutex>
 #include <optional>
@@ -14,6 +15,7 @@ using imaging::Drawing;
 using imaging::Image;
 using imaging::Rect;
 using imaging::Result;
+using imaging::ycc::PlaneSource;
 
 namespace {
 
@@ -26,6 +28,38 @@ std::optional<BitmapColors> bitmapColors(const ColorSpace& wanted, const ColorSp
         }
     }
     return std::nullopt;
+}
+
+/// The planes of a picture that stays with its helper.
+class HelpersPlanes final : public PlaneSource {
+public:
+    HelpersPlanes(std::shared_ptr<HelperSession> session, HelperSession::KeptPlanes planes)
+        : m_session(std::move(session))
+        , m_planes(planes)
+    {
+    }
+
+    [[nodiscard]] imaging::Size size() const override { return m_planes.given.size; }
+    [[nodiscard]] imaging::ycc::Subsampling subsampling() const override
+    {
+        return m_planes.given.subsampling;
+    }
+    [[nodiscard]] Result<void> copy(
+        int plane, Rect part, std::uint8_t* to, std::size_t rowBytes) const override
+    {
+        return m_session->copyPlane(m_planes, plane, part, to, rowBytes);
+    }
+
+private:
+    const std::shared_ptr<HelperSession> m_session;
+    const HelperSession::KeptPlanes m_planes;
+};
+
+/// Null where there are none.
+std::shared_ptr<const PlaneSource> planeSource(
+    const std::shared_ptr<HelperSession>& session, const Result<HelperSession::KeptPlanes>& planes)
+{
+    return planes ? std::make_shared<HelpersPlanes>(session, *planes) : nullptr;
 }
 
 /// A drawn picture that stays with its helper. When that has it no longer it is drawn once more,
@@ -64,6 +98,11 @@ public:
             .and_then([&drawing](const Image& image) { return drawnUpright(image, drawing); });
     }
 
+    [[nodiscard]] std::shared_ptr<const PlaneSource> planes() const override
+    {
+        return planeSource(m_session, m_session->planes(m_drawing));
+    }
+
 private:
     const std::shared_ptr<HelperSession> m_session;
     const DrawRequest m_request;
@@ -100,6 +139,11 @@ Result<Image> ConfinedPixels::drawn(const Drawing& drawing) const
     return Image(request.size, imaging::rgba8Premultiplied, drawing.colorSpace,
         std::make_shared<DrawnPixels>(m_session, request, *kept, drawing.colorSpace),
         imaging::Orientation::topLeft);
+}
+
+std::shared_ptr<const PlaneSource> ConfinedPixels::planes() const
+{
+    return planeSource(m_session, m_session->planes());
 }
 
 } // namespace vellumine::confined

@@ -16,6 +16,7 @@ public:
     [[nodiscard]] imaging::Result<imaging::Image> rows(imaging::Rect part) const override;
     [[nodiscard]] imaging::Result<imaging::Image> drawn(
         const imaging::Drawing& drawing) const override;
+    [[nodiscard]] std::shared_ptr<const imaging::ycc::PlaneSource> planes() const override;
 
 private:
     const std::shared_ptr<HelperSession> m_session;

@@ -16,6 +16,7 @@
 #include <climits>
 #include <csignal>
 #include <ctime>
+#include <span>
 #include <system_error>
 #include <vector>
 
@@ -92,6 +93,34 @@ void* remote(std::uint64_t address)
     // It means nothing to this process: there is no pointer that it could be made from.
     // NOLINTNEXTLINE(performance-no-int-to-ptr)
     return reinterpret_cast<void*>(static_cast<std::uintptr_t>(address));
+}
+
+Result<void> readMemory(
+    pid_t process, std::span<const iovec> there, std::span<const iovec> here, std::size_t bytes)
+{
+    const ssize_t done
+        = ::process_vm_readv(process, here.data(), here.size(), there.data(), there.size(), 0);
+    if (done < 0) {
+        return imaging::failure(
+            errno == EPERM || errno == ENOSYS ? Error::Kind::unsupported : Error::Kind::io,
+            std::system_category().message(errno));
+    }
+    if (static_cast<std::size_t>(done) != bytes) {
+        return broken("the picture is not where it was said to be");
+    }
+    return {};
+}
+
+Result<void> readBytes(pid_t process, std::uint64_t address, std::byte* to, std::size_t bytes)
+{
+    Result<void> read;
+    for (std::size_t at = 0; at < bytes && read; at += largestTransfer) {
+        const std::size_t length = std::min(bytes - at, largestTransfer);
+        const iovec there { remote(address + at), length };
+        const iovec here { to + at, length };
+        read = readMemory(process, { &there, 1 }, { &here, 1 }, length);
+    }
+    return read;
 }
 
 /// Sets the limit that counts, below the one that no process can raise for itself.
@@ -195,35 +224,24 @@ void DecoderProcess::tell(const Request& request) const
     (void)m_channel.send(serialised(request), nullptr);
 }
 
-Result<void> DecoderProcess::fetch(std::span<std::byte> to, std::size_t rowLength,
-    std::uint64_t address, std::uint64_t rowBytes) const
+Result<void> DecoderProcess::fetch(const Rows& rows, std::byte* to, std::size_t rowBytes) const
 {
-    const bool hasGaps = rowBytes != rowLength;
-    std::vector<iovec> rows;
-    while (!to.empty()) {
-        rows.clear();
-        std::size_t count = 0;
-        if (hasGaps) {
-            for (; rows.size() < IOV_MAX && count < to.size(); count += rowLength) {
-                rows.push_back({ remote(address), rowLength });
-                address += rowBytes;
+    const auto count = static_cast<std::size_t>(rows.count);
+    if (rows.rowBytes == rows.length && rowBytes == rows.length) {
+        return readBytes(m_number, rows.address, to, rows.length * count);
+    }
+    std::vector<iovec> there;
+    std::vector<iovec> here;
+    for (std::size_t row = 0; row < count; ++row) {
+        there.push_back({ remote(rows.address + row * rows.rowBytes), rows.length });
+        here.push_back({ to + row * rowBytes, rows.length });
+        if (there.size() == IOV_MAX || row + 1 == count) {
+            if (auto read = readMemory(m_number, there, here, rows.length * there.size()); !read) {
+                return read;
             }
-        } else {
-            count = std::min(to.size(), largestTransfer);
-            rows.push_back({ remote(address), count });
-            address += count;
+            there.clear();
+            here.clear();
         }
-        const iovec here { to.data(), count };
-        const ssize_t done = ::process_vm_readv(m_number, &here, 1, rows.data(), rows.size(), 0);
-        if (done < 0) {
-            return imaging::failure(
-                errno == EPERM || errno == ENOSYS ? Error::Kind::unsupported : Error::Kind::io,
-                std::system_category().message(errno));
-        }
-        if (static_cast<std::size_t>(done) != count) {
-            return broken("the picture is not where it was said to be");
-        }
-        to = to.subspan(count);
     }
     return {};
 }

@@ -5,10 +5,11 @@
 #include "confined/protocol/Confinement.h"
 #include "confined/protocol/Messages.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <optional>
-#include <span>
 #include <stop_token>
 #include <sys/types.h>
 
@@ -44,11 +45,18 @@ public:
     /// Tells it what has no answer.
     void tell(const Request& request) const;
 
-    /// Reads from the helper's memory: the rows begin at the address, so many bytes from each
-    /// other, and are of equal length. Fails with Unsupported where this process may not, and with
-    /// Io when there is no such memory.
-    [[nodiscard]] imaging::Result<void> fetch(std::span<std::byte> to, std::size_t rowLength,
-        std::uint64_t address, std::uint64_t rowBytes) const;
+    /// Rows in the helper's memory, of equal length and so many bytes from each other.
+    struct Rows {
+        std::uint64_t address = 0;
+        std::uint64_t rowBytes = 0;
+        std::size_t length = 0; ///< of each, in bytes
+        int count = 1;
+    };
+
+    /// Copies them to rows that lie so many bytes from each other as well. Fails with Unsupported
+    /// where this process may not read there, and with Io when there is no such memory.
+    [[nodiscard]] imaging::Result<void> fetch(
+        const Rows& rows, std::byte* to, std::size_t rowBytes) const;
 
 private:
     DecoderProcess(pid_t number, Channel channel)

@@ -122,6 +122,43 @@ Result<Image> HelperSession::keptRows(
     return partOfDrawing(drawing.given, part, colorSpace);
 }
 
+Result<HelperSession::KeptPlanes> HelperSession::planes()
+{
+    const std::scoped_lock lock(m_mutex);
+    assert(m_decoded);
+    return planesOf(RowsRequest::Of::decoded, m_decoded->size);
+}
+
+Result<HelperSession::KeptPlanes> HelperSession::planes(const KeptDrawing& drawing)
+{
+    const std::scoped_lock lock(m_mutex);
+    if (drawing.number != m_drawings) {
+        return imaging::failure(Error::Kind::io, "the drawn picture is gone");
+    }
+    return planesOf(RowsRequest::Of::drawn, drawing.given.size);
+}
+
+Result<void> HelperSession::copyPlane(
+    const KeptPlanes& planes, int plane, Rect part, std::uint8_t* to, std::size_t rowBytes)
+{
+    const std::scoped_lock lock(m_mutex);
+    const auto& [size, subsampling, all] = planes.given;
+    assert(contains(imaging::ycc::samplesOf(size, subsampling, plane), part));
+    if (!m_loan.process || planes.number != numberOf(planes.picture)) {
+        return imaging::failure(Error::Kind::io, "the picture is gone");
+    }
+    const PlanesReply::Plane& from = all.at(static_cast<std::size_t>(plane));
+    const auto above = static_cast<std::uint64_t>(part.y) * from.rowBytes;
+    auto copied = m_loan.process->fetch(
+        { from.address + above + static_cast<std::uint64_t>(part.x), from.rowBytes,
+            static_cast<std::size_t>(part.width), part.height },
+        reinterpret_cast<std::byte*>(to), rowBytes);
+    if (!copied && copied.error().kind == Error::Kind::io) {
+        loseHelper();
+    }
+    return copied;
+}
+
 HelperSession::HelperSession(std::shared_ptr<DecoderPool> pool, FileDescriptor file,
     std::uint64_t fileBytes, const Limits& limits, std::stop_token interruption)
     : m_pool(std::move(pool))
@@ -155,6 +192,7 @@ Result<DecoderProcess::Answer> HelperSession::ask(
 
 Result<void> HelperSession::openInHelper()
 {
+    ++m_decodings;
     ++m_drawings;
     ::lseek(m_file.number(), 0, SEEK_SET); // another helper may have read it
     auto answer = ask(OpenRequest { m_limits }, &m_file, m_pool->patience().toOpen(m_fileBytes));
@@ -203,6 +241,7 @@ Allowance HelperSession::allowance() const
 
 Result<HelperSession::Decoded> HelperSession::decodeInHelper(const PictureWish& wish)
 {
+    ++m_decodings;
     ++m_drawings;
     auto answer = ask(DecodeRequest { wish }, nullptr, allowance());
     if (!answer) {
@@ -274,6 +313,32 @@ Result<Image> HelperSession::pixelsFromHelper(
     return handedOver(
         [&](const DecoderProcess& process) { return fetchPixels(process, *given, colorSpace); },
         [&](const FileDescriptor& memory) { return mapPixels(memory, *given, colorSpace); });
+}
+
+Result<HelperSession::KeptPlanes> HelperSession::planesOf(
+    RowsRequest::Of picture, imaging::Size size)
+{
+    if (m_pool->handover() != Handover::fetched) {
+        return imaging::failure(Error::Kind::unsupported, "pictures are handed over");
+    }
+    auto answer = ask(PlanesRequest { picture }, nullptr, allowance());
+    if (!answer) {
+        return tl::unexpected(answer.error());
+    }
+    if (const auto* const failed = std::get_if<FailedReply>(&answer->reply)) {
+        return tl::unexpected(failed->error);
+    }
+    const auto* const given = std::get_if<PlanesReply>(&answer->reply);
+    if (given == nullptr || given->size != size) {
+        loseHelper();
+        return notWhatWasAskedFor();
+    }
+    return KeptPlanes { *given, picture, numberOf(picture) };
+}
+
+std::uint64_t HelperSession::numberOf(RowsRequest::Of picture) const
+{
+    return picture == RowsRequest::Of::drawn ? m_drawings : m_decodings;
 }
 
 Result<Image> HelperSession::partOfDrawing(

@@ -59,6 +59,22 @@ public:
     [[nodiscard]] imaging::Result<imaging::Image> keptRows(
         const KeptDrawing& drawing, imaging::Rect part, const imaging::ColorSpace& colorSpace);
 
+    /// Where the planes are of a picture that stays with the helper.
+    struct KeptPlanes {
+        PlanesReply given;
+        RowsRequest::Of picture = RowsRequest::Of::decoded;
+        std::uint64_t number = 0;
+    };
+    /// Those of the decoded picture, or of a drawn one. Fail with Unsupported where it has none, or
+    /// this process may not read the helper's memory, and with Io when the helper has the picture
+    /// no longer.
+    [[nodiscard]] imaging::Result<KeptPlanes> planes();
+    [[nodiscard]] imaging::Result<KeptPlanes> planes(const KeptDrawing& drawing);
+    /// Copies a part of a plane, which must lie inside it, to rows so many bytes from each other.
+    /// Fails with Io when the helper has it no longer.
+    [[nodiscard]] imaging::Result<void> copyPlane(const KeptPlanes& planes, int plane,
+        imaging::Rect part, std::uint8_t* to, std::size_t rowBytes);
+
     /// Gives the helper back when nothing else will be asked for.
     void close();
 
@@ -74,6 +90,8 @@ private:
     imaging::Result<PixelsReply> askForPixels(const Request& request, const PixelsReply& expected);
     imaging::Result<imaging::Image> pixelsFromHelper(
         const Request& request, const PixelsReply& expected, const imaging::ColorSpace& colorSpace);
+    imaging::Result<KeptPlanes> planesOf(RowsRequest::Of picture, imaging::Size size);
+    [[nodiscard]] std::uint64_t numberOf(RowsRequest::Of picture) const;
     imaging::Result<imaging::Image> partOfDrawing(
         const PixelsReply& given, imaging::Rect part, const imaging::ColorSpace& colorSpace);
     imaging::Result<imaging::Image> fetchedPart(
@@ -102,7 +120,9 @@ private:
     imaging::ImageHeader m_header;
     imaging::PictureWish m_wish; ///< of the last decode()
     std::optional<Decoded> m_decoded;
-    std::uint64_t m_drawings = 0; ///< counted, so that one that is gone is not asked for
+    // Counted, so that what is gone is not asked for.
+    std::uint64_t m_decodings = 0;
+    std::uint64_t m_drawings = 0;
 };
 
 } // namespace vellumine::confined

@@ -49,8 +49,8 @@ Result<PictureAttachments> fetchAttachments(
     const DecoderProcess& process, const DecodedReply& reply)
 {
     imaging::ByteBuffer bytes(static_cast<std::size_t>(reply.attachmentsBytes));
-    if (auto done = process.fetch(bytes, bytes.size(), reply.attachmentsAddress, bytes.size());
-        !done) {
+    const DecoderProcess::Rows all { reply.attachmentsAddress, bytes.size(), bytes.size() };
+    if (auto done = process.fetch(all, bytes.data(), bytes.size()); !done) {
         return tl::unexpected(done.error());
     }
     return parsed(reply, bytes);
@@ -63,9 +63,9 @@ Result<Image> fetchPixels(
     if (!pixels) {
         return tl::unexpected(pixels.error());
     }
-    if (auto done
-        = process.fetch(pixels->bytes(), pixels->rowBytes(), reply.address, reply.rowBytes);
-        !done) {
+    const DecoderProcess::Rows rows { reply.address, reply.rowBytes,
+        tightRowBytes(reply.size, reply.layout), reply.size.height };
+    if (auto done = process.fetch(rows, pixels->bytes().data(), pixels->rowBytes()); !done) {
         return tl::unexpected(done.error());
     }
     return Image(std::move(*pixels), colorSpace);

@@ -24,6 +24,7 @@ enum class Tag : std::uint8_t {
     decode,
     decodeRegion,
     rows,
+    planes,
     draw,
     share,
     release,
@@ -31,6 +32,7 @@ enum class Tag : std::uint8_t {
     opened,
     decoded,
     pixels,
+    planesFound,
     shared,
     failed,
 };
@@ -106,16 +108,31 @@ bool hasPixels(Size size)
     return size.width > 0 && size.height > 0;
 }
 
-/// Whether the rows have room, and an end.
+/// Whether rows have room, and an end.
+bool haveRoom(std::uint64_t used, int rows, std::uint64_t rowBytes)
+{
+    const auto gaps = static_cast<std::uint64_t>(rows) - 1;
+    return rowBytes >= used && (gaps == 0 || rowBytes <= (~std::uint64_t { 0 } - used) / gaps);
+}
+
 bool isConsistent(const PixelsReply& reply)
 {
     if (reply.isDeferred()) {
         return true;
     }
-    const std::uint64_t used = tightRowBytes(reply.size, reply.layout);
-    const auto rows = static_cast<std::uint64_t>(reply.size.height);
-    return reply.rowBytes >= used
-        && (rows == 1 || reply.rowBytes <= (~std::uint64_t { 0 } - used) / (rows - 1));
+    return haveRoom(tightRowBytes(reply.size, reply.layout), reply.size.height, reply.rowBytes);
+}
+
+bool isConsistent(const PlanesReply& reply)
+{
+    for (int plane = 0; plane < 3; ++plane) {
+        const Size samples = imaging::ycc::samplesOf(reply.size, reply.subsampling, plane);
+        if (!haveRoom(static_cast<std::uint64_t>(samples.width), samples.height,
+                reply.planes.at(static_cast<std::size_t>(plane)).rowBytes)) {
+            return false;
+        }
+    }
+    return true;
 }
 
 Result<Reply> parseReady(ByteReader& reader)
@@ -167,6 +184,28 @@ Result<Reply> parsePixels(ByteReader& reader)
     reply.address = reader.number<std::uint64_t>();
     if (!reader.isAtTheEnd() || !hasPixels(reply.size) || !isValid(reply.layout)
         || !isConsistent(reply)) {
+        return malformed();
+    }
+    return reply;
+}
+
+bool isShared(int pixels)
+{
+    return pixels == 1 || pixels == 2;
+}
+
+Result<Reply> parsePlanes(ByteReader& reader)
+{
+    PlanesReply reply;
+    reply.size = readSize(reader);
+    reply.subsampling.x = reader.number<std::uint8_t>();
+    reply.subsampling.y = reader.number<std::uint8_t>();
+    for (PlanesReply::Plane& plane : reply.planes) {
+        plane.rowBytes = reader.number<std::uint64_t>();
+        plane.address = reader.number<std::uint64_t>();
+    }
+    if (!reader.isAtTheEnd() || !hasPixels(reply.size) || !isShared(reply.subsampling.x)
+        || !isShared(reply.subsampling.y) || !isConsistent(reply)) {
         return malformed();
     }
     return reply;
@@ -264,6 +303,12 @@ std::optional<Request> readRows(ByteReader& reader)
     return RowsRequest { part, *picture };
 }
 
+std::optional<Request> readPlanes(ByteReader& reader)
+{
+    const auto picture = readEnumerator(reader, RowsRequest::Of::drawn);
+    return picture ? std::optional<Request>(PlanesRequest { *picture }) : std::nullopt;
+}
+
 struct Serialiser {
     ByteWriter& writer;
 
@@ -291,6 +336,11 @@ struct Serialiser {
     {
         write(writer, Tag::rows);
         write(writer, request.part);
+        writer.number(static_cast<std::uint8_t>(request.picture));
+    }
+    void operator()(const PlanesRequest& request)
+    {
+        write(writer, Tag::planes);
         writer.number(static_cast<std::uint8_t>(request.picture));
     }
     void operator()(const DrawRequest& request)
@@ -335,6 +385,17 @@ struct Serialiser {
         write(writer, reply.layout);
         writer.number(reply.rowBytes);
         writer.number(reply.address);
+    }
+    void operator()(const PlanesReply& reply)
+    {
+        write(writer, Tag::planesFound);
+        write(writer, reply.size);
+        writer.number(static_cast<std::uint8_t>(reply.subsampling.x));
+        writer.number(static_cast<std::uint8_t>(reply.subsampling.y));
+        for (const PlanesReply::Plane& plane : reply.planes) {
+            writer.number(plane.rowBytes);
+            writer.number(plane.address);
+        }
     }
     void operator()(const SharedReply& /*reply*/) { write(writer, Tag::shared); }
     void operator()(const FailedReply& reply)
@@ -392,6 +453,9 @@ Result<Request> parseRequest(ByteSpan message)
     case Tag::rows:
         request = readRows(reader);
         break;
+    case Tag::planes:
+        request = readPlanes(reader);
+        break;
     case Tag::draw:
         request = readDraw(reader);
         break;
@@ -422,6 +486,8 @@ Result<Reply> parseReply(ByteSpan message)
         return parseDecoded(reader);
     case Tag::pixels:
         return parsePixels(reader);
+    case Tag::planesFound:
+        return parsePlanes(reader);
     case Tag::shared:
         return reader.isAtTheEnd() ? Result<Reply>(SharedReply {}) : malformed();
     case Tag::failed:

@@ -12,7 +12,9 @@
 #include "imaging/UniformType.h"
 #include "imaging/codecs/Codec.h"
 #include "imaging/resample/InterpolationQuality.h"
+#include "imaging/ycc/YccPlanes.h"
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <variant>
@@ -29,7 +31,7 @@ namespace vellumine::confined {
 // and lies within the limits that were asked with, is believed.
 
 /// Changes with the messages, so that a helper of another build is noticed.
-inline constexpr std::uint32_t protocolVersion = 5;
+inline constexpr std::uint32_t protocolVersion = 6;
 
 /// Longer messages are not sent and not read.
 inline constexpr std::size_t largestMessage = 4096;
@@ -52,6 +54,11 @@ struct RowsRequest {
     Of picture = Of::decoded;
 };
 
+/// Asks where the planes of one of these pictures are.
+struct PlanesRequest {
+    RowsRequest::Of picture = RowsRequest::Of::decoded;
+};
+
 /// Draws the decoded picture, upright.
 struct DrawRequest {
     imaging::Size size;
@@ -68,8 +75,8 @@ struct ShareRequest { };
 /// Forgets the decoded picture. Has no answer.
 struct ReleaseRequest { };
 
-using Request = std::variant<OpenRequest, DecodeRequest, RowsRequest, DrawRequest, ShareRequest,
-    ReleaseRequest>;
+using Request = std::variant<OpenRequest, DecodeRequest, RowsRequest, PlanesRequest, DrawRequest,
+    ShareRequest, ReleaseRequest>;
 
 /// The helper's first word.
 struct ReadyReply {
@@ -103,6 +110,19 @@ struct PixelsReply {
     [[nodiscard]] bool isDeferred() const { return rowBytes == 0 && address == 0; }
 };
 
+/// The brightness and the colour differences that make the picture: in the helper's memory for as
+/// long as it has the picture.
+struct PlanesReply {
+    struct Plane {
+        std::uint64_t rowBytes = 0;
+        std::uint64_t address = 0;
+    };
+
+    imaging::Size size; ///< of the picture
+    imaging::ycc::Subsampling subsampling;
+    std::array<Plane, 3> planes; ///< Y, Cb, Cr
+};
+
 struct FailedReply {
     imaging::Error error;
 };
@@ -110,8 +130,8 @@ struct FailedReply {
 /// The memory's descriptor comes along.
 struct SharedReply { };
 
-using Reply
-    = std::variant<ReadyReply, OpenedReply, DecodedReply, PixelsReply, SharedReply, FailedReply>;
+using Reply = std::variant<ReadyReply, OpenedReply, DecodedReply, PixelsReply, PlanesReply,
+    SharedReply, FailedReply>;
 
 [[nodiscard]] imaging::ByteBuffer serialised(const Request& request);
 [[nodiscard]] imaging::ByteBuffer serialised(const Reply& reply);

@@ -5,6 +5,7 @@
 #include "imaging/BitmapContext.h"
 #include "imaging/DeferredPixels.h"
 #include "imaging/PictureWish.h"
+#include "imaging/ycc/PlaneSource.h"
 
 #include <cstdint>
 #include <new>
@@ -76,6 +77,9 @@ std::optional<DecoderService::Answer> DecoderService::answer(
         if (const auto* const asked = std::get_if<RowsRequest>(&request)) {
             return rows(*asked);
         }
+        if (const auto* const asked = std::get_if<PlanesRequest>(&request)) {
+            return planes(*asked);
+        }
         if (const auto* const asked = std::get_if<DrawRequest>(&request)) {
             return draw(*asked);
         }
@@ -141,9 +145,30 @@ DecoderService::Answer DecoderService::decode(const DecodeRequest& request)
         std::nullopt };
 }
 
+const std::optional<Image>& DecoderService::picture(RowsRequest::Of which) const
+{
+    return which == RowsRequest::Of::drawn ? m_drawn : m_picture;
+}
+
+DecoderService::Answer DecoderService::planes(const PlanesRequest& request) const
+{
+    const auto& image = picture(request.picture);
+    const auto source = image && !image->hasRows() ? image->deferred()->planes() : nullptr;
+    const imaging::ycc::YccPlanes* const here = source ? source->here() : nullptr;
+    if (here == nullptr) {
+        return failed({ Error::Kind::unsupported, "the picture is not in planes" });
+    }
+    PlanesReply reply { .size = here->size(), .subsampling = here->subsampling(), .planes = {} };
+    for (int plane = 0; plane < 3; ++plane) {
+        reply.planes.at(static_cast<std::size_t>(plane))
+            = { here->rowBytes(plane), reinterpret_cast<std::uintptr_t>(here->row(plane, 0)) };
+    }
+    return { reply, std::nullopt };
+}
+
 DecoderService::Answer DecoderService::rows(const RowsRequest& request)
 {
-    const auto& picture = request.picture == RowsRequest::Of::drawn ? m_drawn : m_picture;
+    const auto& picture = this->picture(request.picture);
     if (!picture || !contains(picture->size(), request.part)) {
         return failed({ Error::Kind::io, "there is no such part" });
     }

@@ -29,7 +29,9 @@ public:
 private:
     Answer open(const OpenRequest& request, std::optional<imaging::FileDescriptor> file);
     Answer decode(const DecodeRequest& request);
+    [[nodiscard]] const std::optional<imaging::Image>& picture(RowsRequest::Of which) const;
     Answer rows(const RowsRequest& request);
+    [[nodiscard]] Answer planes(const PlanesRequest& request) const;
     Answer draw(const DrawRequest& request);
     Answer given(imaging::Result<imaging::Image> pixels);
     [[nodiscard]] Answer share() const;

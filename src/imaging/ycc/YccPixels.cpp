@@ -39,6 +39,11 @@ public:
             .and_then([&drawing](const Image& image) { return drawnUpright(image, drawing); });
     }
 
+    [[nodiscard]] std::shared_ptr<const PlaneSource> planes() const override
+    {
+        return m_transform.isIdentity() ? planesHere(m_planes) : nullptr;
+    }
+
 private:
     YccPlanes m_planes;
     mutable std::mutex m_mutex; ///< the transform serves one thread at a time
@@ -98,6 +103,11 @@ Result<Image> YccPixels::drawn(const Drawing& drawing) const
         }
     }
     return Image(std::move(*target), drawing.colorSpace);
+}
+
+std::shared_ptr<const PlaneSource> YccPixels::planes() const
+{
+    return planesHere(m_planes);
 }
 
 } // namespace vellumine::imaging::ycc

@@ -2,7 +2,10 @@
 
 #include "imaging/DeferredPixels.h"
 #include "imaging/colour/ColorSpace.h"
+#include "imaging/ycc/PlaneSource.h"
 #include "imaging/ycc/YccPlanes.h"
+
+#include <memory>
 
 namespace vellumine::imaging::ycc {
 
@@ -15,6 +18,7 @@ public:
 
     [[nodiscard]] Result<Image> rows(Rect part) const override;
     [[nodiscard]] Result<Image> drawn(const Drawing& drawing) const override;
+    [[nodiscard]] std::shared_ptr<const PlaneSource> planes() const override;
 
 private:
     YccPlanes m_planes;

@@ -12,14 +12,14 @@ constexpr int shared(int pixels, int by)
     return (pixels + by - 1) / by;
 }
 
-constexpr Size inPlane(Size size, Subsampling subsampling, int plane)
+} // namespace
+
+Size samplesOf(Size picture, Subsampling subsampling, int plane)
 {
     return plane == 0
-        ? size
-        : Size { shared(size.width, subsampling.x), shared(size.height, subsampling.y) };
+        ? picture
+        : Size { shared(picture.width, subsampling.x), shared(picture.height, subsampling.y) };
 }
-
-} // namespace
 
 Result<YccPlanes> YccPlanes::create(Size size, Subsampling subsampling, Size room)
 {
@@ -30,7 +30,7 @@ Result<YccPlanes> YccPlanes::create(Size size, Subsampling subsampling, Size roo
     planes.m_subsampling = subsampling;
     std::size_t total = 0;
     for (int plane = 0; plane < 3; ++plane) {
-        const Size samples = inPlane(room, subsampling, plane);
+        const Size samples = samplesOf(room, subsampling, plane);
         const std::size_t bytes = alignedUp(static_cast<std::size_t>(samples.width));
         planes.m_rowBytes.at(plane == 0 ? 0 : 1) = bytes;
         planes.m_starts.at(static_cast<std::size_t>(plane)) = total;
@@ -41,11 +41,6 @@ Result<YccPlanes> YccPlanes::create(Size size, Subsampling subsampling, Size roo
         return failure(Error::Kind::outOfMemory, "no memory for the pixels");
     }
     return planes;
-}
-
-Size YccPlanes::planeSize(int plane) const
-{
-    return inPlane(m_size, m_subsampling, plane);
 }
 
 std::size_t YccPlanes::rowBytes(int plane) const

@@ -18,6 +18,9 @@ struct Subsampling {
     friend bool operator==(const Subsampling&, const Subsampling&) = default;
 };
 
+/// Samples of plane 0, 1 or 2 (Y, Cb, Cr) of a picture; odd sides are rounded up.
+[[nodiscard]] Size samplesOf(Size picture, Subsampling subsampling, int plane);
+
 /// A picture's brightness (Y) and its two colour differences (Cb, Cr), a plane each, in 8-bit
 /// samples of the full range as JPEG files have them (ITU-T T.871). A sample of colour sits in the
 /// middle of the pixels that share it.
@@ -30,8 +33,10 @@ public:
 
     [[nodiscard]] Size size() const { return m_size; }
     [[nodiscard]] Subsampling subsampling() const { return m_subsampling; }
-    /// Samples of plane 0, 1 or 2 (Y, Cb, Cr) that are the picture's; odd sides are rounded up.
-    [[nodiscard]] Size planeSize(int plane) const;
+    [[nodiscard]] Size planeSize(int plane) const
+    {
+        return samplesOf(m_size, m_subsampling, plane);
+    }
     /// Bytes from one row of a plane to the next: a multiple of 64, as every row's address is.
     [[nodiscard]] std::size_t rowBytes(int plane) const;
 

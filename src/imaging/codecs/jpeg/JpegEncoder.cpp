@@ -1,8 +1,13 @@
+#include "imaging/DeferredPixels.h"
+#include "imaging/Orientation.h"
 #include "imaging/PixelConversion.h"
 #include "imaging/codecs/jpeg/JpegCodec.h"
 #include "imaging/codecs/jpeg/JpegCoefficients.h"
 #include "imaging/codecs/jpeg/JpegErrors.h"
 #include "imaging/codecs/jpeg/JpegMarkers.h"
+#include "imaging/codecs/jpeg/JpegPlanes.h"
+#include "imaging/ycc/BlockBands.h"
+#include "imaging/ycc/PlaneSource.h"
 
 #include <algorithm>
 #include <array>
@@ -74,7 +79,8 @@ private:
 /// What is written of which picture, and how.
 struct Plan {
     const Image& image;
-    PixelLayout layout; ///< in which the library takes it
+    ycc::BlockBands* bands = nullptr; ///< what is written in place of the picture's rows
+    PixelLayout layout; ///< in which the library takes those
     J_COLOR_SPACE inputSpace; ///< what that is to the library
     /// The space of the file, where it is not the library's choice for the input.
     std::optional<J_COLOR_SPACE> fileSpace;
@@ -105,6 +111,8 @@ private:
     void configure(const Plan& plan, EntropyCoding coding);
     void writeRows(const Image& piece);
     Result<void> writePieces(const Plan& plan);
+    void writeBand(const ycc::YccPlanes& band);
+    Result<void> writeBands(ycc::BlockBands& bands);
 
     Errors m_errors;
     Destination m_destination;
@@ -151,8 +159,9 @@ void Writer::configure(const Plan& plan, EntropyCoding coding)
     jpeg_create_compress(&m_library);
     m_coefficients.manage(reinterpret_cast<j_common_ptr>(&m_library));
     m_library.dest = &m_destination;
-    m_library.image_width = static_cast<JDIMENSION>(plan.image.width());
-    m_library.image_height = static_cast<JDIMENSION>(plan.image.height());
+    const Size size = plan.bands != nullptr ? plan.bands->size() : plan.image.size();
+    m_library.image_width = static_cast<JDIMENSION>(size.width);
+    m_library.image_height = static_cast<JDIMENSION>(size.height);
     m_library.input_components = plan.layout.channels();
     m_library.in_color_space = plan.inputSpace;
     jpeg_set_defaults(&m_library);
@@ -164,6 +173,7 @@ void Writer::configure(const Plan& plan, EntropyCoding coding)
         m_library.comp_info[0].h_samp_factor = 1;
         m_library.comp_info[0].v_samp_factor = 1;
     }
+    m_library.raw_data_in = plan.bands != nullptr ? TRUE : FALSE;
     m_library.dct_method = JDCT_ISLOW;
     if (coding == EntropyCoding::smallest) {
         m_library.optimize_coding = TRUE;
@@ -199,6 +209,30 @@ Result<void> Writer::writePieces(const Plan& plan)
     return {};
 }
 
+void Writer::writeBand(const ycc::YccPlanes& band)
+{
+    const int rowsOfCall = m_library.max_v_samp_factor * DCTSIZE;
+    for (int row = 0;
+         row < ycc::BlockBands::rows && m_library.next_scanline < m_library.image_height;
+         row += rowsOfCall) {
+        writePlaneRows(m_library, band, row);
+    }
+}
+
+Result<void> Writer::writeBands(ycc::BlockBands& bands)
+{
+    for (int row = 0; row < bands.size().height; row += ycc::BlockBands::rows) {
+        const auto band = bands.at(row);
+        if (!band) {
+            return tl::unexpected(band.error());
+        }
+        if (auto written = m_errors.run([&] { writeBand(**band); }); !written) {
+            return written;
+        }
+    }
+    return {};
+}
+
 Result<ByteBuffer> Writer::write(
     const Plan& plan, EntropyCoding coding, const OutgoingMarkers& markers)
 {
@@ -207,9 +241,13 @@ Result<ByteBuffer> Writer::write(
         jpeg_start_compress(&m_library, TRUE);
         writeMarkers(m_library, markers);
     });
-    const auto written = started.and_then([&] { return writePieces(plan); }).and_then([this] {
-        return m_errors.run([this] { jpeg_finish_compress(&m_library); });
-    });
+    const auto written
+        = started
+              .and_then([&] {
+                  return plan.bands != nullptr ? writeBands(*plan.bands) : writePieces(plan);
+              })
+              .and_then(
+                  [this] { return m_errors.run([this] { jpeg_finish_compress(&m_library); }); });
     if (!written) {
         const Error& error = written.error();
         const bool isOfTheLibrary
@@ -217,6 +255,21 @@ Result<ByteBuffer> Writer::write(
         return failure(isOfTheLibrary ? Error::Kind::encodingFailed : error.kind, error.detail);
     }
     return std::move(m_destination).take();
+}
+
+bool isGrey(const ycc::YccPlanes& band)
+{
+    for (const int plane : { 1, 2 }) {
+        const Size size = band.planeSize(plane);
+        for (int y = 0; y < size.height; ++y) {
+            const std::uint8_t* const row = band.row(plane, y);
+            if (std::any_of(row, row + size.width,
+                    [](std::uint8_t sample) { return sample != CENTERJSAMPLE; })) {
+                return false;
+            }
+        }
+    }
+    return true;
 }
 
 /// As every grey picture is seen to be one, and colour in the first rows of most others.
@@ -234,23 +287,52 @@ Result<bool> isGreyThroughout(const Image& image, PixelLayout layout)
     return true;
 }
 
+/// Whether what would be written has no colour.
+Result<bool> isGreyThroughout(ycc::BlockBands& bands)
+{
+    for (int row = 0; row < bands.size().height; row += ycc::BlockBands::rows) {
+        const auto band = bands.at(row);
+        if (!band) {
+            return tl::unexpected(band.error());
+        }
+        if (!isGrey(**band)) {
+            return false;
+        }
+    }
+    return true;
+}
+
 ByteSpan profileOf(const Image& image, const EncodeOptions& options)
 {
     return options.profile == ProfilePolicy::embed ? image.colorSpace().iccProfile() : ByteSpan {};
 }
 
+/// From 1 to 100.
+int qualityOf(const EncodeOptions& options)
+{
+    const double percent = std::isfinite(options.quality) ? options.quality * 100.0 : 100.0;
+    return static_cast<int>(std::lround(std::clamp(percent, 1.0, 100.0)));
+}
+
+/// The planes of a picture whose colour the file has no finer; null when its rows are written.
+std::shared_ptr<const ycc::PlaneSource> planesFor(const Image& image, const EncodeOptions& options)
+{
+    const bool hasPlanes = !image.hasRows() && image.orientation() == Orientation::topLeft;
+    return hasPlanes && qualityOf(options) < fullColorQuality ? image.deferred()->planes()
+                                                              : nullptr;
+}
+
 /// In the space that the library chooses.
 Plan planFor(const Image& image, const EncodeOptions& options)
 {
-    const double percent = std::isfinite(options.quality) ? options.quality * 100.0 : 100.0;
-    const int quality = static_cast<int>(std::lround(std::clamp(percent, 1.0, 100.0)));
+    const int quality = qualityOf(options);
     const PixelLayout from = image.layout();
     PixelLayout layout { from.model, 8, AlphaInfo::none };
     switch (from.model) {
     case ColorModel::grey:
-        return Plan { image, layout, JCS_GRAYSCALE, std::nullopt, quality };
+        return Plan { image, nullptr, layout, JCS_GRAYSCALE, std::nullopt, quality };
     case ColorModel::cmyk:
-        return Plan { image, layout, JCS_CMYK, std::nullopt, quality };
+        return Plan { image, nullptr, layout, JCS_CMYK, std::nullopt, quality };
     case ColorModel::rgb:
         break;
     }
@@ -260,7 +342,13 @@ Plan planFor(const Image& image, const EncodeOptions& options)
     if (isRgba) {
         layout.alpha = AlphaInfo::noneSkipLast;
     }
-    return Plan { image, layout, isRgba ? JCS_EXT_RGBX : JCS_RGB, std::nullopt, quality };
+    return Plan { image, nullptr, layout, isRgba ? JCS_EXT_RGBX : JCS_RGB, std::nullopt, quality };
+}
+
+Plan planFor(const Image& image, ycc::BlockBands& bands, const EncodeOptions& options)
+{
+    return { image, &bands, { ColorModel::rgb, 8, AlphaInfo::none }, JCS_YCbCr, std::nullopt,
+        qualityOf(options) };
 }
 
 /// Whether the file of an RGB picture needs one component only: the library's luma of three equal
@@ -270,7 +358,8 @@ Result<bool> maySayLess(const Plan& plan, const EncodeOptions& options)
     if (plan.layout.model != ColorModel::rgb || !profileOf(plan.image, options).empty()) {
         return false;
     }
-    return isGreyThroughout(plan.image, plan.layout);
+    return plan.bands != nullptr ? isGreyThroughout(*plan.bands)
+                                 : isGreyThroughout(plan.image, plan.layout);
 }
 
 /// The part and what takes part in smoothing its colour, in whole blocks: encoded alone they give
@@ -287,11 +376,8 @@ Rect blocksAround(Rect part, Size whole)
     return { x, y, width, height };
 }
 
-} // namespace
-
-Result<ByteBuffer> encode(const Image& image, const EncodeOptions& options)
+Result<ByteBuffer> encode(Plan plan, const EncodeOptions& options)
 {
-    Plan plan = planFor(image, options);
     const auto becomesGrey = maySayLess(plan, options);
     if (!becomesGrey) {
         return tl::unexpected(becomesGrey.error());
@@ -300,10 +386,56 @@ Result<ByteBuffer> encode(const Image& image, const EncodeOptions& options)
         plan.fileSpace = JCS_GRAYSCALE;
     }
     // Seldom too little, and never much to take back.
+    const Image& image = plan.image;
     const std::size_t expected = std::size_t { 4096 }
         + static_cast<std::size_t>(image.width()) * static_cast<std::size_t>(image.height()) / 4;
     return Writer(expected).write(plan, EntropyCoding::smallest,
         outgoingMarkers(profileOf(image, options), options.metadata));
+}
+
+/// A file of some blocks of the picture, of one or three components as the picture's is.
+Result<ByteBuffer> encodeBlocks(
+    Plan plan, Rect blocks, ColorModel model, const EncodeOptions& options)
+{
+    if (model == ColorModel::grey) {
+        plan.fileSpace = JCS_GRAYSCALE;
+    }
+    const std::size_t expected = std::size_t { 4096 }
+        + static_cast<std::size_t>(blocks.width) * static_cast<std::size_t>(blocks.height);
+    return Writer(expected).write(
+        plan, EntropyCoding::fastest, outgoingMarkers(profileOf(plan.image, options), {}));
+}
+
+Result<ByteBuffer> encodeBlocks(
+    const Image& image, Rect blocks, ColorModel model, const EncodeOptions& options)
+{
+    if (auto planes = planesFor(image, options)) {
+        return ycc::BlockBands::create(std::move(planes), blocks)
+            .and_then([&](ycc::BlockBands bands) {
+                return encodeBlocks(planFor(image, bands, options), blocks, model, options);
+            });
+    }
+    return image.rows(blocks).and_then([&](const Image& rows) {
+        return encodeBlocks(planFor(rows, options), blocks, model, options);
+    });
+}
+
+} // namespace
+
+Result<ByteBuffer> encode(const Image& image, const EncodeOptions& options)
+{
+    if (auto planes = planesFor(image, options)) {
+        auto encoded
+            = ycc::BlockBands::create(std::move(planes), { 0, 0, image.width(), image.height() })
+                  .and_then([&](ycc::BlockBands bands) {
+                      return encode(planFor(image, bands, options), options);
+                  });
+        if (encoded) {
+            return encoded;
+        }
+        // Whoever has the planes may be gone, and the rows come from somewhere else then.
+    }
+    return encode(planFor(image, options), options);
 }
 
 Result<Image> roundTrip(const Image& image, const EncodeOptions& options, ByteSpan file, Rect part)
@@ -313,18 +445,7 @@ Result<Image> roundTrip(const Image& image, const EncodeOptions& options, ByteSp
         return tl::unexpected(header.error());
     }
     const Rect blocks = blocksAround(part, image.size());
-    const auto around = image.rows(blocks);
-    if (!around) {
-        return tl::unexpected(around.error());
-    }
-    Plan plan = planFor(*around, options);
-    if (header->layout.model == ColorModel::grey) {
-        plan.fileSpace = JCS_GRAYSCALE;
-    }
-    const std::size_t expected = std::size_t { 4096 }
-        + static_cast<std::size_t>(blocks.width) * static_cast<std::size_t>(blocks.height);
-    return Writer(expected)
-        .write(plan, EntropyCoding::fastest, outgoingMarkers(profileOf(image, options), {}))
+    return encodeBlocks(image, blocks, header->layout.model, options)
         .and_then([](ByteBuffer&& partsFile) { return decode(partsFile, {}); })
         .map([&](DecodedImage&& decoded) {
             return decoded.image.cropped(

@@ -13,6 +13,33 @@ constexpr int roundedUp(JDIMENSION value, int to)
     return (static_cast<int>(value) + to - 1) / to * to;
 }
 
+/// Where the library finds the rows of one call, which begin at a row of the planes.
+class RowsOfCall {
+public:
+    template <typename Library>
+    RowsOfCall(const Library& library, ycc::YccPlanes& planes, int row)
+        : m_count(library.max_v_samp_factor * DCTSIZE)
+    {
+        for (int plane = 0; plane < library.num_components; ++plane) {
+            const auto at = static_cast<std::size_t>(plane);
+            const int count = library.comp_info[plane].v_samp_factor * DCTSIZE;
+            const int first = row / m_count * count;
+            for (int i = 0; i < count; ++i) {
+                m_rows.at(at).at(static_cast<std::size_t>(i)) = planes.row(plane, first + i);
+            }
+            m_arrays.at(at) = m_rows.at(at).data();
+        }
+    }
+
+    [[nodiscard]] JSAMPIMAGE planes() { return m_arrays.data(); }
+    [[nodiscard]] JDIMENSION count() const { return static_cast<JDIMENSION>(m_count); }
+
+private:
+    int m_count;
+    std::array<std::array<JSAMPROW, std::size_t { DCTSIZE } * MAX_SAMP_FACTOR>, 3> m_rows {};
+    std::array<JSAMPARRAY, 3> m_arrays {};
+};
+
 } // namespace
 
 std::optional<ycc::Subsampling> subsampling(const jpeg_decompress_struct& library)
@@ -53,17 +80,15 @@ Result<ycc::YccPlanes> makePlanes(
 
 void readPlaneRows(jpeg_decompress_struct& library, ycc::YccPlanes& planes, int row)
 {
-    std::array<std::array<JSAMPROW, std::size_t { DCTSIZE } * MAX_SAMP_FACTOR>, 3> rows {};
-    std::array<JSAMPARRAY, 3> arrays { rows[0].data(), rows[1].data(), rows[2].data() };
-    for (int plane = 0; plane < 3; ++plane) {
-        const auto at = static_cast<std::size_t>(plane);
-        const int count = components(library)[at].v_samp_factor * DCTSIZE;
-        const int first = row / rowsOfCall(library) * count;
-        for (int i = 0; i < count; ++i) {
-            rows.at(at).at(static_cast<std::size_t>(i)) = planes.row(plane, first + i);
-        }
-    }
-    jpeg_read_raw_data(&library, arrays.data(), static_cast<JDIMENSION>(rowsOfCall(library)));
+    RowsOfCall rows(library, planes, row);
+    jpeg_read_raw_data(&library, rows.planes(), rows.count());
+}
+
+void writePlaneRows(jpeg_compress_struct& library, const ycc::YccPlanes& planes, int row)
+{
+    // The library only reads, its interface is from before const.
+    RowsOfCall rows(library, const_cast<ycc::YccPlanes&>(planes), row);
+    jpeg_write_raw_data(&library, rows.planes(), rows.count());
 }
 
 } // namespace vellumine::imaging::jpeg

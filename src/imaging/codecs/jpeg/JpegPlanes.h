@@ -27,4 +27,9 @@ namespace vellumine::imaging::jpeg {
 /// To be called inside Errors::run, after jpeg_start_decompress with `raw_data_out` set.
 void readPlaneRows(jpeg_decompress_struct& library, ycc::YccPlanes& planes, int row);
 
+/// Writes the next rows of the picture, so many as the library takes (8 or 16), from a row of the
+/// planes on, which hold whole blocks. To be called inside Errors::run, after jpeg_start_compress
+/// with `raw_data_in` set.
+void writePlaneRows(jpeg_compress_struct& library, const ycc::YccPlanes& planes, int row);
+
 } // namespace vellumine::imaging::jpeg
