@@ -96,6 +96,18 @@ Path drawWhileDecoding()
     };
 }
 
+/// Its colour is halved: the file that it comes from has it at full size.
+Path encodeFromPlanes()
+{
+    return [file = encoded(photo(), UniformType::jpeg, imaging::Effort::fastest)] {
+        const auto image = ImageSource::create(file, {})->image(imaging::ImageUse::toBeDrawn);
+        imaging::EncodeOptions options;
+        options.quality = 0.82;
+        return image
+            && imaging::codecForType(UniformType::jpeg).encode(*image, options).has_value();
+    };
+}
+
 Path turn()
 {
     return
@@ -118,6 +130,7 @@ Path divideAlphaOut()
 
 const std::map<std::string_view, Path (*)()> paths {
     { "a photograph drawn while it is decoded", drawWhileDecoding },
+    { "a photograph encoded from its planes", encodeFromPlanes },
     { "a photograph in rows drawn small", [] { return draw(photo(), screen); } },
     { "a photograph in rows drawn in its own size", [] { return draw(photo(), camera); } },
     { "a drawing with alpha drawn small", [] { return draw(drawing(), screen); } },

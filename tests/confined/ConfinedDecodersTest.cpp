@@ -1,6 +1,9 @@
 #include "confined/client/ConfinedDecoders.h"
 #include "imaging/BitmapContext.h"
+#include "imaging/DeferredPixels.h"
 #include "imaging/ImageDestination.h"
+#include "imaging/codecs/jpeg/JpegCodec.h"
+#include "imaging/ycc/PlaneSource.h"
 #include "support/Samples.h"
 #include "support/TestImages.h"
 
@@ -10,10 +13,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <future>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace vellumine::confined {
@@ -245,6 +250,66 @@ TEST_F(Confined, aDrawingInTheOwnSizeIsMadeWhereItIsLookedAt)
                 { 60, 40 })));
         EXPECT_TRUE(areEqual(first.withRows().value(), here));
         EXPECT_EQ(decoders.deathCount(), 0U);
+    }
+}
+
+TEST_F(Confined, aPhotographInItsOwnSizeGivesItsPlanes)
+{
+    const imaging::Size size { 300, 200 };
+    const auto path = picture(UniformType::jpeg, size);
+    const Image hereStored
+        = ImageSource::create(path, Limits())->image(imaging::ImageUse::toBeDrawn).value();
+    const Image thereStored
+        = m_decoders.open(path, Limits())->image(imaging::ImageUse::toBeDrawn).value();
+    const Image hereDrawn = drawnWhereItIs(hereStored, size);
+    const Image thereDrawn = drawnWhereItIs(thereStored, size);
+    const imaging::EncodeOptions options { .quality = 0.8, .metadata = {} };
+    for (const auto& [here, there] :
+        { std::pair(hereStored, thereStored), std::pair(hereDrawn, thereDrawn) }) {
+        const auto planes = there.deferred()->planes();
+        ASSERT_TRUE(planes);
+        EXPECT_FALSE(planes->here());
+        EXPECT_EQ(planes->size(), size);
+        EXPECT_EQ(planes->subsampling(), here.deferred()->planes()->subsampling());
+        EXPECT_TRUE(imaging::jpeg::encode(there, options).value()
+            == imaging::jpeg::encode(here, options).value());
+    }
+    EXPECT_EQ(m_decoders.deathCount(), 0U);
+}
+
+TEST_F(Confined, planesAreGoneWithTheirPicture)
+{
+    const imaging::Size size { 300, 200 };
+    const auto path = picture(UniformType::jpeg, size);
+    const Image stored
+        = m_decoders.open(path, Limits())->image(imaging::ImageUse::toBeDrawn).value();
+    const Image first = drawnWhereItIs(stored, size);
+    const auto planes = first.deferred()->planes();
+    ASSERT_TRUE(planes);
+    std::uint8_t sample = 0;
+    EXPECT_TRUE(planes->copy(0, { 299, 199, 1, 1 }, &sample, 1));
+    const Image second = drawnWhereItIs(stored, { 60, 40 });
+    const auto copied = planes->copy(0, { 299, 199, 1, 1 }, &sample, 1);
+    ASSERT_FALSE(copied);
+    EXPECT_EQ(copied.error().kind, Error::Kind::io);
+    EXPECT_FALSE(first.deferred()->planes());
+    EXPECT_FALSE(second.deferred()->planes());
+    EXPECT_TRUE(stored.deferred()->planes());
+    EXPECT_EQ(m_decoders.deathCount(), 0U);
+}
+
+TEST_F(Confined, picturesWithoutPlanesHaveNone)
+{
+    ConfinedDecoders sharing(VELLUMINE_DECODER, {}, Handover::shared);
+    for (const auto& [decoders, type] : { std::pair(&m_decoders, UniformType::png),
+             std::pair(&m_decoders, UniformType::tiff), std::pair(&sharing, UniformType::jpeg) }) {
+        const Image image = decoders->open(picture(type, { 300, 200 }), Limits())
+                                ->image(imaging::ImageUse::toBeDrawn)
+                                .value();
+        ASSERT_FALSE(image.hasRows());
+        EXPECT_FALSE(image.deferred()->planes());
+        EXPECT_TRUE(image.withRows());
+        EXPECT_EQ(decoders->deathCount(), 0U);
     }
 }
 

@@ -1,13 +1,17 @@
 #include "confined/client/ConfinedDecoders.h"
 #include "imaging/BitmapContext.h"
+#include "imaging/DeferredPixels.h"
+#include "imaging/ycc/PlaneSource.h"
 #include "support/TestImages.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <chrono>
+#include <cstdint>
 #include <filesystem>
 #include <future>
+#include <memory>
 #include <stop_token>
 #include <string>
 #include <vector>
@@ -145,6 +149,58 @@ TEST_F(Hostile, thatFailsToDrawCostsItsFile)
         auto context = imaging::BitmapContext::create({ 2, 2 }, 8, imaging::ColorSpace::sRgb());
         EXPECT_FALSE(context->draw(*image)) << name;
         EXPECT_FALSE(image->withRows()) << name;
+        EXPECT_EQ(decoders.deathCount(), 1U) << name;
+    }
+}
+
+class PlanesOf {
+public:
+    /// Of the picture that the helper decodes; null where it has none.
+    explicit PlanesOf(ConfinedDecoders& decoders, const std::filesystem::path& path)
+        : m_image(decoders.open(path, Limits())->image(imaging::ImageUse::toBeDrawn).value())
+        , m_planes(m_image.deferred()->planes())
+    {
+    }
+    [[nodiscard]] bool areNamed() const { return m_planes != nullptr; }
+    [[nodiscard]] imaging::Result<void> copy(int plane, imaging::Size size)
+    {
+        return m_planes->copy(
+            plane, { 0, 0, size.width, size.height }, m_samples.data(), m_samples.size() / 4);
+    }
+    [[nodiscard]] const std::vector<std::uint8_t>& samples() const { return m_samples; }
+
+private:
+    imaging::Image m_image;
+    std::shared_ptr<const imaging::ycc::PlaneSource> m_planes;
+    std::vector<std::uint8_t> m_samples = std::vector<std::uint8_t>(20);
+};
+
+TEST_F(Hostile, givesPlanesWhereItIsHarmless)
+{
+    ConfinedDecoders decoders(helper("harmless"));
+    PlanesOf planes(decoders, file());
+    ASSERT_TRUE(planes.areNamed());
+    EXPECT_TRUE(planes.copy(2, { 2, 2 }));
+    EXPECT_EQ(planes.samples(),
+        (std::vector<std::uint8_t> {
+            0x80, 0x80, 0, 0, 0, 0x80, 0x80, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0 }));
+    EXPECT_EQ(decoders.deathCount(), 0U);
+}
+
+TEST_F(Hostile, thatLiesAboutPlanesHasNone)
+{
+    for (const char* name : { "has-planes-of-another-size", "dies-over-rows", "hangs-over-rows" }) {
+        ConfinedDecoders decoders(helper(name), little);
+        EXPECT_FALSE(PlanesOf(decoders, file()).areNamed()) << name;
+        EXPECT_EQ(decoders.deathCount(), 1U) << name;
+    }
+    for (const char* name : { "has-planes-in-nothing", "has-planes-that-end-in-nothing" }) {
+        ConfinedDecoders decoders(helper(name), little);
+        PlanesOf planes(decoders, file());
+        ASSERT_TRUE(planes.areNamed()) << name;
+        EXPECT_TRUE(planes.copy(0, { 4, 3 })) << name;
+        EXPECT_FALSE(planes.copy(1, { 2, 2 })) << name;
+        EXPECT_FALSE(planes.copy(0, { 4, 3 })) << name; // it is of no use any more
         EXPECT_EQ(decoders.deathCount(), 1U) << name;
     }
 }

@@ -48,6 +48,13 @@ PixelsReply pixelsReply()
     return { .size = { 47, 33 }, .layout = deepColour, .rowBytes = 400, .address = 4096 };
 }
 
+PlanesReply planesReply()
+{
+    return { .size = { 47, 33 },
+        .subsampling = { 2, 1 },
+        .planes = { { { 64, 4096 }, { 24, 8192 }, { 32, 12288 } } } };
+}
+
 template <typename Message> const Message& as(const imaging::Result<Reply>& reply)
 {
     return std::get<Message>(reply.value());
@@ -85,6 +92,10 @@ TEST(Messages, requestsComeBackAsTheyWere)
             *parseRequest(serialised(Request(RowsRequest { rect, picture }))));
         EXPECT_EQ(rows.part, rect);
         EXPECT_EQ(rows.picture, picture);
+        EXPECT_EQ(
+            std::get<PlanesRequest>(*parseRequest(serialised(Request(PlanesRequest { picture }))))
+                .picture,
+            picture);
     }
     const auto draw = std::get<DrawRequest>(*parseRequest(serialised(Request(drawRequest))));
     EXPECT_EQ(draw.size, drawRequest.size);
@@ -121,6 +132,14 @@ TEST(Messages, repliesComeBackAsTheyWere)
     const auto deferred
         = parseReply(serialised(Reply(PixelsReply { { 47, 33 }, imaging::rgba8Premultiplied })));
     EXPECT_TRUE(as<PixelsReply>(deferred).isDeferred());
+    const auto planes = parseReply(serialised(Reply(planesReply())));
+    EXPECT_EQ(as<PlanesReply>(planes).size, (imaging::Size { 47, 33 }));
+    EXPECT_EQ(as<PlanesReply>(planes).subsampling, (imaging::ycc::Subsampling { 2, 1 }));
+    for (std::size_t plane = 0; plane < 3; ++plane) {
+        const auto& [rowBytes, address] = as<PlanesReply>(planes).planes.at(plane);
+        EXPECT_EQ(rowBytes, planesReply().planes.at(plane).rowBytes);
+        EXPECT_EQ(address, planesReply().planes.at(plane).address);
+    }
     const Error error { Error::Kind::truncated, "data is missing" };
     EXPECT_EQ(as<FailedReply>(parseReply(serialised(Reply(FailedReply { error })))).error, error);
 }
@@ -138,7 +157,7 @@ TEST(Messages, areRefusedWhenTheyAreCutOrLonger)
 {
     for (const Reply& reply : { Reply(ReadyReply {}),
              Reply(OpenedReply { imaging::UniformType::png, { { 5, 6 }, deepColour } }),
-             Reply(decodedReply()), Reply(pixelsReply()),
+             Reply(decodedReply()), Reply(pixelsReply()), Reply(planesReply()),
              Reply(FailedReply { { Error::Kind::io, "why" } }) }) {
         ByteBuffer bytes = serialised(reply);
         for (std::size_t length = 0; length < bytes.size(); ++length) {
@@ -151,7 +170,8 @@ TEST(Messages, areRefusedWhenTheyAreCutOrLonger)
     for (const Request& request :
         { Request(OpenRequest {}), Request(DecodeRequest { { imaging::Rect { 1, 2, 3, 4 } } }),
             Request(DecodeRequest { { std::nullopt, imaging::ImageUse::toBeDrawn, plan } }),
-            Request(RowsRequest { { 1, 2, 3, 4 } }), Request(drawRequest) }) {
+            Request(RowsRequest { { 1, 2, 3, 4 } }), Request(PlanesRequest {}),
+            Request(drawRequest) }) {
         ByteBuffer bytes = serialised(request);
         for (std::size_t length = 0; length < bytes.size(); ++length) {
             EXPECT_FALSE(parseRequest(ByteSpan(bytes).first(length)));
@@ -193,6 +213,23 @@ INSTANTIATE_TEST_SUITE_P(With, BadReply,
             [](PixelsReply& reply) { reply.rowBytes = std::uint64_t { 1 } << 59U; } }),
     test::RowName());
 
+TEST(Messages, planesThatCannotBeAreRefused)
+{
+    const auto isRefused = [](void (*spoil)(PlanesReply&)) {
+        PlanesReply reply = planesReply();
+        spoil(reply);
+        return !parseReply(serialised(Reply(reply)));
+    };
+    EXPECT_TRUE(isRefused([](PlanesReply& reply) { reply.size.width = 0; }));
+    EXPECT_TRUE(isRefused([](PlanesReply& reply) { reply.size.height = -33; }));
+    EXPECT_TRUE(isRefused([](PlanesReply& reply) { reply.subsampling.x = 0; }));
+    EXPECT_TRUE(isRefused([](PlanesReply& reply) { reply.subsampling.y = 3; }));
+    EXPECT_TRUE(isRefused([](PlanesReply& reply) { reply.planes[0].rowBytes = 46; }));
+    EXPECT_TRUE(isRefused([](PlanesReply& reply) { reply.planes[1].rowBytes = 23; }));
+    EXPECT_TRUE(isRefused([](PlanesReply& reply) { reply.planes[2].rowBytes = huge; }));
+    EXPECT_FALSE(isRefused([](PlanesReply&) {}));
+}
+
 TEST(Messages, picturesThatCannotBeAreRefused)
 {
     DecodedReply reply = decodedReply();
@@ -224,8 +261,8 @@ TEST(Messages, drawingsThatCannotBeAreRefused)
 
 TEST(Messages, yesIsOneAndNoIsZero)
 {
-    for (const Request& request :
-        { Request(drawRequest), Request(RowsRequest { { 0, 0, 1, 1 } }) }) {
+    for (const Request& request : { Request(drawRequest), Request(RowsRequest { { 0, 0, 1, 1 } }),
+             Request(PlanesRequest {}) }) {
         ByteBuffer bytes = serialised(request);
         bytes.back() = std::byte { 1 };
         EXPECT_TRUE(parseRequest(bytes));

@@ -23,6 +23,7 @@ using namespace vellumine;
 using confined::Channel;
 using confined::DecodedReply;
 using confined::PixelsReply;
+using confined::PlanesReply;
 using imaging::ByteBuffer;
 using imaging::FileDescriptor;
 
@@ -75,6 +76,10 @@ struct Picture {
     PixelsReply given {
         .size = size, .layout = layout, .rowBytes = 4, .address = addressOf(pixels)
     };
+    PlanesReply planes { .size = size,
+        .subsampling = { 2, 2 },
+        .planes
+        = { { { 4, addressOf(pixels) }, { 2, addressOf(pixels) }, { 2, addressOf(pixels) } } } };
     void (*beforePixels)() = [] {};
 };
 
@@ -104,6 +109,9 @@ void hand(const Channel& channel, const Picture& picture)
         if (std::holds_alternative<confined::ShareRequest>(*request)) {
             const FileDescriptor memory = memoryWith(picture, *given);
             say(channel, confined::SharedReply {}, &memory);
+        } else if (std::holds_alternative<confined::PlanesRequest>(*request)) {
+            picture.beforePixels();
+            say(channel, picture.planes);
         } else {
             picture.beforePixels();
             given = &pixels;
@@ -172,6 +180,20 @@ const std::map<std::string, Attack> attacks {
             handChanged(channel, [](Picture& picture) {
                 picture.given.layout.bitsPerComponent = 16;
                 picture.given.rowBytes = 8;
+            });
+        } },
+    { "has-planes-of-another-size",
+        [](const Channel& channel) {
+            handChanged(channel, [](Picture& picture) { picture.planes.size = { 5, 3 }; });
+        } },
+    { "has-planes-in-nothing",
+        [](const Channel& channel) {
+            handChanged(channel, [](Picture& picture) { picture.planes.planes[1].address = 0; });
+        } },
+    { "has-planes-that-end-in-nothing",
+        [](const Channel& channel) {
+            handChanged(channel, [](Picture& picture) {
+                picture.planes.planes[1].rowBytes = std::uint64_t { 1 } << 46U;
             });
         } },
     { "dies-over-rows",

@@ -1,16 +1,19 @@
 #include "imaging/BitmapContext.h"
+#include "imaging/DeferredPixels.h"
 #include "imaging/ImageDestination.h"
 #include "imaging/ImageSource.h"
 #include "imaging/Orientation.h"
 #include "imaging/PixelConversion.h"
 #include "imaging/codecs/JpegFiles.h"
 #include "imaging/codecs/jpeg/JpegCodec.h"
+#include "imaging/ycc/PlaneSource.h"
 #include "support/NamedRows.h"
 #include "support/TestImages.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -186,6 +189,35 @@ TEST_P(YccPixels, hasItsColoursConverted)
         GetParam().psnr - 1);
     EXPECT_EQ(
         maximumDifference(drawn(*m_deferred, photoSize, p3), drawn(*m_rows, photoSize, p3)), 0.0);
+}
+
+TEST_P(YccPixels, givesItsPlanesInTheColoursThatItHas)
+{
+    ASSERT_NO_FATAL_FAILURE(decode(syntheticPhoto(photoSize)));
+    const ColorSpace p3 = ColorSpace::fromPrimaries(displayP3, {}).value();
+    const auto drawnWhereItIs = [&](Size size, const ColorSpace& space) {
+        return m_deferred->deferred()
+            ->drawn({ size, space, InterpolationQuality::high, Orientation::topLeft })
+            .value();
+    };
+    const auto planes = m_deferred->deferred()->planes();
+    ASSERT_TRUE(planes && planes->here());
+    EXPECT_EQ(planes->size(), photoSize);
+    EXPECT_EQ(planes->subsampling().x, GetParam().recipe.horizontalSampling);
+    EXPECT_EQ(planes->subsampling().y, GetParam().recipe.verticalSampling);
+    std::vector<std::uint8_t> part(3 * std::size_t { 100 });
+    EXPECT_TRUE(planes->copy(1, { 20, 30, 5, 3 }, part.data(), 100));
+    for (int y = 0; y < 3; ++y) {
+        for (int x = 0; x < 5; ++x) {
+            EXPECT_EQ(part.at(static_cast<std::size_t>(100 * y + x)),
+                planes->here()->row(1, 30 + y)[20 + x]);
+        }
+    }
+
+    EXPECT_EQ(drawnWhereItIs(photoSize, ColorSpace::sRgb()).deferred()->planes()->here()->row(0, 0),
+        planes->here()->row(0, 0));
+    EXPECT_FALSE(drawnWhereItIs(photoSize, p3).deferred()->planes());
+    EXPECT_TRUE(drawnWhereItIs({ 105, 86 }, ColorSpace::sRgb()).hasRows());
 }
 
 TEST_P(YccPixels, isRefusedWhenAnyDataIsMissing)

@@ -317,9 +317,10 @@ int qualityOf(const EncodeOptions& options)
 /// The planes of a picture whose colour the file has no finer; null when its rows are written.
 std::shared_ptr<const ycc::PlaneSource> planesFor(const Image& image, const EncodeOptions& options)
 {
-    const bool hasPlanes = !image.hasRows() && image.orientation() == Orientation::topLeft;
-    return hasPlanes && qualityOf(options) < fullColorQuality ? image.deferred()->planes()
-                                                              : nullptr;
+    const bool isStoredSo = !image.hasRows() && image.layout().model == ColorModel::rgb
+        && image.orientation() == Orientation::topLeft;
+    return isStoredSo && qualityOf(options) < fullColorQuality ? image.deferred()->planes()
+                                                               : nullptr;
 }
 
 /// In the space that the library chooses.
