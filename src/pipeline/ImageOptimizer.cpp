@@ -98,15 +98,22 @@ ConversionAudit auditOf(const QUrl& url, UniformType sourceType, const Image& or
     };
 }
 
-/// What is drawn stays where it was drawn for encoders that take it piece by piece, as that of WebP
-/// does. Others want the whole picture.
+/// Whether the image service encodes the output, and piece by piece.
+bool isEncodedInPieces(UniformType sourceType, const OptimizerSettings& settings)
+{
+    const auto type = ImageOptimizer::outputUTI(sourceType, settings);
+    return !isWebP(settings.outputFormat) && type && ImageDestination::encodesInPieces(*type);
+}
+
+/// The picture stays where it was decoded or drawn for encoders that take it piece by piece; that
+/// of WebP takes drawn ones so. Others want the whole picture.
 imaging::Result<Image> broughtHere(
     const Image& image, UniformType sourceType, const OptimizerSettings& settings)
 {
-    const auto type = ImageOptimizer::outputUTI(sourceType, settings);
-    const bool takesPieces
-        = isWebP(settings.outputFormat) || (type && ImageDestination::encodesInPieces(*type));
-    return takesPieces && image.layout() == imaging::rgba8Premultiplied ? image : image.withRows();
+    const bool isTakenInPieces = isWebP(settings.outputFormat)
+        ? image.layout() == imaging::rgba8Premultiplied
+        : isEncodedInPieces(sourceType, settings);
+    return isTakenInPieces ? image : image.withRows();
 }
 
 /// Everything up to writing. Takes the source over: with its end go the file's bytes and the
@@ -115,8 +122,10 @@ Outcome<Prepared> prepare(ImageSource source, const QUrl& url, const OptimizerSe
     const ConversionEnvironment& environment)
 {
     const auto plan = planOf(source.storedSize(), settings);
-    const auto decoded
-        = source.image(plan ? imaging::ImageUse::toBeDrawn : imaging::ImageUse::asRows, plan);
+    const auto decoded = source.image(plan || isEncodedInPieces(source.type(), settings)
+            ? imaging::ImageUse::toBeDrawn
+            : imaging::ImageUse::asRows,
+        plan);
     if (!decoded) {
         return failed(UnreadableImage {});
     }

@@ -4,33 +4,16 @@
 #include "update/PageVersion.h"
 #include "update/VersionText.h"
 
-#include <QFuture>
 #include <QNetworkAccessManager>
 #include <QNetworkProxy>
 #include <QNetworkReply>
 #include <QNetworkRequest>
-#include <QPromise>
-#include <QThreadPool>
+#include <QRunnable>
 
-#include <memory>
 #include <utility>
 
 namespace vellumine {
 namespace {
-
-/// What the function gives, called in a thread of the program's pool.
-template <typename Function>
-auto inAnotherThread(Function function) -> QFuture<decltype(function())>
-{
-    const auto promise = std::make_shared<QPromise<decltype(function())>>();
-    auto future = promise->future();
-    QThreadPool::globalInstance()->start([promise, function = std::move(function)] {
-        promise->start();
-        promise->addResult(function());
-        promise->finish();
-    });
-    return future;
-}
 
 /// Whether the server's page arrived whole. A status such as 404 is reported as an error too, but
 /// its page is a page like any other.
@@ -61,7 +44,6 @@ UpdateChecker::UpdateChecker(Source source, QString currentVersion, QObject* par
     , m_source(std::move(source))
     , m_currentVersion(std::move(currentVersion))
 {
-    connect(&m_tls, &QFutureWatcherBase::finished, this, &UpdateChecker::load);
     m_deadline.setSingleShot(true);
     connect(&m_deadline, &QTimer::timeout, this, [this] { m_reply->abort(); });
 }
@@ -73,20 +55,23 @@ void UpdateChecker::checkForUpdates()
     }
     setStatus(Checking {});
     if (m_source.homePage.scheme() == QStringLiteral("https")) {
-        m_tls.setFuture(inAnotherThread(m_source.tls));
+        m_thread.start(QRunnable::create([this, tls = m_source.tls] {
+            QMetaObject::invokeMethod(
+                this, [this, configuration = tls()] { load(configuration); }, Qt::QueuedConnection);
+        }));
     } else {
         setStatus(Failed {});
     }
 }
 
-void UpdateChecker::load()
+void UpdateChecker::load(const QSslConfiguration& tls)
 {
     // One for each check: it takes its connections, cookies and cache with it.
     m_network = new QNetworkAccessManager(this);
     m_network->setProxy(QNetworkProxy::NoProxy);
 
     QNetworkRequest request(m_source.homePage);
-    request.setSslConfiguration(m_tls.result());
+    request.setSslConfiguration(tls);
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
         QNetworkRequest::NoLessSafeRedirectPolicy); // from https to https only
     m_reply = m_network->get(request);

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <QFutureWatcher>
 #include <QObject>
 #include <QSslConfiguration>
 #include <QString>
+#include <QThreadPool>
 #include <QTimer>
 #include <QUrl>
 
@@ -69,7 +69,7 @@ Q_SIGNALS:
     void statusChanged();
 
 private:
-    void load();
+    void load(const QSslConfiguration& tls);
     void stopWhenTooLarge();
     void finish();
     [[nodiscard]] Status outcome() const;
@@ -78,11 +78,11 @@ private:
     Source m_source;
     QString m_currentVersion;
     Status m_status = Idle {};
-    QFutureWatcher<QSslConfiguration> m_tls; ///< of the running check
     QTimer m_deadline;
     /// Of the running check; our child, as the reply is the manager's.
     QNetworkAccessManager* m_network = nullptr;
     QNetworkReply* m_reply = nullptr;
+    QThreadPool m_thread; ///< ends before the rest, and when what runs there is done
 };
 
 } // namespace vellumine

@@ -17,6 +17,7 @@
 #include <cstring>
 #include <filesystem>
 #include <future>
+#include <stop_token>
 #include <string>
 #include <utility>
 #include <vector>
@@ -292,10 +293,26 @@ TEST_F(Confined, planesAreGoneWithTheirPicture)
     const auto copied = planes->copy(0, { 299, 199, 1, 1 }, &sample, 1);
     ASSERT_FALSE(copied);
     EXPECT_EQ(copied.error().kind, Error::Kind::io);
-    EXPECT_FALSE(first.deferred()->planes());
+    EXPECT_EQ(first.deferred()->planes(), planes); // and no others
     EXPECT_FALSE(second.deferred()->planes());
     EXPECT_TRUE(stored.deferred()->planes());
     EXPECT_EQ(m_decoders.deathCount(), 0U);
+}
+
+TEST_F(Confined, planesAreGivenUntilAStopIsRequested)
+{
+    std::stop_source stop;
+    const Image image
+        = m_decoders.open(picture(UniformType::jpeg, { 300, 200 }), Limits(), stop.get_token())
+              ->image(imaging::ImageUse::toBeDrawn)
+              .value();
+    const auto planes = image.deferred()->planes();
+    ASSERT_TRUE(planes);
+    std::uint8_t sample = 0;
+    EXPECT_TRUE(planes->copy(2, { 0, 0, 1, 1 }, &sample, 1));
+    stop.request_stop();
+    EXPECT_FALSE(planes->copy(2, { 0, 0, 1, 1 }, &sample, 1));
+    EXPECT_FALSE(imaging::jpeg::encode(image, { .quality = 0.8, .metadata = {} }));
 }
 
 TEST_F(Confined, picturesWithoutPlanesHaveNone)

@@ -222,6 +222,12 @@ TEST(Messages, planesThatCannotBeAreRefused)
     };
     EXPECT_TRUE(isRefused([](PlanesReply& reply) { reply.size.width = 0; }));
     EXPECT_TRUE(isRefused([](PlanesReply& reply) { reply.size.height = -33; }));
+    EXPECT_TRUE(
+        isRefused([](PlanesReply& reply) { reply.size.width = std::numeric_limits<int>::max(); }));
+    EXPECT_TRUE(isRefused([](PlanesReply& reply) {
+        reply.size = { 1, std::numeric_limits<int>::max() };
+        reply.planes = { { { huge / 2, 0 }, { huge / 2, 0 }, { huge / 2, 0 } } };
+    }));
     EXPECT_TRUE(isRefused([](PlanesReply& reply) { reply.subsampling.x = 0; }));
     EXPECT_TRUE(isRefused([](PlanesReply& reply) { reply.subsampling.y = 3; }));
     EXPECT_TRUE(isRefused([](PlanesReply& reply) { reply.planes[0].rowBytes = 46; }));

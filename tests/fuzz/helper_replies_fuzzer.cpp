@@ -43,6 +43,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     }
     require(confined::parseReply(confined::serialised(*reply)).has_value());
+    if (const auto* const planes = std::get_if<confined::PlanesReply>(&*reply)) {
+        for (int plane = 0; plane < 3; ++plane) {
+            const auto samples = imaging::ycc::samplesOf(planes->size, planes->subsampling, plane);
+            require(samples.width > 0 && samples.height > 0);
+            require(planes->planes.at(static_cast<std::size_t>(plane)).rowBytes
+                >= static_cast<std::uint64_t>(samples.width));
+        }
+    }
     const auto* const decoded = std::get_if<confined::DecodedReply>(&*reply);
     const auto attached = confined::parseAttachments(input.subspan(1 + length));
     if (decoded == nullptr || !attached || attached->colorSpace.model() != decoded->layout.model) {

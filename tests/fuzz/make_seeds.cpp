@@ -97,9 +97,12 @@ ByteBuffer requestsSeed(const Codec& codec)
 {
     using confined::Request;
     const DrawingPlan plan { .size = { 9, 7 }, .turnedSize = { 7, 9 }, .middle = { 8, 8 } };
-    const std::array<Request, 8> requests { confined::OpenRequest {},
+    const std::array<Request, 11> requests { confined::OpenRequest {},
         confined::DecodeRequest { { Rect { 3, 2, 8, 8 } } },
         confined::DecodeRequest { { std::nullopt, ImageUse::toBeDrawn } },
+        confined::PlanesRequest { confined::RowsRequest::Of::decoded },
+        confined::DrawRequest { .size = { 19, 13 }, .mayBeDeferred = true },
+        confined::PlanesRequest { confined::RowsRequest::Of::drawn },
         confined::DecodeRequest { { std::nullopt, ImageUse::toBeDrawn, plan } },
         confined::ShareRequest {}, confined::RowsRequest { { 3, 2, 8, 8 } },
         confined::DrawRequest {
@@ -135,6 +138,17 @@ ByteBuffer repliesSeed(PixelLayout layout)
     ByteBuffer seed;
     append(seed, confined::serialised(confined::Reply(reply)));
     seed.insert(seed.end(), attachments.begin(), attachments.end());
+    return seed;
+}
+
+/// Where a helper says that the planes of a picture are.
+ByteBuffer planesSeed()
+{
+    ByteBuffer seed;
+    append(seed,
+        confined::serialised(confined::Reply(confined::PlanesReply { .size = { 19, 13 },
+            .subsampling = { 2, 2 },
+            .planes = { { { 64, 4096 }, { 64, 8192 }, { 64, 12288 } } } })));
     return seed;
 }
 
@@ -197,6 +211,7 @@ bool writeOtherSeeds(const std::filesystem::path& folder)
                 && complete;
         }
     }
+    complete = write(folder / "helper_replies" / "planes", planesSeed()) && complete;
     for (const auto& [name, layout] : kinds) {
         complete = write(folder / "helper_replies" / name, repliesSeed(layout)) && complete;
         const auto byte = [](auto value) { return static_cast<std::byte>(value); };

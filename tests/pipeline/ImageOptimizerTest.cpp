@@ -1,3 +1,4 @@
+#include "imaging/codecs/jpeg/JpegCodec.h"
 #include "pipeline/Optimize.h"
 
 #include <fcntl.h>
@@ -197,6 +198,26 @@ TEST_F(Optimize, eightOrientationsGiveTheSameUprightPicture)
             first = written;
         }
         EXPECT_GE(test::psnr(written, *first), 35.0);
+    }
+}
+
+TEST_F(Optimize, photographsInTheirOwnSizeGoFromPlanesToPlanes)
+{
+    const Image photo = test::syntheticPhoto({ 161, 99 });
+    const imaging::EncodeOptions options { .quality = 0.82, .metadata = {} };
+    const auto file = imaging::jpeg::encode(photo, options).value();
+    writeFile(in("photo.jpg"), imaging::ByteSpan(file));
+    const Image stored = test::readPicture(in("photo.jpg"));
+    OptimizerSettings inItsColours = test::plainSettings(OutputFormat::jpeg);
+    OptimizerSettings inSRgb = inItsColours;
+    inSRgb.optimizeColorForSharing = true;
+    for (const OptimizerSettings& settings : { inItsColours, inSRgb }) {
+        m_settings = settings;
+        m_settings.quality = 82;
+        const auto result = optimize(in("photo.jpg"));
+        ASSERT_TRUE(result) << localizedDescription(result.error()).toStdString();
+        const Image written = test::readPicture(platform::toPath(*result->outputURL));
+        EXPECT_GT(test::psnr(written, stored), 60.0); // 45 from rows
     }
 }
 

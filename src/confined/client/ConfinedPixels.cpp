@@ -30,7 +30,8 @@ std::optional<BitmapColors> bitmapColors(const ColorSpace& wanted, const ColorSp
     return std::nullopt;
 }
 
-/// The planes of a picture that stays with its helper.
+/// The planes of a picture that stays with its helper. When that has them no longer they are gone:
+/// whoever began with them must not go on with those of another picture.
 class HelpersPlanes final : public PlaneSource {
 public:
     HelpersPlanes(std::shared_ptr<HelperSession> session, HelperSession::KeptPlanes planes)
@@ -100,7 +101,11 @@ public:
 
     [[nodiscard]] std::shared_ptr<const PlaneSource> planes() const override
     {
-        return planeSource(m_session, m_session->planes(m_drawing));
+        const std::scoped_lock lock(m_mutex);
+        if (!m_planes) {
+            m_planes = planeSource(m_session, m_session->planes(m_drawing));
+        }
+        return m_planes;
     }
 
 private:
@@ -110,6 +115,7 @@ private:
     const ColorSpace m_colorSpace;
     mutable std::mutex m_mutex;
     mutable std::optional<Image> m_whole;
+    mutable std::shared_ptr<const PlaneSource> m_planes;
 };
 
 } // namespace
@@ -143,7 +149,11 @@ Result<Image> ConfinedPixels::drawn(const Drawing& drawing) const
 
 std::shared_ptr<const PlaneSource> ConfinedPixels::planes() const
 {
-    return planeSource(m_session, m_session->planes());
+    const std::scoped_lock lock(m_mutex);
+    if (!m_planes) {
+        m_planes = planeSource(m_session, m_session->planes());
+    }
+    return m_planes;
 }
 
 } // namespace vellumine::confined

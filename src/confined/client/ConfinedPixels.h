@@ -4,6 +4,7 @@
 #include "imaging/DeferredPixels.h"
 
 #include <memory>
+#include <mutex>
 
 namespace vellumine::confined {
 
@@ -21,6 +22,8 @@ public:
 private:
     const std::shared_ptr<HelperSession> m_session;
     const imaging::ColorSpace m_colorSpace;
+    mutable std::mutex m_mutex;
+    mutable std::shared_ptr<const imaging::ycc::PlaneSource> m_planes; ///< once asked for
 };
 
 } // namespace vellumine::confined

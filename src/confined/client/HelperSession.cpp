@@ -142,21 +142,7 @@ Result<void> HelperSession::copyPlane(
     const KeptPlanes& planes, int plane, Rect part, std::uint8_t* to, std::size_t rowBytes)
 {
     const std::scoped_lock lock(m_mutex);
-    const auto& [size, subsampling, all] = planes.given;
-    assert(contains(imaging::ycc::samplesOf(size, subsampling, plane), part));
-    if (!m_loan.process || planes.number != numberOf(planes.picture)) {
-        return imaging::failure(Error::Kind::io, "the picture is gone");
-    }
-    const PlanesReply::Plane& from = all.at(static_cast<std::size_t>(plane));
-    const auto above = static_cast<std::uint64_t>(part.y) * from.rowBytes;
-    auto copied = m_loan.process->fetch(
-        { from.address + above + static_cast<std::uint64_t>(part.x), from.rowBytes,
-            static_cast<std::size_t>(part.width), part.height },
-        reinterpret_cast<std::byte*>(to), rowBytes);
-    if (!copied && copied.error().kind == Error::Kind::io) {
-        loseHelper();
-    }
-    return copied;
+    return copied(planes, plane, part, to, rowBytes);
 }
 
 HelperSession::HelperSession(std::shared_ptr<DecoderPool> pool, FileDescriptor file,
@@ -186,6 +172,13 @@ Result<DecoderProcess::Answer> HelperSession::ask(
         const bool isOverdue = Channel::Clock::now() >= deadline;
         loseHelper();
         m_hasLostServant = m_hasLostServant && !isOverdue; // another one would take as long
+        return answer;
+    }
+    const auto* const failed = std::get_if<FailedReply>(&answer->reply);
+    if (failed != nullptr && failed->error.kind == Error::Kind::outOfMemory) {
+        // It may have dropped whatever it had.
+        ++m_decodings;
+        ++m_drawings;
     }
     return answer;
 }
@@ -333,7 +326,33 @@ Result<HelperSession::KeptPlanes> HelperSession::planesOf(
         loseHelper();
         return notWhatWasAskedFor();
     }
-    return KeptPlanes { *given, picture, numberOf(picture) };
+    const KeptPlanes planes { *given, picture, numberOf(picture) };
+    // Whether they may be read is known when some of them is.
+    std::uint8_t first = 0;
+    return copied(planes, 0, { 0, 0, 1, 1 }, &first, 1).map([&planes] { return planes; });
+}
+
+Result<void> HelperSession::copied(
+    const KeptPlanes& planes, int plane, Rect part, std::uint8_t* to, std::size_t rowBytes)
+{
+    const auto& [size, subsampling, all] = planes.given;
+    assert(contains(imaging::ycc::samplesOf(size, subsampling, plane), part));
+    if (m_interruption.stop_requested()) {
+        return imaging::failure(Error::Kind::io, "a stop was requested");
+    }
+    if (!m_loan.process || planes.number != numberOf(planes.picture)) {
+        return imaging::failure(Error::Kind::io, "the picture is gone");
+    }
+    const PlanesReply::Plane& from = all.at(static_cast<std::size_t>(plane));
+    const auto above = static_cast<std::uint64_t>(part.y) * from.rowBytes;
+    auto copied = m_loan.process->fetch(
+        { from.address + above + static_cast<std::uint64_t>(part.x), from.rowBytes,
+            static_cast<std::size_t>(part.width), part.height },
+        reinterpret_cast<std::byte*>(to), rowBytes);
+    if (!copied && copied.error().kind == Error::Kind::io) {
+        loseHelper();
+    }
+    return copied;
 }
 
 std::uint64_t HelperSession::numberOf(RowsRequest::Of picture) const

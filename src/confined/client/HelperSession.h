@@ -91,6 +91,8 @@ private:
     imaging::Result<imaging::Image> pixelsFromHelper(
         const Request& request, const PixelsReply& expected, const imaging::ColorSpace& colorSpace);
     imaging::Result<KeptPlanes> planesOf(RowsRequest::Of picture, imaging::Size size);
+    imaging::Result<void> copied(const KeptPlanes& planes, int plane, imaging::Rect part,
+        std::uint8_t* to, std::size_t rowBytes);
     [[nodiscard]] std::uint64_t numberOf(RowsRequest::Of picture) const;
     imaging::Result<imaging::Image> partOfDrawing(
         const PixelsReply& given, imaging::Rect part, const imaging::ColorSpace& colorSpace);

@@ -85,8 +85,8 @@ void average(const YccPlanes& fine, YccPlanes& band, int plane, Size room)
 
 } // namespace
 
-BlockBands::BlockBands(
-    std::shared_ptr<const PlaneSource> source, Rect part, YccPlanes&& band, YccPlanes&& fine)
+BlockBands::BlockBands(std::shared_ptr<const PlaneSource> source, Rect part, YccPlanes&& band,
+    std::optional<YccPlanes>&& fine)
     : m_source(std::move(source))
     , m_part(part)
     , m_band(std::move(band))
@@ -97,16 +97,22 @@ BlockBands::BlockBands(
 Result<BlockBands> BlockBands::create(std::shared_ptr<const PlaneSource> source, Rect part)
 {
     assert(contains(source->size(), part) && part.x % coarse.x == 0 && part.y % coarse.y == 0);
-    const Size room = roomFor(part.width);
-    const auto planes = [&](Subsampling shared) {
-        return YccPlanes::create({ part.width, rows }, shared, room);
+    const auto planes = [part](Subsampling shared) {
+        return YccPlanes::create({ part.width, rows }, shared, roomFor(part.width));
     };
     auto band = planes(coarse);
-    auto fine = planes(source->subsampling());
-    if (!band || !fine) {
-        return tl::unexpected(band ? fine.error() : band.error());
+    if (!band) {
+        return tl::unexpected(band.error());
     }
-    return BlockBands(std::move(source), part, std::move(*band), std::move(*fine));
+    std::optional<YccPlanes> fine;
+    if (source->subsampling() != coarse) {
+        auto made = planes(source->subsampling());
+        if (!made) {
+            return tl::unexpected(made.error());
+        }
+        fine = std::move(*made);
+    }
+    return BlockBands(std::move(source), part, std::move(*band), std::move(fine));
 }
 
 Result<const YccPlanes*> BlockBands::at(int row)
@@ -132,7 +138,7 @@ Result<void> BlockBands::readColor(int plane, int row)
     const Subsampling shared = m_source->subsampling();
     const Size filled
         = samplesOf({ m_part.width, std::min(rows, m_part.height - row) }, shared, plane);
-    YccPlanes& target = shared == coarse ? m_band : m_fine;
+    YccPlanes& target = m_fine ? *m_fine : m_band;
     return m_source
         ->copy(plane,
             { m_part.x / shared.x, (m_part.y + row) / shared.y, filled.width, filled.height },
@@ -140,8 +146,8 @@ Result<void> BlockBands::readColor(int plane, int row)
         .map([&] {
             const Size room = roomFor(m_part.width);
             repeatEdges(target, plane, filled, samplesOf(room, shared, plane));
-            if (&target == &m_fine) {
-                average(m_fine, m_band, plane, samplesOf(room, coarse, plane));
+            if (m_fine) {
+                average(*m_fine, m_band, plane, samplesOf(room, coarse, plane));
             }
         });
 }

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 
 namespace vellumine::imaging::ycc {
 
@@ -27,15 +28,15 @@ public:
     [[nodiscard]] Result<const YccPlanes*> at(int row);
 
 private:
-    BlockBands(
-        std::shared_ptr<const PlaneSource> source, Rect part, YccPlanes&& band, YccPlanes&& fine);
+    BlockBands(std::shared_ptr<const PlaneSource> source, Rect part, YccPlanes&& band,
+        std::optional<YccPlanes>&& fine);
     [[nodiscard]] Result<void> readBrightness(int row);
     [[nodiscard]] Result<void> readColor(int plane, int row);
 
     std::shared_ptr<const PlaneSource> m_source;
     Rect m_part;
     YccPlanes m_band;
-    YccPlanes m_fine; ///< a band of colour as the picture has it
+    std::optional<YccPlanes> m_fine; ///< a band as the picture has it, where its colour is finer
 };
 
 } // namespace vellumine::imaging::ycc

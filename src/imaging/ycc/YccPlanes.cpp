@@ -9,7 +9,7 @@ namespace {
 
 constexpr int shared(int pixels, int by)
 {
-    return (pixels + by - 1) / by;
+    return (pixels - 1) / by + 1; // of any number of pixels, and at least one
 }
 
 } // namespace
