@@ -37,10 +37,11 @@ template <int Count> struct NumberVector {
 };
 
 /// Calls the function with 0 to Count - 1, written out: what a loop would index stays in registers.
+/// (Lambdas have the attribute in the spelling that both compilers take for the function's.)
 template <std::size_t Count, typename Function>
 [[gnu::always_inline]] inline void forEachIndex(const Function& function)
 {
-    [&function]<std::size_t... index>(std::index_sequence<index...>) [[gnu::always_inline]]
+    [&function]<std::size_t... index>(std::index_sequence<index...>) __attribute__((always_inline))
     {
         (function(std::integral_constant<std::size_t, index> {}), ...);
     }
@@ -52,7 +53,7 @@ template <typename Vector, std::size_t Count> class Sums {
 public:
     [[gnu::always_inline]] void add(float weight, const float* numbers)
     {
-        forEachIndex<Count / Vector::count>([&](auto i) [[gnu::always_inline]] {
+        forEachIndex<Count / Vector::count>([&](auto i) __attribute__((always_inline)) {
             std::get<i>(m_sums).vector += weight
                 * *reinterpret_cast<const typename Vector::InMemory*>(numbers + i * Vector::count);
         });
@@ -132,7 +133,7 @@ template <typename Vector>
     std::array<Sums<Vector, laneCount>, columnsTogether>& sums)
 {
     for (int tap = 0; tap < taps.count(); ++tap) {
-        forEachIndex<columnsTogether>([&](auto i) [[gnu::always_inline]] {
+        forEachIndex<columnsTogether>([&](auto i) __attribute__((always_inline)) {
             std::get<i>(sums).add(std::get<i>(weights)[tap],
                 std::get<i>(samples) + static_cast<std::ptrdiff_t>(tap) * laneCount);
         });
