@@ -174,6 +174,7 @@ public:
         return m_planes->copy(
             plane, { 0, 0, size.width, size.height }, m_samples.data(), m_samples.size() / 4);
     }
+    [[nodiscard]] const imaging::Image& image() const { return m_image; }
     [[nodiscard]] const std::vector<std::uint8_t>& samples() const { return m_samples; }
 
 private:
@@ -210,6 +211,17 @@ TEST_F(Hostile, thatLiesAboutPlanesHasNone)
         EXPECT_FALSE(planes.copy(0, { 4, 3 })) << name; // it is of no use any more
         EXPECT_EQ(decoders.deathCount(), 1U) << name;
     }
+}
+
+TEST_F(Hostile, thatRanOutOfMemoryIsNotAskedForWhatItMayHaveDropped)
+{
+    ConfinedDecoders decoders(helper("has-no-memory-for-rows"));
+    PlanesOf planes(decoders, file());
+    ASSERT_TRUE(planes.areNamed());
+    EXPECT_TRUE(planes.copy(0, { 4, 3 }));
+    EXPECT_FALSE(planes.image().withRows());
+    EXPECT_FALSE(planes.copy(0, { 4, 3 }));
+    EXPECT_EQ(decoders.deathCount(), 0U);
 }
 
 TEST_F(Hostile, thatHangsIsLeftWhenAStopIsRequested)

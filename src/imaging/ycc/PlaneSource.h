@@ -30,6 +30,7 @@ public:
     [[nodiscard]] virtual const YccPlanes* here() const { return nullptr; }
 };
 
+/// A source of planes in this process; they stay shared.
 [[nodiscard]] std::shared_ptr<const PlaneSource> planesHere(YccPlanes planes);
 
 } // namespace vellumine::imaging::ycc

@@ -7,9 +7,10 @@ namespace vellumine::imaging::ycc {
 
 namespace {
 
+/// Rounded up, for any number of pixels from 1 on.
 constexpr int shared(int pixels, int by)
 {
-    return (pixels - 1) / by + 1; // of any number of pixels, and at least one
+    return (pixels - 1) / by + 1;
 }
 
 } // namespace

@@ -81,6 +81,7 @@ struct Picture {
         .planes
         = { { { 4, addressOf(pixels) }, { 2, addressOf(pixels) }, { 2, addressOf(pixels) } } } };
     void (*beforePixels)() = [] {};
+    bool hasMemoryForRows = true;
 };
 
 FileDescriptor memoryWith(const Picture& picture, const ByteBuffer& bytes)
@@ -112,6 +113,8 @@ void hand(const Channel& channel, const Picture& picture)
         } else if (std::holds_alternative<confined::PlanesRequest>(*request)) {
             picture.beforePixels();
             say(channel, picture.planes);
+        } else if (!picture.hasMemoryForRows) {
+            say(channel, confined::FailedReply { { imaging::Error::Kind::outOfMemory, "full" } });
         } else {
             picture.beforePixels();
             given = &pixels;
@@ -195,6 +198,10 @@ const std::map<std::string, Attack> attacks {
             handChanged(channel, [](Picture& picture) {
                 picture.planes.planes[1].rowBytes = std::uint64_t { 1 } << 46U;
             });
+        } },
+    { "has-no-memory-for-rows",
+        [](const Channel& channel) {
+            handChanged(channel, [](Picture& picture) { picture.hasMemoryForRows = false; });
         } },
     { "dies-over-rows",
         [](const Channel& channel) {
