@@ -53,8 +53,8 @@ private:
     static void onRow(png_structp library, png_bytep row, png_uint_32 y, int pass);
 
     void configure();
-    /// Has objects of its own, which no frame has that is left by a long jump: AddressSanitizer would
-    /// hold on to them.
+    /// Has objects of its own, as no frame may that a long jump leaves: AddressSanitizer would keep
+    /// them.
     [[gnu::noinline]] void takeRow(png_bytep row, int y, int pass);
 
     const Header& m_header;
