@@ -24,13 +24,18 @@ AppDelegate::AppDelegate(Surroundings surroundings)
     , m_settings(m_models.settings(), m_models.bookmarks(), m_models.showFolderPanel())
     , m_stats(m_models.statsStore())
     , m_updates(m_models.updateChecker())
-    , m_comparison(std::make_unique<ImageComparisonPresenter>(
-          m_engine, ImageComparisonPresenter::Dependencies { .reveal = m_reveal }))
+    , m_comparison(std::make_unique<ImageComparisonPresenter>(m_engine,
+          ImageComparisonPresenter::Dependencies {
+              .reveal = m_reveal, .openImage = m_models.openImage() }))
     , m_mainWindow([this] { return makeMainWindow(); })
     , m_preferencesWindow([this] { return makePreferencesWindow(); })
 {
     connect(&m_overwritePrompt, &OverwritePromptPresenter::asked, this, &AppDelegate::showQuestion);
     connect(&m_folderPanel, &FolderPanelPresenter::asked, this, &AppDelegate::showQuestion);
+    connect(m_comparison.get(), &ImageComparisonPresenter::preferencesRequested, this,
+        &AppDelegate::openPreferencesFromMenu);
+    connect(m_comparison.get(), &ImageComparisonPresenter::quitRequested, this,
+        &AppDelegate::quitFromMenu);
     connect(&m_mainWindow, &ReusableWindow::made, this, [this](QQuickWindow* window) {
         m_heightFollower.emplace(*window, m_models.processingModel(), m_windowGrowingTime);
         applyMotion();
@@ -148,8 +153,11 @@ std::unique_ptr<QQuickWindow> AppDelegate::makeMainWindow()
     m_processing.emplace(m_models.processingModel());
     m_results = std::make_unique<ResultsListModel>(ResultsListModel::Actions {
         .reveal = m_reveal,
-        .compare = [this](const ProcessingResult& result,
-                       const QUrl& output) { m_comparison->show(result, output); },
+        .compare =
+            [this](const ProcessingResult& result, const QUrl& output) {
+                m_comparison->show(result, output);
+                m_models.releaseIdleDecoders();
+            },
     });
     m_results->follow(m_models.processingModel());
     return makeWindow("DropWindow",

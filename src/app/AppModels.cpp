@@ -1,6 +1,7 @@
 #include "app/AppModels.h"
 #include "app/ConfinementSentence.h"
 
+#include "ui/dialogs/FolderPanelPresenter.h"
 #include "update/VersionText.h"
 
 #include <QThread>
@@ -44,11 +45,7 @@ ProcessingModel& AppModels::processingModel()
             .activeProcessorCount = QThread::idealThreadCount(),
         });
         QObject::connect(&*m_processingModel, &ProcessingModel::isProcessingChanged,
-            &*m_processingModel, [this] {
-                if (m_decoders && !m_processingModel->isProcessing()) {
-                    m_decoders->releaseIdle();
-                }
-            });
+            &*m_processingModel, [this] { releaseIdleDecoders(); });
     }
     return *m_processingModel;
 }
@@ -61,10 +58,20 @@ ConversionEnvironment AppModels::conversionEnvironment()
     environment.securityScope = m_securityScope;
     environment.temporaryFolder = m_temporaryFolder;
     environment.executableFolder = m_executableFolder;
-    if (m_decoders) {
-        environment.openImage = confined::opener(m_decoders);
-    }
+    environment.openImage = openImage();
     return environment;
+}
+
+OpenImage AppModels::openImage() const
+{
+    return m_decoders ? confined::opener(m_decoders) : OpenImage(openHere);
+}
+
+void AppModels::releaseIdleDecoders()
+{
+    if (m_decoders && !(m_processingModel && m_processingModel->isProcessing())) {
+        m_decoders->releaseIdle();
+    }
 }
 
 QString AppModels::confinementText() const
@@ -84,11 +91,7 @@ FolderAccessGrants::Dependencies AppModels::folderAccess()
         = [this](const QUrl& folder) { m_settingsStore.rememberOriginalLocationFolder(folder); },
         .showSaveAccessPanel =
             [this](const SaveAccessPanel& panel, const FolderAccessGrants::PanelAnswer& answer) {
-                m_showFolderPanel({ .message = panel.message,
-                                      .prompt = panel.prompt,
-                                      .folder = panel.folder,
-                                      .newFolders = FolderPanel::NewFolders::refused },
-                    answer);
+                m_showFolderPanel(folderPanel(panel), answer);
             },
     };
 }

@@ -4,6 +4,7 @@
 #include "batch/ProcessingModel.h"
 #include "confined/client/ConfinedDecoders.h"
 #include "core/SettingsStore.h"
+#include "pipeline/ConversionEnvironment.h"
 #include "pipeline/OverwritePrompt.h"
 #include "platform/FolderBookmarks.h"
 #include "platform/SecurityScope.h"
@@ -60,6 +61,10 @@ public:
     [[nodiscard]] bool hasProcessingModel() const { return m_processingModel.has_value(); }
     /// A sentence on what holds the decoding of pictures back; starts a decoder to ask it.
     [[nodiscard]] QString confinementText() const;
+    /// How pictures are opened: by decoders in processes of their own, where the program has them.
+    [[nodiscard]] OpenImage openImage() const;
+    /// Ends decoders that nobody needs at the moment.
+    void releaseIdleDecoders();
     [[nodiscard]] const ShowFolderPanel& showFolderPanel() const { return m_showFolderPanel; }
 
 private:

@@ -3,6 +3,7 @@
 #include "app/instance/FileArguments.h"
 #include "app/instance/SingleInstance.h"
 #include "core/Product.h"
+#include "platform/FileOperations.h"
 #include "platform/FilePath.h"
 #include "platform/FileRevealer.h"
 #include "stats/StatsFolder.h"
@@ -81,7 +82,7 @@ int run(int argc, char** argv)
             .preferences = userPreferences(),
             .statsFolder = statsFolder(),
             .updateSource = UpdateChecker::productHomePage(),
-            .temporaryFolder = std::filesystem::temp_directory_path(),
+            .temporaryFolder = platform::temporaryFolder(),
             .executableFolder
             = platform::toPath(platform::fileUrl(QCoreApplication::applicationDirPath())),
         },

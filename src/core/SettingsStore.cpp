@@ -4,15 +4,6 @@
 #include "platform/FilePath.h"
 
 namespace vellumine {
-namespace {
-
-/// Folders are the same where these texts are equal.
-QString standardizedPath(const QUrl& url)
-{
-    return platform::standardized(url).toLocalFile();
-}
-
-} // namespace
 
 SettingsStore::SettingsStore(
     std::unique_ptr<QSettings> preferences, platform::FolderBookmarks& bookmarks)
@@ -62,7 +53,7 @@ std::optional<QUrl> SettingsStore::destinationFolderURL()
 
 std::optional<QUrl> SettingsStore::rememberedOriginalLocationFolder(const QUrl& folder)
 {
-    const QString key = standardizedPath(folder);
+    const QByteArray key = platform::standardizedPath(folder);
     std::optional<QUrl> answer;
     QList<QByteArray> kept;
     for (QByteArray bookmark : storedBookmarks()) {
@@ -77,7 +68,7 @@ std::optional<QUrl> SettingsStore::rememberedOriginalLocationFolder(const QUrl& 
             }
             bookmark = *fresh;
         }
-        if (standardizedPath(resolution->url) == key) {
+        if (platform::standardizedPath(resolution->url) == key) {
             answer = resolution->url; // the last one wins
         }
         kept.append(bookmark);
@@ -92,12 +83,12 @@ void SettingsStore::rememberOriginalLocationFolder(const QUrl& folder)
     if (!created) {
         return;
     }
-    const QString key = standardizedPath(folder);
+    const QByteArray key = platform::standardizedPath(folder);
     QList<QByteArray> bookmarks = storedBookmarks();
     bookmarks.removeIf([&](const QByteArray& bookmark) {
         // What leads nowhere stays: its disk may be back before it is looked up.
         const auto resolution = m_bookmarks.resolve(bookmark);
-        return resolution && standardizedPath(resolution->url) == key;
+        return resolution && platform::standardizedPath(resolution->url) == key;
     });
     bookmarks.append(*created);
     storeBookmarks(bookmarks);

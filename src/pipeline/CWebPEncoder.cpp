@@ -5,7 +5,6 @@
 #include "platform/FilePath.h"
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QStringDecoder>
 
 #include <chrono>
@@ -27,7 +26,7 @@ struct Translated {
 
 QUrl urlOf(const std::filesystem::path& path)
 {
-    return platform::fileUrl(QFile::decodeName(path.c_str()));
+    return platform::fileUrl(path);
 }
 
 const char* metadataArgument(const OptimizerSettings& settings)
@@ -108,9 +107,10 @@ std::chrono::milliseconds EncoderPatience::forPicture(imaging::Size size) const
 std::optional<QUrl> ImageOptimizer::bundledCWebPExecutableURL(
     const std::filesystem::path& executableFolder)
 {
-    const QByteArray override = qgetenv("VELLUMINE_CWEBP_PATH");
-    if (!override.isEmpty() && platform::isExecutableFile(override.toStdString())) {
-        return platform::fileUrl(QDir().absoluteFilePath(QFile::decodeName(override)));
+    const std::filesystem::path override = qgetenv("VELLUMINE_CWEBP_PATH").toStdString();
+    if (!override.empty() && platform::isExecutableFile(override)) {
+        std::error_code error; // of a working folder that is gone
+        return urlOf(std::filesystem::absolute(override, error));
     }
     const std::filesystem::path bundled = executableFolder / "cwebp";
     if (platform::isExecutableFile(bundled)) {

@@ -6,8 +6,6 @@
 #include "pipeline/TemporaryFile.h"
 #include "platform/FilePath.h"
 
-#include <QFile>
-
 #include <algorithm>
 #include <cstring>
 #include <system_error>
@@ -78,7 +76,7 @@ std::optional<QUrl> ImageOptimizer::writePreviewSample(
         std::filesystem::remove(path, ignored);
         return std::nullopt;
     }
-    return platform::fileUrl(QFile::decodeName(path.c_str()));
+    return platform::fileUrl(path);
 }
 
 /// What the written file turned out to be.

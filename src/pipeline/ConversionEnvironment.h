@@ -5,6 +5,7 @@
 #include "imaging/Limits.h"
 #include "pipeline/MemoryBudget.h"
 #include "pipeline/OverwritePrompt.h"
+#include "platform/FileOperations.h"
 #include "platform/SecurityScope.h"
 #include "platform/Trash.h"
 
@@ -24,6 +25,14 @@ namespace vellumine {
 using OpenImage
     = std::function<imaging::Result<imaging::ImageSource>(const std::filesystem::path& path,
         const imaging::Limits& limits, const std::stop_token& interruption)>;
+
+/// Decodes in this process, and knows of no stop.
+[[nodiscard]] inline imaging::Result<imaging::ImageSource> openHere(
+    const std::filesystem::path& path, const imaging::Limits& limits,
+    const std::stop_token& /*interruption*/)
+{
+    return imaging::ImageSource::create(path, limits);
+}
 
 /// How long the WebP encoder may take before it counts as hung: far more than it ever needs, on any
 /// machine that is of use.
@@ -46,15 +55,13 @@ struct ConversionEnvironment {
     std::function<platform::Result<void>(const QUrl&)> moveToTrash = platform::moveToTrash;
     std::shared_ptr<platform::SecurityScope> securityScope
         = std::make_shared<platform::DesktopSecurityScope>();
-    OpenImage openImage
-        = [](const std::filesystem::path& path, const imaging::Limits& allowed,
-              const std::stop_token&) { return imaging::ImageSource::create(path, allowed); };
+    OpenImage openImage = openHere;
     imaging::Limits limits = imaging::Limits::forThisMachine();
     std::shared_ptr<MemoryBudget> memoryBudget
         = std::make_shared<MemoryBudget>(MemoryBudget::bytesFor(limits));
     ComparisonSamples comparisonSamples = ComparisonSamples::make;
     /// For work files and preview samples.
-    std::filesystem::path temporaryFolder = std::filesystem::temp_directory_path();
+    std::filesystem::path temporaryFolder = platform::temporaryFolder();
     /// Where the program's executable is, with the WebP encoder beside it.
     std::filesystem::path executableFolder;
     EncoderPatience encoderPatience;

@@ -65,6 +65,13 @@ bool isSameFile(const std::filesystem::path& first, const std::filesystem::path&
     return a && b && a->st_dev == b->st_dev && a->st_ino == b->st_ino;
 }
 
+std::filesystem::path temporaryFolder()
+{
+    std::error_code error;
+    std::filesystem::path folder = std::filesystem::temp_directory_path(error);
+    return error ? "/tmp" : folder;
+}
+
 bool isExecutableFile(const std::filesystem::path& path)
 {
     const auto status = followed(path);

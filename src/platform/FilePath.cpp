@@ -1,6 +1,7 @@
 #include "platform/FilePath.h"
 
 #include <QStringDecoder>
+#include <QSysInfo>
 
 #include <optional>
 
@@ -64,6 +65,19 @@ QByteArray withoutSlashesAtTheEnd(QByteArray path)
 }
 
 } // namespace
+
+QUrl onThisMachine(const QUrl& url)
+{
+    const QString host = url.host();
+    if (!url.isLocalFile()
+        || (!host.isEmpty() && host != QStringLiteral("localhost")
+            && host.compare(QSysInfo::machineHostName(), Qt::CaseInsensitive) != 0)) {
+        return {};
+    }
+    QUrl file = url;
+    file.setHost(QString());
+    return file;
+}
 
 std::filesystem::path toPath(const QUrl& url)
 {

@@ -10,6 +10,10 @@ namespace vellumine::platform {
 // File names are bytes that need not be UTF-8. A file URL carries them all, percent-encoded, and
 // everything here keeps them; only texts for people show such bytes as replacement characters.
 
+/// The URL of a file here, without the host: some programs name this machine there. Empty for any
+/// other URL.
+[[nodiscard]] QUrl onThisMachine(const QUrl& url);
+
 /// The path that a file URL names, in the file system's encoding; empty for any other URL.
 [[nodiscard]] std::filesystem::path toPath(const QUrl& url);
 

@@ -1,14 +1,15 @@
 #include "platform/FolderBookmarks.h"
 
-#include <QFileInfo>
+#include "platform/FilePath.h"
+#include "platform/FolderListing.h"
 
 namespace vellumine::platform {
 namespace {
 
 bool isExistingFolder(const QUrl& url)
 {
-    const QFileInfo item(url.toLocalFile());
-    return url.isLocalFile() && item.isAbsolute() && item.isDir();
+    const std::filesystem::path path = toPath(url);
+    return path.is_absolute() && isFolder(path);
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "app/windows/WindowActivation.h"
 #include "platform/FilePath.h"
 #include "support/TestImages.h"
+#include "ui/results/ResultsListModel.h"
 
 #include <QImage>
 #include <QScreen>
@@ -85,6 +86,31 @@ TEST_F(Program, theWindowsMenuReachesTheDelegate)
     QMetaObject::invokeMethod(delegate().mainWindow(), "preferencesRequested");
     EXPECT_NE(delegate().preferencesWindow(), nullptr);
     QMetaObject::invokeMethod(delegate().preferencesWindow(), "quitRequested");
+    EXPECT_EQ(m_quits, 1);
+}
+
+TEST_F(Program, theMenuOfAComparisonReachesTheDelegate)
+{
+    delegate().launch();
+    QImage picture(40, 30, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    const auto path = m_folder / "pictures" / "a.bmp";
+    ASSERT_TRUE(picture.save(QString::fromStdString(path.string()), "bmp"));
+    delegate().process({ platform::fileUrl(path) });
+    ASSERT_TRUE(waitForResults(1));
+    auto* results = delegate().mainWindow()->property("results").value<ResultsListModel*>();
+    ASSERT_NE(results, nullptr);
+    results->compare(0);
+    QWindow* comparison = nullptr;
+    for (QWindow* window : QGuiApplication::topLevelWindows()) {
+        if (window->title() == QStringLiteral("Review a.png")) {
+            comparison = window;
+        }
+    }
+    ASSERT_NE(comparison, nullptr);
+    QMetaObject::invokeMethod(comparison, "preferencesRequested");
+    EXPECT_NE(delegate().preferencesWindow(), nullptr);
+    QMetaObject::invokeMethod(comparison, "quitRequested");
     EXPECT_EQ(m_quits, 1);
 }
 

@@ -166,9 +166,13 @@ TEST_F(Interface, opensOnlyFiles)
         [&opened](const QList<QUrl>& files) { opened = files; });
     call("Open",
         { QStringList { QStringLiteral("file:///x/y%20z.png"),
-              QStringLiteral("https://kestrova.example/a.png") },
+              QStringLiteral("https://kestrova.example/a.png"),
+              QStringLiteral("file://localhost/x/1.png"),
+              QStringLiteral("file://nas.kestrova.example/x/2.png") },
             QVariantMap() });
-    EXPECT_THAT(opened, ElementsAre(QUrl(QStringLiteral("file:///x/y%20z.png"))));
+    EXPECT_THAT(opened,
+        ElementsAre(
+            QUrl(QStringLiteral("file:///x/y%20z.png")), QUrl(QStringLiteral("file:///x/1.png"))));
 }
 
 TEST_F(Interface, knowsTwoActions)
@@ -208,11 +212,12 @@ TEST(FileArguments, areRelativeToTheWorkingFolder)
 
 TEST(FileArguments, mayBeUrlsOfFiles)
 {
-    const std::vector<std::string> arguments { "file:///x/y%20z.png",
-        "https://kestrova.example/a.png", "a:b.png", "1+1://x.png" };
+    const std::vector<std::string> arguments { "file:///x/y%20z.png", "file://localhost/x/1.png",
+        "file://nas.kestrova.example/x/2.png", "https://kestrova.example/a.png", "a:b.png",
+        "1+1://x.png" };
     EXPECT_THAT(fileArguments(arguments, "/here"),
         ElementsAre(QUrl(QStringLiteral("file:///x/y%20z.png")),
-            QUrl(QStringLiteral("file:///here/a:b.png"))));
+            QUrl(QStringLiteral("file:///x/1.png")), QUrl(QStringLiteral("file:///here/a:b.png"))));
 }
 
 } // namespace

@@ -124,6 +124,17 @@ TEST_F(StatusItemDrag, whatCannotBeLookedAtIsNoFolder)
     EXPECT_FALSE(isAcceptedItem(QUrl(QStringLiteral("https://kestrova.example/a.png"))));
 }
 
+TEST_F(StatusItemDrag, whatLiesOnAnotherMachineIsNotAccepted)
+{
+    EXPECT_FALSE(isAcceptedItem(QUrl(QStringLiteral("file://nas.kestrova.example/a.png"))));
+}
+
+TEST(DraggedUrls, areWithoutTheNameOfThisMachine)
+{
+    EXPECT_THAT(draggedUrls(QByteArray("file://localhost/a.png\r\n")),
+        ElementsAre(QUrl(QStringLiteral("file:///a.png"))));
+}
+
 TEST(DraggedUrls, comeInTheOrderOfTheList)
 {
     EXPECT_THAT(draggedUrls(QByteArray("# two files\r\nfile:///b%20c.png\r\nfile:///a.png\r\n")),

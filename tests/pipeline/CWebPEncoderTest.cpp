@@ -328,6 +328,15 @@ TEST_F(CWebP, encoderOfTheEnvironmentComesFirst)
         urlOf(m_workplace.pictures() / "mine"));
 }
 
+TEST_F(CWebP, encoderOfTheEnvironmentMayHaveAnyName)
+{
+    test::writeProgram(m_workplace.pictures() / "mine\xFF", "exit 0\n");
+    qputenv("VELLUMINE_CWEBP_PATH", (m_workplace.pictures() / "mine\xFF").c_str());
+    const auto encoder = ImageOptimizer::bundledCWebPExecutableURL(m_workplace.programs());
+    ASSERT_TRUE(encoder);
+    EXPECT_EQ(platform::toPath(*encoder), m_workplace.pictures() / "mine\xFF");
+}
+
 TEST_F(CWebP, missingEncoderOfTheEnvironmentGivesWayToTheBundledOne)
 {
     qputenv("VELLUMINE_CWEBP_PATH", (m_workplace.pictures() / "missing").c_str());

@@ -68,6 +68,20 @@ TEST_F(Optimize, originalGoesToTheTrashAfterItsOutputWasReadBack)
     EXPECT_TRUE(result->comparisonPreview);
 }
 
+TEST_F(Optimize, outputOfATrashedOriginalHasItsTime)
+{
+    m_settings.moveOriginalToTrash = true;
+    const auto source = makeSource();
+    const struct timespec times[2] { { 1, 1 }, { 1'234'567'890, 123'456'789 } };
+    ASSERT_EQ(::utimensat(AT_FDCWD, source.c_str(), times, 0), 0);
+    ASSERT_TRUE(optimize(source));
+    EXPECT_FALSE(std::filesystem::exists(source));
+    struct stat status { };
+    ASSERT_EQ(::stat(in("a.webp").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mtim.tv_sec, 1'234'567'890);
+    EXPECT_EQ(status.st_mtim.tv_nsec, 123'456'789);
+}
+
 TEST_F(Optimize, originalStaysWhenItIsNotWanted)
 {
     ASSERT_TRUE(optimize(makeSource()));

@@ -50,8 +50,8 @@ INSTANTIATE_TEST_SUITE_P(ImageOptimizer, OutputName,
         NameRow { "heic", "a.png", UniformType::png, OutputFormat::heic, "", "", "a.heic" },
         NameRow { "pngOntoItself", "a.png", UniformType::png, OutputFormat::png, "", "",
             "a-optimized.png" },
-        NameRow { "markerComesAfterTheSuffix", "xa_s.png", UniformType::png, OutputFormat::png, "",
-            "", "xa_s-optimized.png" },
+        NameRow { "markerComesAfterAnOldSuffix", "xa_s.png", UniformType::png, OutputFormat::png,
+            "", "", "xa_s-optimized.png" },
         NameRow {
             "suffix", "a.png", UniformType::png, OutputFormat::jpeg, "", "_small", "a_small.jpg" },
         NameRow { "prefixInTheOriginalFormat", "a.heic", UniformType::heic, OutputFormat::original,
@@ -144,6 +144,20 @@ TEST(OutputURL, aLinkToTheSourceCountsAsTheSource)
     EXPECT_EQ(
         ImageOptimizer::outputURL(urlOf(folder / "a.jpg"), UniformType::png, settings).value(),
         urlOf(folder / "a-optimized.png"));
+}
+
+TEST(OutputURL, theMarkerComesAfterTheSuffix)
+{
+    const TemporaryFolder folder;
+    writeFile(folder / "a.png", "x");
+    std::filesystem::create_symlink("a.png", folder / "x-a_s.jpg");
+    OptimizerSettings settings;
+    settings.outputFormat = OutputFormat::jpeg;
+    settings.filenamePrefix = QStringLiteral("x-");
+    settings.filenameSuffix = QStringLiteral("_s");
+    EXPECT_EQ(
+        ImageOptimizer::outputURL(urlOf(folder / "a.png"), UniformType::png, settings).value(),
+        urlOf(folder / "x-a_s-optimized.jpg"));
 }
 
 TEST(OutputURL, theMarkedNameIsNotTheSourceEither)

@@ -27,6 +27,25 @@ TEST(ItemAt, looksAtTheLinkAndNotThroughIt)
     EXPECT_EQ(itemAt(folder / "dangling"), ItemKind::other);
 }
 
+TEST(TheTemporaryFolder, isTheUsersOwnWhereThatIsAFolder)
+{
+    const TemporaryFolder folder;
+    writeFile(folder / "file", "x");
+    const QByteArray before = qgetenv("TMPDIR");
+    const bool wasSet = qEnvironmentVariableIsSet("TMPDIR");
+    qputenv("TMPDIR", folder.path().c_str());
+    EXPECT_EQ(temporaryFolder(), folder.path());
+    for (const auto& noFolder : { folder / "missing", folder / "file" }) {
+        qputenv("TMPDIR", noFolder.c_str());
+        EXPECT_EQ(temporaryFolder(), "/tmp") << noFolder;
+    }
+    qunsetenv("TMPDIR");
+    EXPECT_EQ(temporaryFolder(), "/tmp");
+    if (wasSet) {
+        qputenv("TMPDIR", before);
+    }
+}
+
 TEST(FileSize, followsLinksAndIsZeroWhenUnknown)
 {
     const TemporaryFolder folder;

@@ -1,6 +1,7 @@
 #include "platform/FilePath.h"
 #include "support/QtPrinters.h"
 
+#include <QSysInfo>
 #include <gtest/gtest.h>
 
 namespace vellumine::platform {
@@ -22,6 +23,25 @@ TEST(FilePath, severalSlashesInFrontAreNoHost)
 {
     EXPECT_EQ(toPath(fileUrl(QStringLiteral("///a/b.png"))).string(), "/a/b.png");
     EXPECT_EQ(toPath(fileUrl(QStringLiteral("/a/b.png"))).string(), "/a/b.png");
+}
+
+TEST(FilePath, theNameOfThisMachineIsNoPartOfIt)
+{
+    const QUrl file = QUrl::fromEncoded("file:///a/%FF%20b.png");
+    const QString path = QStringLiteral("/a/%FF%20b.png");
+    EXPECT_EQ(onThisMachine(file), file);
+    EXPECT_EQ(onThisMachine(QUrl(QStringLiteral("file://localhost") + path)), file);
+    EXPECT_EQ(onThisMachine(QUrl(QStringLiteral("file://LOCALHOST") + path)), file);
+    EXPECT_EQ(
+        onThisMachine(QUrl(QStringLiteral("file://") + QSysInfo::machineHostName() + path)), file);
+}
+
+TEST(FilePath, filesOfOtherMachinesAreNotHere)
+{
+    for (const char* url : { "", "file://nas.kestrova.example/a.png", "https://localhost/a.png",
+             "/a.png", "smb://localhost/a.png" }) {
+        EXPECT_TRUE(onThisMachine(QUrl(QString::fromLatin1(url))).isEmpty()) << url;
+    }
 }
 
 TEST(FilePath, standardizedResolvesDots)

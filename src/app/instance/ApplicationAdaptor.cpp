@@ -1,6 +1,7 @@
 #include "app/instance/ApplicationAdaptor.h"
 
 #include "app/instance/SingleInstance.h"
+#include "platform/FilePath.h"
 
 namespace vellumine {
 
@@ -19,9 +20,10 @@ void ApplicationAdaptor::Open(const QStringList& uris, const QVariantMap& platfo
 {
     QList<QUrl> files;
     for (const QString& uri : uris) {
-        const QUrl url = QUrl::fromEncoded(uri.toUtf8(), QUrl::TolerantMode);
-        if (url.isLocalFile()) {
-            files.append(url);
+        const QUrl file
+            = platform::onThisMachine(QUrl::fromEncoded(uri.toUtf8(), QUrl::TolerantMode));
+        if (!file.isEmpty()) {
+            files.append(file);
         }
     }
     Q_EMIT m_instance.openRequested(files, ActivationToken::fromPlatformData(platformData));

@@ -26,10 +26,10 @@ QList<QUrl> fileArguments(
             continue;
         }
         if (isUrl(argument)) {
-            const QUrl url
-                = QUrl::fromEncoded(QByteArray::fromStdString(argument), QUrl::TolerantMode);
-            if (url.isLocalFile()) {
-                urls.append(url);
+            const QUrl file = platform::onThisMachine(
+                QUrl::fromEncoded(QByteArray::fromStdString(argument), QUrl::TolerantMode));
+            if (!file.isEmpty()) {
+                urls.append(file);
             }
             continue;
         }

@@ -1,6 +1,7 @@
 #include "app/tray/DraggedItems.h"
 
 #include "batch/FileInputResolver.h"
+#include "platform/FilePath.h"
 
 #include <QMimeData>
 
@@ -26,14 +27,15 @@ QList<QUrl> draggedUrls(const QByteArray& uriList)
         if (!url.isValid() || url.isRelative()) {
             return {};
         }
-        urls.append(url);
+        const QUrl file = platform::onThisMachine(url);
+        urls.append(file.isEmpty() ? url : file);
     }
     return urls;
 }
 
 bool isAcceptedItem(const QUrl& url)
 {
-    return url.isLocalFile()
+    return !platform::onThisMachine(url).isEmpty()
         && (FileInputResolver::hasSupportedExtension(url) || FileInputResolver::isDirectory(url));
 }
 

@@ -16,9 +16,10 @@ using imaging::Image;
 using imaging::Size;
 
 /// The first picture of a file, in full size and upright.
-std::optional<Image> orientedImage(const QUrl& url, const imaging::Limits& limits)
+std::optional<Image> orientedImage(
+    const QUrl& url, const OpenImage& openImage, const imaging::Limits& limits)
 {
-    auto source = imaging::ImageSource::create(platform::toPath(url), limits);
+    auto source = openImage(platform::toPath(url), limits, {});
     if (!source) {
         return std::nullopt;
     }
@@ -30,8 +31,9 @@ std::optional<Image> orientedImage(const QUrl& url, const imaging::Limits& limit
 /// The middle of the picture in the screen's colours, with pixels of its own.
 QImage centre(const Image& image, Size size)
 {
+    const auto middle = image.rows(centredRect(image.size(), size));
     auto bitmap = imaging::BitmapContext::create(size, 8, imaging::ColorSpace::sRgb());
-    if (!bitmap || !bitmap->draw(image.cropped(centredRect(image.size(), size)))) {
+    if (!middle || !bitmap || !bitmap->draw(*middle)) {
         return {};
     }
     const auto drawn = std::move(*bitmap).makeImage();
@@ -75,15 +77,16 @@ std::optional<ComparisonSample> ComparisonSample::fromPreview(const ComparisonPr
 }
 
 std::optional<ComparisonSample> ComparisonSample::fromFiles(const QUrl& sourceURL,
-    const QUrl& outputURL, platform::SecurityScope& scope, const imaging::Limits& limits)
+    const QUrl& outputURL, platform::SecurityScope& scope, const OpenImage& openImage,
+    const imaging::Limits& limits)
 {
     const platform::ScopedAccess sourceAccess(scope, sourceURL);
     const platform::ScopedAccess outputAccess(scope, outputURL);
-    const auto source = orientedImage(sourceURL, limits);
+    const auto source = orientedImage(sourceURL, openImage, limits);
     if (!source) {
         return std::nullopt;
     }
-    const auto output = orientedImage(outputURL, limits);
+    const auto output = orientedImage(outputURL, openImage, limits);
     if (!output) {
         return std::nullopt;
     }

@@ -2,6 +2,7 @@
 
 #include "core/ProcessingResult.h"
 #include "imaging/Limits.h"
+#include "pipeline/ConversionEnvironment.h"
 #include "platform/SecurityScope.h"
 
 #include <QImage>
@@ -33,7 +34,8 @@ struct ComparisonSample {
     /// From the two files, decoded whole and turned upright: the part that fits both and `largest`,
     /// from the middle of each. None when either cannot be read.
     [[nodiscard]] static std::optional<ComparisonSample> fromFiles(const QUrl& sourceURL,
-        const QUrl& outputURL, platform::SecurityScope& scope, const imaging::Limits& limits);
+        const QUrl& outputURL, platform::SecurityScope& scope, const OpenImage& openImage,
+        const imaging::Limits& limits);
 };
 
 } // namespace vellumine

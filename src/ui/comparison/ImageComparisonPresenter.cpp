@@ -59,8 +59,8 @@ void ImageComparisonPresenter::show(const ProcessingResult& result, const QUrl& 
 {
     auto sample = result.comparisonPreview
         ? ComparisonSample::fromPreview(*result.comparisonPreview)
-        : ComparisonSample::fromFiles(
-            result.sourceURL, outputURL, *m_dependencies.securityScope, m_dependencies.limits);
+        : ComparisonSample::fromFiles(result.sourceURL, outputURL, *m_dependencies.securityScope,
+            m_dependencies.openImage, m_dependencies.limits);
     if (!sample) {
         m_dependencies.reveal(outputURL);
         return;

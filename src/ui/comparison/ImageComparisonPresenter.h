@@ -2,6 +2,7 @@
 
 #include "core/ProcessingResult.h"
 #include "imaging/Limits.h"
+#include "pipeline/ConversionEnvironment.h"
 #include "platform/SecurityScope.h"
 
 #include <QObject>
@@ -26,6 +27,7 @@ public:
         std::function<void(const QUrl& file)> reveal;
         std::shared_ptr<platform::SecurityScope> securityScope
             = std::make_shared<platform::DesktopSecurityScope>();
+        OpenImage openImage = openHere;
         imaging::Limits limits = imaging::Limits::forThisMachine();
     };
 

@@ -4,6 +4,14 @@
 
 namespace vellumine {
 
+FolderPanel folderPanel(const SaveAccessPanel& panel)
+{
+    return { .message = panel.message,
+        .prompt = panel.prompt,
+        .folder = panel.folder,
+        .newFolders = FolderPanel::NewFolders::refused };
+}
+
 FolderPanelPresenter::FolderPanelPresenter(QObject* parent)
     : QObject(parent)
 {
@@ -24,16 +32,6 @@ void FolderPanelPresenter::show(const FolderPanel& panel, FolderPanelAnswer answ
         Q_EMIT changed();
         Q_EMIT asked();
     }
-}
-
-void FolderPanelPresenter::showSaveAccessPanel(
-    const SaveAccessPanel& panel, FolderPanelAnswer answer)
-{
-    show({ .message = panel.message,
-             .prompt = panel.prompt,
-             .folder = panel.folder,
-             .newFolders = FolderPanel::NewFolders::refused },
-        std::move(answer));
 }
 
 void FolderPanelPresenter::choose(const QUrl& folder)

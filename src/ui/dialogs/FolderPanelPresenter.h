@@ -12,6 +12,9 @@
 
 namespace vellumine {
 
+/// What asks for access to the folder of an output: no new folders there.
+[[nodiscard]] FolderPanel folderPanel(const SaveAccessPanel& panel);
+
 /// The panels in which the user chooses a folder, one after the other in the order of asking.
 class FolderPanelPresenter : public QObject {
     Q_OBJECT
@@ -34,8 +37,6 @@ public:
 
     /// Shows a panel once those before it are answered; answers later, once.
     void show(const FolderPanel& panel, FolderPanelAnswer answer);
-    /// The same for access to the folder of an output: no new folders there.
-    void showSaveAccessPanel(const SaveAccessPanel& panel, FolderPanelAnswer answer);
 
     [[nodiscard]] bool isShown() const { return !m_panels.empty(); }
     [[nodiscard]] QString message() const { return current().message; }

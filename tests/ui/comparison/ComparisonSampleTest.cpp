@@ -57,7 +57,7 @@ protected:
     }
     std::optional<ComparisonSample> compare(const QUrl& source, const QUrl& output)
     {
-        return ComparisonSample::fromFiles(source, output, m_scope, {});
+        return ComparisonSample::fromFiles(source, output, m_scope, openHere, {});
     }
 
     test::TemporaryFolder m_folder;

@@ -130,6 +130,24 @@ TEST_F(ImageComparisonPresenterTest, usesTheSamplesThatTheConversionWrote)
     EXPECT_TRUE(m_revealed.isEmpty());
 }
 
+TEST_F(ImageComparisonPresenterTest, opensFilesAsItIsTold)
+{
+    std::vector<std::filesystem::path> opened;
+    ImageComparisonPresenter presenter(m_engine,
+        { .reveal = [this](const QUrl& file) { m_revealed.append(file); },
+            .openImage =
+                [&opened](const std::filesystem::path& path, const imaging::Limits& limits,
+                    const std::stop_token& interruption) {
+                    opened.push_back(path);
+                    return openHere(path, limits, interruption);
+                } });
+    const ProcessingResult result = someResult();
+    presenter.show(result, *result.outputURL);
+    EXPECT_EQ(presenter.openWindows().size(), 1);
+    const std::vector<std::filesystem::path> both { m_folder / "a.png", m_folder / "b.png" };
+    EXPECT_EQ(opened, both);
+}
+
 TEST_F(ImageComparisonPresenterTest, revealsTheOutputWhereThereIsNothingToCompare)
 {
     const QUrl output = platform::fileUrl(m_folder / "gone.webp");

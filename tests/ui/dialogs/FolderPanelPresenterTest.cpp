@@ -36,10 +36,10 @@ protected:
 
 TEST_F(FolderPanelPresenterTest, ShowsThePanelForAGrant)
 {
-    m_presenter.showSaveAccessPanel(
-        { .message = QStringLiteral("Allow Vellumine to save converted images in pictures."),
-            .prompt = QStringLiteral("Allow Save Access"),
-            .folder = folder("/pictures") },
+    m_presenter.show(folderPanel({ .message
+                         = QStringLiteral("Allow Vellumine to save converted images in pictures."),
+                         .prompt = QStringLiteral("Allow Save Access"),
+                         .folder = folder("/pictures") }),
         answer());
     EXPECT_TRUE(m_presenter.isShown());
     EXPECT_EQ(m_presenter.message(),
