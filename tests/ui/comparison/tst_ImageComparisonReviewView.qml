@@ -73,6 +73,17 @@ Item {
             compare(texts, ["Before / After Review", "100% center sample", fixture.presenter.sourceText, fixture.presenter.outputText, "Before", fixture.presenter.sourceSizeText, "After", fixture.presenter.outputSizeText, "Move the pointer"]);
         }
 
+        function test_eachSideIsNamedInItsOuterCorner() {
+            const sides = ["beforeSide", "afterSide"].map(name => findChild(canvas, name));
+            const labels = sides.map(side => Array.from(side.children).filter(child => child instanceof ReviewSideLabel));
+            compare(labels.map(found => found.map(label => label.text)), [["Before"], ["After"]]);
+            const before = labels[0][0];
+            const after = labels[1][0];
+            compare(before.x, canvas.labelX);
+            compare(after.x + after.width, sides[1].width - canvas.labelX);
+            compare([before.y, after.y], [canvas.labelY, canvas.labelY]);
+        }
+
         function test_theSplitFollowsThePointer() {
             mouseMove(canvas, 200, 100);
             compare(fixture.presenter.split, 200 / canvas.width);
