@@ -8,7 +8,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstddef>
 #include <exception>
+#include <utility>
 
 namespace vellumine::imaging::heic {
 
@@ -113,9 +115,7 @@ Result<void> describeColour(
     return {};
 }
 
-} // namespace
-
-Result<ByteBuffer> encodePicture(const Image& image, const EncodeOptions& options)
+Result<ByteBuffer> encodeWithLibrary(const Image& image, const EncodeOptions& options)
 {
     if (image.layout().model == ColorModel::cmyk) {
         return failure(Error::Kind::unsupported, "HEIC has no CMYK");
@@ -160,6 +160,28 @@ Result<ByteBuffer> encodePicture(const Image& image, const EncodeOptions& option
         return writeFailure(error);
     }
     return file;
+}
+
+/// The encoder fills tables that all of its instances share when the first one begins. Several that
+/// begin at once find them half filled, and call what is not there yet. So a small picture is
+/// encoded before any other.
+bool fillSharedTables()
+{
+    constexpr Size blocks { 64, 64 };
+    auto pixels = PixelBuffer::create(blocks, { ColorModel::rgb, 8, AlphaInfo::none });
+    if (!pixels) {
+        return false;
+    }
+    std::ranges::fill(pixels->bytes(), std::byte { 0 });
+    return encodeWithLibrary(Image(std::move(*pixels), ColorSpace::sRgb()), {}).has_value();
+}
+
+} // namespace
+
+Result<ByteBuffer> encodePicture(const Image& image, const EncodeOptions& options)
+{
+    [[maybe_unused]] static const bool areFilled = fillSharedTables(); // other threads wait for it
+    return encodeWithLibrary(image, options);
 }
 
 } // namespace vellumine::imaging::heic
