@@ -40,7 +40,8 @@ struct FileVersion {
 /// Whether the path is a file that this process may execute.
 [[nodiscard]] bool isExecutableFile(const std::filesystem::path& path);
 
-/// The user's folder for temporary files: what TMPDIR names where that is a folder, else /tmp.
+/// The user's folder for temporary files: what the environment names (TMPDIR before others) where
+/// that is a folder, else /tmp.
 [[nodiscard]] std::filesystem::path temporaryFolder();
 
 /// Whether an item in the folder may be replaced, as far as permissions say.

@@ -24,7 +24,7 @@ class FakeBookmarks final : public platform::FolderBookmarks {
 public:
     std::optional<QByteArray> create(const QUrl& folder) override
     {
-        const QByteArray path = folder.toLocalFile().toUtf8();
+        const auto path = QByteArray::fromStdString(platform::toPath(folder).string());
         if (uncreatable.contains(path)) {
             return std::nullopt;
         }
@@ -38,8 +38,8 @@ public:
             return std::nullopt;
         }
         const QByteArray path = bookmark.split('!').constFirst();
-        return Resolution { platform::fileUrl(QString::fromUtf8(moved.value(path, path))),
-            stale.contains(bookmark) };
+        const std::filesystem::path place = moved.value(path, path).toStdString();
+        return Resolution { platform::fileUrl(place), stale.contains(bookmark) };
     }
 
     QList<QByteArray> dead; ///< bookmarks
@@ -354,6 +354,18 @@ TEST(StoreOnThisDesktop, forgetsADeletedDestination)
     }
     EXPECT_EQ(store.destinationFolderURL(), std::nullopt);
     EXPECT_EQ(store.settings().destinationFolderBookmark(), QByteArray());
+}
+
+TEST_F(Store, tellsFoldersWithNamesThatAreNoUtf8Apart)
+{
+    const QUrl one = platform::fileUrl(std::filesystem::path("/photos/\xFE"));
+    const QUrl other = platform::fileUrl(std::filesystem::path("/photos/\xFF"));
+    m_store.rememberOriginalLocationFolder(one);
+    EXPECT_EQ(m_store.rememberedOriginalLocationFolder(other), std::nullopt);
+    m_store.rememberOriginalLocationFolder(other);
+    EXPECT_THAT(remembered(), SizeIs(2));
+    EXPECT_EQ(m_store.rememberedOriginalLocationFolder(one), one);
+    EXPECT_EQ(m_store.rememberedOriginalLocationFolder(other), other);
 }
 
 } // namespace

@@ -39,11 +39,7 @@ TEST(TheTemporaryFolder, isTheUsersOwnWhereThatIsAFolder)
         qputenv("TMPDIR", noFolder.c_str());
         EXPECT_EQ(temporaryFolder(), "/tmp") << noFolder;
     }
-    qunsetenv("TMPDIR");
-    EXPECT_EQ(temporaryFolder(), "/tmp");
-    if (wasSet) {
-        qputenv("TMPDIR", before);
-    }
+    wasSet ? qputenv("TMPDIR", before) : qunsetenv("TMPDIR");
 }
 
 TEST(FileSize, followsLinksAndIsZeroWhenUnknown)
