@@ -13,6 +13,11 @@ constexpr int shared(int pixels, int by)
     return (pixels - 1) / by + 1;
 }
 
+std::size_t rowBytesIn(Size room, Subsampling subsampling, int plane)
+{
+    return alignedUp(static_cast<std::size_t>(samplesOf(room, subsampling, plane).width));
+}
+
 } // namespace
 
 Size samplesOf(Size picture, Subsampling subsampling, int plane)
@@ -24,24 +29,29 @@ Size samplesOf(Size picture, Subsampling subsampling, int plane)
 
 Result<YccPlanes> YccPlanes::create(Size size, Subsampling subsampling, Size room)
 {
-    assert(size.width > 0 && size.height > 0);
-    assert(room.width >= size.width && room.height >= size.height);
-    YccPlanes planes;
-    planes.m_size = size;
-    planes.m_subsampling = subsampling;
-    std::size_t total = 0;
-    for (int plane = 0; plane < 3; ++plane) {
-        const Size samples = samplesOf(room, subsampling, plane);
-        const std::size_t bytes = alignedUp(static_cast<std::size_t>(samples.width));
-        planes.m_rowBytes.at(plane == 0 ? 0 : 1) = bytes;
-        planes.m_starts.at(static_cast<std::size_t>(plane)) = total;
-        total += bytes * static_cast<std::size_t>(samples.height);
-    }
-    planes.m_memory = allocatePixels(total + pixelAlignment);
-    if (!planes.m_memory) {
+    const auto bytesOf = [&](int plane) {
+        return rowBytesIn(room, subsampling, plane)
+            * static_cast<std::size_t>(samplesOf(room, subsampling, plane).height);
+    };
+    const std::size_t brightness = bytesOf(0);
+    const std::size_t color = bytesOf(1);
+    const PixelMemory all = allocatePixels(brightness + 2 * color + pixelAlignment);
+    if (!all) {
         return failure(Error::Kind::outOfMemory, "no memory for the pixels");
     }
-    return planes;
+    const auto at = [&](std::size_t start) { return PixelMemory(all, all.get() + start); };
+    return YccPlanes(size, subsampling, room, { at(0), at(brightness), at(brightness + color) });
+}
+
+YccPlanes::YccPlanes(
+    Size size, Subsampling subsampling, Size room, std::array<PixelMemory, 3> memory)
+    : m_size(size)
+    , m_subsampling(subsampling)
+    , m_rowBytes { rowBytesIn(room, subsampling, 0), rowBytesIn(room, subsampling, 1) }
+    , m_memory(std::move(memory))
+{
+    assert(size.width > 0 && size.height > 0);
+    assert(room.width >= size.width && room.height >= size.height);
 }
 
 std::size_t YccPlanes::rowBytes(int plane) const
@@ -51,9 +61,9 @@ std::size_t YccPlanes::rowBytes(int plane) const
 
 const std::uint8_t* YccPlanes::row(int plane, int y) const
 {
-    const std::size_t start = m_starts.at(static_cast<std::size_t>(plane));
+    const std::byte* const start = m_memory.at(static_cast<std::size_t>(plane)).get();
     return reinterpret_cast<const std::uint8_t*>(
-        m_memory.get() + start + static_cast<std::size_t>(y) * rowBytes(plane));
+        start + static_cast<std::size_t>(y) * rowBytes(plane));
 }
 
 std::uint8_t* YccPlanes::row(int plane, int y)

@@ -30,6 +30,9 @@ public:
     /// to, in pixels: at least the picture. A few samples behind the end of any row may be read.
     /// Fails with OutOfMemory.
     static Result<YccPlanes> create(Size size, Subsampling subsampling, Size room);
+    /// Planes that lie in memory of their own each, which is aligned as pixels are and large enough
+    /// for the room and a few samples more.
+    YccPlanes(Size size, Subsampling subsampling, Size room, std::array<PixelMemory, 3> memory);
 
     [[nodiscard]] Size size() const { return m_size; }
     [[nodiscard]] Subsampling subsampling() const { return m_subsampling; }
@@ -44,13 +47,10 @@ public:
     [[nodiscard]] std::uint8_t* row(int plane, int y);
 
 private:
-    YccPlanes() = default;
-
     Size m_size;
     Subsampling m_subsampling;
-    std::array<std::size_t, 3> m_starts {}; ///< of the planes, in bytes
-    std::array<std::size_t, 2> m_rowBytes {}; ///< of Y, and of Cb and Cr
-    PixelMemory m_memory;
+    std::array<std::size_t, 2> m_rowBytes; ///< of Y, and of Cb and Cr
+    std::array<PixelMemory, 3> m_memory; ///< where each plane begins
 };
 
 } // namespace vellumine::imaging::ycc

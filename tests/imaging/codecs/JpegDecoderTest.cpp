@@ -17,6 +17,7 @@ using test::JpegRecipe;
 using test::maximumDifference;
 using test::oddSize;
 using test::psnr;
+using test::scanHeader;
 using test::syntheticPhoto;
 using Coding = JpegRecipe::Coding;
 
@@ -187,17 +188,6 @@ TEST(JpegDecoder, refusesPictureDataThatEndsAtAnEndMarkerTooEarly)
     }
 }
 
-/// Offset of the n-th scan header, counted from 0.
-std::size_t scanHeader(ByteSpan file, int n)
-{
-    for (std::size_t at = 2; at + 1 < file.size(); ++at) {
-        if (file[at] == std::byte { 0xFF } && file[at + 1] == std::byte { 0xDA } && n-- == 0) {
-            return at;
-        }
-    }
-    return file.size();
-}
-
 TEST(JpegDecoder, refusesMissingScans)
 {
     const auto photo = syntheticPhoto({ 83, 61 });
@@ -217,10 +207,8 @@ TEST(JpegDecoder, refusesMissingScans)
 
 TEST(JpegDecoder, acceptsAProgressiveFileThatEndsEarlyOnPurpose)
 {
-    auto file = jpegFile(syntheticPhoto({ 83, 61 }), { .coding = Coding::progressive });
-    file.resize(scanHeader(file, 8));
-    file.push_back(std::byte { 0xFF });
-    file.push_back(std::byte { 0xD9 });
+    const auto file = test::endedEarlyOnPurpose(
+        jpegFile(syntheticPhoto({ 83, 61 }), { .coding = Coding::progressive }));
     EXPECT_TRUE(jpeg::decode(file, {}).has_value());
 }
 

@@ -106,4 +106,22 @@ std::size_t pictureDataStart(imaging::ByteSpan file)
     throw std::runtime_error("no scan");
 }
 
+std::size_t scanHeader(imaging::ByteSpan file, int n)
+{
+    for (std::size_t at = 2; at + 1 < file.size(); ++at) {
+        if (file[at] == std::byte { 0xFF } && file[at + 1] == std::byte { 0xDA } && n-- == 0) {
+            return at;
+        }
+    }
+    return file.size();
+}
+
+imaging::ByteBuffer endedEarlyOnPurpose(imaging::ByteBuffer progressive)
+{
+    progressive.resize(scanHeader(progressive, 8));
+    progressive.push_back(std::byte { 0xFF });
+    progressive.push_back(std::byte { 0xD9 });
+    return progressive;
+}
+
 } // namespace vellumine::test

@@ -35,4 +35,10 @@ struct JpegRecipe {
 /// Offset of the first byte after the header of the first scan.
 [[nodiscard]] std::size_t pictureDataStart(imaging::ByteSpan file);
 
+/// Offset of the n-th scan header, counted from 0; the file's length where there are fewer.
+[[nodiscard]] std::size_t scanHeader(imaging::ByteSpan file, int n);
+
+/// A progressive file whose last scans, with the finest bits of brightness, were never written.
+[[nodiscard]] imaging::ByteBuffer endedEarlyOnPurpose(imaging::ByteBuffer progressive);
+
 } // namespace vellumine::test

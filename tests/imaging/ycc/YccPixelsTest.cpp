@@ -3,6 +3,7 @@
 #include "imaging/ImageDestination.h"
 #include "imaging/ImageSource.h"
 #include "imaging/Orientation.h"
+#include "imaging/PixelArena.h"
 #include "imaging/PixelConversion.h"
 #include "imaging/codecs/JpegFiles.h"
 #include "imaging/codecs/jpeg/JpegCodec.h"
@@ -67,6 +68,9 @@ const std::vector<Sampling> samplings {
     { "halfBothWays", { .horizontalSampling = 2, .verticalSampling = 2 }, 44 },
     { "progressive",
         { .horizontalSampling = 2, .verticalSampling = 2, .coding = Coding::progressive }, 44 },
+    { "progressiveFull", { .coding = Coding::progressive }, 48 },
+    { "progressiveHalfAcross", { .horizontalSampling = 2, .coding = Coding::progressive }, 44 },
+    { "progressiveHalfDown", { .verticalSampling = 2, .coding = Coding::progressive }, 44 },
     { "separateScans",
         { .horizontalSampling = 2, .verticalSampling = 2, .coding = Coding::separateScans }, 44 },
     { "restarts", { .horizontalSampling = 2, .verticalSampling = 2, .restartInterval = 3 }, 44 },
@@ -233,6 +237,42 @@ TEST_P(YccPixels, isRefusedWhenAnyDataIsMissing)
 }
 
 INSTANTIATE_TEST_SUITE_P(Photographs, YccPixels, testing::ValuesIn(samplings), test::RowName());
+
+TEST(DeferredPixels, ofFilesWithoutTheFinestBitsAreSmoothedAsRowsAre)
+{
+    for (const int sampling : { 1, 2 }) {
+        const ByteBuffer file = test::endedEarlyOnPurpose(jpegFile(syntheticPhoto(photoSize),
+            { .horizontalSampling = sampling,
+                .verticalSampling = sampling,
+                .coding = Coding::progressive,
+                .quality = 40 }));
+        EXPECT_EQ(maximumDifference(decoded(file, ImageUse::toBeDrawn).withRows().value(),
+                      decoded(file, ImageUse::asRows)),
+            0.0);
+    }
+}
+
+TEST(DeferredPixels, takeThePlaceOfTheCoefficientsThatTheyAreMadeOf)
+{
+    constexpr Size size { 1600, 1408 };
+    constexpr std::size_t coefficients = std::size_t { 1600 } * 1408 * 3;
+    constexpr std::size_t most = coefficients + (std::size_t { 1 } << 20U);
+    const ByteBuffer file = jpegFile(flat(size, rgb8, { 0.8, 0.3, 0.1 }),
+        { .horizontalSampling = 2, .verticalSampling = 2, .coding = Coding::progressive });
+
+    const auto arena = PixelArena::ofThisThread();
+    constexpr std::size_t rest = PixelArena::capacity - most;
+    const std::byte* const taken = arena->take(rest);
+    ASSERT_NE(taken, nullptr);
+    const Image image = decoded(file, ImageUse::toBeDrawn);
+    for (int plane = 0; plane < 3; ++plane) {
+        const auto* const first
+            = reinterpret_cast<const std::byte*>(image.deferred()->planes()->here()->row(plane, 0));
+        EXPECT_GT(first, taken) << plane;
+        EXPECT_LT(first, taken + PixelArena::capacity) << plane;
+    }
+    arena->give(const_cast<std::byte*>(taken), rest);
+}
 
 TEST(DeferredPixels, areForSamplingsThatPlanesCanHold)
 {

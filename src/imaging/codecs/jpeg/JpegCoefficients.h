@@ -24,10 +24,16 @@ public:
     /// inside Errors::run, when the object has been made.
     void manage(j_common_ptr library);
 
+    /// Memory in which the samples of a component that is read can replace its coefficients, call
+    /// by call from the top down: rows of alignedUp(8 * blocks in a row) bytes. What one call of
+    /// the library gives lies before all coefficients that it has not read by then, as those are
+    /// longer and begin further back. Null where there are none, or a row of them is no longer.
+    [[nodiscard]] PixelMemory memoryForSamples(int component) const;
+
 private:
     /// One component's. The library knows it by its address only.
     struct Array {
-        PixelMemory memory;
+        PixelMemory memory; ///< the samples' first rows, and then the coefficients
         JBLOCKARRAY rows = nullptr;
         JDIMENSION rowCount = 0;
         JDIMENSION blocksInRow = 0;

@@ -254,7 +254,7 @@ Result<Image> Reader::decodePlanes(PixelLayout layout, ycc::Subsampling subsampl
     if (auto started = start(); !started) {
         return tl::unexpected(started.error());
     }
-    auto planes = makePlanes(m_library, subsampling, static_cast<int>(m_library.output_height));
+    auto planes = makePlanes(m_library, subsampling, m_coefficients);
     if (!planes) {
         return tl::unexpected(planes.error());
     }

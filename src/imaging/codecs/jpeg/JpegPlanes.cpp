@@ -2,7 +2,9 @@
 
 #include "imaging/codecs/jpeg/JpegScans.h"
 
+#include <algorithm>
 #include <array>
+#include <utility>
 
 namespace vellumine::imaging::jpeg {
 
@@ -40,6 +42,12 @@ private:
     std::array<JSAMPARRAY, 3> m_arrays {};
 };
 
+Size roomFor(const jpeg_decompress_struct& library, int rows)
+{
+    return { roundedUp(library.output_width, library.max_h_samp_factor * DCTSIZE),
+        roundedUp(static_cast<JDIMENSION>(rows), rowsOfCall(library)) };
+}
+
 } // namespace
 
 std::optional<ycc::Subsampling> subsampling(const jpeg_decompress_struct& library)
@@ -73,9 +81,21 @@ int rowsOfCall(const jpeg_decompress_struct& library)
 Result<ycc::YccPlanes> makePlanes(
     const jpeg_decompress_struct& library, ycc::Subsampling subsampling, int rows)
 {
-    return ycc::YccPlanes::create({ static_cast<int>(library.output_width), rows }, subsampling,
-        { roundedUp(library.output_width, library.max_h_samp_factor * DCTSIZE),
-            roundedUp(static_cast<JDIMENSION>(rows), rowsOfCall(library)) });
+    return ycc::YccPlanes::create(
+        { static_cast<int>(library.output_width), rows }, subsampling, roomFor(library, rows));
+}
+
+Result<ycc::YccPlanes> makePlanes(const jpeg_decompress_struct& library,
+    ycc::Subsampling subsampling, const Coefficients& coefficients)
+{
+    const int rows = static_cast<int>(library.output_height);
+    std::array<PixelMemory, 3> memory { coefficients.memoryForSamples(0),
+        coefficients.memoryForSamples(1), coefficients.memoryForSamples(2) };
+    if (std::ranges::find(memory, nullptr) != memory.end() || !isFullyRefined(library)) {
+        return makePlanes(library, subsampling, rows);
+    }
+    return ycc::YccPlanes({ static_cast<int>(library.output_width), rows }, subsampling,
+        roomFor(library, rows), std::move(memory));
 }
 
 void readPlaneRows(jpeg_decompress_struct& library, ycc::YccPlanes& planes, int row)

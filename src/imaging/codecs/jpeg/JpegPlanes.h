@@ -1,5 +1,6 @@
 #pragma once
 
+#include "imaging/codecs/jpeg/JpegCoefficients.h"
 #include "imaging/ycc/YccPlanes.h"
 
 #include <cstddef>
@@ -22,6 +23,11 @@ namespace vellumine::imaging::jpeg {
 /// jpeg_start_decompress.
 [[nodiscard]] Result<ycc::YccPlanes> makePlanes(
     const jpeg_decompress_struct& library, ycc::Subsampling subsampling, int rows);
+
+/// Planes for all rows of the picture, which are to be read from the top down. Where the library
+/// has collected the picture's coefficients, they take the place of those.
+[[nodiscard]] Result<ycc::YccPlanes> makePlanes(const jpeg_decompress_struct& library,
+    ycc::Subsampling subsampling, const Coefficients& coefficients);
 
 /// Reads the next rows of the picture, so many as the library gives, from a row of the planes on.
 /// To be called inside Errors::run, after jpeg_start_decompress with `raw_data_out` set.

@@ -45,6 +45,14 @@ std::uint64_t blocksOf(const jpeg_component_info& component)
     return static_cast<std::uint64_t>(component.width_in_blocks) * component.height_in_blocks;
 }
 
+bool isFullyRefined(const jpeg_decompress_struct& library)
+{
+    const auto count
+        = static_cast<std::size_t>(library.progressive_mode != FALSE ? library.num_components : 0);
+    return std::ranges::all_of(std::span(library.coef_bits, count),
+        [](const auto& precision) { return isFullyRefined(precision); });
+}
+
 ScanWatch::ScanWatch()
     : jpeg_progress_mgr {}
 {

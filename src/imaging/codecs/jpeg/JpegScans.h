@@ -14,6 +14,11 @@ namespace vellumine::imaging::jpeg {
 /// Blocks of coefficients that the component has.
 [[nodiscard]] std::uint64_t blocksOf(const jpeg_component_info& component);
 
+/// Whether every bit of every coefficient has come, in one scan or in many. Where some have not,
+/// the library smooths what it makes of them, and looks at blocks of other rows for that. To be
+/// called after jpeg_start_decompress.
+[[nodiscard]] bool isFullyRefined(const jpeg_decompress_struct& library);
+
 /// Follows the scans of a file while the library collects them: ends files that are made of scans
 /// to keep a decoder busy, and tells in the end whether every scan was there that has to be.
 class ScanWatch : public jpeg_progress_mgr {
