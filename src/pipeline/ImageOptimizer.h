@@ -128,8 +128,8 @@ public:
     // PamWriter.cpp
 
     /// Writes the picture as a PAM file with straight alpha, in sRGB numbers. Fails with
-    /// CannotCreateDestination when it cannot be drawn and CannotFinalize when it cannot be
-    /// written.
+    /// CannotCreateDestination when there is no bitmap to draw it into, with UnreadableImage when
+    /// its pixels are lost meanwhile, and with CannotFinalize when the file cannot be written.
     [[nodiscard]] static Outcome<void> writePAM(const imaging::Image& image, const QUrl& url);
 };
 

@@ -40,6 +40,13 @@ imaging::Result<Image> deviceRgbImage(const Image& image)
     return std::move(*context).makeImage();
 }
 
+/// Whether it was the picture that could not be had, and not a bitmap to draw it into.
+bool isLoss(const imaging::Error& error)
+{
+    return error.kind != imaging::Error::Kind::outOfMemory
+        && error.kind != imaging::Error::Kind::unsupported;
+}
+
 std::string header(imaging::Size size)
 {
     return "P7\nWIDTH " + std::to_string(size.width) + "\nHEIGHT " + std::to_string(size.height)
@@ -124,7 +131,8 @@ Outcome<void> ImageOptimizer::writePAM(const Image& image, const QUrl& url)
 {
     const auto drawn = deviceRgbImage(image);
     if (!drawn) {
-        return failed(CannotCreateDestination { url });
+        return failed(isLoss(drawn.error()) ? ImageOptimizerError(UnreadableImage {})
+                                            : CannotCreateDestination { url });
     }
     // Nobody else knows the name yet: the file is seen only when it is complete.
     return writeFile(*drawn, url);

@@ -2,6 +2,7 @@
 #include "imaging/Orientation.h"
 #include "pipeline/ImageOptimizer.h"
 #include "pipeline/Workplace.h"
+#include "support/FakeProgram.h"
 #include "support/QtPrinters.h"
 
 #include <gtest/gtest.h>
@@ -13,6 +14,8 @@ using imaging::ColorModel;
 using imaging::Image;
 using imaging::rgba8Premultiplied;
 using test::TemporaryFolder;
+
+constexpr imaging::PixelLayout rgb8 { ColorModel::rgb, 8, imaging::AlphaInfo::none };
 
 constexpr std::string_view smallHeader
     = "P7\nWIDTH 2\nHEIGHT 1\nDEPTH 4\nMAXVAL 255\nTUPLTYPE RGB_ALPHA\nENDHDR\n";
@@ -120,6 +123,60 @@ TEST(WritePAM, pixelsThatAreLostOnTheWayMakeThePictureUnreadable)
     ASSERT_FALSE(written);
     EXPECT_EQ(
         localizedDescription(written.error()), QStringLiteral("The image could not be read."));
+}
+
+/// Cannot be drawn, for a reason of one's choice.
+class NotDrawn final : public imaging::DeferredPixels {
+public:
+    explicit NotDrawn(imaging::Error::Kind why)
+        : m_why(why)
+    {
+    }
+    [[nodiscard]] imaging::Result<Image> rows(imaging::Rect part) const override
+    {
+        return test::gradient(part.size(), rgb8);
+    }
+    [[nodiscard]] imaging::Result<Image> drawn(const imaging::Drawing& /*drawing*/) const override
+    {
+        return imaging::failure(m_why, "not drawn");
+    }
+
+private:
+    imaging::Error::Kind m_why;
+};
+
+/// What is said about a picture that has to be drawn, as its layout is not that of the file.
+std::string failureOfDrawing(imaging::Error::Kind why)
+{
+    const TemporaryFolder folder;
+    const Image image({ 5, 3 }, rgb8, imaging::ColorSpace::sRgb(), std::make_shared<NotDrawn>(why),
+        imaging::Orientation::topLeft);
+    const auto written = ImageOptimizer::writePAM(image, test::urlOf(folder / "p.pam"));
+    EXPECT_EQ(test::listing(folder.path()), "");
+    return written ? "written" : localizedDescription(written.error()).toStdString();
+}
+
+TEST(WritePAM, aPictureThatIsLostBeforeItIsDrawnIsUnreadable)
+{
+    EXPECT_EQ(failureOfDrawing(imaging::Error::Kind::io), "The image could not be read.");
+    EXPECT_EQ(failureOfDrawing(imaging::Error::Kind::truncated), "The image could not be read.");
+}
+
+TEST(WritePAM, namesTheFileWithoutABitmapToDrawInto)
+{
+    EXPECT_EQ(failureOfDrawing(imaging::Error::Kind::outOfMemory), "Could not create p.pam.");
+    EXPECT_EQ(failureOfDrawing(imaging::Error::Kind::unsupported), "Could not create p.pam.");
+}
+
+TEST(WritePAM, aMaskHasNoBitmap)
+{
+    const TemporaryFolder folder;
+    const auto mask
+        = test::flat({ 2, 1 }, { ColorModel::grey, 8, imaging::AlphaInfo::only }, { 0.5 });
+    const QUrl url = test::urlOf(folder / "p.pam");
+    const auto written = ImageOptimizer::writePAM(mask, url);
+    ASSERT_FALSE(written);
+    EXPECT_EQ(written.error(), OptimizeError(CannotCreateDestination { url }));
 }
 
 TEST(WritePAM, failsWithTheSystemsTextWhereItCannotWrite)
