@@ -38,6 +38,14 @@ Result<Image> convertedToSRgb(const Image& image)
     return std::move(*context).makeImage();
 }
 
+/// What becomes of a failure before the first byte is written: the disk has no part in it, and
+/// whatever could not be read were the picture's pixels.
+tl::unexpected<Error> beforeWriting(const Error& error)
+{
+    return error.kind == Error::Kind::io ? failure(Error::Kind::truncated, error.detail)
+                                         : tl::unexpected(error);
+}
+
 Result<void> checkIsWritten(UniformType type)
 {
     if (codecForType(type).encode == nullptr) {
@@ -120,13 +128,13 @@ Result<void> ImageDestination::finalize()
     auto encodable = staysDeferred ? Result<Image>(*m_image) : m_image->withRows();
     m_image.reset();
     if (!encodable) {
-        return tl::unexpected(encodable.error());
+        return beforeWriting(encodable.error());
     }
     Image image = std::move(*encodable);
     if (!storesColors(m_type, image)) {
         auto converted = convertedToSRgb(image);
         if (!converted) {
-            return tl::unexpected(converted.error());
+            return beforeWriting(converted.error());
         }
         image = std::move(*converted);
     }
@@ -142,7 +150,7 @@ Result<void> ImageDestination::finalize()
         = m_type == UniformType::tiff ? std::exchange(options.metadata, {}) : MetadataBlocks {};
     auto encoded = codec.encode(image, options);
     if (!encoded) {
-        return tl::unexpected(encoded.error());
+        return beforeWriting(encoded.error());
     }
     if (!appended.empty()) {
         encoded = metadata::writeTiff(std::move(*encoded), appended);

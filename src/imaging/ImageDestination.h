@@ -40,8 +40,9 @@ public:
     void addImage(Image image, ImageProperties properties);
     /// Has finalize() find out what a reader will see in this part of the picture.
     void setPartOfInterest(Rect part) { m_part = part; }
-    /// Encodes and writes, once. Fails with EncodingFailed when no picture was added, with what
-    /// the encoder fails with, and with Io when the disk does.
+    /// Encodes and writes, once. Fails with EncodingFailed when no picture was added, with
+    /// Truncated when pixels of a picture without rows are lost meanwhile, with what the encoder
+    /// fails with, and with Io when the disk does.
     Result<void> finalize();
     /// The part of interest in the written file; none where only a reader of the file can tell.
     [[nodiscard]] const std::optional<Image>& writtenPart() const { return m_writtenPart; }

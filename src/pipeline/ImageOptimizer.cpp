@@ -178,8 +178,10 @@ Outcome<void> encode(Prepared& prepared, UniformType type, const OptimizerSettin
         destination->addImage(std::move(prepared.encoded),
             ImageOptimizer::destinationProperties(
                 settings, prepared.sourceProperties, CompressionQuality::include));
-        if (!destination->finalize()) {
-            return failed(CannotFinalize { outputURL, std::nullopt });
+        if (const auto done = destination->finalize(); !done) {
+            const bool isLoss = done.error().kind == imaging::Error::Kind::truncated;
+            return failed(isLoss ? ImageOptimizerError(UnreadableImage {})
+                                 : CannotFinalize { outputURL, std::nullopt });
         }
         if (destination->writtenPart()) {
             prepared.sampler.setWrittenPart(*destination->writtenPart());

@@ -1,6 +1,8 @@
 #include "imaging/ImageDestination.h"
 
+#include "imaging/DeferredPixels.h"
 #include "imaging/ImageSource.h"
+#include "imaging/Orientation.h"
 #include "imaging/metadata/ExifBuilder.h"
 #include "imaging/metadata/Exiv2Reading.h"
 #include "support/NamedRows.h"
@@ -136,6 +138,38 @@ TEST(ImageDestination, reportsAFullDisk)
     std::signal(SIGXFSZ, handler);
     ASSERT_FALSE(written);
     EXPECT_EQ(written.error(), (Error { Error::Kind::io, "File too large" }));
+}
+
+/// Rows of a picture, of which the lower half is lost.
+class UpperHalf final : public DeferredPixels {
+public:
+    [[nodiscard]] Result<Image> rows(Rect part) const override
+    {
+        if (part.y + part.height > size.height / 2) {
+            return failure(Error::Kind::io, "the rows are gone");
+        }
+        return test::gradient(part.size(), rgb8);
+    }
+    [[nodiscard]] Result<Image> drawn(const Drawing& /*drawing*/) const override
+    {
+        return failure(Error::Kind::unsupported, "never drawn");
+    }
+
+    static constexpr Size size { 200, 200 };
+};
+
+TEST(ImageDestination, tellsLostPixelsFromADiskThatFails)
+{
+    TemporaryFolder folder;
+    const Image image(UpperHalf::size, rgb8, ColorSpace::sRgb(), std::make_shared<UpperHalf>(),
+        Orientation::topLeft);
+    for (const UniformType type : { UniformType::jpeg, UniformType::png, UniformType::tiff }) {
+        const auto name = std::string("a.").append(preferredExtension(type));
+        const auto written = write(folder / name, type, image);
+        ASSERT_FALSE(written) << name;
+        EXPECT_EQ(written.error(), (Error { Error::Kind::truncated, "the rows are gone" })) << name;
+        EXPECT_EQ(std::filesystem::file_size(folder / name), 0U) << name;
+    }
 }
 
 struct TypeRow {

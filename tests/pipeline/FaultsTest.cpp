@@ -253,7 +253,8 @@ TEST_F(Faults, pixelsThatAreLostMakeASourceUnreadable)
     for (const bool isDrawn : { true, false }) {
         m_settings.optimizeColorForSharing = isDrawn;
         m_settings.removeColorManagement = isDrawn;
-        for (const OutputFormat format : { OutputFormat::webp, OutputFormat::png }) {
+        for (const OutputFormat format :
+            { OutputFormat::webp, OutputFormat::png, OutputFormat::jpeg }) {
             EXPECT_EQ(optimize(format), "The image could not be read.");
         }
     }
