@@ -13,15 +13,6 @@ struct Translated {
     Q_DECLARE_TR_FUNCTIONS(ResultTexts)
 };
 
-qint64 difference(qint64 from, qint64 subtracted)
-{
-    qint64 result = 0;
-    if (__builtin_sub_overflow(from, subtracted, &result)) {
-        qFatal("a difference of sizes does not fit 64 bits");
-    }
-    return result;
-}
-
 /// What comes before the point. 2^63 is the first value that 64 bits do not hold.
 qint64 truncated(double side)
 {
@@ -33,6 +24,15 @@ qint64 truncated(double side)
 }
 
 } // namespace
+
+qint64 difference(qint64 from, qint64 subtracted)
+{
+    qint64 result = 0;
+    if (__builtin_sub_overflow(from, subtracted, &result)) {
+        qFatal("a difference of sizes does not fit 64 bits");
+    }
+    return result;
+}
 
 QString percentage(qint64 part, qint64 whole, const QLocale& locale)
 {

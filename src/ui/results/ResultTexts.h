@@ -20,6 +20,9 @@ namespace vellumine::results {
 /// A size in pixels, "4032x3024"; the same rules.
 [[nodiscard]] QString pixelSize(const QSizeF& size);
 
+/// One size without another. A difference that does not fit 64 bits is a fatal error.
+[[nodiscard]] qint64 difference(qint64 from, qint64 subtracted);
+
 /// The magnitude of `part` out of `whole` (at least 1) in percent, with one fractional digit and no
 /// sign: "25.0".
 [[nodiscard]] QString percentage(qint64 part, qint64 whole, const QLocale& locale = QLocale());

@@ -29,6 +29,12 @@ void ResultsSummaryPresenter::add(const ProcessingResult& result)
     Q_EMIT changed();
 }
 
+qint64 ResultsSummaryPresenter::totalChange() const
+{
+    return hasGrown() ? results::difference(m_totalOutputBytes, m_totalOriginalBytes)
+                      : results::difference(m_totalOriginalBytes, m_totalOutputBytes);
+}
+
 QString ResultsSummaryPresenter::filesText() const
 {
     return QString::number(m_successfulCount) + QLatin1Char('/') + QString::number(m_count);
@@ -41,7 +47,7 @@ QString ResultsSummaryPresenter::totalTitle() const
 
 QString ResultsSummaryPresenter::totalText() const
 {
-    return platform::byteCountText(hasGrown() ? -totalSaved() : totalSaved());
+    return platform::byteCountText(totalChange());
 }
 
 QString ResultsSummaryPresenter::reductionText() const
@@ -50,7 +56,7 @@ QString ResultsSummaryPresenter::reductionText() const
         return QStringLiteral("0%");
     }
     const QString percentage
-        = results::percentage(totalSaved(), m_totalOriginalBytes) + QLatin1Char('%');
+        = results::percentage(totalChange(), m_totalOriginalBytes) + QLatin1Char('%');
     return hasGrown() ? QLatin1Char('+') + percentage : percentage;
 }
 

@@ -21,7 +21,8 @@ class ResultsSummaryPresenter : public QObject {
 public:
     using QObject::QObject;
 
-    /// Counts one more outcome. A sum that does not fit 64 bits is a fatal error.
+    /// Counts one more outcome. A sum of sizes, and a difference of sums, that does not fit 64 bits
+    /// is a fatal error.
     void add(const ProcessingResult& result);
 
     /// Results that are a success.
@@ -46,7 +47,8 @@ Q_SIGNALS:
 
 private:
     [[nodiscard]] bool hasGrown() const { return m_totalOutputBytes > m_totalOriginalBytes; }
-    [[nodiscard]] qint64 totalSaved() const { return m_totalOriginalBytes - m_totalOutputBytes; }
+    /// The magnitude of what became of the sizes, whichever way they went.
+    [[nodiscard]] qint64 totalChange() const;
 
     qint64 m_count = 0;
     qint64 m_successfulCount = 0;

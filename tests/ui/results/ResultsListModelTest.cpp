@@ -1,7 +1,7 @@
 #include "ui/results/ResultsListModel.h"
 
 #include "batch/ProcessingModel.h"
-
+#include "platform/ByteCount.h"
 #include "support/QtPrinters.h"
 #include "ui/results/AuditBadges.h"
 #include "ui/results/Results.h"
@@ -12,11 +12,16 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+#include <utility>
+
 namespace vellumine {
 namespace {
 
 using test::failure;
 using test::success;
+
+constexpr qint64 largest = std::numeric_limits<qint64>::max();
 
 class ResultsListModelTest : public testing::Test {
 protected:
@@ -202,6 +207,39 @@ TEST_F(ResultsSummaryTest, noChangeAtAll)
     m_model.prepend(success(1000, 1000));
     EXPECT_EQ(m_summary.totalTitle(), QStringLiteral("Total Saved"));
     EXPECT_EQ(m_summary.reductionText(), QStringLiteral("0.0%"));
+}
+
+TEST_F(ResultsSummaryTest, theLargestSumsAreShown)
+{
+    m_model.prepend(success(largest, 0));
+    EXPECT_EQ(m_summary.totalTitle(), QStringLiteral("Total Saved"));
+    EXPECT_EQ(m_summary.totalText(), platform::byteCountText(largest));
+    EXPECT_EQ(m_summary.reductionText(), QStringLiteral("100.0%"));
+}
+
+using ResultsSummaryDeathTest = ResultsSummaryTest;
+
+TEST_F(ResultsSummaryDeathTest, aSumThatDoesNotFitIsFatal)
+{
+    m_model.prepend(success(largest, 0));
+    EXPECT_DEATH(m_model.prepend(success(1, 0)), "does not fit 64 bits");
+}
+
+TEST_F(ResultsSummaryDeathTest, aDifferenceOfSumsThatDoesNotFitIsFatal)
+{
+    // Sizes are never negative in practice: only so can it happen, either way.
+    ProcessingResult result = success(0, 0);
+    result.originalBytes = largest;
+    result.outputBytes = -1;
+    ResultsSummaryPresenter saved;
+    saved.add(result);
+    EXPECT_DEATH((void)saved.totalText(), "does not fit 64 bits");
+    EXPECT_DEATH((void)saved.reductionText(), "does not fit 64 bits");
+
+    std::swap(result.originalBytes, result.outputBytes);
+    ResultsSummaryPresenter larger;
+    larger.add(result);
+    EXPECT_DEATH((void)larger.totalText(), "does not fit 64 bits");
 }
 
 TEST_F(ResultsSummaryTest, isAnnouncedWithEveryResult)
