@@ -67,6 +67,10 @@
         <source>cwebp did not create an output file</source>
         <translation>cwebp hat keine Ausgabedatei angelegt</translation>
     </message>
+    <message>
+        <source>cwebp did not finish within %1 seconds</source>
+        <translation>cwebp wurde in %1 Sekunden nicht fertig</translation>
+    </message>
 </context>
 <context>
     <name>ColorSettingsChip</name>

@@ -70,7 +70,7 @@ constexpr const char* allocatorSettings = "GLIBC_TUNABLES=glibc.malloc.hugetlb=1
 
 QString overdueText(std::chrono::milliseconds patience)
 {
-    return QStringLiteral("cwebp did not finish within %1 seconds")
+    return Translated::tr("cwebp did not finish within %1 seconds")
         .arg(std::chrono::ceil<std::chrono::seconds>(patience).count());
 }
 
