@@ -68,6 +68,29 @@ TEST_F(Program, aClosedWindowComesBackWhereItWas)
     EXPECT_EQ(window->position(), QPoint(37, 21));
 }
 
+TEST_F(Program, aWindowThatComesToTheFrontIsAsLargeAsItWas)
+{
+    delegate().launch();
+    QQuickWindow& window = *delegate().mainWindow();
+    window.showMaximized();
+    delegate().open({ brokenPicture("a.png") }, {});
+    EXPECT_EQ(window.windowStates(), Qt::WindowMaximized);
+    ASSERT_TRUE(waitForResults(1));
+
+    window.setWindowStates(Qt::WindowMaximized | Qt::WindowMinimized);
+    delegate().showMainWindow();
+    EXPECT_EQ(window.windowStates(), Qt::WindowMaximized);
+    EXPECT_TRUE(window.isVisible());
+
+    window.close();
+    delegate().showMainWindow();
+    EXPECT_EQ(window.windowStates(), Qt::WindowMaximized);
+
+    window.showMinimized();
+    delegate().showMainWindow();
+    EXPECT_EQ(window.windowStates(), Qt::WindowNoState);
+}
+
 TEST_F(Program, closingTheMainWindowLeavesTheProgramRunning)
 {
     delegate().launch();

@@ -80,11 +80,9 @@ void bringToFront(QWindow& window, const ActivationToken& token)
         // Where Qt looks for it when it activates a window the next time.
         qputenv("XDG_ACTIVATION_TOKEN", token.activationToken);
     }
-    if (window.windowState() == Qt::WindowMinimized) {
-        window.showNormal();
-    } else {
-        window.show();
-    }
+    // Unlike show(), this leaves a window maximised that is.
+    window.setWindowStates(window.windowStates() & ~Qt::WindowStates(Qt::WindowMinimized));
+    window.setVisible(true);
     window.raise();
     window.requestActivate();
 
