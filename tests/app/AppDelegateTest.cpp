@@ -175,6 +175,40 @@ TEST_F(Program, leavesAMaximisedWindowAlone)
     EXPECT_EQ(window.geometry(), before);
 }
 
+TEST_F(Program, aRestoredWindowHasTheHeightThatItsResultsAskFor)
+{
+    for (const auto fill : { &QWindow::showMaximized, &QWindow::showFullScreen }) {
+        m_delegate.reset();
+        delegate().launch();
+        QQuickWindow& window = *delegate().mainWindow();
+        const QRect before = window.geometry();
+        (window.*fill)();
+        delegate().process({ brokenPicture("a.png") });
+        ASSERT_TRUE(waitForResults(1));
+        EXPECT_NE(window.geometry().size(), before.size());
+        window.showNormal();
+        const int height = std::min(650, window.screen()->availableGeometry().height());
+        EXPECT_TRUE(QTest::qWaitFor([&] { return window.height() == height; }, 20000));
+        EXPECT_EQ(window.width(), before.width());
+    }
+}
+
+TEST_F(Program, aRestoredWindowKeepsTheUsersHeightWhenThereWasNothingToFollow)
+{
+    delegate().launch();
+    QQuickWindow& window = *delegate().mainWindow();
+    delegate().process({ brokenPicture("a.png") });
+    ASSERT_TRUE(waitForResults(1));
+    window.setHeight(500); // by the user
+    QCoreApplication::processEvents();
+    window.showMaximized();
+    QCoreApplication::processEvents();
+    EXPECT_NE(window.height(), 500);
+    window.showNormal();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(window.height(), 500);
+}
+
 TEST_F(Program, quitsAfterTheBatchThatWasStartedWhileTheUserWantedIt)
 {
     delegate().models().settings().setExitWhenComplete(true);

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # The window grows with its results and keeps its top edge; it is never higher than its screen, be
-# that small or the second one.
+# that small or the second one. Maximised it is left alone until it is restored.
 # shellcheck source=tests/desktop/library.sh
 . "$(dirname "$0")/library.sh"
 needs xrandr
@@ -25,6 +25,11 @@ stands_at() { # "X Y WIDTH HEIGHT"
 
 wait_for_place() { # "X Y WIDTH HEIGHT"
     wait_for stands_at "$1" || fail "the window stands at $(place_of "$window"), not at $1"
+}
+
+# As a user maximises and restores it.
+double_click_title() {
+    xdotool mousemove --window "$window" 300 12 click --repeat 2 --delay 20 1
 }
 
 mkdir -p "$folder/pictures"
@@ -69,5 +74,20 @@ second)
     add_results 7
     wait_for_place "1500 200 820 768"
     screenshot full
+    ;;
+maximised)
+    SCREEN_SIZE=1280x1400
+    start_desktop
+    start_program
+    xdotool windowmove --sync "$window" 100 50
+    wait_for_place "100 50 820 440"
+    double_click_title
+    wait_for_place "0 0 1280 1400"
+    add_results 2
+    wait_for says "$XDG_DATA_HOME/Vellumine/stats.json" '"filesProcessed": 2'
+    wait_for_place "0 0 1280 1400"
+    double_click_title
+    wait_for_place "100 50 820 726"
+    screenshot restored
     ;;
 esac

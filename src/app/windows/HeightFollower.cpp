@@ -21,6 +21,12 @@ HeightFollower::HeightFollower(
         [this](const QVariant& frame) { m_window.setGeometry(frame.toRect()); });
     connect(&model, &ProcessingModel::resultInserted, this,
         [this, &model] { follow(model.results().size()); });
+    // Queued, so that all of a new geometry was announced before there is another one.
+    connect(&m_window, &QWindow::windowStateChanged, this, &HeightFollower::catchUp,
+        Qt::QueuedConnection);
+    for (const auto sizeChanged : { &QWindow::widthChanged, &QWindow::heightChanged }) {
+        connect(&m_window, sizeChanged, this, &HeightFollower::catchUp, Qt::QueuedConnection);
+    }
     follow(model.results().size());
 }
 
@@ -29,19 +35,38 @@ void HeightFollower::setTime(std::chrono::milliseconds time)
     m_growing.setDuration(static_cast<int>(time.count()));
 }
 
+bool HeightFollower::fillsScreen() const
+{
+    const auto states = m_window.windowStates();
+    return states.testFlag(Qt::WindowMaximized) || states.testFlag(Qt::WindowFullScreen);
+}
+
 void HeightFollower::follow(qsizetype resultCount)
 {
-    if (std::exchange(m_resultCount, resultCount) == resultCount) {
-        return;
+    if (std::exchange(m_resultCount, resultCount) != resultCount) {
+        grow();
     }
+}
+
+/// A window that is restored has its own size back before or after it is told so.
+void HeightFollower::catchUp()
+{
+    if (m_waitingIn && !fillsScreen() && m_window.geometry() != *m_waitingIn) {
+        grow();
+    }
+}
+
+void HeightFollower::grow()
+{
     // The user's own choice of a whole screen stands.
-    const auto states = m_window.windowStates();
-    if (states.testFlag(Qt::WindowMaximized) || states.testFlag(Qt::WindowFullScreen)) {
+    if (fillsScreen()) {
+        m_waitingIn = m_window.geometry();
         return;
     }
+    m_waitingIn.reset();
     m_growing.stop();
-    const auto frame
-        = frameForResults(m_window.geometry(), resultCount, m_window.screen()->availableGeometry());
+    const auto frame = frameForResults(
+        m_window.geometry(), m_resultCount, m_window.screen()->availableGeometry());
     if (!frame) {
         return;
     }

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <QObject>
+#include <QRect>
 #include <QVariantAnimation>
 
 #include <chrono>
+#include <optional>
 
 class QWindow;
 
@@ -11,7 +13,8 @@ namespace vellumine {
 
 class ProcessingModel;
 
-/// Grows the main window with the number of results.
+/// Grows the main window with the number of results. While it fills a screen it is left alone, and
+/// grows when it is restored.
 class HeightFollower final : public QObject {
     Q_OBJECT
 
@@ -27,11 +30,15 @@ public:
     void setTime(std::chrono::milliseconds time);
 
 private:
+    [[nodiscard]] bool fillsScreen() const;
     void follow(qsizetype resultCount);
+    void grow();
+    void catchUp();
 
     QWindow& m_window;
     QVariantAnimation m_growing;
-    qsizetype m_resultCount = -1; ///< that was followed last
+    qsizetype m_resultCount = -1; ///< of which was heard last
+    std::optional<QRect> m_waitingIn; ///< where it filled a screen and should have grown
 };
 
 } // namespace vellumine
