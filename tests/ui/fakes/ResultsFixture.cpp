@@ -86,6 +86,17 @@ void ResultsFixture::addFailure(const QString& name, const QString& message)
     m_model.prepend(result);
 }
 
+void ResultsFixture::addFailureWithOutput(const QString& name, const QString& message)
+{
+    ProcessingResult result;
+    result.id = QUuid::createUuid();
+    result.sourceURL = pictureUrl(name);
+    result.outputURL = pictureUrl(QStringLiteral("optimized/") + name);
+    result.message = message;
+    result.audit = auditOf({});
+    m_model.prepend(result);
+}
+
 void ResultsFixture::addUnreadable(const QString& name)
 {
     addFailure(name, errorDescription(UnreadableImage {}));

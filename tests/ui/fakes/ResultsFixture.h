@@ -27,6 +27,8 @@ public:
     Q_INVOKABLE void addSuccess(const QString& name, double originalBytes, double outputBytes,
         const QVariantMap& details = {});
     Q_INVOKABLE void addFailure(const QString& name, const QString& message);
+    /// A file that was written, and that something is wrong with all the same.
+    Q_INVOKABLE void addFailureWithOutput(const QString& name, const QString& message);
     /// A file that is no picture.
     Q_INVOKABLE void addUnreadable(const QString& name);
     /// So many files, all different.

@@ -107,6 +107,25 @@ TEST_F(ResultsListModelTest, aFailureShowsItsNameAndMessageAlone)
         QStringLiteral("b.jpg, The image could not be read."));
 }
 
+TEST_F(ResultsListModelTest, aFailureWithAnOutputCanBeLookedAtAllTheSame)
+{
+    ProcessingResult result = success(2'000'000, 1'500'000);
+    result.isSuccess = false;
+    result.message = QStringLiteral("Something went wrong.");
+    m_model.prepend(result);
+    EXPECT_TRUE(role(0, ResultsListModel::hasOutputRole).toBool());
+    EXPECT_EQ(text(0, ResultsListModel::statusSymbolRole),
+        QStringLiteral("exclamationmark.triangle.fill"));
+    EXPECT_EQ(text(0, ResultsListModel::metricsTextRole), QString());
+    EXPECT_TRUE(role(0, ResultsListModel::badgesRole).value<QList<AuditBadgeContent>>().isEmpty());
+    EXPECT_EQ(
+        text(0, ResultsListModel::spokenTextRole), QStringLiteral("a.jpg, Something went wrong."));
+    m_model.reveal(0);
+    m_model.compare(0);
+    EXPECT_EQ(m_revealed, QList<QUrl> { *result.outputURL });
+    EXPECT_EQ(m_compared, QList<QUuid> { result.id });
+}
+
 TEST_F(ResultsListModelTest, aSuccessWithoutAnAuditHasNoBadges)
 {
     ProcessingResult result = success(2, 1);

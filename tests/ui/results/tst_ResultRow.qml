@@ -43,6 +43,20 @@ ResultsTestCase {
         compare(badgesShown(row(0)), 0);
     }
 
+    function test_aFailureWithAnOutputHasItsButtonsAlone() {
+        fixture.addFailureWithOutput("b.jpg", "Something went wrong.");
+        waitForRendering(list);
+        compare(findChild(row(0), "status").name, "exclamationmark.triangle.fill");
+        compare(findChild(row(0), "message").text, "Something went wrong.");
+        verify(!findChild(row(0), "metrics").visible);
+        compare(badgesShown(row(0)), 0);
+        verify(findChild(row(0), "buttons").visible);
+        mouseClick(findChild(row(0), "compare"));
+        compare(fixture.compared, ["b.jpg > b.jpg"]);
+        mouseClick(findChild(row(0), "reveal"));
+        compare(fixture.revealed, ["b.jpg"]);
+    }
+
     function test_aRowThatIsUsedAgainShowsItsNewResultAlone() {
         for (let number = 0; number < 60; ++number) {
             if (number % 2)
