@@ -55,6 +55,7 @@ Item {
             verify(!update.visible);
             compare(retry.helpText, "Check for updates");
             compare(retry.contentItem.name, "arrow.clockwise");
+            verify(retry.contentItem.available);
             compare(retry.contentItem.color, KestrovaTheme.copper);
             const before = news.checkCount;
             mouseClick(retry);
@@ -70,6 +71,12 @@ Item {
             compare(update.text, "Update 2.0.1");
             compare(update.helpText, "Download the latest Vellumine");
             fuzzyCompare(findChild(update, "updateLabel").color, KestrovaTheme.copperBright, 1);
+            const symbols = [update.contentItem.children[0], update.contentItem.children[2]];
+            compare(symbols.map(symbol => symbol.name), ["sparkle", "arrow.down.circle"]);
+            for (const symbol of symbols) {
+                verify(symbol.available);
+                fuzzyCompare(symbol.color, KestrovaTheme.copperBright, 1);
+            }
             mouseClick(update);
             compare(browser.opened.length, 1);
             compare(browser.opened[0], news.presenter.downloadUrl);
