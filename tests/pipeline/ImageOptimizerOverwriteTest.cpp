@@ -1,4 +1,6 @@
+#include "pipeline/GivenPicture.h"
 #include "pipeline/Optimize.h"
+#include "support/NamedRows.h"
 
 #include <filesystem>
 
@@ -41,6 +43,67 @@ TEST_F(Optimize, fileThatVanishesAfterTheQuestionIsNoProblem)
     ASSERT_TRUE(optimize(makeSource()));
     EXPECT_EQ(test::readPicture(in("a.webp")).size(), test::oddSize);
 }
+
+struct LateRow {
+    const char* name;
+    OutputFormat format;
+    const char* output;
+    const char* message; ///< of a conversion that would have asked
+};
+
+/// Somebody writes a file to the output's place after it was found free.
+class OptimizeToAPlaceThatIsTaken : public Optimize, public testing::WithParamInterface<LateRow> {
+protected:
+    Outcome<ProcessingResult> optimizeWhileTheOutputAppears()
+    {
+        const auto source = makeSource();
+        const auto image = test::watched(test::gradient(test::oddSize, test::rgb8), [this] {
+            if (!std::filesystem::exists(in(GetParam().output))) {
+                writeFile(in(GetParam().output), "other");
+            }
+        });
+        m_environment.openImage = test::openAs(source, image);
+        m_environment.confirmOverwrite = [this](const QUrl&) {
+            ++m_questions;
+            return OverwriteDecision::replace;
+        };
+        m_settings.outputFormat = GetParam().format;
+        return optimize(source);
+    }
+
+    int m_questions = 0;
+};
+
+TEST_P(OptimizeToAPlaceThatIsTaken, keepsWhatItWouldHaveAskedAbout)
+{
+    m_settings.warnBeforeOverwrite = true;
+    const auto result = optimizeWhileTheOutputAppears();
+    ASSERT_FALSE(result);
+    EXPECT_EQ(localizedDescription(result.error()).toStdString(), GetParam().message);
+    EXPECT_EQ(m_questions, 0);
+    EXPECT_EQ(textOf(in(GetParam().output)), "other");
+    EXPECT_EQ(listing(in("")), std::string("a.bmp ") + GetParam().output);
+}
+
+TEST_P(OptimizeToAPlaceThatIsTaken, replacesItWhereTheUserWantsNoQuestions)
+{
+    m_settings.warnBeforeOverwrite = false;
+    const auto result = optimizeWhileTheOutputAppears();
+    ASSERT_TRUE(result) << localizedDescription(result.error()).toStdString();
+    EXPECT_EQ(m_questions, 0);
+    EXPECT_EQ(test::readPicture(in(GetParam().output)).size(), test::oddSize);
+}
+
+INSTANTIATE_TEST_SUITE_P(ImageOptimizer, OptimizeToAPlaceThatIsTaken,
+    testing::Values(
+        LateRow { "webp", OutputFormat::webp, "a.webp", "Could not save a.webp: File exists" },
+        LateRow {
+            "jpeg", OutputFormat::jpeg, "a.jpg", "Could not finish writing a.jpg: File exists" },
+        LateRow {
+            "png", OutputFormat::png, "a.png", "Could not finish writing a.png: File exists" },
+        LateRow {
+            "heic", OutputFormat::heic, "a.heic", "Could not finish writing a.heic: File exists" }),
+    test::RowName());
 
 TEST_F(Optimize, existingFileStandsWhenTheEncoderFails)
 {
