@@ -1,5 +1,7 @@
 #include "imaging/codecs/jpeg/JpegCodec.h"
+#include "pipeline/GivenPicture.h"
 #include "pipeline/Optimize.h"
+#include "support/NamedRows.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -137,6 +139,43 @@ INSTANTIATE_TEST_SUITE_P(ImageOptimizer, OptimizeTo,
         FormatRow { "original", OutputFormat::original, "a-optimized.tiff", UniformType::tiff,
             "TIFF", false }),
     [](const auto& instance) { return std::string(instance.param.name); });
+
+struct AlphaRow {
+    const char* name;
+    ColorModel model;
+    AlphaInfo alpha;
+    bool hasAlpha;
+};
+
+class OptimizeAlpha : public Optimize, public testing::WithParamInterface<AlphaRow> { };
+
+TEST_P(OptimizeAlpha, ofTheSourceIsInTheAudit)
+{
+    const auto source = makeSource();
+    const imaging::PixelLayout layout { GetParam().model, 8, GetParam().alpha };
+    m_environment.openImage = test::openAs(source, test::gradient(test::oddSize, layout));
+    m_settings.outputFormat = OutputFormat::png;
+    for (const bool isDrawn : { true, false }) {
+        m_settings.optimizeColorForSharing = isDrawn; // what is encoded then always has alpha
+        const auto result = optimize(source);
+        ASSERT_TRUE(result) << localizedDescription(result.error()).toStdString();
+        EXPECT_EQ(result->audit->sourceHasAlpha, GetParam().hasAlpha);
+        EXPECT_TRUE(result->audit->outputSupportsAlpha);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(ImageOptimizer, OptimizeAlpha,
+    testing::Values( //
+        AlphaRow { "premultipliedLast", ColorModel::rgb, AlphaInfo::premultipliedLast, true },
+        AlphaRow { "premultipliedFirst", ColorModel::rgb, AlphaInfo::premultipliedFirst, true },
+        AlphaRow { "last", ColorModel::rgb, AlphaInfo::last, true },
+        AlphaRow { "first", ColorModel::rgb, AlphaInfo::first, true },
+        AlphaRow { "greyLast", ColorModel::grey, AlphaInfo::last, true },
+        AlphaRow { "none", ColorModel::rgb, AlphaInfo::none, false },
+        AlphaRow { "noneSkipFirst", ColorModel::rgb, AlphaInfo::noneSkipFirst, false },
+        AlphaRow { "noneSkipLast", ColorModel::rgb, AlphaInfo::noneSkipLast, false },
+        AlphaRow { "only", ColorModel::grey, AlphaInfo::only, false }),
+    test::RowName());
 
 TEST_F(Optimize, misnamedFileGoesByItsContent)
 {
