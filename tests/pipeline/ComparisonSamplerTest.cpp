@@ -1,5 +1,7 @@
 #include "pipeline/ComparisonSampler.h"
 
+#include "imaging/DeferredPixels.h"
+#include "imaging/Orientation.h"
 #include "pipeline/ImageOptimizer.h"
 #include "pipeline/Workplace.h"
 #include "platform/FilePath.h"
@@ -9,6 +11,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <memory>
+#include <string>
 
 namespace vellumine {
 namespace {
@@ -50,6 +54,19 @@ bool areEqual(const Image& a, const Image& b)
     }
     return true;
 }
+
+/// Pixels that were lost.
+class NoPixels final : public imaging::DeferredPixels {
+public:
+    [[nodiscard]] imaging::Result<Image> rows(Rect /*part*/) const override
+    {
+        return imaging::failure(imaging::Error::Kind::io, "gone");
+    }
+    [[nodiscard]] imaging::Result<Image> drawn(const imaging::Drawing& /*drawing*/) const override
+    {
+        return imaging::failure(imaging::Error::Kind::io, "gone");
+    }
+};
 
 class Sampler : public testing::Test {
 protected:
@@ -197,6 +214,30 @@ TEST_F(Sampler, withoutAFolderThereIsNoPreview)
     test::writePicture(output(), image, UniformType::bmp);
     std::filesystem::remove(m_workplace.temporary());
     EXPECT_EQ(compare(image, image).preview, std::nullopt);
+}
+
+TEST_F(Sampler, theFirstSampleStaysWhereTheSecondCannotBeWritten)
+{
+    const Image image = pattern({ 30, 20 });
+    ComparisonSampler sampler(image, image, ComparisonSamples::make);
+    sampler.setWrittenPart(Image(image.size(), image.layout(), image.colorSpace(),
+        std::make_shared<NoPixels>(), imaging::Orientation::topLeft));
+    EXPECT_EQ(compare(sampler, ReadBack::sampleOnly).preview, std::nullopt);
+    const std::string name = test::listing(m_workplace.temporary());
+    ASSERT_TRUE(name.starts_with("vellumine-preview-")) << name;
+    ASSERT_EQ(name.find(' '), std::string::npos) << name;
+    EXPECT_TRUE(areEqual(test::readPicture(m_workplace.temporary() / name), image));
+}
+
+TEST_F(Sampler, withoutTheFirstSampleThereIsNoSecond)
+{
+    const Image image = pattern({ 30, 20 });
+    const Image lost(image.size(), image.layout(), image.colorSpace(), std::make_shared<NoPixels>(),
+        imaging::Orientation::topLeft);
+    ComparisonSampler sampler(lost, image, ComparisonSamples::make);
+    sampler.setWrittenPart(image);
+    EXPECT_EQ(compare(sampler, ReadBack::sampleOnly).preview, std::nullopt);
+    EXPECT_EQ(test::listing(m_workplace.temporary()), "");
 }
 
 TEST_F(Sampler, previewSampleIsNamedByACapitalUuid)
