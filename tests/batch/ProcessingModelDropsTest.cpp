@@ -224,6 +224,20 @@ TEST_F(ProcessingModelDrops, theCallbackIsTakenOutBeforeItIsCalled)
     EXPECT_EQ(second, 1);
 }
 
+TEST_F(ProcessingModelDrops, aCallbackThatWasCalledIsGoneForABatchFromIt)
+{
+    m_optimizer.letAllGo();
+    QStringList statuses;
+    makeModel().setOnComplete([&] {
+        statuses.append(m_model->statusText());
+        m_model->process(pictures({ m_b }));
+    });
+    m_model->process(pictures({ m_a }));
+    ASSERT_TRUE(runUntilResults(2));
+    ASSERT_TRUE(runUntilIdle());
+    EXPECT_EQ(statuses, QStringList { QStringLiteral("Done") });
+}
+
 TEST_F(ProcessingModelDrops, aDropFromTheCallbackIsABatchOfItsOwn)
 {
     m_optimizer.letAllGo();

@@ -196,6 +196,50 @@ TEST_F(ProcessingModelTest, grantsAreOpenWhileFilesAreConvertedAndClosedAfterThe
     EXPECT_TRUE(m_scope->isBalanced());
 }
 
+TEST_F(ProcessingModelTest, whatACompletionFindsIsAModelAtRest)
+{
+    m_optimizer.letAllGo();
+    auto dependencies = this->dependencies();
+    const QUrl grant = platform::fileUrl(QStringLiteral("/grants/pictures"));
+    dependencies.folderAccess.rememberedOriginalLocationFolder
+        = [grant](const QUrl&) { return std::optional(grant); };
+    makeModel(std::move(dependencies));
+    bool isCalled = false;
+    m_model->setOnComplete([&] {
+        isCalled = true;
+        EXPECT_FALSE(m_model->isProcessing());
+        EXPECT_EQ(m_model->statusText(), QStringLiteral("Done"));
+        EXPECT_EQ(m_statuses.constLast(), QStringLiteral("Done"));
+        EXPECT_EQ(m_model->totalCount(), 0);
+        EXPECT_EQ(m_recorded.size(), 2);
+        // Accesses to folders end when all of this is over.
+        EXPECT_EQ(m_scope->open(), QList<QUrl> { grant });
+    });
+    m_model->process(pictures({ QStringLiteral("a.png"), QStringLiteral("b.png") }));
+    ASSERT_TRUE(runUntil([&] { return isCalled; }));
+    EXPECT_TRUE(m_scope->isBalanced());
+}
+
+TEST_F(ProcessingModelTest, everyObserverOfTheEndIsToldBeforeTheCompletion)
+{
+    m_optimizer.letAllGo();
+    makeModel();
+    QStringList events;
+    QObject::connect(m_model.get(), &ProcessingModel::isProcessingChanged, m_model.get(), [&] {
+        events.append(m_model->isProcessing() ? QStringLiteral("begins") : QStringLiteral("ends"));
+    });
+    QObject::connect(m_model.get(), &ProcessingModel::statusTextChanged, m_model.get(),
+        [&] { events.append(m_model->statusText()); });
+    m_model->setOnComplete([&] { events.append(QStringLiteral("completes")); });
+    m_model->process(pictures({ QStringLiteral("a.png") }));
+    ASSERT_TRUE(runUntil([&] { return events.contains(QStringLiteral("completes")); }));
+    EXPECT_EQ(events,
+        QStringList({ QStringLiteral("begins"), QStringLiteral("Scanning for images..."),
+            QStringLiteral("Optimizing 1 image with 1 worker..."),
+            QStringLiteral("Optimized 1 of 1"), QStringLiteral("ends"), QStringLiteral("Done"),
+            QStringLiteral("completes") }));
+}
+
 TEST_F(ProcessingModelTest, twoThousandFilesAreEachRecordedOnce)
 {
     m_optimizer.letAllGo();
