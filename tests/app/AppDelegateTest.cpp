@@ -7,6 +7,7 @@
 
 #include <QImage>
 #include <QScreen>
+#include <QSessionManager>
 #include <QTest>
 #include <gtest/gtest.h>
 
@@ -209,6 +210,16 @@ TEST_F(Program, aRestoredWindowKeepsTheUsersHeightWhenThereWasNothingToFollow)
     EXPECT_EQ(window.height(), 500);
 }
 
+TEST_F(Program, neverComesBackByItselfWithTheNextSession)
+{
+    delegate().launch();
+    auto* const session = qGuiApp->findChild<QSessionManager*>();
+    ASSERT_NE(session, nullptr);
+    session->setRestartHint(QSessionManager::RestartIfRunning);
+    Q_EMIT qGuiApp->saveStateRequest(*session);
+    EXPECT_EQ(session->restartHint(), QSessionManager::RestartNever);
+}
+
 TEST_F(Program, quitsAfterTheBatchThatWasStartedWhileTheUserWantedIt)
 {
     delegate().models().settings().setExitWhenComplete(true);
@@ -219,6 +230,30 @@ TEST_F(Program, quitsAfterTheBatchThatWasStartedWhileTheUserWantedIt)
     EXPECT_EQ(m_quits, 1);
 
     delegate().process({ brokenPicture("b.png") });
+    ASSERT_TRUE(waitForResults(2));
+    EXPECT_EQ(m_quits, 1);
+}
+
+TEST_F(Program, aDropWhileABatchRunsKeepsItsQuittingForTheEndOfBoth)
+{
+    delegate().models().settings().setExitWhenComplete(true);
+    delegate().process({ brokenPicture("a.png") });
+    ASSERT_TRUE(QTest::qWaitFor([&] { return model().isProcessing(); }, 20000));
+    delegate().models().settings().setExitWhenComplete(false);
+    delegate().process({ brokenPicture("b.png") });
+    QList<qsizetype> resultsAtQuits;
+    m_atQuit = [&] { resultsAtQuits.append(model().results().size()); };
+    ASSERT_TRUE(waitForResults(2));
+    EXPECT_EQ(resultsAtQuits, QList<qsizetype> { 2 });
+}
+
+TEST_F(Program, aDropWhileABatchRunsBringsItsOwnQuitting)
+{
+    delegate().process({ brokenPicture("a.png") });
+    ASSERT_TRUE(QTest::qWaitFor([&] { return model().isProcessing(); }, 20000));
+    delegate().models().settings().setExitWhenComplete(true);
+    delegate().process({ brokenPicture("b.png") });
+    EXPECT_EQ(m_quits, 0);
     ASSERT_TRUE(waitForResults(2));
     EXPECT_EQ(m_quits, 1);
 }

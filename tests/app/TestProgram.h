@@ -9,6 +9,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string_view>
 
@@ -39,7 +40,11 @@ protected:
                 .bus = m_bus,
                 .reveal = [](const QUrl&) {},
                 .openPage = [](const QUrl&) {},
-                .quit = [this] { ++m_quits; },
+                .quit =
+                    [this] {
+                        ++m_quits;
+                        m_atQuit();
+                    },
                 .windowGrowingTime = m_windowGrowingTime,
             });
             // Written by this program itself, so that no encoder is needed.
@@ -70,6 +75,7 @@ protected:
     TemporaryFolder m_folder;
     PreferencesFile m_preferences;
     int m_quits = 0;
+    std::function<void()> m_atQuit = [] {};
     std::unique_ptr<AppDelegate> m_delegate;
 };
 
