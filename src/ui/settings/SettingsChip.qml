@@ -59,7 +59,7 @@ T.AbstractButton {
             anchors.verticalCenter: parent.verticalCenter
             color: KestrovaTheme.copperBright
             name: chip.systemName
-            size: 12
+            size: 10
         }
 
         Text {

@@ -86,6 +86,7 @@ Item {
             const chip = view.group.chips[0];
             compare(chip.font.pixelSize, 11);
             compare(chip.font.weight, Font.DemiBold);
+            compare(chip.contentItem.children[0].size, 10);
             compare(chip.leftPadding, 7);
             compare(chip.rightPadding, 7);
             compare(chip.topPadding, 4);
