@@ -2,6 +2,7 @@
 
 #include "app/tray/StatusItem.h"
 #include "core/Product.h"
+#include "ui/frame/GlobalMenu.h"
 #include "ui/theme/Motion.h"
 #include "ui/theme/ProductInfo.h"
 
@@ -19,6 +20,7 @@ AppDelegate::AppDelegate(Surroundings surroundings)
     , m_openPage(std::move(surroundings.openPage))
     , m_bus(surroundings.bus)
     , m_motion(surroundings.bus)
+    , m_menuRegistrar(surroundings.bus)
     , m_windowGrowingTime(surroundings.windowGrowingTime)
     , m_models(std::move(surroundings.models), questions())
     , m_settings(m_models.settings(), m_models.bookmarks(), m_models.showFolderPanel())
@@ -41,6 +43,8 @@ AppDelegate::AppDelegate(Surroundings surroundings)
         applyMotion();
     });
     connect(&m_motion, &platform::DesktopMotion::changed, this, &AppDelegate::applyMotion);
+    connect(&m_menuRegistrar, &platform::MenuRegistrar::changed, this,
+        &AppDelegate::applyMenuRegistrar);
 }
 
 AppDelegate::~AppDelegate() = default;
@@ -127,6 +131,15 @@ void AppDelegate::applyMotion()
     m_heightFollower->setTime(isReduced ? std::chrono::milliseconds(0) : m_windowGrowingTime);
 }
 
+void AppDelegate::applyMenuRegistrar()
+{
+    auto* menu
+        = m_engine.singletonInstance<GlobalMenu*>(qmlTypeId("Vellumine", 1, 0, "GlobalMenu"));
+    if (menu) { // with the first window
+        menu->setPresent(m_menuRegistrar.isPresent());
+    }
+}
+
 std::unique_ptr<QQuickWindow> AppDelegate::makeWindow(
     const char* type, const QVariantMap& properties)
 {
@@ -141,6 +154,7 @@ std::unique_ptr<QQuickWindow> AppDelegate::makeWindow(
     (void)made.release();
     m_engine.singletonInstance<ProductInfo*>(qmlTypeId("Vellumine", 1, 0, "ProductInfo"))
         ->setConfinementText([this] { return m_models.confinementText(); });
+    applyMenuRegistrar();
     // By which window managers and their users' rules know it.
     window->setProperty("_q_xcb_wm_window_role", window->objectName().toLatin1());
     connect(window, SIGNAL(preferencesRequested()), this, SLOT(openPreferencesFromMenu()));

@@ -5,6 +5,7 @@
 #include "app/windows/HeightFollower.h"
 #include "app/windows/ReusableWindow.h"
 #include "platform/DesktopMotion.h"
+#include "platform/MenuRegistrar.h"
 #include "ui/comparison/ImageComparisonPresenter.h"
 #include "ui/dialogs/FolderPanelPresenter.h"
 #include "ui/dialogs/OverwritePromptPresenter.h"
@@ -39,7 +40,7 @@ public:
     /// What the program needs from the world.
     struct Surroundings {
         AppModels::Surroundings models;
-        /// Where trays that show StatusNotifier items are found.
+        /// Where trays that show StatusNotifier items, and menu bars for all programs, are found.
         QDBusConnection bus;
         std::function<void(const QUrl& file)> reveal;
         std::function<void(const QUrl& page)> openPage;
@@ -82,6 +83,7 @@ private:
     [[nodiscard]] std::unique_ptr<QQuickWindow> makePreferencesWindow();
     void showQuestion();
     void applyMotion();
+    void applyMenuRegistrar();
 
     // What the views hold outlives the engine, which ends before them; what conversions ask, those.
     std::function<void()> m_quit;
@@ -89,6 +91,7 @@ private:
     std::function<void(const QUrl&)> m_openPage;
     QDBusConnection m_bus;
     platform::DesktopMotion m_motion;
+    platform::MenuRegistrar m_menuRegistrar;
     std::chrono::milliseconds m_windowGrowingTime;
     OverwritePromptPresenter m_overwritePrompt;
     FolderPanelPresenter m_folderPanel;

@@ -3,7 +3,6 @@
 #include "app/windows/WindowActivation.h"
 #include "platform/FilePath.h"
 #include "support/TestImages.h"
-#include "ui/results/ResultsListModel.h"
 
 #include <QImage>
 #include <QScreen>
@@ -116,21 +115,7 @@ TEST_F(Program, theWindowsMenuReachesTheDelegate)
 TEST_F(Program, theMenuOfAComparisonReachesTheDelegate)
 {
     delegate().launch();
-    QImage picture(40, 30, QImage::Format_RGB32);
-    picture.fill(Qt::red);
-    const auto path = m_folder / "pictures" / "a.bmp";
-    ASSERT_TRUE(picture.save(QString::fromStdString(path.string()), "bmp"));
-    delegate().process({ platform::fileUrl(path) });
-    ASSERT_TRUE(waitForResults(1));
-    auto* results = delegate().mainWindow()->property("results").value<ResultsListModel*>();
-    ASSERT_NE(results, nullptr);
-    results->compare(0);
-    QWindow* comparison = nullptr;
-    for (QWindow* window : QGuiApplication::topLevelWindows()) {
-        if (window->title() == QStringLiteral("Review a.png")) {
-            comparison = window;
-        }
-    }
+    QWindow* comparison = openComparison();
     ASSERT_NE(comparison, nullptr);
     QMetaObject::invokeMethod(comparison, "preferencesRequested");
     EXPECT_NE(delegate().preferencesWindow(), nullptr);

@@ -4,7 +4,10 @@
 #include "core/PreferencesFile.h"
 #include "platform/FilePath.h"
 #include "support/TestImages.h"
+#include "ui/results/ResultsListModel.h"
 
+#include <QGuiApplication>
+#include <QImage>
 #include <QTest>
 
 #include <chrono>
@@ -66,6 +69,30 @@ protected:
     {
         return QTest::qWaitFor(
             [&] { return model().results().size() == count && !model().isProcessing(); }, 20000);
+    }
+
+    /// Converts a picture in the main window, and opens the comparison of it. Null where that
+    /// fails.
+    QWindow* openComparison()
+    {
+        QImage picture(40, 30, QImage::Format_RGB32);
+        picture.fill(Qt::red);
+        const auto path = m_folder / "pictures" / "a.bmp";
+        if (!picture.save(QString::fromStdString(path.string()), "bmp")) {
+            return nullptr;
+        }
+        delegate().process({ platform::fileUrl(path) });
+        auto* results = delegate().mainWindow()->property("results").value<ResultsListModel*>();
+        if (!waitForResults(1) || !results) {
+            return nullptr;
+        }
+        results->compare(0);
+        for (QWindow* window : QGuiApplication::topLevelWindows()) {
+            if (window->title() == QStringLiteral("Review a.png")) {
+                return window;
+            }
+        }
+        return nullptr;
     }
 
     // The world that the program finds when it is first asked for.

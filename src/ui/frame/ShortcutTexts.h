@@ -38,6 +38,13 @@ public:
         return preferencesKeys().toString(QKeySequence::NativeText);
     }
     [[nodiscard]] static QString quit() { return quitKeys().toString(QKeySequence::NativeText); }
+
+    /// What menus write, in the words that are the same in every language.
+    [[nodiscard]] Q_INVOKABLE static QString portable(const QString& text)
+    {
+        return QKeySequence::fromString(text, QKeySequence::NativeText)
+            .toString(QKeySequence::PortableText);
+    }
 };
 
 } // namespace vellumine

@@ -107,19 +107,33 @@ Window {
         onQuitChosen: window.quitRequested()
     }
 
+    // By its address: what it needs is loaded where it has a place. A window that is shown again is a new one for the
+    // desktop.
+    Loader {
+        id: exportedMenu
+
+        active: GlobalMenu.present && window.visible
+        objectName: "exportedMenu"
+
+        Component.onCompleted: setSource("ExportedMenu.qml", {"menu": menu, "window": window})
+    }
+
     AboutDialog {
         id: about
 
         cornerRadius: window.cornerRadius
     }
 
+    // An exported entry takes its keys itself, and keys that two take are nobody's.
     Shortcut {
+        enabled: !exportedMenu.item
         sequences: [ShortcutTexts.preferencesKeys]
 
         onActivated: window.preferencesRequested()
     }
 
     Shortcut {
+        enabled: !exportedMenu.item
         sequences: [ShortcutTexts.quitKeys]
 
         onActivated: window.quitRequested()

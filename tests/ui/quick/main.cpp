@@ -1,5 +1,6 @@
 #include "QuickTestSetup.h"
 
+#include <QApplication>
 #include <QtQuickTest>
 
 int main(int argumentCount, char** arguments)
@@ -9,6 +10,8 @@ int main(int argumentCount, char** arguments)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
     QTEST_SET_MAIN_SOURCE_PATH
+    // as the program; the platform's menus want it
+    const QApplication application(argumentCount, arguments);
     vellumine::test::QuickTestSetup setup;
     return quick_test_main_with_setup(argumentCount, arguments, "vellumine", nullptr, &setup);
 }
