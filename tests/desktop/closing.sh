@@ -57,6 +57,29 @@ preferences="$(window_called Preferences)"
 wait_until_still 0 0 1280 1000
 expect_equal "the place of the preferences" "$(place_of "$preferences")" "$preferences_place"
 
+# Maximised, it comes back so, and can be restored to what it was.
+is_maximised() {
+    xprop -id "$window" _NET_WM_STATE | grep -q _NET_WM_STATE_MAXIMIZED_VERT
+}
+
+xdotool windowactivate --sync "$window"
+double_click_title
+wait_for is_maximised
+wait_until_still 0 0 1280 1000
+maximised_place="$(place_of "$window")"
+[[ "$maximised_place" != "$place" ]] || fail "the window is not larger when it is maximised"
+xdotool key --clearmodifiers ctrl+w
+wait_for main_window_is_away
+open_status_menu 3
+choose_in_status_menu 1
+wait_for window_of_program
+window="$(window_of_program)"
+wait_for is_maximised
+wait_for stands_at "$maximised_place" || fail "maximised, the window stands at $(place_of "$window")"
+wait_until_still 0 0 1280 1000
+double_click_title
+wait_for stands_at "$place" || fail "restored, the window stands at $(place_of "$window"), not at $place"
+
 open_status_menu 3
 choose_in_status_menu 4
 wait_for has_ended "$program"

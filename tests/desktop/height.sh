@@ -19,17 +19,8 @@ add_results() { # COUNT
     hand_over "${files[@]}"
 }
 
-stands_at() { # "X Y WIDTH HEIGHT"
-    [[ "$(place_of "$window")" == "$1" ]]
-}
-
 wait_for_place() { # "X Y WIDTH HEIGHT"
     wait_for stands_at "$1" || fail "the window stands at $(place_of "$window"), not at $1"
-}
-
-# As a user maximises and restores it.
-double_click_title() {
-    xdotool mousemove --window "$window" 300 12 click --repeat 2 --delay 20 1
 }
 
 mkdir -p "$folder/pictures"

@@ -208,6 +208,15 @@ place_of() { # WINDOW
         END {print x, y, w, h}'
 }
 
+stands_at() { # "X Y WIDTH HEIGHT" of the program's window
+    [[ "$(place_of "$window")" == "$1" ]]
+}
+
+# As a user maximises the program's window and restores it.
+double_click_title() {
+    xdotool mousemove --window "$window" 300 12 click --repeat 2 --delay 20 1
+}
+
 # x y of the window's middle on the screen
 middle_of() { # WINDOW
     place_of "$1" | awk '{print int($1 + $3 / 2), int($2 + $4 / 2)}'

@@ -20,6 +20,15 @@ void center(QWindow& window)
     window.setGeometry(frame);
 }
 
+/// Whether it has a frame of its own. Window managers announce that of a maximised window before or
+/// after they say that it is one.
+bool hasOwnFrame(const QWindow& window)
+{
+    return window.visibility() == QWindow::Windowed
+        && window.size() != window.screen()->availableSize()
+        && window.size() != window.screen()->size();
+}
+
 } // namespace
 
 ReusableWindow::ReusableWindow(Make make, QObject* parent)
@@ -40,18 +49,29 @@ void ReusableWindow::show(const ActivationToken& token)
         m_window->installEventFilter(this);
         center(*m_window);
         Q_EMIT made(m_window.get());
-    } else if (!m_window->isVisible() && m_position) {
-        // A window manager places a window that is shown again as if it was new, unless told.
-        m_window->setPosition(*m_position);
+    } else if (!m_window->isVisible()) {
+        placeAgain();
     }
     bringToFront(*m_window, token);
 }
 
+/// A window manager places a window that is shown again as if it was new, unless told. One that is
+/// to be maximised tells with its frame what it can be restored to.
+void ReusableWindow::placeAgain()
+{
+    if (m_frame && m_window->windowStates().testFlag(Qt::WindowMaximized)) {
+        m_window->setGeometry(*m_frame);
+    } else if (m_frame) {
+        m_window->setPosition(m_frame->topLeft()); // its size may have followed its results
+    }
+}
+
 bool ReusableWindow::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == m_window.get() && event->type() == QEvent::Close
-        && m_window->visibility() == QWindow::Windowed) {
-        m_position = m_window->position();
+    const bool tellsFrame = event->type() == QEvent::Move || event->type() == QEvent::Resize
+        || event->type() == QEvent::Close;
+    if (watched == m_window.get() && tellsFrame && hasOwnFrame(*m_window)) {
+        m_frame = m_window->geometry();
     }
     return QObject::eventFilter(watched, event);
 }

@@ -3,8 +3,8 @@
 #include "app/instance/ActivationToken.h"
 
 #include <QObject>
-#include <QPoint>
 #include <QQuickWindow>
+#include <QRect>
 
 #include <functional>
 #include <memory>
@@ -13,7 +13,7 @@
 namespace vellumine {
 
 /// A window that is made when it is first shown. Closing it only hides it: the same one comes back,
-/// where it was.
+/// where it was. If it was maximised, it is again, and can be restored to the size that it had.
 class ReusableWindow final : public QObject {
     Q_OBJECT
 
@@ -37,9 +37,11 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void placeAgain();
+
     Make m_make;
     std::unique_ptr<QQuickWindow> m_window;
-    std::optional<QPoint> m_position; ///< where it was closed
+    std::optional<QRect> m_frame; ///< what it had last, but for a whole screen
 };
 
 } // namespace vellumine
