@@ -12,8 +12,8 @@ namespace vellumine::imaging {
 /// 24-megapixel picture takes as long as resampling it. Safe for several threads at once.
 class PixelArena {
 public:
-    /// The most that an arena holds: the coefficients of a photograph of 44 megapixels that comes in
-    /// several scans, with its colour at half the size.
+    /// The most that an arena holds: the coefficients of a photograph of 44 megapixels that comes
+    /// in several scans, with its colour at half the size.
     static constexpr std::size_t capacity = std::size_t { 128 } << 20U;
 
     /// The calling thread's own arena, which lives until the thread has ended and the last block
