@@ -1,7 +1,7 @@
 #pragma once
 
-// What many files include, read once for a whole library of them. No file may rely on it: the
-// checks of the code compile each one without.
+// What many files include, read once for a whole library of them. No file may rely on it: the checks
+// of the code compile each one without.
 
 #include <tl/expected.hpp>
 
