@@ -4,7 +4,6 @@
 #include <QDBusPendingCall>
 #include <QDBusPendingCallWatcher>
 
-#include <chrono>
 #include <utility>
 
 namespace vellumine::platform {
@@ -13,7 +12,6 @@ namespace {
 constexpr QLatin1String registrar("com.canonical.AppMenu.Registrar");
 constexpr QLatin1String path("/com/canonical/AppMenu/Registrar");
 
-constexpr std::chrono::milliseconds firstPatience { 50 };
 constexpr std::chrono::milliseconds lastPatience { 10000 };
 
 /// A service may have its name before it has what it serves.
@@ -40,14 +38,14 @@ MenuRegistrar::MenuRegistrar(QDBusConnection bus, QObject* parent)
         return;
     }
     m_again.setSingleShot(true);
-    m_again.setInterval(firstPatience);
     connect(&m_again, &QTimer::timeout, this, &MenuRegistrar::ask);
     connect(&m_watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
         [this](const QString&, const QString&, const QString& newOwner) {
             if (newOwner.isEmpty()) {
                 return;
             }
-            m_again.setInterval(firstPatience);
+            m_again.stop();
+            m_patience = firstPatience;
             setPresent(false);
             // Whoever heard of that is done when the answer comes.
             ask();
@@ -71,9 +69,9 @@ void MenuRegistrar::ask()
 
 void MenuRegistrar::take(const QDBusError& error)
 {
-    if (isStarting(error) && m_again.intervalAsDuration() < lastPatience) {
-        m_again.start();
-        m_again.setInterval(m_again.intervalAsDuration() * 2);
+    if (isStarting(error) && m_patience < lastPatience) {
+        m_again.start(m_patience);
+        m_patience *= 2;
         return;
     }
     setPresent(!error.isValid() || isItsOwn(error));

@@ -6,6 +6,8 @@
 #include <QObject>
 #include <QTimer>
 
+#include <chrono>
+
 namespace vellumine::platform {
 
 /// Whether the desktop shows the menus of windows in a bar of its own: such a desktop has a
@@ -26,6 +28,8 @@ Q_SIGNALS:
     void changed();
 
 private:
+    static constexpr std::chrono::milliseconds firstPatience { 50 };
+
     void ask();
     void take(const QDBusError& error);
     void setPresent(bool isPresent);
@@ -33,6 +37,7 @@ private:
     QDBusConnection m_bus;
     QDBusServiceWatcher m_watcher;
     QTimer m_again; ///< asks one that is starting
+    std::chrono::milliseconds m_patience = firstPatience; ///< before that
     bool m_isPresent = false;
 };
 
