@@ -1,5 +1,6 @@
 #include "app/windows/HeightFollower.h"
 
+#include "app/windows/ScreenFilling.h"
 #include "app/windows/WindowHeight.h"
 #include "batch/ProcessingModel.h"
 
@@ -35,12 +36,6 @@ void HeightFollower::setTime(std::chrono::milliseconds time)
     m_growing.setDuration(static_cast<int>(time.count()));
 }
 
-bool HeightFollower::fillsScreen() const
-{
-    const auto states = m_window.windowStates();
-    return states.testFlag(Qt::WindowMaximized) || states.testFlag(Qt::WindowFullScreen);
-}
-
 void HeightFollower::follow(qsizetype resultCount)
 {
     if (std::exchange(m_resultCount, resultCount) != resultCount) {
@@ -51,7 +46,7 @@ void HeightFollower::follow(qsizetype resultCount)
 /// A window that is restored has its own size back before or after it is told so.
 void HeightFollower::catchUp()
 {
-    if (m_waitingIn && !fillsScreen() && m_window.geometry() != *m_waitingIn) {
+    if (m_waitingIn && !fillsScreen(m_window) && m_window.geometry() != *m_waitingIn) {
         grow();
     }
 }
@@ -59,7 +54,7 @@ void HeightFollower::catchUp()
 void HeightFollower::grow()
 {
     // The user's own choice of a whole screen stands.
-    if (fillsScreen()) {
+    if (fillsScreen(m_window)) {
         m_waitingIn = m_window.geometry();
         return;
     }

@@ -30,7 +30,6 @@ public:
     void setTime(std::chrono::milliseconds time);
 
 private:
-    [[nodiscard]] bool fillsScreen() const;
     void follow(qsizetype resultCount);
     void grow();
     void catchUp();

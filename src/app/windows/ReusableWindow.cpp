@@ -1,5 +1,6 @@
 #include "app/windows/ReusableWindow.h"
 
+#include "app/windows/ScreenFilling.h"
 #include "app/windows/WindowActivation.h"
 
 #include <QEvent>
@@ -20,13 +21,12 @@ void center(QWindow& window)
     window.setGeometry(frame);
 }
 
-/// Whether it has a frame of its own. Window managers announce that of a maximised window before or
-/// after they say that it is one.
-bool hasOwnFrame(const QWindow& window)
+/// Window managers announce the frame of a window that fills the screen before or after they say
+/// that it does.
+bool mayBeAboutToFillScreen(const QWindow& window)
 {
-    return window.visibility() == QWindow::Windowed
-        && window.size() != window.screen()->availableSize()
-        && window.size() != window.screen()->size();
+    return window.size() == window.screen()->availableSize()
+        || window.size() == window.screen()->size();
 }
 
 } // namespace
@@ -56,10 +56,10 @@ void ReusableWindow::show(const ActivationToken& token)
 }
 
 /// A window manager places a window that is shown again as if it was new, unless told. One that is
-/// to be maximised tells with its frame what it can be restored to.
+/// to fill the screen tells with its frame what it can be restored to.
 void ReusableWindow::placeAgain()
 {
-    if (m_frame && m_window->windowStates().testFlag(Qt::WindowMaximized)) {
+    if (m_frame && fillsScreen(*m_window)) {
         m_window->setGeometry(*m_frame);
     } else if (m_frame) {
         m_window->setPosition(m_frame->topLeft()); // its size may have followed its results
@@ -68,10 +68,11 @@ void ReusableWindow::placeAgain()
 
 bool ReusableWindow::eventFilter(QObject* watched, QEvent* event)
 {
-    const bool tellsFrame = event->type() == QEvent::Move || event->type() == QEvent::Resize
-        || event->type() == QEvent::Close;
-    if (watched == m_window.get() && tellsFrame && hasOwnFrame(*m_window)) {
-        m_frame = m_window->geometry();
+    if (watched == m_window.get() && m_window->visibility() == QWindow::Windowed) {
+        const bool isNew = event->type() == QEvent::Move || event->type() == QEvent::Resize;
+        if (event->type() == QEvent::Close || (isNew && !mayBeAboutToFillScreen(*m_window))) {
+            m_frame = m_window->geometry();
+        }
     }
     return QObject::eventFilter(watched, event);
 }
