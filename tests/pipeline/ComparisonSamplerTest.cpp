@@ -1,7 +1,6 @@
 #include "pipeline/ComparisonSampler.h"
 
-#include "imaging/DeferredPixels.h"
-#include "imaging/Orientation.h"
+#include "pipeline/GivenPicture.h"
 #include "pipeline/ImageOptimizer.h"
 #include "pipeline/Workplace.h"
 #include "platform/FilePath.h"
@@ -11,7 +10,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <memory>
 #include <string>
 
 namespace vellumine {
@@ -54,19 +52,6 @@ bool areEqual(const Image& a, const Image& b)
     }
     return true;
 }
-
-/// Pixels that were lost.
-class NoPixels final : public imaging::DeferredPixels {
-public:
-    [[nodiscard]] imaging::Result<Image> rows(Rect /*part*/) const override
-    {
-        return imaging::failure(imaging::Error::Kind::io, "gone");
-    }
-    [[nodiscard]] imaging::Result<Image> drawn(const imaging::Drawing& /*drawing*/) const override
-    {
-        return imaging::failure(imaging::Error::Kind::io, "gone");
-    }
-};
 
 class Sampler : public testing::Test {
 protected:
@@ -220,8 +205,7 @@ TEST_F(Sampler, theFirstSampleStaysWhereTheSecondCannotBeWritten)
 {
     const Image image = pattern({ 30, 20 });
     ComparisonSampler sampler(image, image, ComparisonSamples::make);
-    sampler.setWrittenPart(Image(image.size(), image.layout(), image.colorSpace(),
-        std::make_shared<NoPixels>(), imaging::Orientation::topLeft));
+    sampler.setWrittenPart(test::lost(image));
     EXPECT_EQ(compare(sampler, ReadBack::sampleOnly).preview, std::nullopt);
     const std::string name = test::listing(m_workplace.temporary());
     ASSERT_TRUE(name.starts_with("vellumine-preview-")) << name;
@@ -232,9 +216,7 @@ TEST_F(Sampler, theFirstSampleStaysWhereTheSecondCannotBeWritten)
 TEST_F(Sampler, withoutTheFirstSampleThereIsNoSecond)
 {
     const Image image = pattern({ 30, 20 });
-    const Image lost(image.size(), image.layout(), image.colorSpace(), std::make_shared<NoPixels>(),
-        imaging::Orientation::topLeft);
-    ComparisonSampler sampler(lost, image, ComparisonSamples::make);
+    ComparisonSampler sampler(test::lost(image), image, ComparisonSamples::make);
     sampler.setWrittenPart(image);
     EXPECT_EQ(compare(sampler, ReadBack::sampleOnly).preview, std::nullopt);
     EXPECT_EQ(test::listing(m_workplace.temporary()), "");

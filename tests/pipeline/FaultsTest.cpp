@@ -1,5 +1,4 @@
-#include "imaging/DeferredPixels.h"
-#include "imaging/SourceDecoder.h"
+#include "pipeline/GivenPicture.h"
 #include "pipeline/ImageOptimizer.h"
 #include "pipeline/Workplace.h"
 #include "platform/FilePath.h"
@@ -15,7 +14,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <memory>
 #include <optional>
 #include <string>
 
@@ -29,38 +27,6 @@ using test::listing;
 using test::textOf;
 using test::urlOf;
 using test::writeFile;
-
-/// A picture whose pixels were lost after it was decoded, as when a helper dies over them.
-class LostPixels : public imaging::DeferredPixels {
-public:
-    [[nodiscard]] imaging::Result<imaging::Image> rows(imaging::Rect /*part*/) const override
-    {
-        return imaging::failure(imaging::Error::Kind::io, "gone");
-    }
-    [[nodiscard]] imaging::Result<imaging::Image> drawn(
-        const imaging::Drawing& /*drawing*/) const override
-    {
-        return imaging::failure(imaging::Error::Kind::io, "gone");
-    }
-};
-
-class LosingDecoder : public imaging::SourceDecoder {
-public:
-    [[nodiscard]] imaging::UniformType type() const override { return imaging::UniformType::bmp; }
-    [[nodiscard]] const imaging::ImageHeader& header() const override { return m_header; }
-    imaging::Result<imaging::SourcePicture> decode(const imaging::PictureWish& /*wish*/) override
-    {
-        return imaging::SourcePicture {
-            imaging::Image(m_header.size, m_header.layout, imaging::ColorSpace::sRgb(),
-                std::make_shared<LostPixels>(), imaging::Orientation::topLeft),
-            false, imaging::Orientation::topLeft, {}
-        };
-    }
-
-private:
-    imaging::ImageHeader m_header { { 320, 240 },
-        { imaging::ColorModel::rgb, 8, imaging::AlphaInfo::none } };
-};
 
 constexpr std::size_t little = std::size_t { 256 } << 10U;
 
@@ -247,9 +213,8 @@ TEST_F(Faults, anEncoderThatPrintsAMegabyteOnItsOutputToo)
 
 TEST_F(Faults, pixelsThatAreLostMakeASourceUnreadable)
 {
-    m_environment.openImage = [](const auto&, const auto&, const auto&) {
-        return imaging::ImageSource::create(std::make_unique<LosingDecoder>());
-    };
+    m_environment.openImage
+        = test::openAs(source(), test::lost(test::syntheticPhoto({ 320, 240 })));
     for (const bool isDrawn : { true, false }) {
         m_settings.optimizeColorForSharing = isDrawn;
         m_settings.removeColorManagement = isDrawn;

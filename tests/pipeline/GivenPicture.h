@@ -78,4 +78,25 @@ private:
         std::make_shared<WatchedPixels>(image, std::move(needed)), imaging::Orientation::topLeft };
 }
 
+/// Pixels that were lost after they were decoded, as when a helper dies over them.
+class LostPixels final : public imaging::DeferredPixels {
+public:
+    [[nodiscard]] imaging::Result<imaging::Image> rows(imaging::Rect /*part*/) const override
+    {
+        return imaging::failure(imaging::Error::Kind::io, "gone");
+    }
+    [[nodiscard]] imaging::Result<imaging::Image> drawn(
+        const imaging::Drawing& /*drawing*/) const override
+    {
+        return imaging::failure(imaging::Error::Kind::io, "gone");
+    }
+};
+
+/// A picture like that one, of which no pixel can be had.
+[[nodiscard]] inline imaging::Image lost(const imaging::Image& image)
+{
+    return { image.size(), image.layout(), image.colorSpace(), std::make_shared<LostPixels>(),
+        imaging::Orientation::topLeft };
+}
+
 } // namespace vellumine::test
