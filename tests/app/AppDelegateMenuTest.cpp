@@ -1,9 +1,8 @@
 #include "app/AppDelegate.h"
 
-#include "app/TestProgram.h"
+#include "app/ProgramOnPrivateBus.h"
 #include "support/EventLoop.h"
 #include "support/bus/FakeMenuRegistrar.h"
-#include "support/bus/OnPrivateBus.h"
 
 #include <QPointer>
 #include <QQmlListReference>
@@ -16,17 +15,8 @@ namespace {
 using test::runUntil;
 
 /// The program on a desktop that may have one menu bar for the windows of all programs.
-class MenuOfTheWindows : public test::OnPrivateBus, protected test::TestProgram {
+class MenuOfTheWindows : public test::ProgramOnPrivateBus {
 protected:
-    void SetUp() override
-    {
-        OnPrivateBus::SetUp();
-        if (IsSkipped() || HasFatalFailure()) {
-            return;
-        }
-        m_bus = client();
-    }
-
     void startRegistrar()
     {
         serve(m_registrar, test::FakeMenuRegistrar::path(), test::FakeMenuRegistrar::name());

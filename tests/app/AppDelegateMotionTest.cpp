@@ -1,9 +1,8 @@
 #include "app/AppDelegate.h"
 
-#include "app/TestProgram.h"
+#include "app/ProgramOnPrivateBus.h"
 #include "support/EventLoop.h"
 #include "support/bus/FakePortal.h"
-#include "support/bus/OnPrivateBus.h"
 #include "ui/theme/Motion.h"
 
 #include <QDBusMessage>
@@ -24,17 +23,8 @@ using test::FakePortal;
 using test::runUntil;
 
 /// The program on a desktop whose portal knows whether the user wants things to move.
-class MotionOfTheWindows : public test::OnPrivateBus, protected test::TestProgram {
+class MotionOfTheWindows : public test::ProgramOnPrivateBus {
 protected:
-    void SetUp() override
-    {
-        OnPrivateBus::SetUp();
-        if (IsSkipped() || HasFatalFailure()) {
-            return;
-        }
-        m_bus = client();
-    }
-
     void start(FakePortal& portal) { serve(portal, FakePortal::path(), FakePortal::name()); }
 
     /// Returns once the program knows what it asked the portal when it was made.
