@@ -13,7 +13,7 @@ namespace vellumine::test {
 
 QUrl urlOf(const std::filesystem::path& path)
 {
-    return platform::fileUrl(QString::fromStdString(path.string()));
+    return platform::fileUrl(path);
 }
 
 void writePicture(
