@@ -17,21 +17,37 @@ namespace vellumine::platform {
 
 namespace {
 
+/// The name is claimed by an empty file, which the other then replaces.
+int renameToClaimedName(const char* from, const char* to)
+{
+    const FileDescriptor claim(::open(to, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    if (!claim.isOpen()) {
+        return errno;
+    }
+    if (::rename(from, to) == 0) {
+        return 0;
+    }
+    const int error = errno;
+    ::unlink(to);
+    return error;
+}
+
 /// Renames where the target's name is still free. File systems that cannot do that in one step
-/// get a second name for the file instead, which is just as exclusive.
+/// get a second name for the file instead, which is just as exclusive; those without second names
+/// (folders shared with a virtual machine, some of FUSE's) one that was claimed.
 int renameToFreeName(const char* from, const char* to)
 {
     if (::renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0) {
         return 0;
     }
-    if (errno != EINVAL && errno != ENOSYS) {
+    if (errno != EINVAL && errno != ENOSYS && errno != EOPNOTSUPP) {
         return errno;
     }
     if (::link(from, to) == 0) {
         ::unlink(from);
         return 0;
     }
-    return errno;
+    return errno == EEXIST ? EEXIST : renameToClaimedName(from, to);
 }
 
 /// A rename is on disk only when its folder is. Not every file system can sync one: then there is

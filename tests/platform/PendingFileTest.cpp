@@ -6,7 +6,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <csignal>
+#include <functional>
+#include <seccomp.h>
 #include <string>
 #include <string_view>
 #include <sys/stat.h>
@@ -34,6 +37,38 @@ Result<PendingFile> outputWith(std::string_view text, const TemporaryFolder& fol
         writeFile(pending->path(), text);
     }
     return pending;
+}
+
+/// Has the calls be answered as by a file system that can neither rename to free names only nor
+/// give a file a second name.
+bool becomePlainFileSystem(bool hasLinks)
+{
+    const scmp_filter_ctx filter = ::seccomp_init(SCMP_ACT_ALLOW);
+    const scmp_arg_cmp anyFlags { 4, SCMP_CMP_NE, 0, 0 };
+    const bool isReady = filter != nullptr
+        && ::seccomp_rule_add_array(
+               filter, SCMP_ACT_ERRNO(EINVAL), SCMP_SYS(renameat2), 1, &anyFlags)
+            == 0
+        && (hasLinks
+            || (::seccomp_rule_add_array(filter, SCMP_ACT_ERRNO(EPERM), SCMP_SYS(link), 0, nullptr)
+                    == 0
+                && ::seccomp_rule_add_array(
+                       filter, SCMP_ACT_ERRNO(EPERM), SCMP_SYS(linkat), 0, nullptr)
+                    == 0))
+        && ::seccomp_load(filter) == 0;
+    ::seccomp_release(filter);
+    return isReady;
+}
+
+/// What the function gives on such a file system, as a number from 0 to 255.
+int onPlainFileSystem(bool hasLinks, const std::function<int()>& function)
+{
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::_exit(becomePlainFileSystem(hasLinks) ? function() : 255);
+    }
+    int status = 0;
+    return ::waitpid(child, &status, 0) == child && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 TEST(PendingFile, isHiddenBesideItsTargetUntilItIsPublished)
@@ -143,6 +178,49 @@ TEST(PendingFile, takesAFreeName)
     ASSERT_TRUE(std::move(*pending).publish(ExistingItem::keep));
     EXPECT_EQ(content(folder / "out.png"), "new");
     EXPECT_EQ(listing(folder.path()), "out.png");
+}
+
+TEST(PendingFile, takesAFreeNameOnAnyFileSystem)
+{
+    for (const bool hasLinks : { true, false }) {
+        const TemporaryFolder folder;
+        const int status = onPlainFileSystem(hasLinks, [&folder] {
+            auto pending = outputWith("new", folder);
+            return pending && std::move(*pending).publish(ExistingItem::keep) ? 0 : 1;
+        });
+        EXPECT_EQ(status, 0) << hasLinks;
+        EXPECT_EQ(content(folder / "out.png"), "new") << hasLinks;
+        EXPECT_EQ(listing(folder.path()), "out.png") << hasLinks;
+    }
+}
+
+TEST(PendingFile, keepsAnItemThatAppearedMeanwhileOnAnyFileSystem)
+{
+    for (const bool hasLinks : { true, false }) {
+        const TemporaryFolder folder;
+        const int status = onPlainFileSystem(hasLinks, [&folder] {
+            auto pending = outputWith("new", folder);
+            writeFile(folder / "out.png", "somebody else's");
+            const auto published = std::move(*pending).publish(ExistingItem::keep);
+            return !published && published.error() == FileError::fromErrno(EEXIST) ? 0 : 1;
+        });
+        EXPECT_EQ(status, 0) << hasLinks;
+        EXPECT_EQ(content(folder / "out.png"), "somebody else's") << hasLinks;
+        EXPECT_EQ(listing(folder.path()), "out.png") << hasLinks;
+    }
+}
+
+TEST(PendingFile, aNameThatWasClaimedInVainIsFreeAgain)
+{
+    const TemporaryFolder folder;
+    const int status = onPlainFileSystem(false, [&folder] {
+        auto pending = outputWith("new", folder);
+        std::filesystem::remove(pending->path());
+        const auto published = std::move(*pending).publish(ExistingItem::keep);
+        return !published && published.error() == FileError::fromErrno(ENOENT) ? 0 : 1;
+    });
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(listing(folder.path()), "");
 }
 
 TEST(PendingFile, replacesALinkAndNotWhatItPointsTo)
