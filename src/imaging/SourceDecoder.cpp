@@ -135,7 +135,8 @@ private:
         const Orientation orientation = known.value_or(Orientation::topLeft);
 
         ImageProperties found;
-        found.setBlocks(std::move(blocks), orientation);
+        found.setBlocks(std::move(blocks),
+            picture.turnedFrom == Orientation::topLeft ? orientation : picture.turnedFrom);
         found.set(PropertyKey::pixelWidth, std::int64_t { picture.storedSize.width });
         found.set(PropertyKey::pixelHeight, std::int64_t { picture.storedSize.height });
         if (known) {

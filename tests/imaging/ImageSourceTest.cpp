@@ -1,6 +1,7 @@
 #include "imaging/ImageSource.h"
 
 #include "imaging/codecs/CodecTable.h"
+#include "imaging/codecs/HeicFiles.h"
 #include "imaging/metadata/ExifBuilder.h"
 #include "imaging/metadata/Metadata.h"
 #include "support/NamedRows.h"
@@ -213,6 +214,17 @@ TEST(ImageSource, hasThePropertiesOfAJpeg)
     EXPECT_FALSE(properties->contains(PropertyKey::png));
     EXPECT_FALSE(properties->contains(PropertyKey::gif));
     EXPECT_EQ(properties->blocks(), blocks);
+}
+
+TEST(ImageSource, whatAHeicFileSaysOfItsPictureIsOfTheStoredOne)
+{
+    ImageSource source = sourceOf(test::heicFile(
+        test::gradient(oddSize, rgb8), { .orientation = heif_orientation_rotate_90_cw }));
+    const auto properties = source.properties();
+    ASSERT_TRUE(properties);
+    EXPECT_EQ(properties->integer(PropertyKey::pixelWidth), 33);
+    EXPECT_EQ(properties->integer(PropertyKey::orientation), 1);
+    EXPECT_EQ(properties->storedOrientation(), Orientation::rightTop);
 }
 
 TEST(ImageSource, hasTheProfilesNameWhereThereIsAProfile)

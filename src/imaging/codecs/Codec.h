@@ -39,6 +39,9 @@ struct DecodedImage {
     /// True when the picture was drawn as it was planned, and nothing else of it is there but its
     /// middle: what needs more fails with Unsupported.
     bool isDrawn = false;
+    /// In which the picture is stored that the codec has turned itself: its metadata may still be
+    /// of the stored one.
+    Orientation turnedFrom = Orientation::topLeft;
 };
 
 /// Whether the picture's profile is written into the file. Device spaces never have one.

@@ -1,10 +1,12 @@
 #include "imaging/codecs/HeicFiles.h"
 #include "imaging/codecs/heic/HeicBrands.h"
 #include "imaging/codecs/heic/HeicCodec.h"
+#include "imaging/codecs/heic/HeicTurning.h"
 #include "support/TestImages.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <string_view>
@@ -158,6 +160,33 @@ TEST(HeicDecoder, rotationOfTheContainerIsApplied)
     ASSERT_TRUE(turned);
     EXPECT_GT(test::psnr(decoded->image, *turned), 36.0);
     EXPECT_EQ(decoded->orientation, Orientation::topLeft);
+}
+
+TEST(HeicDecoder, tellsHowThePictureIsStored)
+{
+    const Image image = test::gradient({ 96, 64 }, rgb8);
+    for (int tag = 1; tag <= 8; ++tag) {
+        const auto stored = static_cast<Orientation>(tag);
+        const auto decoded
+            = decodeFile(heicFile(image, { .orientation = static_cast<heif_orientation>(tag) }));
+        const auto turned = upright(image, stored);
+        ASSERT_TRUE(decoded && turned) << tag;
+        EXPECT_GT(test::psnr(decoded->image, *turned), 36.0) << tag;
+        EXPECT_EQ(decoded->turnedFrom, stored) << tag;
+    }
+}
+
+TEST(HeicDecoder, damagedPropertiesAreNoTurning)
+{
+    const auto file = heicFile(
+        test::gradient({ 96, 64 }, rgb8), { .orientation = heif_orientation_rotate_90_cw });
+    for (std::size_t length = 0; length < std::min<std::size_t>(file.size(), 700); ++length) {
+        const auto stored = storedOrientation(ByteSpan(file).first(length), 1);
+        EXPECT_TRUE(stored == Orientation::topLeft || stored == Orientation::rightTop) << length;
+    }
+    EXPECT_EQ(storedOrientation(file, 1), Orientation::rightTop);
+    EXPECT_EQ(storedOrientation(file, 77), Orientation::topLeft);
+    EXPECT_EQ(storedOrientation({}, 1), Orientation::topLeft);
 }
 
 TEST(HeicDecoder, exifOrientationIsNeverApplied)

@@ -3,6 +3,7 @@
 #include "imaging/codecs/heic/HeicColor.h"
 #include "imaging/codecs/heic/HeicContainer.h"
 #include "imaging/codecs/heic/HeicMetadata.h"
+#include "imaging/codecs/heic/HeicTurning.h"
 
 #include <algorithm>
 #include <bit>
@@ -82,7 +83,7 @@ Result<HeicPicture> HeicPicture::open(ByteSpan file, std::uint32_t maximumSide)
     if (auto ok = checkContainer(file); !ok) {
         return tl::unexpected(ok.error());
     }
-    HeicPicture picture;
+    HeicPicture picture(file);
     picture.m_context.reset(heif_context_alloc());
     if (!picture.m_context) {
         return failure(Error::Kind::outOfMemory, "no memory for the HEIF reader");
@@ -98,8 +99,12 @@ Result<HeicPicture> HeicPicture::open(ByteSpan file, std::uint32_t maximumSide)
     if (!isOk(error)) {
         return readFailure(error);
     }
+    error = heif_context_get_primary_image_ID(context, &picture.m_item);
+    if (!isOk(error)) {
+        return readFailure(error);
+    }
     heif_image_handle* handle = nullptr;
-    error = heif_context_get_primary_image_handle(context, &handle);
+    error = heif_context_get_image_handle(context, picture.m_item, &handle);
     picture.m_handle.reset(handle);
     if (!isOk(error)) {
         return readFailure(error);
@@ -154,7 +159,8 @@ Result<DecodedImage> HeicPicture::decode(const Limits& limits) const
     }
     image.reset();
     return DecodedImage { Image(*std::move(pixels), colorSpaceOf(m_handle.get())), stated->size,
-        false, readMetadata(m_handle.get()), Orientation::topLeft };
+        false, readMetadata(m_handle.get()), Orientation::topLeft, false,
+        storedOrientation(m_file, m_item) };
 }
 
 } // namespace vellumine::imaging::heic

@@ -18,6 +18,13 @@ public:
     [[nodiscard]] Result<DecodedImage> decode(const Limits& limits) const;
 
 private:
+    explicit HeicPicture(ByteSpan file)
+        : m_file(file)
+    {
+    }
+
+    ByteSpan m_file;
+    heif_item_id m_item {};
     HeifPointer<heif_context> m_context;
     HeifPointer<heif_image_handle> m_handle;
 };
