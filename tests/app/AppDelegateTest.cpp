@@ -68,6 +68,23 @@ TEST_F(Program, aClosedWindowComesBackWhereItWas)
     EXPECT_EQ(window->position(), QPoint(37, 21));
 }
 
+TEST_F(Program, aWindowThatHasGrownWhileItWasClosedComesBackOnItsScreen)
+{
+    delegate().launch();
+    QQuickWindow& window = *delegate().mainWindow();
+    const QRect available = window.screen()->availableGeometry();
+    const QPoint atTheBottom(5, available.bottom() + 1 - window.height());
+    window.setPosition(atTheBottom);
+    window.close();
+    delegate().process({ brokenPicture("a.png"), brokenPicture("b.png") });
+    ASSERT_TRUE(waitForResults(2));
+    window.setPosition(0, 0); // as a window manager would place it
+    delegate().showMainWindow();
+    EXPECT_LT(window.y(), atTheBottom.y());
+    EXPECT_EQ(window.x(), 5);
+    EXPECT_EQ(window.geometry().bottom(), std::max(available.bottom(), window.height() - 1));
+}
+
 TEST_F(Program, aWindowThatComesToTheFrontIsAsLargeAsItWas)
 {
     delegate().launch();

@@ -68,6 +68,14 @@ TEST(FrameForResults, isNeverHigherThanTheScreen)
     EXPECT_FALSE(frameForResults({ 200, 30, 820, 738 }, 20, available));
 }
 
+TEST(MovedUpInto, movesNoFrameThatEndsOnTheScreen)
+{
+    const QRect available(0, 30, 1920, 1050);
+    EXPECT_EQ(movedUpInto(available, { -40, 430, 820, 650 }), QRect(-40, 430, 820, 650));
+    EXPECT_EQ(movedUpInto(available, { -40, 431, 820, 650 }), QRect(-40, 430, 820, 650));
+    EXPECT_EQ(movedUpInto(available, { 7, 500, 820, 2000 }), QRect(7, 30, 820, 2000));
+}
+
 TEST(FrameForResults, staysOnAScreenAboveAnother)
 {
     const QRect upper(-1920, -1080, 1920, 1080);

@@ -2,6 +2,7 @@
 
 #include "app/windows/ScreenFilling.h"
 #include "app/windows/WindowActivation.h"
+#include "app/windows/WindowHeight.h"
 
 #include <QEvent>
 #include <QScreen>
@@ -56,14 +57,21 @@ void ReusableWindow::show(const ActivationToken& token)
 }
 
 /// A window manager places a window that is shown again as if it was new, unless told. One that is
-/// to fill the screen tells with its frame what it can be restored to.
+/// to fill the screen tells with its frame what it can be restored to; one that has grown
+/// meanwhile, as it does with its results, is to be seen as a whole.
 void ReusableWindow::placeAgain()
 {
-    if (m_frame && fillsScreen(*m_window)) {
-        m_window->setGeometry(*m_frame);
-    } else if (m_frame) {
-        m_window->setPosition(m_frame->topLeft()); // its size may have followed its results
+    if (!m_frame) {
+        return;
     }
+    if (fillsScreen(*m_window)) {
+        m_window->setGeometry(*m_frame);
+        return;
+    }
+    const QRect frame(m_frame->topLeft(), m_window->size());
+    const bool hasGrown = frame.height() > m_frame->height();
+    const QRect available = m_window->screen()->availableGeometry();
+    m_window->setPosition((hasGrown ? movedUpInto(available, frame) : frame).topLeft());
 }
 
 bool ReusableWindow::eventFilter(QObject* watched, QEvent* event)

@@ -13,6 +13,13 @@ int targetHeight(qsizetype resultCount)
     return 574 + 76 * static_cast<int>(std::min(resultCount, visibleRows));
 }
 
+QRect movedUpInto(const QRect& available, const QRect& frame)
+{
+    const int lowestTop = available.y() + available.height() - frame.height();
+    const int top = std::max(std::min(frame.y(), lowestTop), available.y());
+    return { frame.x(), top, frame.width(), frame.height() };
+}
+
 std::optional<QRect> frameForResults(
     const QRect& frame, qsizetype resultCount, const QRect& available)
 {
@@ -20,9 +27,7 @@ std::optional<QRect> frameForResults(
     if (std::abs(frame.height() - height) <= 1) {
         return std::nullopt;
     }
-    const int lowestTop = available.y() + available.height() - height;
-    const int top = std::max(std::min(frame.y(), lowestTop), available.y());
-    return QRect(frame.x(), top, frame.width(), height);
+    return movedUpInto(available, { frame.x(), frame.y(), frame.width(), height });
 }
 
 } // namespace vellumine

@@ -16,6 +16,10 @@ inline constexpr qsizetype visibleRows = 8;
 /// eight rows.
 [[nodiscard]] int targetHeight(qsizetype resultCount);
 
+/// The frame moved up by as much as it must so as not to reach below the available part of its
+/// screen, but never above that.
+[[nodiscard]] QRect movedUpInto(const QRect& available, const QRect& frame);
+
 /// Where the window goes for that many results: its top edge and width stay. It is never higher
 /// than the available part of its screen, and where it would reach below that, it moves up by as
 /// much as it must. None where its height is right already, within one point.
