@@ -119,7 +119,7 @@ public:
             for (const std::filesystem::path& path : pathsOf(urls[index])) {
                 if (isNamedLikeAnOutput(path, settings)) {
                     const Place place = places.ofSource(path);
-                    m_files[place.key].push_back({ index, place.markers });
+                    m_files[place.key].emplace_back(index, place.markers);
                 }
             }
         }

@@ -43,7 +43,7 @@ Result<PendingFile> outputWith(std::string_view text, const TemporaryFolder& fol
 /// give a file a second name.
 bool becomePlainFileSystem(bool hasLinks)
 {
-    const scmp_filter_ctx filter = ::seccomp_init(SCMP_ACT_ALLOW);
+    scmp_filter_ctx filter = ::seccomp_init(SCMP_ACT_ALLOW);
     const scmp_arg_cmp anyFlags { 4, SCMP_CMP_NE, 0, 0 };
     const bool isReady = filter != nullptr
         && ::seccomp_rule_add_array(
