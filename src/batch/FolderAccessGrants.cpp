@@ -16,6 +16,7 @@ struct FolderAccessGrants::Request {
     qsizetype next = 0; ///< index of the folder that is up
     QList<QUrl> grants;
     Done done;
+    std::stop_token stop;
 };
 
 namespace {
@@ -79,14 +80,16 @@ QList<QUrl> FolderAccessGrants::uniqueParentFolders(const QList<QUrl>& urls)
 }
 
 void FolderAccessGrants::requestOriginalLocationAccessIfNeeded(
-    const QList<QUrl>& urls, const OptimizerSettings& settings, Done done)
+    const QList<QUrl>& urls, const OptimizerSettings& settings, Done done, std::stop_token stop)
 {
     if (settings.destinationMode != DestinationMode::originalLocation) {
         done(QList<QUrl>());
         return;
     }
-    proceed(std::make_shared<Request>(
-        Request { .folders = uniqueParentFolders(urls), .grants = {}, .done = std::move(done) }));
+    proceed(std::make_shared<Request>(Request { .folders = uniqueParentFolders(urls),
+        .grants = {},
+        .done = std::move(done),
+        .stop = std::move(stop) }));
 }
 
 void FolderAccessGrants::proceed(const std::shared_ptr<Request>& request)
@@ -94,6 +97,10 @@ void FolderAccessGrants::proceed(const std::shared_ptr<Request>& request)
     while (request->next < request->folders.size()) {
         const QUrl folder = request->folders.at(request->next);
         const std::optional<QUrl> known = knownGrant(folder);
+        if (!known && request->stop.stop_requested()) {
+            request->done(std::nullopt);
+            return;
+        }
         if (!known) {
             requestSaveAccess(folder,
                 [self = QPointer(this), request, folder](const std::optional<QUrl>& chosen) {

@@ -11,6 +11,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <stop_token>
 
 namespace vellumine {
 
@@ -52,9 +53,9 @@ public:
 
     /// Finds a grant for every folder that holds one of the files, if outputs go beside them, and
     /// calls `done` once, now or later; never once this object is gone. Asks folder by folder; the
-    /// first refusal ends the asking.
-    void requestOriginalLocationAccessIfNeeded(
-        const QList<QUrl>& urls, const OptimizerSettings& settings, Done done);
+    /// first refusal ends the asking, and so does `stop`, which counts as one.
+    void requestOriginalLocationAccessIfNeeded(const QList<QUrl>& urls,
+        const OptimizerSettings& settings, Done done, std::stop_token stop = {});
 
     /// Asks the user for access to the folder. The answer may be another folder: it is trusted.
     void requestSaveAccess(const QUrl& folder, PanelAnswer answer) const;

@@ -26,7 +26,7 @@ struct ProcessingModel::Batch {
     enum class Ending { regular, stopped, cancelled };
 
     OptimizerSettings settings;
-    std::stop_source scan;
+    std::stop_source stop; ///< of scanning, and of asking for folders
     Ending ending = Ending::regular;
     ExpandedDrop files;
     ConversionGroup* conversions = nullptr; ///< a child of the model; none before converting
@@ -98,7 +98,7 @@ void ProcessingModel::startPendingBatch()
     m_batch = std::make_unique<Batch>();
     m_batch->settings = m_dependencies.snapshot();
     const auto future = QtConcurrent::run(&m_pool,
-        [urls, settings = m_batch->settings, stop = m_batch->scan.get_token(),
+        [urls, settings = m_batch->settings, stop = m_batch->stop.get_token(),
             scope = m_dependencies.folderAccess.securityScope] {
             const QList<QUrl> found = FileInputResolver::imageURLs(urls, *scope, stop);
             removeLeftoverOutputs(found, settings);
@@ -133,8 +133,10 @@ void ProcessingModel::processExpandedBatch(const ExpandedDrop& files)
     }
     m_batch->files = files;
     setProgress(0, files.urls.size());
-    m_folderAccess.requestOriginalLocationAccessIfNeeded(files.urls, settings,
-        [this](const std::optional<QList<QUrl>>& grants) { processPermittedBatch(grants); });
+    m_folderAccess.requestOriginalLocationAccessIfNeeded(
+        files.urls, settings,
+        [this](const std::optional<QList<QUrl>>& grants) { processPermittedBatch(grants); },
+        m_batch->stop.get_token());
 }
 
 void ProcessingModel::processPermittedBatch(const std::optional<QList<QUrl>>& grants)
@@ -196,8 +198,7 @@ void ProcessingModel::finishConversions()
         return;
     }
     const bool isWhole = m_totalCount > 0 && m_finishedCount == m_totalCount;
-    completeBatch(
-        isWhole ? tr("Done") : tr("Stopped after %1 of %2").arg(m_finishedCount).arg(m_totalCount));
+    completeBatch(isWhole ? tr("Done") : stoppedText());
 }
 
 void ProcessingModel::completeBatch(const QString& status)
@@ -215,6 +216,11 @@ void ProcessingModel::completeBatch(const QString& status)
         startPendingBatch();
         return;
     }
+    publishCompletion(status);
+}
+
+void ProcessingModel::publishCompletion(const QString& status)
+{
     setStatusText(status);
     if (const auto onComplete = std::exchange(m_onComplete, nullptr)) {
         onComplete();
@@ -223,11 +229,15 @@ void ProcessingModel::completeBatch(const QString& status)
 
 void ProcessingModel::stop()
 {
-    if (!m_batch || m_batch->ending == Batch::Ending::cancelled) {
+    if (!m_batch) {
+        stopWaiting();
+        return;
+    }
+    if (m_batch->ending == Batch::Ending::cancelled) {
         return;
     }
     m_batch->ending = Batch::Ending::stopped;
-    m_batch->scan.request_stop();
+    m_batch->stop.request_stop();
     if (m_batch->conversions) {
         m_batch->conversions->stop();
     }
@@ -243,14 +253,35 @@ void ProcessingModel::interrupt()
 
 void ProcessingModel::cancel()
 {
+    dropPendingInputs();
     if (!m_batch) {
         return;
     }
     m_batch->ending = Batch::Ending::cancelled;
-    m_batch->scan.request_stop();
+    m_batch->stop.request_stop();
     if (m_batch->conversions) {
         m_batch->conversions->interrupt();
     }
+}
+
+void ProcessingModel::stopWaiting()
+{
+    if (!m_pendingInputURLs.isEmpty()) {
+        dropPendingInputs();
+        publishCompletion(stoppedText());
+    }
+}
+
+void ProcessingModel::dropPendingInputs()
+{
+    m_debounce.stop();
+    m_pendingInputURLs.clear();
+    m_pendingInputKeys.clear();
+}
+
+QString ProcessingModel::stoppedText() const
+{
+    return tr("Stopped after %1 of %2").arg(m_finishedCount).arg(m_totalCount);
 }
 
 void ProcessingModel::setStatusText(const QString& text)

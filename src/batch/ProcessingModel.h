@@ -76,16 +76,17 @@ public:
 
     /// Begins no further file of the running batch. Those in flight end as they would and are
     /// recorded, the rest stays untouched, and the batch ends with "Stopped after". Drops that came
-    /// meanwhile are no part of it: they are the next batch. Without a batch nothing happens.
+    /// meanwhile are no part of it: they are the next batch. Where no batch is running, drops that
+    /// wait for more of them are one that was stopped before it began.
     void stop();
 
     /// Stops the running batch and asks the conversions in flight to give up; each of them is
     /// recorded as what it ended with.
     void interrupt();
 
-    /// Drops the running batch: outcomes are no longer collected, conversions in flight are asked
-    /// to give up, and nothing is published or called any more. For a program that is about to end:
-    /// the model takes no further batch.
+    /// Drops the running batch and what waits to be one: outcomes are no longer collected,
+    /// conversions in flight are asked to give up, and nothing is published or called any more. For
+    /// a program that is about to end: after a batch that was dropped the model begins no other.
     void cancel();
 
 Q_SIGNALS:
@@ -108,6 +109,10 @@ private:
     void collect(const ProcessingResult& result);
     void finishConversions();
     void completeBatch(const QString& status);
+    void publishCompletion(const QString& status);
+    void stopWaiting();
+    void dropPendingInputs();
+    [[nodiscard]] QString stoppedText() const;
 
     void setStatusText(const QString& text);
     void setProgress(qsizetype finished, qsizetype total);

@@ -161,6 +161,32 @@ TEST_F(FolderAccessGrantsTest, theFirstRefusalEndsTheAsking)
     EXPECT_TRUE(m_newlyRemembered.isEmpty());
 }
 
+TEST_F(FolderAccessGrantsTest, aStopEndsTheAskingAndKeepsWhatWasGranted)
+{
+    m_scope->refuseAll();
+    std::stop_source stop;
+    int panels = 0;
+    FolderAccessGrants grants({
+        .securityScope = m_scope,
+        .rememberOriginalLocationFolder
+        = [this](const QUrl& folder) { m_newlyRemembered.append(folder); },
+        .showSaveAccessPanel =
+            [&](const SaveAccessPanel& panel, const FolderAccessGrants::PanelAnswer& answer) {
+                ++panels;
+                stop.request_stop();
+                answer(panel.folder);
+            },
+    });
+    QList<std::optional<QList<QUrl>>> heard;
+    grants.requestOriginalLocationAccessIfNeeded(
+        urls({ QStringLiteral("/nowhere/a/1.png"), QStringLiteral("/nowhere/b/2.png") }),
+        m_settings, [&](const std::optional<QList<QUrl>>& list) { heard.append(list); },
+        stop.get_token());
+    EXPECT_EQ(panels, 1);
+    EXPECT_EQ(heard, QList<std::optional<QList<QUrl>>> { std::nullopt });
+    EXPECT_EQ(m_newlyRemembered, QList<QUrl> { m_folder });
+}
+
 TEST_F(FolderAccessGrantsTest, aGrantSinceLaunchComesBeforeARememberedOne)
 {
     const QUrl granted = url(QStringLiteral("/grant"));

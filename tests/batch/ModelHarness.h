@@ -7,6 +7,7 @@
 #include "support/EventLoop.h"
 #include "support/QtPrinters.h"
 
+#include <QTimer>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -99,6 +100,27 @@ protected:
         return *m_model;
     }
     ProcessingModel& makeModel() { return makeModel(dependencies()); }
+
+    /// A model whose wait ends only when the test says so, and its timer.
+    QTimer& makeWaitingModel()
+    {
+        auto dependencies = this->dependencies();
+        dependencies.debounce = std::chrono::hours(1);
+        return timerOf(makeModel(std::move(dependencies)));
+    }
+
+    static QTimer& timerOf(const ProcessingModel& model)
+    {
+        const auto timers = model.findChildren<QTimer*>(QString(), Qt::FindDirectChildrenOnly);
+        EXPECT_EQ(timers.size(), 1);
+        return *timers.constFirst();
+    }
+
+    static void endWait(QTimer& timer)
+    {
+        timer.stop();
+        QMetaObject::invokeMethod(&timer, "timeout", Qt::DirectConnection);
+    }
 
     /// Arms the callback that counts completions.
     void countCompletion()

@@ -1,7 +1,5 @@
 #include "ModelHarness.h"
 
-#include <QTimer>
-
 namespace vellumine {
 namespace {
 
@@ -10,27 +8,6 @@ using test::pictures;
 /// Drops, the wait for more of them, and what completion means.
 class ProcessingModelDrops : public test::ModelHarness {
 protected:
-    /// A model whose wait ends only when the test says so, and its timer.
-    QTimer& makeWaitingModel()
-    {
-        auto dependencies = this->dependencies();
-        dependencies.debounce = std::chrono::hours(1);
-        return timerOf(makeModel(std::move(dependencies)));
-    }
-
-    static QTimer& timerOf(const ProcessingModel& model)
-    {
-        const auto timers = model.findChildren<QTimer*>(QString(), Qt::FindDirectChildrenOnly);
-        EXPECT_EQ(timers.size(), 1);
-        return *timers.constFirst();
-    }
-
-    static void endWait(QTimer& timer)
-    {
-        timer.stop();
-        QMetaObject::invokeMethod(&timer, "timeout", Qt::DirectConnection);
-    }
-
     const QString m_a = QStringLiteral("a.png");
     const QString m_b = QStringLiteral("b.png");
     const QString m_c = QStringLiteral("c.png");

@@ -1,5 +1,7 @@
 #include "ModelHarness.h"
 
+#include <utility>
+
 namespace vellumine {
 namespace {
 
@@ -16,6 +18,19 @@ protected:
         countCompletion();
         m_model->process(pictures(m_names));
         ASSERT_TRUE(m_optimizer.waitUntilBegun(2));
+    }
+
+    void expectThatNothingWaits(QTimer& wait)
+    {
+        EXPECT_FALSE(wait.isActive());
+        endWait(wait); // as if it had ended at the same moment
+        EXPECT_FALSE(m_model->isProcessing());
+        EXPECT_EQ(m_snapshots, 0);
+    }
+
+    static QList<QUrl> inTwoFolders()
+    {
+        return pictures({ QStringLiteral("one/a.png"), QStringLiteral("two/b.png") });
     }
 
     const QStringList m_names { QStringLiteral("a.png"), QStringLiteral("b.png"),
@@ -72,6 +87,63 @@ TEST_F(ProcessingModelStop, aStopWhileAskingForAccessEndsWithTheAnswer)
     m_panelAnswer(platform::fileUrl(QStringLiteral("/pictures")));
     EXPECT_EQ(m_model->statusText(), QStringLiteral("Stopped after 0 of 5"));
     EXPECT_TRUE(m_optimizer.begun().isEmpty());
+}
+
+TEST_F(ProcessingModelStop, aStopWhileAskingForAccessEndsTheAsking)
+{
+    m_scope->refuseAll();
+    makeModel().process(inTwoFolders());
+    ASSERT_TRUE(runUntil([this] { return m_panelAnswer != nullptr; }));
+    m_model->stop();
+    const auto answer = std::exchange(m_panelAnswer, nullptr);
+    answer(m_panels.constFirst());
+    EXPECT_EQ(m_panels.size(), 1);
+    EXPECT_EQ(m_model->statusText(), QStringLiteral("Stopped after 0 of 2"));
+    EXPECT_TRUE(m_optimizer.begun().isEmpty());
+}
+
+TEST_F(ProcessingModelStop, cancellingWhileAskingForAccessEndsTheAsking)
+{
+    m_scope->refuseAll();
+    makeModel().process(inTwoFolders());
+    ASSERT_TRUE(runUntil([this] { return m_panelAnswer != nullptr; }));
+    m_model->cancel();
+    const auto answer = std::exchange(m_panelAnswer, nullptr);
+    answer(m_panels.constFirst());
+    EXPECT_EQ(m_panels.size(), 1);
+}
+
+TEST_F(ProcessingModelStop, dropsThatWaitForMoreAreABatchThatIsStopped)
+{
+    QTimer& wait = makeWaitingModel();
+    countCompletion();
+    m_model->process(pictures(m_names));
+    m_model->stop();
+    EXPECT_EQ(m_model->statusText(), QStringLiteral("Stopped after 0 of 0"));
+    EXPECT_FALSE(m_model->isProcessing());
+    EXPECT_EQ(m_completions, 1);
+    expectThatNothingWaits(wait);
+}
+
+TEST_F(ProcessingModelStop, dropsThatWaitForMoreAreCancelledInSilence)
+{
+    QTimer& wait = makeWaitingModel();
+    countCompletion();
+    m_model->process(pictures(m_names));
+    m_model->cancel();
+    EXPECT_EQ(m_model->statusText(), QStringLiteral("Drop images here"));
+    EXPECT_EQ(m_completions, 0);
+    expectThatNothingWaits(wait);
+}
+
+TEST_F(ProcessingModelStop, aFileThatWasStoppedBeforeItsBatchBeganCanBeDroppedAgain)
+{
+    const QTimer& wait = makeWaitingModel();
+    m_model->process(pictures({ m_names[0] }));
+    m_model->stop();
+    m_model->process(pictures({ m_names[0] }));
+    EXPECT_EQ(m_model->statusText(), QStringLiteral("Stopped after 0 of 0"));
+    EXPECT_TRUE(wait.isActive());
 }
 
 TEST_F(ProcessingModelStop, aStopWithoutABatchDoesNothing)
