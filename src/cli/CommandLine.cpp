@@ -17,13 +17,15 @@ tl::unexpected<UsageError> usageError(QString text)
 
 std::optional<UsageError> applyAssignment(OptimizerSettings& settings, const std::string& bytes)
 {
-    const QString assignment = QFile::decodeName(bytes.c_str());
-    const qsizetype equals = assignment.indexOf(u'=');
+    const auto assignment = QByteArray::fromStdString(bytes);
+    const qsizetype equals = assignment.indexOf('=');
     if (equals < 0) {
-        return UsageError { QStringLiteral("--set wants KEY=VALUE, not \"%1\"").arg(assignment) };
+        return UsageError {
+            QStringLiteral("--set wants KEY=VALUE, not \"%1\"").arg(QFile::decodeName(assignment))
+        };
     }
-    const auto problem
-        = applySetting(settings, assignment.first(equals), assignment.sliced(equals + 1));
+    const auto problem = applySetting(
+        settings, QFile::decodeName(assignment.first(equals)), assignment.sliced(equals + 1));
     return problem ? std::optional(UsageError { *problem }) : std::nullopt;
 }
 

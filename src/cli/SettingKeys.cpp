@@ -2,17 +2,19 @@
 
 #include "platform/FilePath.h"
 
-#include <QFileInfo>
+#include <QFile>
 
 #include <array>
 #include <cmath>
+#include <filesystem>
+#include <system_error>
 
 namespace vellumine::cli {
 
 namespace {
 
 /// Takes a value over; false when it is none of the key's.
-using Apply = bool (*)(OptimizerSettings& settings, const QString& value);
+using Apply = bool (*)(OptimizerSettings& settings, const QByteArray& value);
 
 struct Key {
     const char* name;
@@ -20,12 +22,17 @@ struct Key {
     Apply apply;
 };
 
+QString textOf(const QByteArray& value)
+{
+    return QFile::decodeName(value);
+}
+
 template <auto Field>
 using FieldType = std::decay_t<decltype(std::declval<OptimizerSettings>().*Field)>;
 
-template <auto Field> bool applyChoice(OptimizerSettings& settings, const QString& value)
+template <auto Field> bool applyChoice(OptimizerSettings& settings, const QByteArray& value)
 {
-    const auto choice = fromRawValue<FieldType<Field>>(value);
+    const auto choice = fromRawValue<FieldType<Field>>(textOf(value));
     if (choice) {
         settings.*Field = *choice;
     }
@@ -41,18 +48,18 @@ template <auto Field> QString choiceValues()
     return values.join(QStringLiteral(", "));
 }
 
-std::optional<bool> booleanFrom(const QString& value)
+std::optional<bool> booleanFrom(const QByteArray& value)
 {
-    if (value == QStringLiteral("true")) {
+    if (value == "true") {
         return true;
     }
-    if (value == QStringLiteral("false")) {
+    if (value == "false") {
         return false;
     }
     return std::nullopt;
 }
 
-template <auto Field> bool applyBoolean(OptimizerSettings& settings, const QString& value)
+template <auto Field> bool applyBoolean(OptimizerSettings& settings, const QByteArray& value)
 {
     const auto boolean = booleanFrom(value);
     if (boolean) {
@@ -66,9 +73,9 @@ QString booleanValues()
     return QStringLiteral("true, false");
 }
 
-template <auto Field> bool applyText(OptimizerSettings& settings, const QString& value)
+template <auto Field> bool applyText(OptimizerSettings& settings, const QByteArray& value)
 {
-    settings.*Field = value;
+    settings.*Field = textOf(value);
     return true;
 }
 
@@ -77,7 +84,7 @@ QString textValues()
     return QStringLiteral("any text, also none");
 }
 
-bool applyMaximumPixels(OptimizerSettings& settings, const QString& value)
+bool applyMaximumPixels(OptimizerSettings& settings, const QByteArray& value)
 {
     bool isNumber = false;
     const qint64 pixels = value.toLongLong(&isNumber);
@@ -93,7 +100,7 @@ QString pixelValues()
     return QStringLiteral("a whole number from 1");
 }
 
-bool applyQuality(OptimizerSettings& settings, const QString& value)
+bool applyQuality(OptimizerSettings& settings, const QByteArray& value)
 {
     bool isNumber = false;
     const double quality = value.toDouble(&isNumber);
@@ -109,18 +116,20 @@ QString qualityValues()
     return QStringLiteral("a number from 0 to 100");
 }
 
-bool applyDestinationFolder(OptimizerSettings& settings, const QString& value)
+bool applyDestinationFolder(OptimizerSettings& settings, const QByteArray& value)
 {
     if (value.isEmpty()) {
         settings.destinationFolderURL.reset();
         return true;
     }
-    const QFileInfo folder(value);
-    if (!folder.isDir()) {
+    const std::filesystem::path folder(value.toStdString());
+    std::error_code error;
+    if (!std::filesystem::is_directory(folder, error)) {
         return false;
     }
-    settings.destinationFolderURL = platform::fileUrl(folder.absoluteFilePath());
-    return true;
+    settings.destinationFolderURL
+        = platform::standardized(platform::fileUrl(std::filesystem::absolute(folder, error)));
+    return !error;
 }
 
 QString folderValues()
@@ -128,7 +137,7 @@ QString folderValues()
     return QStringLiteral("the path of a folder, or nothing");
 }
 
-bool ignored(OptimizerSettings& /*settings*/, const QString& /*value*/)
+bool ignored(OptimizerSettings& /*settings*/, const QByteArray& /*value*/)
 {
     return true;
 }
@@ -138,7 +147,7 @@ QString ignoredValues()
     return QStringLiteral("anything; means nothing here");
 }
 
-bool ignoredBoolean(OptimizerSettings& /*settings*/, const QString& value)
+bool ignoredBoolean(OptimizerSettings& /*settings*/, const QByteArray& value)
 {
     return booleanFrom(value).has_value();
 }
@@ -201,14 +210,15 @@ QString valuesOf(const QString& key)
 }
 
 std::optional<QString> applySetting(
-    OptimizerSettings& settings, const QString& key, const QString& value)
+    OptimizerSettings& settings, const QString& key, const QByteArray& value)
 {
     const Key* known = keyNamed(key);
     if (known == nullptr) {
         return QStringLiteral("there is no setting \"%1\"").arg(key);
     }
     if (!known->apply(settings, value)) {
-        return QStringLiteral("\"%1\" is no value for %2: %3").arg(value, key, known->values());
+        return QStringLiteral("\"%1\" is no value for %2: %3")
+            .arg(textOf(value), key, known->values());
     }
     return std::nullopt;
 }

@@ -59,6 +59,28 @@ TEST(CommandLine, everyKeySetsItsField)
     EXPECT_EQ(line->style, OutputStyle::json);
 }
 
+TEST(CommandLine, theNameOfADestinationNeedNotBeUtf8)
+{
+    const test::TemporaryFolder folder;
+    const std::filesystem::path named = folder / "d\xff";
+    std::filesystem::create_directory(named);
+    std::filesystem::create_directory(folder / "d\xEF\xBF\xBD"); // what it reads as decoded
+    const auto line = parse({ "--set", "destinationFolderBookmark=" + named.string(), "a.png" });
+    ASSERT_TRUE(line) << line.error().text.toStdString();
+    ASSERT_TRUE(line->settings.destinationFolderURL);
+    EXPECT_EQ(platform::toPath(*line->settings.destinationFolderURL), named);
+}
+
+TEST(CommandLine, aDestinationIsAnAbsolutePathWithoutDetours)
+{
+    const test::TemporaryFolder folder;
+    std::filesystem::create_directory(folder / "d");
+    const auto line = parse({ "--set",
+        "destinationFolderBookmark=" + folder.path().string() + "/./d/../d//", "a.png" });
+    ASSERT_TRUE(line) << line.error().text.toStdString();
+    EXPECT_EQ(line->settings.destinationFolderURL, platform::fileUrl(folder / "d"));
+}
+
 TEST(CommandLine, keysAreTheSixteenPreferences)
 {
     EXPECT_EQ(settingKeys().size(), 16);
