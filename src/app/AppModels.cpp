@@ -19,7 +19,7 @@ AppModels::AppModels(Surroundings surroundings, Questions questions)
     , m_decoders(confined::ConfinedDecoders::ofProgram(m_executableFolder))
     , m_securityScope(std::move(surroundings.securityScope))
     , m_showFolderPanel(std::move(questions.showFolderPanel))
-    , m_samples(m_temporaryFolder, PreviewSamples::AtEnd::remove)
+    , m_samples(m_temporaryFolder)
     , m_overwritePrompt(std::move(questions.askOverwrite))
 {
 }

@@ -2,6 +2,8 @@
 
 #include "platform/FilePath.h"
 
+#include <QUuid>
+
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,6 +17,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr std::string_view samplePrefix = "vellumine-preview-";
+constexpr std::string_view sampleExtension = ".png";
+
 bool isUniqueName(std::string_view name, std::string_view prefix, std::string_view extension)
 {
     constexpr std::size_t uuidLength = 36;
@@ -22,10 +27,27 @@ bool isUniqueName(std::string_view name, std::string_view prefix, std::string_vi
         && name.ends_with(extension);
 }
 
-/// A preview sample, or a file that a conversion hands to the WebP encoder or gets from it.
+// Conversions name samples by UUIDs of version 4, random ones. Samples that were given away have
+// names of the same form with a UUID of version 5: so they are told from what a crash left.
+
+fs::path givenName()
+{
+    const QUuid uuid = QUuid::createUuidV5(QUuid::createUuid(), QByteArray());
+    return std::string(samplePrefix) + uuid.toString(QUuid::WithoutBraces).toUpper().toStdString()
+        + std::string(sampleExtension);
+}
+
+bool isGiven(std::string_view sampleName)
+{
+    constexpr std::size_t versionInUuid = 14;
+    return sampleName[samplePrefix.size() + versionInUuid] == '5';
+}
+
+/// A preview sample that nobody was given, or a file that a conversion hands to the WebP encoder or
+/// gets from it.
 bool isOurName(std::string_view name)
 {
-    return isUniqueName(name, "vellumine-preview-", ".png")
+    return (isUniqueName(name, samplePrefix, sampleExtension) && !isGiven(name))
         || isUniqueName(name, "vellumine-", ".pam") || isUniqueName(name, "vellumine-", ".webp");
 }
 
@@ -43,6 +65,19 @@ void removeFile(const fs::path& path)
     fs::remove(path, ignored);
 }
 
+/// Gives the sample a name that no clearing up meets.
+bool keepSample(QUrl& sample)
+{
+    const fs::path path = platform::toPath(sample);
+    const fs::path kept = path.parent_path() / givenName();
+    std::error_code error;
+    fs::rename(path, kept, error);
+    if (!error) {
+        sample = platform::fileUrl(kept);
+    }
+    return !error;
+}
+
 fs::path lockPath(const fs::path& folder)
 {
     return folder / ("vellumine-preview-" + std::to_string(::geteuid()) + ".lock");
@@ -50,9 +85,8 @@ fs::path lockPath(const fs::path& folder)
 
 } // namespace
 
-PreviewSamples::PreviewSamples(fs::path temporaryFolder, AtEnd atEnd)
+PreviewSamples::PreviewSamples(fs::path temporaryFolder)
     : m_folder(std::move(temporaryFolder))
-    , m_atEnd(atEnd)
 {
     takeLock();
 }
@@ -80,16 +114,11 @@ void PreviewSamples::takeLock()
 
 PreviewSamples::~PreviewSamples()
 {
-    const bool isAlone = m_lock && m_lock->tryExclusive();
-    if (m_atEnd == AtEnd::remove) {
-        for (const fs::path& sample : m_own) {
-            removeFile(sample);
-        }
-        if (isAlone) {
-            removeLeftOver(); // outcomes that nobody collected have samples too
-        }
+    for (const fs::path& sample : m_own) {
+        removeFile(sample);
     }
-    if (isAlone) {
+    if (m_lock && m_lock->tryExclusive()) {
+        removeLeftOver(); // outcomes that nobody collected have samples too
         m_lock->removeFile();
     }
 }
@@ -100,6 +129,18 @@ void PreviewSamples::add(const ProcessingResult& result)
         m_own.push_back(platform::toPath(result.comparisonPreview->sourceSampleURL));
         m_own.push_back(platform::toPath(result.comparisonPreview->outputSampleURL));
     }
+}
+
+ProcessingResult PreviewSamples::given(const ProcessingResult& result)
+{
+    ProcessingResult theirs = result;
+    if (theirs.comparisonPreview
+        && !(keepSample(theirs.comparisonPreview->sourceSampleURL)
+            && keepSample(theirs.comparisonPreview->outputSampleURL))) {
+        add(theirs); // one of them alone is of no use
+        theirs.comparisonPreview.reset();
+    }
+    return theirs;
 }
 
 void PreviewSamples::removeLeftOver() const

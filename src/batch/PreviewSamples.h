@@ -3,7 +3,6 @@
 #include "core/ProcessingResult.h"
 #include "platform/FileLock.h"
 
-#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <vector>
@@ -17,13 +16,11 @@ namespace vellumine {
 /// A file's name does not say whose it is. So every program that makes samples shares a lock for
 /// as long as it runs. Whoever can have the lock alone knows that no such program is running, and
 /// that every sample and every work file of this user's is left over. Make it before the first
-/// conversion.
+/// conversion. Samples that were given to somebody outside have names by which they are known, and
+/// are never removed.
 class PreviewSamples {
 public:
-    /// What is to become of this program's samples at its end.
-    enum class AtEnd : std::uint8_t { remove, keep };
-
-    PreviewSamples(std::filesystem::path temporaryFolder, AtEnd atEnd);
+    explicit PreviewSamples(std::filesystem::path temporaryFolder);
     /// Conversions must have ended.
     ~PreviewSamples();
     PreviewSamples(const PreviewSamples&) = delete;
@@ -32,12 +29,15 @@ public:
     /// Takes care of the result's samples, if it has any.
     void add(const ProcessingResult& result);
 
+    /// The result for somebody outside, who is to have its samples: they stay, under the names that
+    /// it has for them. It has none where they cannot be kept.
+    [[nodiscard]] ProcessingResult given(const ProcessingResult& result);
+
 private:
     void takeLock();
     void removeLeftOver() const;
 
     std::filesystem::path m_folder;
-    AtEnd m_atEnd;
     std::optional<platform::FileLock> m_lock;
     std::vector<std::filesystem::path> m_own;
 };

@@ -83,12 +83,13 @@ int convert(const CommandLine& line, TerminationSignals& signals)
     // The samples that JSON names are for whoever reads it. Text names none.
     environment.comparisonSamples
         = line.style == OutputStyle::json ? ComparisonSamples::make : ComparisonSamples::leaveOut;
-    const PreviewSamples samples(environment.temporaryFolder, PreviewSamples::AtEnd::keep);
+    PreviewSamples samples(environment.temporaryFolder);
     Report report(line.style);
     // The preferences are those of the command line, and no statistics are kept.
     ProcessingModel model({
         .snapshot = [&line] { return line.settings; },
-        .record = [&report](const ProcessingResult& result) { report.add(result); },
+        .record = [&report, &samples](
+                      const ProcessingResult& result) { report.add(samples.given(result)); },
         .optimize = optimizeIn(environment),
         .folderAccess = { .securityScope = environment.securityScope },
         .activeProcessorCount = QThread::idealThreadCount(),

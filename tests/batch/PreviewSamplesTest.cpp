@@ -3,9 +3,12 @@
 #include "platform/FilePath.h"
 #include "support/TestImages.h"
 
+#include <QRegularExpression>
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <iterator>
 #include <memory>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -18,10 +21,9 @@ namespace fs = std::filesystem;
 
 class PreviewSamplesTest : public testing::Test {
 protected:
-    std::unique_ptr<PreviewSamples> start(
-        PreviewSamples::AtEnd atEnd = PreviewSamples::AtEnd::remove) const
+    std::unique_ptr<PreviewSamples> start() const
     {
-        return std::make_unique<PreviewSamples>(m_folder.path(), atEnd);
+        return std::make_unique<PreviewSamples>(m_folder.path());
     }
 
     fs::path sample(char digit) const
@@ -112,13 +114,60 @@ TEST_F(PreviewSamplesTest, outcomesThatNobodyCollectedLeaveNothing)
     EXPECT_FALSE(fs::exists(lost));
 }
 
-TEST_F(PreviewSamplesTest, theyAreKeptWhereSomebodyWasToldOfThem)
+TEST_F(PreviewSamplesTest, thoseThatWereGivenStayForEver)
 {
-    auto samples = start(PreviewSamples::AtEnd::keep);
-    const fs::path told = sample('A');
-    samples->add(resultWith(told, told));
+    auto samples = start();
+    const ProcessingResult given = samples->given(resultWith(sample('A'), sample('B')));
+    ASSERT_TRUE(given.comparisonPreview);
     samples.reset();
-    EXPECT_TRUE(fs::exists(told));
+    start().reset();
+    const fs::path source = platform::toPath(given.comparisonPreview->sourceSampleURL);
+    const fs::path output = platform::toPath(given.comparisonPreview->outputSampleURL);
+    EXPECT_NE(source, output);
+    EXPECT_TRUE(fs::exists(source));
+    EXPECT_TRUE(fs::exists(output));
+    EXPECT_EQ(std::distance(fs::directory_iterator(m_folder.path()), {}), 2);
+}
+
+TEST_F(PreviewSamplesTest, thoseThatWereGivenAreNamedLikeTheOthers)
+{
+    auto samples = start();
+    const ProcessingResult given = samples->given(resultWith(sample('A'), sample('B')));
+    ASSERT_TRUE(given.comparisonPreview);
+    for (const QUrl& url :
+        { given.comparisonPreview->sourceSampleURL, given.comparisonPreview->outputSampleURL }) {
+        EXPECT_EQ(platform::toPath(url).parent_path(), m_folder.path());
+        const QString name = platform::lastPathComponent(url);
+        EXPECT_TRUE(
+            QRegularExpression(QStringLiteral("^vellumine-preview-[0-9A-F]{8}-[0-9A-F]{4}-"
+                                              "[0-9A-F]{4}-[0-9A-F]{4}-[0-9A-F]{12}\\.png$"))
+                .match(name)
+                .hasMatch())
+            << name.toStdString();
+    }
+}
+
+TEST_F(PreviewSamplesTest, thoseThatWereGivenAfterAllCanBeTakenBack)
+{
+    auto samples = start();
+    samples->add(samples->given(resultWith(sample('A'), sample('B'))));
+    samples.reset();
+    EXPECT_TRUE(fs::is_empty(m_folder.path()));
+}
+
+TEST_F(PreviewSamplesTest, whatCannotBeKeptIsNotGiven)
+{
+    auto samples = start();
+    const fs::path source = sample('A');
+    const ProcessingResult given = samples->given(resultWith(source, m_folder / "gone.png"));
+    EXPECT_FALSE(given.comparisonPreview);
+    samples.reset();
+    EXPECT_TRUE(fs::is_empty(m_folder.path()));
+}
+
+TEST_F(PreviewSamplesTest, aResultWithoutSamplesIsGivenAsItIs)
+{
+    EXPECT_EQ(start()->given(ProcessingResult()), ProcessingResult());
 }
 
 TEST_F(PreviewSamplesTest, workFilesThatACrashLeftAreRemovedToo)

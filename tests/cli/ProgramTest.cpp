@@ -218,6 +218,18 @@ TEST_F(Program, jsonIsOneObjectPerFileAndKeepsTheSamples)
     EXPECT_EQ(samples, 4);
 }
 
+TEST_F(Program, samplesThatWereToldOfOutliveTheNextRuns)
+{
+    makePicture("a.bmp");
+    EXPECT_EQ(run({ QStringLiteral("--json"), QStringLiteral("a.bmp") }).status, 0);
+    const std::string samples = listing(temporary());
+    EXPECT_EQ(run({ QStringLiteral("a.bmp") }).status, 0);
+    EXPECT_EQ(listing(temporary()), samples);
+    EXPECT_EQ(run({ QStringLiteral("--json"), QStringLiteral("gone.png") }).status, 1);
+    EXPECT_EQ(listing(temporary()), samples);
+    EXPECT_EQ(QString::fromStdString(samples).count(QStringLiteral(".png")), 2);
+}
+
 TEST_F(Program, usageErrorsAreStatusTwoOnStandardError)
 {
     for (const QStringList& arguments : { QStringList {},
