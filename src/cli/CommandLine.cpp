@@ -106,7 +106,8 @@ QString usageText()
         "Whether an existing file may be replaced (warnBeforeOverwrite) is asked on the terminal;\n"
         "without one the file is skipped.\n"
         "\n"
-        "Exit status: 0 all well, 1 some file failed, 2 the arguments make no sense.\n");
+        "Exit status: 0 all well, 1 some file failed or the results could not be printed, 2 the\n"
+        "arguments make no sense.\n");
     return text;
 }
 

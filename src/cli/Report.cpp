@@ -22,13 +22,6 @@ QString filesText(std::size_t count)
     return count == 1 ? QStringLiteral("1 file") : QStringLiteral("%1 files").arg(count);
 }
 
-void print(const QByteArray& line)
-{
-    std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stdout);
-    std::fputc('\n', stdout);
-    std::fflush(stdout); // whoever reads it wants to see it now
-}
-
 } // namespace
 
 QString resultLine(const ProcessingResult& result)
@@ -55,7 +48,7 @@ void Report::setFileCount(std::size_t fileCount)
     showProgress();
 }
 
-void Report::add(const ProcessingResult& result)
+bool Report::add(const ProcessingResult& result)
 {
     if (result.isSuccess) {
         ++m_succeeded;
@@ -65,15 +58,18 @@ void Report::add(const ProcessingResult& result)
         ++m_failed;
     }
     hideProgress();
-    print(m_style == OutputStyle::json ? resultJson(result) : resultLine(result).toUtf8());
+    const QByteArray line
+        = m_style == OutputStyle::json ? resultJson(result) : resultLine(result).toUtf8();
+    const bool isWritten = m_output.print(line + '\n');
     showProgress();
+    return isWritten;
 }
 
 void Report::finish()
 {
     hideProgress();
     if (m_style == OutputStyle::text) {
-        print(summary().toUtf8());
+        m_output.print(summary().toUtf8() + '\n');
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cli/CommandLine.h"
+#include "cli/StandardOutput.h"
 #include "core/ProcessingResult.h"
 
 #include <cstddef>
@@ -20,11 +21,14 @@ public:
     /// How many files there are, for the progress, once that is known.
     void setFileCount(std::size_t fileCount);
 
-    void add(const ProcessingResult& result);
+    /// Whether the result could be told.
+    bool add(const ProcessingResult& result);
     /// The line at the end, in text style.
     void finish();
 
     [[nodiscard]] bool hasFailures() const { return m_failed > 0; }
+    /// Whether all of the results could be told.
+    [[nodiscard]] bool isWhole() const { return m_output.isWhole(); }
     [[nodiscard]] bool isEmpty() const { return m_succeeded + m_failed == 0; }
 
 private:
@@ -33,6 +37,7 @@ private:
     [[nodiscard]] QString summary() const;
 
     OutputStyle m_style;
+    StandardOutput m_output;
     std::size_t m_fileCount = 0;
     bool m_showsProgress;
     std::size_t m_succeeded = 0;

@@ -3,6 +3,7 @@
 #include "batch/ProcessingModel.h"
 #include "cli/CommandLine.h"
 #include "cli/Report.h"
+#include "cli/StandardOutput.h"
 #include "cli/Terminal.h"
 #include "cli/TerminationSignals.h"
 #include "confined/client/ConfinedDecoders.h"
@@ -88,8 +89,13 @@ int convert(const CommandLine& line, TerminationSignals& signals)
     // The preferences are those of the command line, and no statistics are kept.
     ProcessingModel model({
         .snapshot = [&line] { return line.settings; },
-        .record = [&report, &samples](
-                      const ProcessingResult& result) { report.add(samples.given(result)); },
+        .record =
+            [&report, &samples](const ProcessingResult& result) {
+                const ProcessingResult given = samples.given(result);
+                if (!report.add(given)) {
+                    samples.add(given); // nobody knows of them
+                }
+            },
         .optimize = optimizeIn(environment),
         .folderAccess = { .securityScope = environment.securityScope },
         .activeProcessorCount = QThread::idealThreadCount(),
@@ -131,11 +137,17 @@ int convert(const CommandLine& line, TerminationSignals& signals)
         return someFailed;
     }
     report.finish();
-    return report.hasFailures() ? someFailed : allWell;
+    return report.hasFailures() || !report.isWhole() ? someFailed : allWell;
+}
+
+int show(const QByteArray& text)
+{
+    return StandardOutput().print(text) ? allWell : someFailed;
 }
 
 int run(int argc, char** argv)
 {
+    fillStandardStreams();
     // A reader that goes away must not end the conversions half way.
     std::signal(SIGPIPE, SIG_IGN);
     // Before the application sees them, which takes out what it thinks is its own.
@@ -150,12 +162,10 @@ int run(int argc, char** argv)
     }
     switch (line->action) {
     case Action::showHelp:
-        std::fputs(usageText().toUtf8().constData(), stdout);
-        return allWell;
+        return show(usageText().toUtf8());
     case Action::showVersion:
-        std::puts("vellumine-batch " VELLUMINE_VERSION " (" VELLUMINE_BUILD_NUMBER ")");
-        std::puts(confinementText().c_str());
-        return allWell;
+        return show("vellumine-batch " VELLUMINE_VERSION " (" VELLUMINE_BUILD_NUMBER ")\n"
+            + QByteArray::fromStdString(confinementText()) + '\n');
     case Action::convert:
         return convert(*line, signals);
     }

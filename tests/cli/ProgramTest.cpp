@@ -22,6 +22,7 @@
 #include <algorithm>
 #include <array>
 #include <csignal>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -75,8 +76,9 @@ protected:
         process.setProcessEnvironment(environment);
         process.setWorkingDirectory(QString::fromStdString(pictures().string()));
         // Away from the terminal that the tests may run in: nobody there is to be asked.
-        process.setChildProcessModifier([] {
+        process.setChildProcessModifier([this] {
             ::setsid();
+            m_beforeItRuns();
             cpu_set_t processors;
             if (::sched_getaffinity(0, sizeof processors, &processors) == 0) {
                 const int first = firstOf(processors);
@@ -105,6 +107,9 @@ protected:
     }
 
     [[nodiscard]] std::filesystem::path folder() const { return m_folder.path(); }
+
+    /// Called in the program's process before it becomes the program.
+    std::function<void()> m_beforeItRuns = [] {};
 
 private:
     static int firstOf(const cpu_set_t& processors)
@@ -228,6 +233,79 @@ TEST_F(Program, samplesThatWereToldOfOutliveTheNextRuns)
     EXPECT_EQ(run({ QStringLiteral("--json"), QStringLiteral("gone.png") }).status, 1);
     EXPECT_EQ(listing(temporary()), samples);
     EXPECT_EQ(QString::fromStdString(samples).count(QStringLiteral(".png")), 2);
+}
+
+TEST_F(Program, outputThatCannotBeWrittenIsStatusOneAndSaidOnce)
+{
+    makePicture("a.bmp");
+    makePicture("b.bmp");
+    for (const QStringList& arguments :
+        { QStringList { QStringLiteral("a.bmp"), QStringLiteral("b.bmp") },
+            QStringList {
+                QStringLiteral("--json"), QStringLiteral("a.bmp"), QStringLiteral("b.bmp") },
+            QStringList { QStringLiteral("--help") },
+            QStringList { QStringLiteral("--version") } }) {
+        QProcess process;
+        process.setStandardOutputFile(QStringLiteral("/dev/full"));
+        start(process, arguments);
+        const Outcome outcome = end(process);
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(outcome.error,
+            QStringLiteral("vellumine-batch: could not write to standard output: No space left on "
+                           "device\n"));
+    }
+    EXPECT_EQ(listing(pictures()), "a.bmp a.webp b.bmp b.webp");
+    EXPECT_EQ(listing(temporary()), ""); // nobody was told of samples
+}
+
+TEST_F(Program, aReaderThatGoesAwayEndsNoConversion)
+{
+    makePicture("a.bmp");
+    makePicture("b.bmp");
+    std::array<int, 2> ends {};
+    ASSERT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
+    platform::FileDescriptor reader(ends[0]);
+    const platform::FileDescriptor writer(ends[1]);
+    m_beforeItRuns = [&] { ::dup2(writer.get(), STDOUT_FILENO); };
+    reader.reset();
+    const Outcome outcome = run({ QStringLiteral("a.bmp"), QStringLiteral("b.bmp") });
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.error,
+        QStringLiteral("vellumine-batch: could not write to standard output: Broken pipe\n"));
+    EXPECT_EQ(listing(pictures()), "a.bmp a.webp b.bmp b.webp");
+}
+
+TEST_F(Program, noFileTakesThePlaceOfAMissingStream)
+{
+    makePicture("a.bmp");
+    m_beforeItRuns = [] {
+        ::close(STDIN_FILENO);
+        ::close(STDOUT_FILENO);
+    };
+    const Outcome outcome = run({ QStringLiteral("a.bmp") });
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.error,
+        QStringLiteral(
+            "vellumine-batch: could not write to standard output: Bad file descriptor\n"));
+    EXPECT_EQ(listing(pictures()), "a.bmp a.webp");
+}
+
+TEST_F(Program, interruptedBeforeItBeginsItConvertsNothingAndSaysSo)
+{
+    makePicture("a.bmp");
+    // It waits until the program listens.
+    m_beforeItRuns = [] {
+        sigset_t signals;
+        ::sigemptyset(&signals);
+        ::sigaddset(&signals, SIGINT);
+        ::sigprocmask(SIG_BLOCK, &signals, nullptr);
+        ::raise(SIGINT);
+    };
+    const Outcome outcome = run({ QStringLiteral("a.bmp") });
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.error, QStringLiteral("Stopped after 0 of 0\n"));
+    EXPECT_EQ(listing(pictures()), "a.bmp");
+    EXPECT_EQ(listing(temporary()), "");
 }
 
 TEST_F(Program, usageErrorsAreStatusTwoOnStandardError)

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QByteArray>
+
+namespace vellumine::cli {
+
+/// Standard output, seen at once by whoever reads it. After the first text that could not be
+/// written there is none: what arrived is the beginning of all, and standard error says, once, why
+/// it is no more.
+class StandardOutput {
+public:
+    /// Whether the text could be written.
+    bool print(const QByteArray& text);
+
+    /// Whether all so far could be written.
+    [[nodiscard]] bool isWhole() const { return m_isWhole; }
+
+private:
+    bool m_isWhole = true;
+};
+
+/// Puts something in the place of standard streams that the program was started without, or files
+/// that it opens would be taken for them and be written into. Before anything else is opened.
+void fillStandardStreams();
+
+} // namespace vellumine::cli
