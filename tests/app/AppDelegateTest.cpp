@@ -5,12 +5,15 @@
 #include "support/TestImages.h"
 
 #include <QImage>
+#include <QQuickItem>
 #include <QScreen>
 #include <QSessionManager>
 #include <QTest>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <string_view>
 
 namespace vellumine {
 namespace {
@@ -127,6 +130,65 @@ TEST_F(Program, theWindowsMenuReachesTheDelegate)
     EXPECT_NE(delegate().preferencesWindow(), nullptr);
     QMetaObject::invokeMethod(delegate().preferencesWindow(), "quitRequested");
     EXPECT_EQ(m_quits, 1);
+}
+
+/// A number typed into the preferences, whose field still has the focus.
+class TypedMaximum : public Program {
+protected:
+    void type()
+    {
+        delegate().launch();
+        delegate().showPreferences();
+        m_window = delegate().preferencesWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(m_window));
+        auto* field = m_window->findChild<QQuickItem*>(QStringLiteral("maximumField"));
+        ASSERT_NE(field, nullptr);
+        field->forceActiveFocus();
+        QMetaObject::invokeMethod(field, "selectAll");
+        for (const char digit : std::string_view("20000")) {
+            QTest::keyClick(m_window, digit);
+        }
+        ASSERT_EQ(delegate().models().settings().maximumPixels(), 2560);
+        m_atQuit = [] { QCoreApplication::quit(); };
+    }
+    [[nodiscard]] qint64 maximumInTheNextRun()
+    {
+        m_delegate.reset();
+        return VellumineSettings(m_preferences.reopen()).maximumPixels();
+    }
+
+    QQuickWindow* m_window = nullptr;
+};
+
+TEST_F(TypedMaximum, isKeptWhenTheProgramIsQuitByItsKeys)
+{
+    ASSERT_NO_FATAL_FAILURE(type());
+    QTimer::singleShot(
+        0, m_window, [&] { QTest::keyClick(m_window, Qt::Key_Q, Qt::ControlModifier); });
+    QCoreApplication::exec();
+    EXPECT_EQ(m_quits, 1);
+    EXPECT_EQ(maximumInTheNextRun(), 20000);
+}
+
+TEST_F(TypedMaximum, isKeptWhenTheProgramIsQuitByItsMenu)
+{
+    ASSERT_NO_FATAL_FAILURE(type());
+    QTimer::singleShot(0, m_window, [&] {
+        auto* menu = m_window->findChild<QObject*>(QStringLiteral("applicationMenu"));
+        QMetaObject::invokeMethod(m_window, "showMenu");
+        QMetaObject::invokeMethod(menu, "quitChosen");
+    });
+    QCoreApplication::exec();
+    EXPECT_EQ(m_quits, 1);
+    EXPECT_EQ(maximumInTheNextRun(), 20000);
+}
+
+TEST_F(TypedMaximum, isKeptWhenTheDesktopOrAnotherWindowQuitsTheProgram)
+{
+    ASSERT_NO_FATAL_FAILURE(type());
+    QTimer::singleShot(0, m_window, [] { QCoreApplication::quit(); });
+    QCoreApplication::exec();
+    EXPECT_EQ(maximumInTheNextRun(), 20000);
 }
 
 TEST_F(Program, theMenuOfAComparisonReachesTheDelegate)

@@ -8,6 +8,14 @@ T.TextField {
 
     property bool light: false
 
+    // The focus stays when the window is closed or the program ends, and yet what was typed until then counts.
+    function finishEditing() {
+        if (!activeFocus)
+            return;
+        Qt.inputMethod.commit();
+        editingFinished();
+    }
+
     Accessible.name: placeholderText
     color: light ? KestrovaTheme.ink : KestrovaTheme.cream
     font: TextStyle.body
@@ -41,5 +49,21 @@ T.TextField {
         text: field.placeholderText
         verticalAlignment: Text.AlignVCenter
         visible: field.length === 0 && field.preeditText.length === 0
+    }
+
+    Connections {
+        function onClosing() {
+            field.finishEditing();
+        }
+
+        target: field.Window.window
+    }
+
+    Connections {
+        function onAboutToQuit() {
+            field.finishEditing();
+        }
+
+        target: Qt.application
     }
 }
