@@ -19,7 +19,7 @@ Item {
     property bool current: false
 
     signal compareRequested
-    signal focusReceived
+    signal focusReceived(SquareButton button)
     signal revealRequested
 
     Accessible.focusable: true
@@ -115,6 +115,8 @@ Item {
         visible: row.hasOutput
 
         ComparisonReviewButtonStyle {
+            id: compareButton
+
             focusPolicy: buttons.focusPolicy
             helpText: qsTr("Open before and after viewer")
             objectName: "compare"
@@ -122,12 +124,14 @@ Item {
 
             onActiveFocusChanged: {
                 if (activeFocus)
-                    row.focusReceived();
+                    row.focusReceived(compareButton);
             }
             onClicked: row.compareRequested()
         }
 
         FinderRevealButtonStyle {
+            id: revealButton
+
             focusPolicy: buttons.focusPolicy
             helpText: qsTr("Show in Finder")
             objectName: "reveal"
@@ -135,7 +139,7 @@ Item {
 
             onActiveFocusChanged: {
                 if (activeFocus)
-                    row.focusReceived();
+                    row.focusReceived(revealButton);
             }
             onClicked: row.revealRequested()
         }

@@ -10,6 +10,7 @@ ListView {
 
     Accessible.name: qsTr("Results")
     Accessible.role: Accessible.List
+    Keys.onEnterPressed: results.compare(currentIndex)
     Keys.onReturnPressed: results.compare(currentIndex)
     Keys.onSpacePressed: results.compare(currentIndex)
     activeFocusOnTab: true
@@ -30,9 +31,12 @@ ListView {
         width: ListView.view.width
 
         onCompareRequested: ListView.view.model.compare(index)
-        onFocusReceived: {
+        onFocusReceived: button => {
+            // A row that becomes the current one takes the focus.
+            const reason = button.focusReason;
             ListView.view.currentIndex = index;
             ListView.view.positionViewAtIndex(index, ListView.Contain);
+            button.forceActiveFocus(reason);
         }
         onRevealRequested: ListView.view.model.reveal(index)
     }

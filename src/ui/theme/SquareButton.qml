@@ -2,7 +2,8 @@ import QtQuick
 import QtQuick.Templates as T
 import Vellumine
 
-// A symbol in an outlined square of 30 by 30; what the row buttons have in common.
+// A symbol in an outlined square of 30 by 30; what the row buttons have in common. Return presses it as well: what it
+// lies in has an answer of its own to that key.
 T.Button {
     id: button
 
@@ -13,8 +14,16 @@ T.Button {
     property real restingOpacity: 0.16
     property real pressedOpacity: 0.42
 
+    // A key that is held presses once.
+    function pressByKey(event) {
+        if (!event.isAutoRepeat)
+            clicked();
+    }
+
     Accessible.name: text.length > 0 ? text : helpText
     Accessible.onPressAction: clicked()
+    Keys.onEnterPressed: event => pressByKey(event)
+    Keys.onReturnPressed: event => pressByKey(event)
     hoverEnabled: true
     implicitHeight: 30
     implicitWidth: 30

@@ -60,6 +60,39 @@ ResultsTestCase {
         compare(fixture.compared.length, 1);
     }
 
+    function test_returnAndEnterDoWhatHasTheFocus_data() {
+        return [
+            {tag: "the row", tabs: 0, compared: 1, revealed: 0},
+            {tag: "the row's comparison", tabs: 1, compared: 1, revealed: 0},
+            {tag: "the row's file", tabs: 2, compared: 0, revealed: 1}
+        ];
+    }
+
+    function test_returnAndEnterDoWhatHasTheFocus(data) {
+        fixture.addMany(2);
+        waitForRendering(list);
+        view().forceActiveFocus(Qt.TabFocusReason);
+        for (let press = 0; press < data.tabs; ++press)
+            keyClick(Qt.Key_Tab);
+        keyClick(Qt.Key_Return);
+        compare([fixture.compared.length, fixture.revealed.length], [data.compared, data.revealed]);
+        keyClick(Qt.Key_Enter);
+        compare([fixture.compared.length, fixture.revealed.length], [2 * data.compared, 2 * data.revealed]);
+    }
+
+    function test_returnAfterAClickOnAButtonDoesTheSameAgain() {
+        fixture.addMany(2);
+        waitForRendering(list);
+        const button = findChild(row(1), "reveal");
+        mouseClick(button);
+        compare(view().currentIndex, 1);
+        verify(button.activeFocus);
+        verify(!button.visualFocus);
+        keyClick(Qt.Key_Return);
+        compare(fixture.revealed.length, 2);
+        compare(fixture.compared.length, 0);
+    }
+
     function test_tabGoesThroughTheButtonsOfTheCurrentRowAlone() {
         fixture.addMany(20);
         waitForRendering(list);
