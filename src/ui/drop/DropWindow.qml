@@ -20,6 +20,12 @@ VellumineWindow {
     title: qsTr("Vellumine")
     width: 820
 
+    // The stored folder may have gone or come back while the user was elsewhere.
+    onActiveChanged: {
+        if (active)
+            settings.refresh();
+    }
+
     DropWindowView {
         anchors.fill: parent
         cornerRadius: window.cornerRadius

@@ -29,6 +29,9 @@ std::optional<QByteArray> SettingsFixture::Bookmarks::create(const QUrl& folder)
 std::optional<platform::FolderBookmarks::Resolution> SettingsFixture::Bookmarks::resolve(
     const QByteArray& bookmark)
 {
+    if (areGone) {
+        return std::nullopt;
+    }
     return Resolution { platform::fileUrl(QString::fromUtf8(bookmark)), false };
 }
 

@@ -30,16 +30,20 @@ public:
 
     /// Remembers the folder as if the user had chosen it.
     Q_INVOKABLE void storeFolder(const QString& path);
+    /// Takes every folder away, or brings them back, while nobody looks.
+    Q_INVOKABLE void setFoldersGone(bool areGone) { m_bookmarks.areGone = areGone; }
 
 Q_SIGNALS:
     void panelCountChanged();
 
 private:
-    /// Any path is a folder.
+    /// Any path is a folder, unless all are gone.
     class Bookmarks final : public platform::FolderBookmarks {
     public:
         std::optional<QByteArray> create(const QUrl& folder) override;
         std::optional<Resolution> resolve(const QByteArray& bookmark) override;
+
+        bool areGone = false;
     };
 
     QTemporaryDir m_folder;
