@@ -2,7 +2,8 @@ import QtQuick
 import QtQuick.Templates as T
 import Vellumine
 
-// The help text of a control, shown while the pointer rests on it, and made only then.
+// The help text of a control, shown while the pointer rests on it and no menu or dialog lies over the window. It is made
+// only then.
 Loader {
     id: help
 
@@ -15,6 +16,14 @@ Loader {
     sourceComponent: T.ToolTip {
         id: tip
 
+        readonly property Item overlay: T.Overlay.overlay
+        /// Of all that lies over the window, if anything does, this is the only one.
+        property bool alone: true
+
+        function look() {
+            alone = Array.from(overlay.visibleChildren).every(item => item === contentItem.parent);
+        }
+
         delay: 600
         horizontalPadding: 8
         implicitHeight: contentItem.implicitHeight + topPadding + bottomPadding
@@ -24,7 +33,7 @@ Loader {
         text: help.text
         timeout: 8000
         verticalPadding: 5
-        visible: help.control.hovered
+        visible: help.control.hovered && alone
         x: (help.control.width - width) / 2
         y: help.control.height + 6
 
@@ -45,6 +54,16 @@ Loader {
                 property: "opacity"
                 to: 1
             }
+        }
+
+        Component.onCompleted: look()
+
+        Connections {
+            function onVisibleChildrenChanged() {
+                tip.look();
+            }
+
+            target: tip.overlay
         }
     }
 }
