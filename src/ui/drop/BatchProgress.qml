@@ -2,14 +2,15 @@ import QtQuick
 import QtQuick.Templates as T
 import Vellumine
 
-// How far the batch is, in a thin bar, and the button that stops it. Nothing where no file is being converted.
+// How far the batch is, in a thin bar, and the button that stops it. While images are looked for the button is alone, and
+// only if that takes a while. Nothing where there is nothing to stop.
 Item {
     id: progress
 
     required property ProcessingPresenter processing
 
     implicitHeight: stop.implicitHeight
-    visible: processing.hasProgress
+    visible: processing.offersStop
 
     T.ProgressBar {
         id: bar
@@ -21,6 +22,7 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
         implicitHeight: 4
         objectName: "bar"
+        visible: progress.processing.hasProgress
         value: progress.processing.progress
 
         background: Rectangle {
@@ -43,6 +45,11 @@ Item {
                 }
             }
         }
+    }
+
+    // A click on the button that has nothing more to stop is none on what lies below.
+    MouseArea {
+        anchors.fill: stop
     }
 
     SquareButton {

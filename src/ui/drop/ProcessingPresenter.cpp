@@ -9,21 +9,26 @@
 
 namespace vellumine {
 
-ProcessingPresenter::ProcessingPresenter(ProcessingModel& model, QObject* parent)
+ProcessingPresenter::ProcessingPresenter(
+    ProcessingModel& model, std::chrono::milliseconds shortScan, QObject* parent)
     : QObject(parent)
     , m_model(model)
+    , m_shortScan(this)
 {
+    m_shortScan.setSingleShot(true);
+    m_shortScan.setInterval(shortScan);
+    connect(&m_shortScan, &QTimer::timeout, this, &ProcessingPresenter::updateStop);
     connect(
         &model, &ProcessingModel::statusTextChanged, this, &ProcessingPresenter::statusTextChanged);
     connect(&model, &ProcessingModel::isProcessingChanged, this, [this] {
         Q_EMIT isProcessingChanged();
-        updateStop();
+        followScan();
     });
     connect(&model, &ProcessingModel::progressChanged, this, [this] {
         Q_EMIT progressChanged();
-        updateStop();
+        followScan();
     });
-    updateStop();
+    followScan();
 }
 
 bool ProcessingPresenter::isProcessing() const
@@ -66,7 +71,7 @@ QString ProcessingPresenter::progressText() const
 
 bool ProcessingPresenter::canStop() const
 {
-    return isProcessing() && hasProgress() && m_stopping != Stopping::atOnce;
+    return isProcessing() && m_stopping != Stopping::atOnce;
 }
 
 QString ProcessingPresenter::stopText() const
@@ -109,7 +114,7 @@ void ProcessingPresenter::stop()
         return;
     }
     if (m_stopping == Stopping::no) {
-        m_stopping = Stopping::afterThoseInFlight;
+        m_stopping = isScanning() ? Stopping::atOnce : Stopping::afterThoseInFlight;
         m_model.stop();
     } else {
         m_stopping = Stopping::atOnce;
@@ -118,16 +123,39 @@ void ProcessingPresenter::stop()
     updateStop();
 }
 
+bool ProcessingPresenter::isScanning() const
+{
+    return isProcessing() && !hasProgress();
+}
+
+void ProcessingPresenter::followScan()
+{
+    if (!isScanning()) {
+        m_shortScan.stop();
+    } else if (!m_shortScan.isActive()) {
+        m_shortScan.start();
+    }
+    updateStop();
+}
+
 void ProcessingPresenter::updateStop()
 {
-    // Progress of 0 of 0 stands between two batches, where a drop of meanwhile starts the next one
-    // without the processing ever ending.
-    if (!hasProgress()) {
+    // So it is between two batches as well, where a drop of meanwhile starts the next one.
+    if (!isProcessing() && !hasProgress()) {
         m_stopping = Stopping::no;
     }
     if (std::pair stop(canStop(), stopText()); stop != m_lastStop) {
         m_lastStop = std::move(stop);
         Q_EMIT canStopChanged();
+    }
+    setOffersStop(hasProgress() || (isScanning() && !m_shortScan.isActive()));
+}
+
+void ProcessingPresenter::setOffersStop(bool offers)
+{
+    if (m_offersStop != offers) {
+        m_offersStop = offers;
+        Q_EMIT offersStopChanged();
     }
 }
 

@@ -3,9 +3,11 @@
 #include <QList>
 #include <QObject>
 #include <QString>
+#include <QTimer>
 #include <QUrl>
 #include <QtQml/qqmlregistration.h>
 
+#include <chrono>
 #include <utility>
 
 namespace vellumine {
@@ -25,16 +27,22 @@ class ProcessingPresenter : public QObject {
     Q_PROPERTY(bool hasProgress READ hasProgress NOTIFY progressChanged)
     Q_PROPERTY(double progress READ progress NOTIFY progressChanged)
     Q_PROPERTY(QString progressText READ progressText NOTIFY progressChanged)
-    /// The batch can be stopped: files are being converted, and stop() would still change that.
+    /// The batch can be stopped: it runs, and stop() would still change that.
     Q_PROPERTY(bool canStop READ canStop NOTIFY canStopChanged)
+    /// Stopping is offered: files are being converted, or were looked for longer than a blink.
+    Q_PROPERTY(bool offersStop READ offersStop NOTIFY offersStopChanged)
     /// What stop() would do.
     Q_PROPERTY(QString stopText READ stopText NOTIFY canStopChanged)
     /// The filters of the file dialog, the pictures first.
     Q_PROPERTY(QStringList nameFilters READ nameFilters CONSTANT)
 
 public:
+    /// How long a scan lasts that ends before anybody would stop it.
+    static constexpr std::chrono::milliseconds shortScanTime { 400 };
+
     /// The model has to outlive the presenter.
-    explicit ProcessingPresenter(ProcessingModel& model, QObject* parent = nullptr);
+    explicit ProcessingPresenter(ProcessingModel& model,
+        std::chrono::milliseconds shortScan = shortScanTime, QObject* parent = nullptr);
 
     [[nodiscard]] bool isProcessing() const;
     [[nodiscard]] QString symbol() const;
@@ -44,6 +52,7 @@ public:
     [[nodiscard]] double progress() const;
     [[nodiscard]] QString progressText() const;
     [[nodiscard]] bool canStop() const;
+    [[nodiscard]] bool offersStop() const { return m_offersStop; }
     [[nodiscard]] QString stopText() const;
     [[nodiscard]] static QStringList nameFilters();
 
@@ -51,7 +60,8 @@ public:
     Q_INVOKABLE void loadDroppedFiles(const QList<QUrl>& urls);
     /// The same with the files that were copied elsewhere; without any nothing happens.
     Q_INVOKABLE void paste();
-    /// Begins no further file of the batch; asked for again, gives up those in flight.
+    /// Begins no further file of the batch; asked for again, gives up those in flight. While images
+    /// are looked for none is.
     Q_INVOKABLE void stop();
 
 Q_SIGNALS:
@@ -59,14 +69,20 @@ Q_SIGNALS:
     void statusTextChanged();
     void progressChanged();
     void canStopChanged();
+    void offersStopChanged();
 
 private:
+    [[nodiscard]] bool isScanning() const;
+    void followScan();
     void updateStop();
+    void setOffersStop(bool offers);
 
     ProcessingModel& m_model;
     enum class Stopping { no, afterThoseInFlight, atOnce };
     Stopping m_stopping = Stopping::no;
     std::pair<bool, QString> m_lastStop { false, stopText() }; ///< what was told last
+    QTimer m_shortScan; ///< runs while the scan may be one
+    bool m_offersStop = false;
 };
 
 } // namespace vellumine

@@ -1,5 +1,6 @@
 #include "ui/drop/ProcessingPresenter.h"
 
+#include "batch/HoldingScope.h"
 #include "batch/ModelHarness.h"
 
 #include <QClipboard>
@@ -96,6 +97,81 @@ TEST_F(ProcessingPresenterTest, StopsABatchAfterTheFilesInFlight)
     EXPECT_EQ(m_presenter.statusText(), QStringLiteral("Stopped after 2 of 4"));
     EXPECT_EQ(m_presenter.stopText(), QStringLiteral("Stop"));
     EXPECT_EQ(changes.count(), 4); // it can, what it does, it cannot, what it would do
+}
+
+/// The batches of a model whose scans last until the test ends them.
+class LongScan : public ModelHarness {
+protected:
+    ~LongScan() override { m_holding->letGo(); }
+
+    void scan()
+    {
+        m_holding->hold();
+        m_model->process(pictures({ QStringLiteral("a.jpg") }));
+        ASSERT_TRUE(runUntilStatus("Scanning for images..."));
+    }
+    void finish()
+    {
+        m_holding->letGo();
+        m_optimizer.letAllGo();
+        ASSERT_TRUE(runUntilIdle());
+    }
+
+    std::shared_ptr<HoldingScope> m_holding = std::make_shared<HoldingScope>();
+    ProcessingModel& m_batches { makeModel(heldBack()) };
+
+private:
+    ProcessingModel::Dependencies heldBack()
+    {
+        ProcessingModel::Dependencies held = dependencies();
+        held.folderAccess.securityScope = m_holding;
+        return held;
+    }
+};
+
+TEST_F(LongScan, CanBeStopped)
+{
+    ProcessingPresenter presenter(m_batches);
+    ASSERT_NO_FATAL_FAILURE(scan());
+    EXPECT_TRUE(presenter.canStop());
+    EXPECT_EQ(presenter.stopText(), QStringLiteral("Stop"));
+    presenter.stop();
+    EXPECT_FALSE(presenter.canStop()) << "nothing is in flight that could be given up";
+    ASSERT_NO_FATAL_FAILURE(finish());
+    EXPECT_EQ(presenter.statusText(), QStringLiteral("Stopped after 0 of 0"));
+    EXPECT_TRUE(m_optimizer.begun().isEmpty());
+    ASSERT_NO_FATAL_FAILURE(scan());
+    EXPECT_TRUE(presenter.canStop()) << "the next batch";
+    EXPECT_EQ(presenter.stopText(), QStringLiteral("Stop"));
+    ASSERT_NO_FATAL_FAILURE(finish());
+}
+
+TEST_F(LongScan, OffersToBeStoppedAndGoesOnOfferingItOfTheConversions)
+{
+    const ProcessingPresenter presenter(m_batches, std::chrono::milliseconds(0));
+    const QSignalSpy changes(&presenter, &ProcessingPresenter::offersStopChanged);
+    ASSERT_NO_FATAL_FAILURE(scan());
+    ASSERT_TRUE(runUntil([&] { return presenter.offersStop(); }));
+    EXPECT_FALSE(presenter.hasProgress());
+    m_holding->letGo();
+    ASSERT_TRUE(m_optimizer.waitUntilBegun(1));
+    EXPECT_TRUE(presenter.hasProgress());
+    EXPECT_EQ(changes.count(), 1);
+    ASSERT_NO_FATAL_FAILURE(finish());
+    EXPECT_FALSE(presenter.offersStop());
+}
+
+TEST_F(LongScan, OffersNothingWhileItMayBeAShortOne)
+{
+    const ProcessingPresenter presenter(m_batches, std::chrono::hours(1));
+    const QSignalSpy changes(&presenter, &ProcessingPresenter::offersStopChanged);
+    ASSERT_NO_FATAL_FAILURE(scan());
+    EXPECT_FALSE(presenter.offersStop());
+    m_holding->letGo();
+    ASSERT_TRUE(m_optimizer.waitUntilBegun(1));
+    EXPECT_TRUE(presenter.offersStop());
+    ASSERT_NO_FATAL_FAILURE(finish());
+    EXPECT_EQ(changes.count(), 2);
 }
 
 TEST_F(ProcessingPresenterTest, GivesUpTheFilesInFlightWhenAskedAgain)

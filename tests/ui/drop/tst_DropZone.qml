@@ -143,6 +143,48 @@ DropWindowTestCase {
         compare(batches.presenter.statusText, before);
     }
 
+    function test_stopWhileImagesAreLookedFor() {
+        const bar = findChild(zone, "bar");
+        const stop = findChild(zone, "stopButton");
+        batches.holdScan();
+        batches.dropPhotos(3);
+        tryVerify(() => stop.visible);
+        verify(!bar.visible);
+        const place = stop.mapToItem(view, 0, 0);
+        batches.letScanGo();
+        tryVerify(() => bar.visible);
+        verify(stop.visible);
+        compare(stop.mapToItem(view, 0, 0), place);
+        batches.letAllGo();
+        tryVerify(() => batches.presenter.statusText === "Done");
+        batches.holdScan();
+        batches.dropPhotos(3);
+        tryVerify(() => stop.visible);
+        mouseClick(stop);
+        verify(!stop.enabled);
+        mouseClick(stop);
+        verify(!zone.isChoosing, "a click too many is none on the zone");
+        batches.letScanGo();
+        tryVerify(() => batches.presenter.statusText === "Stopped after 0 of 0");
+        verify(!stop.visible);
+    }
+
+    function test_returnStopsWhereTheButtonHasTheFocus_data() {
+        return [{tag: "Return", key: Qt.Key_Return}, {tag: "Enter", key: Qt.Key_Enter}];
+    }
+
+    function test_returnStopsWhereTheButtonHasTheFocus(row) {
+        const stop = findChild(zone, "stopButton");
+        batches.dropPhotos(10);
+        tryVerify(() => findChild(zone, "bar").visible);
+        stop.forceActiveFocus(Qt.TabFocusReason);
+        keyClick(row.key);
+        compare(stop.Accessible.name, "Stop now");
+        verify(!zone.isChoosing);
+        batches.letAllGo();
+        tryVerify(() => batches.presenter.statusText.startsWith("Stopped after "));
+    }
+
     function test_progressAndStop() {
         const bar = findChild(zone, "bar");
         const stop = findChild(zone, "stopButton");

@@ -54,26 +54,4 @@ void ProcessingFixture::copyText(const QString& text)
     QGuiApplication::clipboard()->setText(text);
 }
 
-bool ProcessingFixture::HoldingScope::startAccessing(const QUrl& /*url*/)
-{
-    std::unique_lock lock(m_mutex);
-    m_changed.wait(lock, [this] { return !m_isHolding; });
-    return true;
-}
-
-void ProcessingFixture::HoldingScope::hold()
-{
-    const std::scoped_lock lock(m_mutex);
-    m_isHolding = true;
-}
-
-void ProcessingFixture::HoldingScope::letGo()
-{
-    {
-        const std::scoped_lock lock(m_mutex);
-        m_isHolding = false;
-    }
-    m_changed.notify_all();
-}
-
 } // namespace vellumine

@@ -1,21 +1,21 @@
 #pragma once
 
 #include "batch/FakeOptimizer.h"
+#include "batch/HoldingScope.h"
 #include "batch/ProcessingModel.h"
-#include "platform/SecurityScope.h"
 #include "ui/drop/ProcessingPresenter.h"
 
 #include <QObject>
 #include <QStringList>
 #include <qqmlregistration.h>
 
-#include <condition_variable>
+#include <chrono>
 #include <memory>
-#include <mutex>
 
 namespace vellumine {
 
-/// A model of batches whose files are never read: each conversion ends when the test lets it.
+/// A model of batches whose files are never read: each conversion ends when the test lets it. No
+/// scan is short.
 class ProcessingFixture : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -44,26 +44,12 @@ public:
     Q_INVOKABLE static void copyText(const QString& text);
 
 private:
-    /// Grants everything, and while it holds, late.
-    class HoldingScope final : public platform::SecurityScope {
-    public:
-        [[nodiscard]] bool startAccessing(const QUrl& url) override;
-        void stopAccessing(const QUrl& /*url*/) override { }
-        void hold();
-        void letGo();
-
-    private:
-        std::mutex m_mutex;
-        std::condition_variable m_changed;
-        bool m_isHolding = false;
-    };
-
     [[nodiscard]] ProcessingModel::Dependencies dependencies();
 
     test::FakeOptimizer m_optimizer { test::FakeOptimizer::Mode::hold };
-    std::shared_ptr<HoldingScope> m_scope = std::make_shared<HoldingScope>();
+    std::shared_ptr<test::HoldingScope> m_scope = std::make_shared<test::HoldingScope>();
     ProcessingModel m_model { dependencies() };
-    ProcessingPresenter m_presenter { m_model };
+    ProcessingPresenter m_presenter { m_model, std::chrono::milliseconds(0) };
 };
 
 } // namespace vellumine

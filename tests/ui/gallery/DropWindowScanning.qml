@@ -1,8 +1,8 @@
 import QtQuick
 
-// Folders are being searched.
+// Folders are being searched, for a while.
 DropWindowStage {
-    readonly property bool ready: processing.isProcessing
+    readonly property bool ready: processing.offersStop
 
     Component.onCompleted: {
         batches.holdScan();
