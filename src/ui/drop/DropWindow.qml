@@ -44,26 +44,7 @@ VellumineWindow {
         prompt: window.overwritePrompt
     }
 
-    // By its address: what dialogs need is loaded when the first one opens.
-    Loader {
-        id: folderDialog
-
-        function load() {
-            if (!item)
-                setSource("FolderPanelDialog.qml", {"panel": window.folderPanel});
-        }
-
-        Component.onCompleted: {
-            if (window.folderPanel.isShown)
-                load();
-        }
-    }
-
-    Connections {
-        function onAsked() {
-            folderDialog.load();
-        }
-
-        target: window.folderPanel
+    FolderPanels {
+        panel: window.folderPanel
     }
 }

@@ -4,8 +4,11 @@
 #include "ui/dialogs/FolderPanelPresenter.h"
 #include "ui/dialogs/OverwritePromptPresenter.h"
 
+#include <QDir>
 #include <QObject>
 #include <QStringList>
+#include <QTemporaryDir>
+#include <QUrl>
 #include <qqmlregistration.h>
 
 namespace vellumine {
@@ -33,16 +36,28 @@ public:
         });
     }
 
-    Q_INVOKABLE void askFolder(const QString& message, const QUrl& folder)
+    /// A folder of this fixture, with those on the way to it.
+    Q_INVOKABLE QUrl makeFolder(const QString& path)
     {
-        m_folderPanel.show({ .message = message, .prompt = {}, .folder = folder },
-            [](const std::optional<QUrl>& /*chosen*/) {});
+        QDir(m_folder.path()).mkpath(path);
+        return platform::fileUrl(m_folder.filePath(path));
+    }
+
+    Q_INVOKABLE void askFolder(
+        const QString& message, const QUrl& folder, const QString& prompt = {})
+    {
+        m_folderPanel.show({ .message = message, .prompt = prompt, .folder = folder },
+            [this](const std::optional<QUrl>& chosen) {
+                m_answers.append(chosen ? chosen->toString() : QStringLiteral("cancelled"));
+                Q_EMIT answered();
+            });
     }
 
 Q_SIGNALS:
     void answered();
 
 private:
+    QTemporaryDir m_folder;
     QStringList m_answers;
     OverwritePromptPresenter m_overwritePrompt;
     FolderPanelPresenter m_folderPanel;
