@@ -32,8 +32,12 @@ AppDelegate::AppDelegate(Surroundings surroundings)
     , m_mainWindow([this] { return makeMainWindow(); })
     , m_preferencesWindow([this] { return makePreferencesWindow(); })
 {
-    connect(&m_overwritePrompt, &OverwritePromptPresenter::asked, this, &AppDelegate::showQuestion);
-    connect(&m_folderPanel, &FolderPanelPresenter::asked, this, &AppDelegate::showQuestion);
+    connect(&m_overwritePrompt, &OverwritePromptPresenter::asked, this,
+        &AppDelegate::showOverwritePrompt);
+    // Its window comes to the front, whichever other one of ours the user is in.
+    connect(&m_folderPanel, &FolderPanelPresenter::asked, this, [this] { showMainWindow(); });
+    connect(&m_preferencesFolderPanel, &FolderPanelPresenter::asked, this,
+        [this] { showPreferences(); });
     connect(m_comparison.get(), &ImageComparisonPresenter::preferencesRequested, this,
         &AppDelegate::openPreferencesFromMenu);
     connect(m_comparison.get(), &ImageComparisonPresenter::quitRequested, this,
@@ -57,8 +61,13 @@ AppModels::Questions AppDelegate::questions()
               const OverwritePrompt::Answer& answer) { m_overwritePrompt.ask(url, answer); },
         .showFolderPanel
         = [this](const FolderPanel& panel,
-              const FolderPanelAnswer& answer) { m_folderPanel.show(panel, answer); },
+              const FolderPanelAnswer& answer) { folderPanels(panel.window).show(panel, answer); },
     };
+}
+
+FolderPanelPresenter& AppDelegate::folderPanels(FolderPanel::Window window)
+{
+    return window == FolderPanel::Window::preferences ? m_preferencesFolderPanel : m_folderPanel;
 }
 
 void AppDelegate::launch(const ActivationToken& token)
@@ -112,10 +121,12 @@ void AppDelegate::quitFromMenu()
     m_quit();
 }
 
-void AppDelegate::showQuestion()
+void AppDelegate::showOverwritePrompt()
 {
-    // Questions stand in the main window, which may have been closed.
-    if (!mainWindow() || !mainWindow()->isVisible()) {
+    // It stands in the main window, which may have been closed. Where that is in sight
+    // it stays where it is: the user may be typing elsewhere, and Return would replace the file.
+    const QQuickWindow* window = mainWindow();
+    if (!window || !window->isVisible()) {
         showMainWindow();
     }
 }
@@ -192,6 +203,7 @@ std::unique_ptr<QQuickWindow> AppDelegate::makePreferencesWindow()
         {
             { QStringLiteral("settings"), QVariant::fromValue(&m_settings) },
             { QStringLiteral("stats"), QVariant::fromValue(&m_stats) },
+            { QStringLiteral("folderPanel"), QVariant::fromValue(&m_preferencesFolderPanel) },
         });
 }
 

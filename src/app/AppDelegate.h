@@ -81,7 +81,8 @@ private:
         const char* type, const QVariantMap& properties);
     [[nodiscard]] std::unique_ptr<QQuickWindow> makeMainWindow();
     [[nodiscard]] std::unique_ptr<QQuickWindow> makePreferencesWindow();
-    void showQuestion();
+    [[nodiscard]] FolderPanelPresenter& folderPanels(FolderPanel::Window window);
+    void showOverwritePrompt();
     void applyMotion();
     void applyMenuRegistrar();
 
@@ -95,6 +96,7 @@ private:
     std::chrono::milliseconds m_windowGrowingTime;
     OverwritePromptPresenter m_overwritePrompt;
     FolderPanelPresenter m_folderPanel;
+    FolderPanelPresenter m_preferencesFolderPanel;
     AppModels m_models;
     SettingsPresenter m_settings;
     StatsPresenter m_stats;

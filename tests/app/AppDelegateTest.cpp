@@ -18,7 +18,22 @@
 namespace vellumine {
 namespace {
 
-class Program : public testing::Test, protected test::TestProgram { };
+class Program : public testing::Test, protected test::TestProgram {
+protected:
+    /// The user wants to be asked before what is in the way of its output is replaced.
+    QUrl pictureWithOutputInTheWay()
+    {
+        delegate().models().settings().setWarnBeforeOverwrite(true);
+        delegate().models().settings().setFilenameSuffix(QStringLiteral("-small"));
+        // Any file will do as what is in the way.
+        test::writeFile(m_folder / "pictures" / "a-small.png", std::string_view("in the way"));
+        const std::filesystem::path source = m_folder / "pictures" / "a.bmp";
+        QImage picture(8, 8, QImage::Format_RGB32);
+        picture.fill(Qt::red);
+        EXPECT_TRUE(picture.save(QString::fromStdString(source.string())));
+        return platform::fileUrl(source);
+    }
+};
 
 TEST_F(Program, makesTheProcessingModelWhenItIsFirstAskedFor)
 {
@@ -357,22 +372,49 @@ TEST_F(Program, removesSamplesThatACrashLeft)
 
 TEST_F(Program, endsWhileAQuestionIsOpen)
 {
-    delegate().models().settings().setWarnBeforeOverwrite(true);
-    delegate().models().settings().setFilenameSuffix(QStringLiteral("-small"));
-    // Any file will do as what is in the way.
-    test::writeFile(m_folder / "pictures" / "a-small.png", std::string_view("in the way"));
-    const std::filesystem::path source = m_folder / "pictures" / "a.bmp";
-    QImage picture(8, 8, QImage::Format_RGB32);
-    picture.fill(Qt::red);
-    ASSERT_TRUE(picture.save(QString::fromStdString(source.string())));
-
+    const QUrl source = pictureWithOutputInTheWay();
     delegate().launch();
     delegate().mainWindow()->close();
-    delegate().process({ platform::fileUrl(source) });
+    delegate().process({ source });
     // The question brings the window back.
     ASSERT_TRUE(QTest::qWaitFor([&] { return delegate().mainWindow()->isVisible(); }, 20000));
     m_delegate.reset();
     EXPECT_EQ(std::filesystem::file_size(m_folder / "pictures" / "a-small.png"), 10U);
+}
+
+TEST_F(Program, aFolderIsChosenInTheWindowThatAsks)
+{
+    delegate().launch();
+    delegate().showPreferences();
+    QQuickWindow& main = *delegate().mainWindow();
+    QQuickWindow& preferences = *delegate().preferencesWindow();
+    auto* const settings = main.property("settings").value<SettingsPresenter*>();
+    auto* const inMain = main.property("folderPanel").value<FolderPanelPresenter*>();
+    auto* const inPreferences = preferences.property("folderPanel").value<FolderPanelPresenter*>();
+    main.close();
+
+    settings->chooseDestinationFolder();
+    EXPECT_TRUE(inPreferences->isShown());
+    EXPECT_FALSE(inMain->isShown());
+    EXPECT_FALSE(main.isVisible());
+
+    settings->chooseAndUseDestinationFolder();
+    EXPECT_TRUE(inMain->isShown());
+    EXPECT_TRUE(main.isVisible());
+}
+
+TEST_F(Program, aFolderPanelComesToTheFrontWithItsWindow)
+{
+    delegate().launch();
+    delegate().showPreferences();
+    QQuickWindow* const main = delegate().mainWindow();
+    QQuickWindow* const preferences = delegate().preferencesWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(preferences));
+    auto* const settings = main->property("settings").value<SettingsPresenter*>();
+    settings->chooseAndUseDestinationFolder();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(main));
+    settings->chooseDestinationFolder();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(preferences));
 }
 
 TEST(ReusableWindow, isNoLargerThanItsScreen)

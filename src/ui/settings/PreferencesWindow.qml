@@ -7,6 +7,7 @@ VellumineWindow {
 
     required property SettingsPresenter settings
     required property StatsPresenter stats
+    required property FolderPanelPresenter folderPanel
 
     height: 840
     minimumHeight: 780
@@ -26,5 +27,9 @@ VellumineWindow {
         cornerRadius: window.cornerRadius
         settings: window.settings
         stats: window.stats
+    }
+
+    FolderPanels {
+        panel: window.folderPanel
     }
 }

@@ -395,26 +395,39 @@ void SettingsPresenter::refresh()
 
 void SettingsPresenter::runFolderChooser(AfterChoosing after)
 {
+    if (!m_openChoosers.insert(after).second) {
+        return;
+    }
     const FolderPanel panel {
         .message = tr("Choose where converted images should be saved."),
         .prompt = {},
         .folder = storedFolder(),
         .newFolders = FolderPanel::NewFolders::allowed,
+        .window = after == AfterChoosing::useFolder ? FolderPanel::Window::main
+                                                    : FolderPanel::Window::preferences,
     };
     m_showFolderPanel(
         panel, [presenter = QPointer(this), after](const std::optional<QUrl>& folder) {
-            if (!presenter || !folder) {
+            if (!presenter) {
                 return;
             }
-            const auto bookmark = presenter->m_bookmarks.create(*folder);
-            if (!bookmark) {
-                return;
-            }
-            presenter->m_settings.setDestinationFolderBookmark(*bookmark);
-            if (after == AfterChoosing::useFolder) {
-                presenter->m_settings.setDestinationMode(DestinationMode::selectedFolder);
+            presenter->m_openChoosers.erase(after);
+            if (folder) {
+                presenter->takeFolder(*folder, after);
             }
         });
+}
+
+void SettingsPresenter::takeFolder(const QUrl& folder, AfterChoosing after)
+{
+    const auto bookmark = m_bookmarks.create(folder);
+    if (!bookmark) {
+        return;
+    }
+    m_settings.setDestinationFolderBookmark(*bookmark);
+    if (after == AfterChoosing::useFolder) {
+        m_settings.setDestinationMode(DestinationMode::selectedFolder);
+    }
 }
 
 std::optional<QUrl> SettingsPresenter::storedFolder() const

@@ -8,7 +8,9 @@
 #include <QVariantList>
 #include <QtQml/qqmlregistration.h>
 
+#include <cstdint>
 #include <optional>
+#include <set>
 
 namespace vellumine {
 
@@ -18,9 +20,9 @@ namespace platform {
 class FolderBookmarks;
 }
 
-/// The preferences as the chips and the preferences window show and change them. Keeps nothing:
-/// each property reads the store, and each write goes to it at once. Choices are numbered as their
-/// pickers list them.
+/// The preferences as the chips and the preferences window show and change them. Of the
+/// preferences it keeps nothing: each property reads the store, and each write goes to it at once.
+/// Choices are numbered as their pickers list them.
 class SettingsPresenter : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -163,6 +165,7 @@ public:
     /// else leaves the limit as it was; the field is told to show it again.
     Q_INVOKABLE void enterMaximumPixels(const QString& text);
 
+    // A chooser that is open already does not open again.
     /// The chooser of the preferences: stores the folder that the user chooses.
     Q_INVOKABLE void chooseDestinationFolder();
     /// The chooser of the chip: stores the folder and sends outputs there.
@@ -179,11 +182,13 @@ private:
     enum class AfterChoosing : std::uint8_t { keepMode, useFolder };
 
     void runFolderChooser(AfterChoosing after);
+    void takeFolder(const QUrl& folder, AfterChoosing after);
     [[nodiscard]] std::optional<QUrl> storedFolder() const;
 
     VellumineSettings& m_settings;
     platform::FolderBookmarks& m_bookmarks;
     ShowFolderPanel m_showFolderPanel;
+    std::set<AfterChoosing> m_openChoosers;
 };
 
 } // namespace vellumine

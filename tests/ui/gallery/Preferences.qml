@@ -5,6 +5,7 @@ import VellumineTest
 PreferencesWindow {
     id: window
 
+    folderPanel: questions.folderPanel
     settings: settings.presenter
     stats: totals.presenter
 
@@ -13,4 +14,5 @@ PreferencesWindow {
         id: totals
         Component.onCompleted: set(1234, 1200, 8123456789, 3123456789, 5000000000, 23456789)
     }
+    DialogFixture { id: questions }
 }

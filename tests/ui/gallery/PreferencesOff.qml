@@ -6,6 +6,7 @@ PreferencesWindow {
     id: window
 
     height: 780
+    folderPanel: questions.folderPanel
     settings: settings.presenter
     stats: totals.presenter
 
@@ -21,4 +22,5 @@ PreferencesWindow {
         }
     }
     StatsFixture { id: totals }
+    DialogFixture { id: questions }
 }

@@ -383,6 +383,36 @@ TEST_F(Presenter, aFolderThatCannotBeRememberedLeavesThePreviousOne)
     EXPECT_EQ(m_settings.destinationMode(), DestinationMode::originalLocation);
 }
 
+TEST_F(Presenter, eachChooserOpensInItsWindow)
+{
+    m_presenter->chooseDestinationFolder();
+    m_presenter->chooseAndUseDestinationFolder();
+    ASSERT_EQ(m_panels.size(), 2U);
+    EXPECT_EQ(m_panels.at(0).window, FolderPanel::Window::preferences);
+    EXPECT_EQ(m_panels.at(1).window, FolderPanel::Window::main);
+}
+
+TEST_F(Presenter, aChooserThatIsOpenDoesNotOpenAgain)
+{
+    std::vector<FolderPanelAnswer> open;
+    m_answer = [&open](const FolderPanelAnswer& answer) { open.push_back(answer); };
+    m_presenter->chooseDestinationFolder();
+    m_presenter->chooseDestinationFolder();
+    ASSERT_EQ(m_panels.size(), 1U);
+    m_presenter->chooseAndUseDestinationFolder();
+    m_presenter->chooseAndUseDestinationFolder();
+    ASSERT_EQ(m_panels.size(), 2U) << "the other chooser is one of its own";
+
+    open.at(0)(std::nullopt);
+    m_presenter->chooseAndUseDestinationFolder();
+    EXPECT_EQ(m_panels.size(), 2U);
+    m_presenter->chooseDestinationFolder();
+    EXPECT_EQ(m_panels.size(), 3U);
+    open.at(1)(folder("/pictures/new"));
+    m_presenter->chooseAndUseDestinationFolder();
+    EXPECT_EQ(m_panels.size(), 4U);
+}
+
 TEST_F(Presenter, anAnswerAfterThePresentersEndIsIgnored)
 {
     FolderPanelAnswer late;
