@@ -123,10 +123,10 @@ void AppDelegate::quitFromMenu()
 
 void AppDelegate::showOverwritePrompt()
 {
-    // It stands in the main window, which may have been closed. Where that is in sight
+    // It stands in the main window, which may have been closed or minimised. Where that is in sight
     // it stays where it is: the user may be typing elsewhere, and Return would replace the file.
     const QQuickWindow* window = mainWindow();
-    if (!window || !window->isVisible()) {
+    if (!window || !window->isVisible() || window->windowStates().testFlag(Qt::WindowMinimized)) {
         showMainWindow();
     }
 }

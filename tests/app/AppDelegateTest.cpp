@@ -382,6 +382,19 @@ TEST_F(Program, endsWhileAQuestionIsOpen)
     EXPECT_EQ(std::filesystem::file_size(m_folder / "pictures" / "a-small.png"), 10U);
 }
 
+TEST_F(Program, aQuestionRestoresAMinimisedWindow)
+{
+    const QUrl source = pictureWithOutputInTheWay();
+    delegate().launch();
+    QQuickWindow& window = *delegate().mainWindow();
+    window.setWindowStates(Qt::WindowMaximized | Qt::WindowMinimized);
+    delegate().process({ source });
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return window.windowStates() == Qt::WindowMaximized; }, 20000));
+    m_delegate.reset();
+    EXPECT_EQ(std::filesystem::file_size(m_folder / "pictures" / "a-small.png"), 10U);
+}
+
 TEST_F(Program, aFolderIsChosenInTheWindowThatAsks)
 {
     delegate().launch();
