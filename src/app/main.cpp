@@ -76,6 +76,14 @@ int run(int argc, char** argv)
     }
     QApplication::setWindowIcon(QIcon::fromTheme(SingleInstance::busName()));
 
+    // From then on other processes see to their files themselves.
+    const auto quit = [&instance] {
+        instance.leave();
+        QCoreApplication::quit();
+    };
+    QObject::connect(
+        &application, &QCoreApplication::aboutToQuit, &instance, &SingleInstance::leave);
+
     platform::DesktopFileRevealer revealer(bus, openWithDesktop);
     AppDelegate delegate({
         .models = {
@@ -89,15 +97,14 @@ int run(int argc, char** argv)
         .bus = bus,
         .reveal = [&revealer](const QUrl& file) { revealer.reveal(file); },
         .openPage = openWithDesktop,
-        .quit = [] { QCoreApplication::quit(); },
+        .quit = quit,
     });
     QObject::connect(
         &instance, &SingleInstance::activationRequested, &delegate, &AppDelegate::showMainWindow);
     QObject::connect(&instance, &SingleInstance::openRequested, &delegate, &AppDelegate::open);
     QObject::connect(
         &instance, &SingleInstance::preferencesRequested, &delegate, &AppDelegate::showPreferences);
-    QObject::connect(
-        &instance, &SingleInstance::quitRequested, &delegate, [] { QCoreApplication::quit(); });
+    QObject::connect(&instance, &SingleInstance::quitRequested, &delegate, quit);
     delegate.launch(token);
     if (!files.isEmpty()) {
         delegate.process(files);

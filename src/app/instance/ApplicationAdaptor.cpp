@@ -3,6 +3,8 @@
 #include "app/instance/SingleInstance.h"
 #include "platform/FilePath.h"
 
+#include <QDBusError>
+
 namespace vellumine {
 
 ApplicationAdaptor::ApplicationAdaptor(SingleInstance* instance)
@@ -11,13 +13,20 @@ ApplicationAdaptor::ApplicationAdaptor(SingleInstance* instance)
 {
 }
 
-void ApplicationAdaptor::Activate(const QVariantMap& platformData)
+void ApplicationAdaptor::Activate(const QVariantMap& platformData, const QDBusMessage& call)
 {
+    if (refuses(call)) {
+        return;
+    }
     Q_EMIT m_instance.activationRequested(ActivationToken::fromPlatformData(platformData));
 }
 
-void ApplicationAdaptor::Open(const QStringList& uris, const QVariantMap& platformData)
+void ApplicationAdaptor::Open(
+    const QStringList& uris, const QVariantMap& platformData, const QDBusMessage& call)
 {
+    if (refuses(call)) {
+        return;
+    }
     QList<QUrl> files;
     for (const QString& uri : uris) {
         const QUrl file
@@ -29,14 +38,28 @@ void ApplicationAdaptor::Open(const QStringList& uris, const QVariantMap& platfo
     Q_EMIT m_instance.openRequested(files, ActivationToken::fromPlatformData(platformData));
 }
 
-void ApplicationAdaptor::ActivateAction(
-    const QString& name, const QVariantList& /*parameter*/, const QVariantMap& platformData)
+void ApplicationAdaptor::ActivateAction(const QString& name, const QVariantList& /*parameter*/,
+    const QVariantMap& platformData, const QDBusMessage& call)
 {
+    if (refuses(call)) {
+        return;
+    }
     if (name == QStringLiteral("preferences")) {
         Q_EMIT m_instance.preferencesRequested(ActivationToken::fromPlatformData(platformData));
     } else if (name == QStringLiteral("quit")) {
         Q_EMIT m_instance.quitRequested();
     }
+}
+
+bool ApplicationAdaptor::refuses(const QDBusMessage& call) const
+{
+    if (!m_instance.isLeaving()) {
+        return false;
+    }
+    call.setDelayedReply(true); // which is this one
+    m_instance.bus().send(call.createErrorReply(
+        QDBusError::ServiceUnknown, QStringLiteral("The program is about to end.")));
+    return true;
 }
 
 } // namespace vellumine

@@ -2,13 +2,35 @@
 
 #include "app/instance/ApplicationAdaptor.h"
 
+#include <QCoreApplication>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusReply>
 
+#include <limits>
+#include <optional>
 #include <utility>
 
 namespace vellumine {
+namespace {
+
+/// The time-out of a call without one.
+constexpr int forever = std::numeric_limits<int>::max();
+
+QDBusMessage methodCall(const QString& method)
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(SingleInstance::busName(),
+        SingleInstance::objectPath(), QStringLiteral("org.freedesktop.Application"), method);
+    call.setAutoStartService(false);
+    return call;
+}
+
+bool isAnswered(const QDBusMessage& answer)
+{
+    return answer.type() == QDBusMessage::ReplyMessage;
+}
+
+} // namespace
 
 SingleInstance::SingleInstance(QDBusConnection bus, QObject* parent)
     : QObject(parent)
@@ -18,11 +40,7 @@ SingleInstance::SingleInstance(QDBusConnection bus, QObject* parent)
 
 SingleInstance::~SingleInstance()
 {
-    if (m_ownsName) {
-        // The name goes first, so that nobody calls an object that is gone.
-        m_bus.unregisterService(busName());
-        m_bus.unregisterObject(objectPath());
-    }
+    leave();
 }
 
 QString SingleInstance::busName()
@@ -46,18 +64,44 @@ SingleInstance::Role SingleInstance::start(
     if (!m_bus.registerObject(objectPath(), this)) {
         return Role::alone;
     }
-    // A first process that is about to end may own the name and not answer any more.
-    for (int attempt = 0; attempt < 2; ++attempt) {
-        if (takeName()) {
-            return Role::first;
+    const Role role = takeNameOrHandOver(files, token, patience);
+    if (role != Role::first) {
+        m_bus.unregisterObject(objectPath());
+    }
+    return role;
+}
+
+SingleInstance::Role SingleInstance::takeNameOrHandOver(
+    const QList<QUrl>& files, const ActivationToken& token, std::chrono::milliseconds patience)
+{
+    // A first process that ends gives the name away, to us or to another one. One that has not
+    // taken the files and keeps the name is not asked again.
+    std::optional<QString> asked;
+    while (!takeName()) {
+        const QString owner = m_bus.interface()->serviceOwner(busName());
+        if (owner == asked) {
+            return Role::alone;
         }
-        if (handOver(files, token, patience)) {
-            m_bus.unregisterObject(objectPath());
+        asked = owner;
+        if (isAwake(patience) && handOver(files, token)) {
             return Role::handedOver;
         }
     }
+    return Role::first;
+}
+
+void SingleInstance::leave()
+{
+    m_isLeaving = true;
+    if (!m_ownsName) {
+        return;
+    }
+    m_ownsName = false;
+    // The name goes first. What came for it until then waits in this thread's queue by now, and is
+    // refused while there is somebody to do so.
+    m_bus.unregisterService(busName());
+    QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
     m_bus.unregisterObject(objectPath());
-    return Role::alone;
 }
 
 bool SingleInstance::takeName()
@@ -69,13 +113,19 @@ bool SingleInstance::takeName()
     return m_ownsName;
 }
 
-bool SingleInstance::handOver(const QList<QUrl>& files, const ActivationToken& token,
-    std::chrono::milliseconds patience) const
+bool SingleInstance::isAwake(std::chrono::milliseconds patience) const
 {
-    const QString method = files.isEmpty() ? QStringLiteral("Activate") : QStringLiteral("Open");
-    QDBusMessage call = QDBusMessage::createMethodCall(
-        busName(), objectPath(), QStringLiteral("org.freedesktop.Application"), method);
-    call.setAutoStartService(false);
+    // No action has this name, so that it does not matter when it arrives. Only the thread that
+    // would follow a real call answers.
+    QDBusMessage call = methodCall(QStringLiteral("ActivateAction"));
+    call << QString() << QVariantList() << QVariantMap();
+    return isAnswered(m_bus.call(call, QDBus::Block, static_cast<int>(patience.count())));
+}
+
+bool SingleInstance::handOver(const QList<QUrl>& files, const ActivationToken& token) const
+{
+    QDBusMessage call
+        = methodCall(files.isEmpty() ? QStringLiteral("Activate") : QStringLiteral("Open"));
     if (!files.isEmpty()) {
         QStringList uris;
         for (const QUrl& file : files) {
@@ -84,8 +134,8 @@ bool SingleInstance::handOver(const QList<QUrl>& files, const ActivationToken& t
         call << uris;
     }
     call << token.platformData();
-    return m_bus.call(call, QDBus::Block, static_cast<int>(patience.count())).type()
-        == QDBusMessage::ReplyMessage;
+    // Whoever is too slow has the files all the same. One that goes is reported by the bus.
+    return isAnswered(m_bus.call(call, QDBus::Block, forever));
 }
 
 } // namespace vellumine
