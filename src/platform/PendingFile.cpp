@@ -166,7 +166,7 @@ PendingFile::~PendingFile()
     }
 }
 
-Result<void> PendingFile::publish(ExistingItem existing) &&
+Result<void> PendingFile::publish(ExistingItem existing, FolderSync sync) &&
 {
     int error = 0;
     if (existing == ExistingItem::keep) {
@@ -180,7 +180,9 @@ Result<void> PendingFile::publish(ExistingItem existing) &&
         return failure(error);
     }
     m_path.clear();
-    syncFolder(m_target.parent_path());
+    if (sync == FolderSync::now) {
+        syncFolder(m_target.parent_path());
+    }
     return {};
 }
 

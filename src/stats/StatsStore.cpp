@@ -1,12 +1,15 @@
 #include "stats/StatsStore.h"
 
 #include "core/ProcessingResult.h"
+#include "platform/PendingFile.h"
 
 #include <QDir>
 #include <QFile>
 
 #include <algorithm>
 #include <filesystem>
+#include <span>
+#include <utility>
 
 namespace vellumine {
 namespace {
@@ -29,6 +32,11 @@ qint64 checkedDifference(qint64 a, qint64 b)
     return difference;
 }
 
+std::filesystem::path encoded(const QString& path)
+{
+    return QFile::encodeName(path).toStdString();
+}
+
 std::optional<LifetimeStats> read(const QString& filePath)
 {
     QFile file(filePath);
@@ -46,6 +54,7 @@ StatsStore::StatsStore(const QString& folder, Clock clock, QObject* parent)
     , m_clock(std::move(clock))
 {
     QDir().mkpath(folder);
+    platform::PendingFile::removeLeftOver(encoded(folder)); // by a process that was killed
     m_stats = read(m_filePath).value_or(LifetimeStats());
 }
 
@@ -93,22 +102,13 @@ template <typename Value> void StatsStore::set(Value LifetimeStats::*field, cons
 
 void StatsStore::save() const
 {
-    // There is one process in a session that writes here, so that one name is enough; what a crash
-    // left under it is overwritten.
-    // The file is not synced: measured on ext4, that takes 7.5 ms where the rest takes 1.5 ms, for
-    // every file of a batch, and common file systems write the content before such a renaming.
-    QFile file(m_filePath + QStringLiteral(".part"));
+    // Nothing is synced: measured on ext4, that takes 7.5 ms where the rest takes 1.5 ms, for every
+    // file of a batch, and common file systems write the content before such a renaming.
+    auto file = platform::PendingFile::beside(encoded(m_filePath));
     const QByteArray json = toJson(m_stats);
-    const bool isWritten = file.open(QIODevice::WriteOnly | QIODevice::Truncate)
-        && file.write(json) == json.size() && file.flush();
-    file.close();
-    std::error_code error;
-    if (isWritten) {
-        std::filesystem::rename(QFile::encodeName(file.fileName()).constData(),
-            QFile::encodeName(m_filePath).constData(), error);
-    }
-    if (!isWritten || error) {
-        file.remove();
+    if (file && file->file().writeAll(std::as_bytes(std::span(json)))) {
+        (void)std::move(*file).publish(
+            platform::ExistingItem::replace, platform::FolderSync::never);
     }
 }
 

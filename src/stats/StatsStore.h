@@ -13,7 +13,7 @@ struct ProcessingResult;
 
 /// Keeps the lifetime totals and writes them to "stats.json" after every change. A file that cannot
 /// be read counts as no file, a file that cannot be written is left to the next change; neither is
-/// reported. Main thread only.
+/// reported. The file is that of the process that wrote last, and whole. Main thread only.
 class StatsStore : public QObject {
     Q_OBJECT
     Q_PROPERTY(vellumine::LifetimeStats stats READ stats WRITE setStats NOTIFY statsChanged)

@@ -1,6 +1,7 @@
 #include "stats/StatsStore.h"
 
 #include "stats/Results.h"
+#include "support/FakeProgram.h"
 #include "support/TestImages.h"
 
 #include <QFile>
@@ -105,6 +106,34 @@ TEST(StatsStoreCrash, aReaderNeverSeesAHalfWrittenFile)
             ASSERT_TRUE(process.waitForRecord());
         }
     }
+}
+
+TEST(StatsStoreCrash, aReaderNeverSeesAMixtureOfTwoProcesses)
+{
+    const test::TemporaryFolder temporary;
+    const QString folder = QFile::decodeName(temporary.path().c_str());
+    const RecordingProcess one(folder);
+    const RecordingProcess other(folder);
+    ASSERT_TRUE(one.waitForRecord());
+    for (int reads = 0; reads < 4000; ++reads) {
+        ASSERT_TRUE(readStats(folder).has_value()) << "read " << reads;
+        if (reads % 20 == 0) {
+            ASSERT_TRUE(one.waitForRecord());
+            ASSERT_TRUE(other.waitForRecord());
+        }
+    }
+}
+
+TEST(StatsStoreCrash, theNextStartRemovesWhatAKilledProcessLeft)
+{
+    const test::TemporaryFolder temporary;
+    const QString folder = QFile::decodeName(temporary.path().c_str());
+    test::writeFile(
+        temporary / ".vellumine-6F9619FF-8B86-D011-B42D-00C04FC964FF.part", std::string_view("{"));
+    {
+        StatsStore(folder).record(test::success(1000, 400));
+    }
+    EXPECT_EQ(test::listing(temporary.path()), "stats.json");
 }
 
 } // namespace
