@@ -34,6 +34,18 @@ bool hasPage(const QNetworkReply& reply)
 
 } // namespace
 
+QNetworkProxy UpdateChecker::systemProxy(const QUrl& page)
+{
+    for (const QNetworkProxy& proxy :
+        QNetworkProxyFactory::systemProxyForQuery(QNetworkProxyQuery(page))) {
+        // TLS is spoken with the page's server alone.
+        if (proxy.capabilities().testFlag(QNetworkProxy::TunnelingCapability)) {
+            return proxy;
+        }
+    }
+    return QNetworkProxy::NoProxy;
+}
+
 UpdateChecker::Source UpdateChecker::productHomePage()
 {
     return { .homePage = QUrl(QString(product::homePageUrl)) };
@@ -55,20 +67,24 @@ void UpdateChecker::checkForUpdates()
     }
     setStatus(Checking {});
     if (m_source.homePage.scheme() == QStringLiteral("https")) {
-        m_thread.start(QRunnable::create([this, tls = m_source.tls] {
+        m_thread.start(QRunnable::create([this, source = m_source] {
             QMetaObject::invokeMethod(
-                this, [this, configuration = tls()] { load(configuration); }, Qt::QueuedConnection);
+                this,
+                [this, tls = source.tls(), proxy = source.proxy(source.homePage)] {
+                    load(tls, proxy);
+                },
+                Qt::QueuedConnection);
         }));
     } else {
         setStatus(Failed {});
     }
 }
 
-void UpdateChecker::load(const QSslConfiguration& tls)
+void UpdateChecker::load(const QSslConfiguration& tls, const QNetworkProxy& proxy)
 {
     // One for each check: it takes its connections, cookies and cache with it.
     m_network = new QNetworkAccessManager(this);
-    m_network->setProxy(QNetworkProxy::NoProxy);
+    m_network->setProxy(proxy); // of redirects as well
 
     QNetworkRequest request(m_source.homePage);
     request.setSslConfiguration(tls);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QNetworkProxy>
 #include <QObject>
 #include <QSslConfiguration>
 #include <QString>
@@ -53,7 +54,13 @@ public:
         /// Which certificates are trusted: by default those of the system. Called at each check, in
         /// another thread, since the library behind it takes its time to load.
         std::function<QSslConfiguration()> tls = &QSslConfiguration::defaultConfiguration;
+        /// The way to the page: by default that of the system. Called like `tls`, and may take its
+        /// time as well.
+        std::function<QNetworkProxy(const QUrl&)> proxy = &systemProxy;
     };
+
+    /// What the system says, in its settings or the environment, of the way to a page.
+    [[nodiscard]] static QNetworkProxy systemProxy(const QUrl& page);
 
     /// The product's own home page.
     [[nodiscard]] static Source productHomePage();
@@ -69,7 +76,7 @@ Q_SIGNALS:
     void statusChanged();
 
 private:
-    void load(const QSslConfiguration& tls);
+    void load(const QSslConfiguration& tls, const QNetworkProxy& proxy);
     void stopWhenTooLarge();
     void finish();
     [[nodiscard]] Status outcome() const;

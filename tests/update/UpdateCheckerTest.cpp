@@ -1,6 +1,7 @@
 #include "update/UpdateChecker.h"
 #include "core/Product.h"
 #include "support/NamedRows.h"
+#include "update/ConnectProxy.h"
 #include "update/HomePageServer.h"
 #include "update/TestCertificates.h"
 
@@ -25,6 +26,7 @@ void PrintTo(const UpdateChecker::UpdateAvailable& available, std::ostream* stre
 
 namespace {
 
+using ::testing::ElementsAre;
 using ::testing::SizeIs;
 using Status = UpdateChecker::Status;
 using UpdateAvailable = UpdateChecker::UpdateAvailable;
@@ -68,9 +70,10 @@ protected:
 
     [[nodiscard]] UpdateChecker::Source source() const
     {
-        return { .homePage = m_server.url(path()), .timeout = patience, .tls = [] {
-                    return trusting({ certificates->authority });
-                } };
+        return { .homePage = m_server.url(path()),
+            .timeout = patience,
+            .tls = [] { return trusting({ certificates->authority }); },
+            .proxy = [](const QUrl&) { return QNetworkProxy(QNetworkProxy::NoProxy); } };
     }
 
     [[nodiscard]] static Status check(UpdateChecker::Source source)
@@ -411,6 +414,75 @@ TEST_F(UpdateCheck, whatTakesLongToLoadIsLoadedInAnotherThread)
     EXPECT_EQ(settled(checker), Status(UpdateAvailable { QStringLiteral("1.4.3") }));
     EXPECT_NE(thread, QThread::currentThread());
     EXPECT_THAT(m_server.requests(), SizeIs(1));
+}
+
+/// The system's way to the page leads through a proxy, as the environment says.
+class UpdateCheckByProxy : public UpdateCheck {
+protected:
+    void SetUp() override
+    {
+        m_server.answerPage(path(), page("1.4.3"));
+        qputenv("https_proxy", "http://127.0.0.1:" + QByteArray::number(m_proxy.port()));
+        // For others it would lead past it.
+        qputenv("no_proxy", "vellumine.example");
+    }
+    void TearDown() override
+    {
+        qunsetenv("https_proxy");
+        qunsetenv("no_proxy");
+    }
+
+    [[nodiscard]] UpdateChecker::Source systemSource() const
+    {
+        UpdateChecker::Source system = source();
+        system.proxy = UpdateChecker::Source().proxy;
+        return system;
+    }
+
+    test::ConnectProxy m_proxy;
+};
+
+TEST_F(UpdateCheckByProxy, isATunnelToThePage)
+{
+    EXPECT_EQ(check(systemSource()), Status(UpdateAvailable { QStringLiteral("1.4.3") }));
+    EXPECT_THAT(m_proxy.requests(),
+        ElementsAre("CONNECT " + systemSource().homePage.authority().toLatin1() + " HTTP/1.1"));
+}
+
+TEST_F(UpdateCheckByProxy, goesPastItWhereTheSystemSaysSo)
+{
+    qputenv("no_proxy", "127.0.0.1");
+    EXPECT_EQ(check(systemSource()), Status(UpdateAvailable { QStringLiteral("1.4.3") }));
+    EXPECT_THAT(m_proxy.requests(), SizeIs(0));
+}
+
+TEST_F(UpdateCheckByProxy, readsNoPageOfTheProxysOwn)
+{
+    m_proxy.refuse("HTTP/1.1 403 Forbidden\r\nConnection: close\r\n\r\n" + page("9.9"));
+    EXPECT_EQ(check(systemSource()), Status(Failed {}));
+    EXPECT_THAT(m_server.requests(), SizeIs(0));
+}
+
+TEST_F(UpdateCheckByProxy, trustsThePagesServerAlone)
+{
+    UpdateChecker::Source distrustful = systemSource();
+    distrustful.tls = [] { return trusting({}); };
+    EXPECT_EQ(check(distrustful), Status(Failed {}));
+    EXPECT_THAT(m_server.requests(), SizeIs(0));
+}
+
+TEST_F(UpdateCheck, theWayIsLookedForInAnotherThread)
+{
+    m_server.answerPage(path(), page("1.4.3"));
+    std::atomic<QThread*> thread = nullptr;
+    UpdateChecker::Source asked = source();
+    asked.proxy = [&thread, ready = asked.proxy](const QUrl& url) {
+        thread = QThread::currentThread();
+        return ready(url);
+    };
+    EXPECT_EQ(check(asked), Status(UpdateAvailable { QStringLiteral("1.4.3") }));
+    EXPECT_NE(thread, nullptr);
+    EXPECT_NE(thread, QThread::currentThread());
 }
 
 TEST_F(UpdateCheck, theCheckerCanGoBeforeItsRequest)
