@@ -166,7 +166,7 @@ PendingFile::~PendingFile()
     }
 }
 
-Result<void> PendingFile::publish(ExistingItem existing, FolderSync sync) &&
+Result<void> PendingFile::publish(ExistingItem existing) &&
 {
     int error = 0;
     if (existing == ExistingItem::keep) {
@@ -180,9 +180,7 @@ Result<void> PendingFile::publish(ExistingItem existing, FolderSync sync) &&
         return failure(error);
     }
     m_path.clear();
-    if (sync == FolderSync::now) {
-        syncFolder(m_target.parent_path());
-    }
+    syncFolder(m_target.parent_path());
     return {};
 }
 

@@ -14,12 +14,6 @@ enum class ExistingItem {
     keep, ///< publishing fails
 };
 
-/// What publishing does for a crash of the machine.
-enum class FolderSync {
-    now, ///< the new name is on disk
-    never, ///< the new name may be lost, and the old item be back
-};
-
 /// A file on its way to its place: it is written under a hidden name beside its target, and takes
 /// the target's name in one step once it is complete. An item of that name stands until then. A
 /// pending file that is dropped unpublished is removed; what a process left that could no longer do
@@ -46,9 +40,9 @@ public:
     /// The same file, open for writing.
     [[nodiscard]] const FileDescriptor& file() const { return m_file; }
 
-    /// Gives the file, which must be complete, and synced if that matters, the target's name.
+    /// Gives the file, which must be complete and synced, the target's name, and syncs the folder.
     /// On failure the target is as it was and the pending file is gone.
-    [[nodiscard]] Result<void> publish(ExistingItem existing, FolderSync sync = FolderSync::now) &&;
+    [[nodiscard]] Result<void> publish(ExistingItem existing) &&;
 
 private:
     PendingFile(std::filesystem::path path, std::filesystem::path target, FileDescriptor file);

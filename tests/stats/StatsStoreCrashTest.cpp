@@ -11,7 +11,10 @@
 #include <unistd.h>
 
 #include <array>
+#include <chrono>
 #include <csignal>
+#include <filesystem>
+#include <string_view>
 
 namespace vellumine {
 namespace {
@@ -128,12 +131,15 @@ TEST(StatsStoreCrash, theNextStartRemovesWhatAKilledProcessLeft)
 {
     const test::TemporaryFolder temporary;
     const QString folder = QFile::decodeName(temporary.path().c_str());
-    test::writeFile(
-        temporary / ".vellumine-6F9619FF-8B86-D011-B42D-00C04FC964FF.part", std::string_view("{"));
-    {
-        StatsStore(folder).record(test::success(1000, 400));
+    for (const char* name : { "stats.json.Xb3kQ9.part", "stats.json.young.part", "other.part" }) {
+        test::writeFile(temporary / name, std::string_view("{"));
+        if (std::string_view(name) != "stats.json.young.part") {
+            std::filesystem::last_write_time(temporary / name,
+                std::filesystem::file_time_type::clock::now() - std::chrono::hours(2));
+        }
     }
-    EXPECT_EQ(test::listing(temporary.path()), "stats.json");
+    StatsStore(folder).record(test::success(1000, 400));
+    EXPECT_EQ(test::listing(temporary.path()), "other.part stats.json stats.json.young.part");
 }
 
 } // namespace
