@@ -15,10 +15,15 @@ Item {
         id: totals
     }
 
+    DialogFixture {
+        id: questions
+    }
+
     Component {
         id: windowComponent
 
         PreferencesWindow {
+            folderPanel: questions.folderPanel
             settings: fixture.presenter
             stats: totals.presenter
         }
