@@ -1,4 +1,4 @@
-#include "imaging/ImageDestination.h"
+#include "cli/BuiltProgram.h"
 #include "imaging/ImageSource.h"
 #include "platform/ByteCount.h"
 #include "platform/FileDescriptor.h"
@@ -14,15 +14,12 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
-#include <sched.h>
 #include <sys/inotify.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <csignal>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -31,98 +28,10 @@ namespace {
 
 using imaging::UniformType;
 using test::listing;
+using test::Outcome;
 using test::writeFile;
 
-struct Outcome {
-    int status;
-    QString output;
-    QString error;
-};
-
-/// Runs the built program in folders of its own, without a terminal.
-class Program : public testing::Test {
-protected:
-    void SetUp() override
-    {
-        std::filesystem::create_directory(m_folder / "temporary");
-        std::filesystem::create_directory(pictures());
-        std::filesystem::create_directory(m_folder / "home");
-    }
-
-    [[nodiscard]] std::filesystem::path pictures() const { return m_folder / "pictures"; }
-    [[nodiscard]] std::filesystem::path temporary() const { return m_folder / "temporary"; }
-
-    void makePicture(std::string_view name, imaging::Size size = test::oddSize) const
-    {
-        auto destination
-            = imaging::ImageDestination::create(pictures() / name, UniformType::bmp).value();
-        destination.addImage(
-            test::gradient(size, { imaging::ColorModel::rgb, 8, imaging::AlphaInfo::none }), {});
-        ASSERT_TRUE(destination.finalize());
-    }
-
-    /// Starts the program on one processor, which makes two workers.
-    void start(QProcess& process, const QStringList& arguments, const QString& encoder = {}) const
-    {
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("TMPDIR"), QString::fromStdString(temporary().string()));
-        environment.insert(
-            QStringLiteral("HOME"), QString::fromStdString((m_folder / "home").string()));
-        environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
-        environment.remove(QStringLiteral("VELLUMINE_CWEBP_PATH"));
-        if (!encoder.isEmpty()) {
-            environment.insert(QStringLiteral("VELLUMINE_CWEBP_PATH"), encoder);
-        }
-        process.setProcessEnvironment(environment);
-        process.setWorkingDirectory(QString::fromStdString(pictures().string()));
-        // Away from the terminal that the tests may run in: nobody there is to be asked.
-        process.setChildProcessModifier([this] {
-            ::setsid();
-            m_beforeItRuns();
-            cpu_set_t processors;
-            if (::sched_getaffinity(0, sizeof processors, &processors) == 0) {
-                const int first = firstOf(processors);
-                CPU_ZERO(&processors);
-                CPU_SET(static_cast<std::size_t>(first), &processors);
-                ::sched_setaffinity(0, sizeof processors, &processors);
-            }
-        });
-        process.setStandardInputFile(QProcess::nullDevice());
-        process.start(QStringLiteral(VELLUMINE_BATCH), arguments);
-    }
-
-    static Outcome end(QProcess& process)
-    {
-        EXPECT_TRUE(process.waitForFinished(60'000));
-        EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
-        return { process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-            QString::fromUtf8(process.readAllStandardError()) };
-    }
-
-    [[nodiscard]] Outcome run(const QStringList& arguments) const
-    {
-        QProcess process;
-        start(process, arguments);
-        return end(process);
-    }
-
-    [[nodiscard]] std::filesystem::path folder() const { return m_folder.path(); }
-
-    /// Called in the program's process before it becomes the program.
-    std::function<void()> m_beforeItRuns = [] {};
-
-private:
-    static int firstOf(const cpu_set_t& processors)
-    {
-        std::size_t number = 0;
-        while (number + 1 < CPU_SETSIZE && !CPU_ISSET(number, &processors)) {
-            ++number;
-        }
-        return static_cast<int>(number);
-    }
-
-    test::TemporaryFolder m_folder;
-};
+class Program : public test::BuiltProgram { };
 
 TEST_F(Program, convertsAndSaysSo)
 {
@@ -420,96 +329,6 @@ TEST_F(Program, aPathThatLeadsNowhereIsReported)
     EXPECT_TRUE(
         outcome.output.contains(QStringLiteral("gone.png: The image could not be read.\n")));
     EXPECT_TRUE(outcome.output.contains(QStringLiteral("1 file optimized, 2 failed")));
-}
-
-/// The program with an encoder that says when it has started and waits until it is let go.
-class InterruptedProgram : public Program {
-protected:
-    void SetUp() override
-    {
-        Program::SetUp();
-        m_started = openPipe("started");
-        m_gate = openPipe("gate");
-        test::writeProgram(folder() / "encoder",
-            "while [ \"$1\" != \"-o\" ]; do shift; done\n"
-            "echo > '"
-                + (folder() / "started").string() + "'\nread line < '"
-                + (folder() / "gate").string() + "'\nprintf encoded > \"$2\"\n");
-        for (int i = 0; i < m_count; ++i) {
-            makePicture(std::to_string(i) + ".bmp", { 3, 2 });
-        }
-        start(m_process, { QStringLiteral(".") },
-            QString::fromStdString((folder() / "encoder").string()));
-        waitUntilStarted();
-        waitUntilStarted();
-    }
-
-    void send(int signal) { ASSERT_EQ(::kill(pid_t(m_process.processId()), signal), 0); }
-
-    /// Lets so many encoders go.
-    void letGo(int count)
-    {
-        const std::string lines(std::size_t(count), '\n');
-        ASSERT_EQ(::write(m_gate.get(), lines.data(), lines.size()), ssize_t(lines.size()));
-    }
-
-    [[nodiscard]] int outputs() const
-    {
-        const std::string names = listing(pictures());
-        int count = 0;
-        for (std::size_t at = names.find(".webp"); at != std::string::npos;
-             at = names.find(".webp", at + 1)) {
-            ++count;
-        }
-        return count;
-    }
-
-    QProcess m_process;
-    const int m_count = 200;
-
-private:
-    /// Open at both ends, so that nobody waits for the other one to open it.
-    [[nodiscard]] platform::FileDescriptor openPipe(const char* name) const
-    {
-        const std::filesystem::path path = folder() / name;
-        EXPECT_EQ(::mkfifo(path.c_str(), 0600), 0);
-        return platform::FileDescriptor(::open(path.c_str(), O_RDWR | O_CLOEXEC));
-    }
-
-    void waitUntilStarted()
-    {
-        char line = 0;
-        ASSERT_EQ(::read(m_started.get(), &line, 1), 1);
-    }
-
-    platform::FileDescriptor m_started;
-    platform::FileDescriptor m_gate;
-};
-
-TEST_F(InterruptedProgram, finishesWhatIsInFlightAndLeavesTheRest)
-{
-    send(SIGINT);
-    letGo(m_count);
-    const Outcome outcome = end(m_process);
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_GE(outputs(), 2);
-    EXPECT_LT(outputs(), m_count);
-    EXPECT_EQ(
-        outcome.error, QStringLiteral("Stopped after %1 of %2\n").arg(outputs()).arg(m_count));
-    EXPECT_TRUE(outcome.output.contains(QStringLiteral("%1 files optimized").arg(outputs())));
-    EXPECT_EQ(listing(temporary()), "");
-}
-
-TEST_F(InterruptedProgram, killsItsEncodersWhenAskedAgainAndCleansUp)
-{
-    send(SIGINT);
-    send(SIGTERM);
-    const Outcome outcome = end(m_process);
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.error, QStringLiteral("Stopped after 2 of %1\n").arg(m_count));
-    EXPECT_EQ(outcome.output.count(QStringLiteral(": Operation canceled\n")), 2);
-    EXPECT_EQ(outputs(), 0);
-    EXPECT_EQ(listing(temporary()), "");
 }
 
 } // namespace

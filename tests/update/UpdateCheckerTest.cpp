@@ -1,9 +1,8 @@
 #include "update/UpdateChecker.h"
 #include "core/Product.h"
 #include "support/NamedRows.h"
-#include "update/ConnectProxy.h"
 #include "update/HomePageServer.h"
-#include "update/TestCertificates.h"
+#include "update/UpdateCheck.h"
 
 #include <QDeadlineTimer>
 #include <QSemaphore>
@@ -15,17 +14,16 @@
 
 #include <atomic>
 #include <memory>
-#include <optional>
 
 namespace vellumine {
-
-void PrintTo(const UpdateChecker::UpdateAvailable& available, std::ostream* stream)
-{
-    *stream << '"' << available.version.toStdString() << '"';
-}
-
 namespace {
 
+using test::path;
+using test::patience;
+using test::settled;
+using test::shortTimeout;
+using test::trusting;
+using test::UpdateCheck;
 using ::testing::ElementsAre;
 using ::testing::SizeIs;
 using Status = UpdateChecker::Status;
@@ -34,64 +32,6 @@ using Idle = UpdateChecker::Idle;
 using Checking = UpdateChecker::Checking;
 using Current = UpdateChecker::Current;
 using Failed = UpdateChecker::Failed;
-
-/// Far more than any answer on this machine takes.
-constexpr std::chrono::seconds patience { 30 };
-/// For pages that never arrive.
-constexpr std::chrono::milliseconds shortTimeout { 300 };
-
-QString path()
-{
-    return QStringLiteral("/");
-}
-
-/// The status once no check runs any more.
-Status settled(const UpdateChecker& checker)
-{
-    QSignalSpy spy(&checker, &UpdateChecker::statusChanged);
-    const QDeadlineTimer deadline(patience);
-    while (checker.status() == Status(Checking {}) && !deadline.hasExpired()) {
-        spy.wait(static_cast<int>(deadline.remainingTime()));
-    }
-    return checker.status();
-}
-
-QSslConfiguration trusting(const QList<QSslCertificate>& authorities)
-{
-    QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
-    configuration.setCaCertificates(authorities);
-    return configuration;
-}
-
-class UpdateCheck : public testing::Test {
-protected:
-    static void SetUpTestSuite() { certificates.emplace(test::TestCertificates::create()); }
-    static void TearDownTestSuite() { certificates.reset(); }
-
-    [[nodiscard]] UpdateChecker::Source source() const
-    {
-        return { .homePage = m_server.url(path()),
-            .timeout = patience,
-            .tls = [] { return trusting({ certificates->authority }); },
-            .proxy = [](const QUrl&) { return QNetworkProxy(QNetworkProxy::NoProxy); } };
-    }
-
-    [[nodiscard]] static Status check(UpdateChecker::Source source)
-    {
-        UpdateChecker checker(std::move(source), QStringLiteral("1.4.2 build 37"));
-        checker.checkForUpdates();
-        EXPECT_EQ(checker.status(), Status(Checking {}));
-        return settled(checker);
-    }
-
-    static QByteArray page(const QByteArray& version)
-    {
-        return R"(<html><script>{"softwareVersion": ")" + version + "\"}</script></html>";
-    }
-
-    static inline std::optional<test::TestCertificates> certificates;
-    test::HomePageServer m_server { *certificates };
-};
 
 TEST_F(UpdateCheck, startsIdle)
 {
@@ -414,61 +354,6 @@ TEST_F(UpdateCheck, whatTakesLongToLoadIsLoadedInAnotherThread)
     EXPECT_EQ(settled(checker), Status(UpdateAvailable { QStringLiteral("1.4.3") }));
     EXPECT_NE(thread, QThread::currentThread());
     EXPECT_THAT(m_server.requests(), SizeIs(1));
-}
-
-/// The system's way to the page leads through a proxy, as the environment says.
-class UpdateCheckByProxy : public UpdateCheck {
-protected:
-    void SetUp() override
-    {
-        m_server.answerPage(path(), page("1.4.3"));
-        qputenv("https_proxy", "http://127.0.0.1:" + QByteArray::number(m_proxy.port()));
-        // For others it would lead past it.
-        qputenv("no_proxy", "vellumine.example");
-    }
-    void TearDown() override
-    {
-        qunsetenv("https_proxy");
-        qunsetenv("no_proxy");
-    }
-
-    [[nodiscard]] UpdateChecker::Source systemSource() const
-    {
-        UpdateChecker::Source system = source();
-        system.proxy = UpdateChecker::Source().proxy;
-        return system;
-    }
-
-    test::ConnectProxy m_proxy;
-};
-
-TEST_F(UpdateCheckByProxy, isATunnelToThePage)
-{
-    EXPECT_EQ(check(systemSource()), Status(UpdateAvailable { QStringLiteral("1.4.3") }));
-    EXPECT_THAT(m_proxy.requests(),
-        ElementsAre("CONNECT " + systemSource().homePage.authority().toLatin1() + " HTTP/1.1"));
-}
-
-TEST_F(UpdateCheckByProxy, goesPastItWhereTheSystemSaysSo)
-{
-    qputenv("no_proxy", "127.0.0.1");
-    EXPECT_EQ(check(systemSource()), Status(UpdateAvailable { QStringLiteral("1.4.3") }));
-    EXPECT_THAT(m_proxy.requests(), SizeIs(0));
-}
-
-TEST_F(UpdateCheckByProxy, readsNoPageOfTheProxysOwn)
-{
-    m_proxy.refuse("HTTP/1.1 403 Forbidden\r\nConnection: close\r\n\r\n" + page("9.9"));
-    EXPECT_EQ(check(systemSource()), Status(Failed {}));
-    EXPECT_THAT(m_server.requests(), SizeIs(0));
-}
-
-TEST_F(UpdateCheckByProxy, trustsThePagesServerAlone)
-{
-    UpdateChecker::Source distrustful = systemSource();
-    distrustful.tls = [] { return trusting({}); };
-    EXPECT_EQ(check(distrustful), Status(Failed {}));
-    EXPECT_THAT(m_server.requests(), SizeIs(0));
 }
 
 TEST_F(UpdateCheck, theWayIsLookedForInAnotherThread)
