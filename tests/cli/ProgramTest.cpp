@@ -26,7 +26,6 @@
 namespace vellumine {
 namespace {
 
-using imaging::UniformType;
 using test::listing;
 using test::Outcome;
 using test::writeFile;

@@ -24,7 +24,6 @@ using test::settled;
 using test::shortTimeout;
 using test::trusting;
 using test::UpdateCheck;
-using ::testing::ElementsAre;
 using ::testing::SizeIs;
 using Status = UpdateChecker::Status;
 using UpdateAvailable = UpdateChecker::UpdateAvailable;
