@@ -15,6 +15,7 @@ class Batches:
 
     def rows(self):
         yield from self.overhead()
+        yield self.colours()
         yield Row("Main thread, longest wait in a batch of 2,000 small pictures",
                   [batch["blocked_max_ms"] for batch in self.webp], 16, "ms")
         yield Row("The same, 99th percentile of the waits",
@@ -45,6 +46,22 @@ class Batches:
                 theirs = programs.encode([picture] * count)
                 values.append((ours.cpu - theirs.cpu) * 1000 / count)
             yield Row(name, values, 3, "ms")
+
+    def colours(self):
+        """What colours that have to be converted add, in pictures that all have the same ones."""
+        programs = self.programs
+        count = 200
+        cost = {}
+        for name, words in (("plain", []), ("converted", ["-set", "gamma", "0.55556"])):
+            folder = programs.folder(name)
+            first = folder / "small-000.png"
+            run(["convert", programs.photos[0], "-resize", "64x64!", "-strip", *words, first])
+            for number in range(1, count):
+                (folder / f"small-{number:03}.png").write_bytes(first.read_bytes())
+            cost[name] = [programs.convert([folder]).cpu for _ in range(self.repetitions)]
+        return Row("200 pictures of 64 x 64, CPU a file for colours of their own",
+                   [(converted - plain) * 1000 / count
+                    for plain, converted in zip(cost["plain"], cost["converted"])], None, "ms")
 
     def batches(self, name):
         """The figures of a batch of small pictures, of each repetition."""

@@ -2,6 +2,7 @@
 
 #include "imaging/colour/ColorSpaceData.h"
 #include "imaging/colour/Profile.h"
+#include "imaging/colour/RecentlyUsed.h"
 
 #include <algorithm>
 #include <cmath>
@@ -62,6 +63,39 @@ Result<bool> matchesSRgb(cmsContext context, cmsHPROFILE profile, ColorModel mod
         [](float a, float b) { return std::abs(a - b) <= 1.0F / 255.0F; });
 }
 
+/// Larger profiles are not remembered; those of printing have half a megabyte to two.
+constexpr std::size_t rememberedProfile = std::size_t { 2 } << 20U;
+
+using KnownProfile = std::shared_ptr<const ColorSpace::Data>;
+
+/// What the latest profiles were found to be. Most files of a batch have the same one.
+colour::RecentlyUsed<KnownProfile>& knownProfiles()
+{
+    static colour::RecentlyUsed<KnownProfile> known(4);
+    return known;
+}
+
+Result<KnownProfile> lookedAt(ByteSpan profile, ColorModel model)
+{
+    const colour::Context context = colour::makeContext();
+    const colour::Profile opened = colour::openProfile(context.get(), profile);
+    if (!opened) {
+        return failure(Error::Kind::malformed, "the bytes are no ICC profile");
+    }
+    if (colour::modelOf(opened.get()) != model) {
+        return failure(Error::Kind::unsupported, "the profile is for another kind of picture");
+    }
+    const cmsProfileClassSignature deviceClass = cmsGetDeviceClass(opened.get());
+    if (deviceClass == cmsSigLinkClass || deviceClass == cmsSigNamedColorClass
+        || deviceClass == cmsSigAbstractClass) {
+        return failure(Error::Kind::unsupported, "the profile describes no device");
+    }
+    return matchesSRgb(context.get(), opened.get(), model).map([&](bool likeSRgb) {
+        return std::make_shared<const ColorSpace::Data>(ColorSpace::Data { Kind::icc, model,
+            ByteBuffer(profile.begin(), profile.end()), description(opened.get()), likeSRgb });
+    });
+}
+
 } // namespace
 
 ColorSpace::ColorSpace(std::shared_ptr<const Data> data)
@@ -120,25 +154,16 @@ ColorSpace ColorSpace::fromData(Data data)
 
 Result<ColorSpace> ColorSpace::fromIcc(ByteSpan profile, ColorModel model)
 {
-    const colour::Context context = colour::makeContext();
-    const colour::Profile opened = colour::openProfile(context.get(), profile);
-    if (!opened) {
-        return failure(Error::Kind::malformed, "the bytes are no ICC profile");
-    }
-    if (colour::modelOf(opened.get()) != model) {
-        return failure(Error::Kind::unsupported, "the profile is for another kind of picture");
-    }
-    const cmsProfileClassSignature deviceClass = cmsGetDeviceClass(opened.get());
-    if (deviceClass == cmsSigLinkClass || deviceClass == cmsSigNamedColorClass
-        || deviceClass == cmsSigAbstractClass) {
-        return failure(Error::Kind::unsupported, "the profile describes no device");
-    }
-    const Result<bool> likeSRgb = matchesSRgb(context.get(), opened.get(), model);
-    if (!likeSRgb) {
-        return tl::unexpected(likeSRgb.error());
-    }
-    return ColorSpace(std::make_shared<const Data>(Data { Kind::icc, model,
-        ByteBuffer(profile.begin(), profile.end()), description(opened.get()), *likeSRgb }));
+    const auto known = knownProfiles().take([profile, model](const KnownProfile& each) {
+        return each->model == model && std::ranges::equal(each->icc, profile);
+    });
+    return (known ? Result<KnownProfile>(*known) : lookedAt(profile, model))
+        .map([](const KnownProfile& data) {
+            if (data->icc.size() <= rememberedProfile) {
+                knownProfiles().keep(data);
+            }
+            return ColorSpace(data);
+        });
 }
 
 Result<ColorSpace> ColorSpace::fromPrimaries(

@@ -3,8 +3,11 @@
 #include "imaging/colour/ColorSpaceData.h"
 #include "imaging/colour/InstalledCmyk.h"
 #include "imaging/colour/Profile.h"
+#include "imaging/colour/RecentlyUsed.h"
 
 #include <cassert>
+#include <memory>
+#include <utility>
 
 namespace vellumine::imaging {
 
@@ -74,6 +77,48 @@ template <typename Sample> void plainCmyk(const Sample* from, std::uint8_t* to, 
     }
 }
 
+/// The library's way from one profile to another, with a table of its own where the profiles have
+/// tables: up to 2 MB, and a tenth of a second's work for four inks.
+struct JoinedProfiles {
+    ColorSpace from;
+    int bits;
+    ColorSpace to;
+    colour::Context context;
+    colour::Transform transform;
+};
+using JoinedProfilesPtr = std::unique_ptr<const JoinedProfiles>;
+
+/// Those that nobody uses. A batch rarely has more kinds of pictures than these.
+colour::RecentlyUsed<JoinedProfilesPtr>& spareProfiles()
+{
+    static colour::RecentlyUsed<JoinedProfilesPtr> spare(4);
+    return spare;
+}
+
+Result<JoinedProfilesPtr> joined(const ColorSpace& from, int bits, const ColorSpace& to)
+{
+    auto spare = spareProfiles().take([&](const JoinedProfilesPtr& each) {
+        return each->from == from && each->bits == bits && each->to == to;
+    });
+    if (spare) {
+        return std::move(*spare);
+    }
+    colour::Context context = colour::makeContext();
+    const colour::Profile source = profileOf(context.get(), from);
+    const colour::Profile target = profileOf(context.get(), to);
+    if (!source || !target) {
+        return failure(Error::Kind::unsupported, "there is no profile to convert with");
+    }
+    colour::Transform transform(cmsCreateTransformTHR(context.get(), source.get(),
+        sampleFormat(from.model(), bits), target.get(), TYPE_RGBA_8,
+        colour::renderingIntent(source.get()), cmsFLAGS_HIGHRESPRECALC));
+    if (!transform) {
+        return failure(Error::Kind::unsupported, "the two profiles cannot be joined");
+    }
+    return std::make_unique<const JoinedProfiles>(
+        JoinedProfiles { from, bits, to, std::move(context), std::move(transform) });
+}
+
 enum class Method { rearrange, plainCmyk, profiles };
 
 } // namespace
@@ -82,8 +127,17 @@ struct ColorTransform::State {
     Method method = Method::rearrange;
     ColorModel model = ColorModel::rgb;
     int bits = 8;
-    colour::Context context;
-    colour::Transform transform;
+    JoinedProfilesPtr profiles;
+
+    State() = default;
+    State(const State&) = delete;
+    State& operator=(const State&) = delete;
+    ~State()
+    {
+        if (profiles) {
+            spareProfiles().keep(std::move(profiles));
+        }
+    }
 };
 
 ColorTransform::ColorTransform(std::unique_ptr<State> state)
@@ -118,20 +172,11 @@ Result<ColorTransform> ColorTransform::create(
         return ColorTransform(std::move(state));
     }
 
-    state->method = Method::profiles;
-    state->context = colour::makeContext();
-    const colour::Profile source = profileOf(state->context.get(), from);
-    const colour::Profile target = profileOf(state->context.get(), to);
-    if (!source || !target) {
-        return failure(Error::Kind::unsupported, "there is no profile to convert with");
-    }
-    state->transform.reset(cmsCreateTransformTHR(state->context.get(), source.get(),
-        sampleFormat(from.model(), bitsPerComponent), target.get(), TYPE_RGBA_8,
-        colour::renderingIntent(source.get()), cmsFLAGS_HIGHRESPRECALC));
-    if (!state->transform) {
-        return failure(Error::Kind::unsupported, "the two profiles cannot be joined");
-    }
-    return ColorTransform(std::move(state));
+    return joined(from, bitsPerComponent, to).map([&state](JoinedProfilesPtr&& profiles) {
+        state->method = Method::profiles;
+        state->profiles = std::move(profiles);
+        return ColorTransform(std::move(state));
+    });
 }
 
 bool ColorTransform::isIdentity() const
@@ -146,7 +191,7 @@ void ColorTransform::apply(const void* samples, std::uint8_t* rgba, int count) c
     switch (m_state->method) {
     case Method::profiles:
         cmsDoTransform(
-            m_state->transform.get(), samples, rgba, static_cast<cmsUInt32Number>(count));
+            m_state->profiles->transform.get(), samples, rgba, static_cast<cmsUInt32Number>(count));
         return;
     case Method::plainCmyk:
         m_state->bits == 16 ? plainCmyk(deep, rgba, count) : plainCmyk(shallow, rgba, count);

@@ -84,6 +84,26 @@ TEST(ColorSpace, aProfileOfAnotherModelIsUnsupported)
     EXPECT_EQ(space.error().kind, Error::Kind::unsupported);
 }
 
+TEST(ColorSpace, aProfileThatWasJustLookedAtIsNotLookedAtAgain)
+{
+    const ByteBuffer profile = copied(ColorSpace::sRgb().iccProfile());
+    const auto first = ColorSpace::fromIcc(profile, ColorModel::rgb);
+    const auto second = ColorSpace::fromIcc(copied(profile), ColorModel::rgb);
+    ASSERT_TRUE(first && second);
+    EXPECT_EQ(&first->data(), &second->data());
+    EXPECT_FALSE(ColorSpace::fromIcc(profile, ColorModel::grey));
+}
+
+TEST(ColorSpace, aProfileThatDiffersByOneByteIsAnother)
+{
+    ByteBuffer profile = copied(ColorSpace::fromPrimaries(p3Primaries, {})->iccProfile());
+    const auto first = ColorSpace::fromIcc(profile, ColorModel::rgb);
+    profile.at(35) ^= std::byte { 1 }; // a second of its date
+    const auto second = ColorSpace::fromIcc(profile, ColorModel::rgb);
+    ASSERT_TRUE(first && second);
+    EXPECT_NE(*first, *second);
+}
+
 TEST(ColorSpace, everyCutOfAProfileIsRefusedOrStillAProfile)
 {
     const ByteBuffer whole = copied(ColorSpace::sRgb().iccProfile());

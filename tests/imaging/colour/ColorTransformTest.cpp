@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <future>
 #include <vector>
 
 namespace vellumine::imaging {
@@ -188,6 +189,68 @@ TEST(ColorTransform, linearGreyIsBrightened)
     std::array<std::uint8_t, 4> rgba {};
     transform->apply(grey.data(), rgba.data(), 1);
     EXPECT_NEAR(rgba[1], 128, 1);
+}
+
+/// What the transform makes of every colour of a coarse cube.
+std::vector<std::uint8_t> convertedCube(const ColorTransform& transform, const ColorSpace& space)
+{
+    const Image image = cube(space, 8);
+    std::vector<std::uint8_t> rgba(static_cast<std::size_t>(image.width()) * 4 * 96);
+    for (int y = 0; y < image.height(); ++y) {
+        transform.apply(
+            image.row8(y), &rgba[static_cast<std::size_t>(y * image.width() * 4)], image.width());
+    }
+    return rgba;
+}
+
+TEST(ColorTransform, whatAnotherOneUsedBeforeConvertsTheSame)
+{
+    const std::array spaces { ColorSpace::fromPrimaries(p3, {}).value(), tableCmyk(),
+        ColorSpace::fromPrimaries(adobeRgb, { TransferCurve::Kind::gamma, 2.19921875 }).value(),
+        ColorSpace::fromPrimaries(rec2020, { TransferCurve::Kind::rec709, 0 }).value(),
+        ColorSpace::fromPrimaries(p3, { TransferCurve::Kind::gamma, 1.8 }).value() };
+    std::vector<std::vector<std::uint8_t>> first;
+    for (const ColorSpace& space : spaces) {
+        first.push_back(
+            convertedCube(ColorTransform::create(space, 8, ColorSpace::sRgb()).value(), space));
+    }
+    for (std::size_t i = spaces.size(); i-- > 0;) {
+        const auto again = ColorTransform::create(spaces.at(i), 8, ColorSpace::sRgb());
+        EXPECT_EQ(convertedCube(again.value(), spaces.at(i)), first.at(i)) << i;
+        const auto deep = ColorTransform::create(spaces.at(i), 16, ColorSpace::sRgb());
+        EXPECT_FALSE(deep->isIdentity());
+    }
+}
+
+TEST(ColorTransform, twoOfTheSameSpacesAtOnceHaveNothingInCommon)
+{
+    const ColorSpace space = ColorSpace::fromPrimaries(p3, {}).value();
+    auto first = ColorTransform::create(space, 8, ColorSpace::sRgb());
+    const auto expected = convertedCube(first.value(), space);
+    auto second = ColorTransform::create(space, 8, ColorSpace::sRgb());
+    first = ColorTransform::create(ColorSpace::sRgb(), 8, ColorSpace::sRgb());
+    const auto third = ColorTransform::create(space, 8, ColorSpace::sRgb());
+    EXPECT_EQ(convertedCube(second.value(), space), expected);
+    EXPECT_EQ(convertedCube(third.value(), space), expected);
+}
+
+TEST(ColorTransform, threadsConvertTheSameColoursBesideEachOther)
+{
+    const ColorSpace space = tableCmyk();
+    const auto expected
+        = convertedCube(ColorTransform::create(space, 8, ColorSpace::sRgb()).value(), space);
+    std::vector<std::future<bool>> threads;
+    for (int thread = 0; thread < 4; ++thread) {
+        threads.push_back(std::async(std::launch::async, [&] {
+            bool same = true;
+            for (int turn = 0; turn < 3; ++turn) {
+                const auto transform = ColorTransform::create(space, 8, ColorSpace::sRgb());
+                same = same && convertedCube(transform.value(), space) == expected;
+            }
+            return same;
+        }));
+    }
+    EXPECT_TRUE(std::ranges::all_of(threads, &std::future<bool>::get));
 }
 
 } // namespace
