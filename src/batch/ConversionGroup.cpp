@@ -15,10 +15,10 @@ namespace {
 
 /// The outcome of one file, whatever happens: a batch goes on when memory runs out for one picture.
 ProcessingResult convert(const Optimize& optimize, const QUrl& url,
-    const OptimizerSettings& settings, const std::stop_token& interruption) noexcept
+    const OptimizerSettings& settings, const BatchTerms& terms) noexcept
 {
     try {
-        const Outcome<ProcessingResult> outcome = optimize(url, settings, interruption);
+        const Outcome<ProcessingResult> outcome = optimize(url, settings, terms);
         return outcome ? *outcome : failureResult(url, outcome.error());
     } catch (const std::bad_alloc&) {
         return failureResult(url, platform::FileError::fromErrno(ENOMEM));
@@ -29,10 +29,11 @@ ProcessingResult convert(const Optimize& optimize, const QUrl& url,
 
 Optimize optimizeIn(ConversionEnvironment environment)
 {
-    return [environment = std::move(environment)](const QUrl& url,
-               const OptimizerSettings& settings, const std::stop_token& interruption) {
+    return [environment = std::move(environment)](
+               const QUrl& url, const OptimizerSettings& settings, const BatchTerms& terms) {
         ConversionEnvironment current = environment;
-        current.interruption = interruption;
+        current.interruption = terms.interruption;
+        current.unreadSources = terms.unreadSources;
         return ImageOptimizer::optimize(url, settings, current);
     };
 }
@@ -83,8 +84,8 @@ void ConversionGroup::begin(std::size_t position)
 {
     const auto future = QtConcurrent::run(&m_pool,
         [optimize = m_optimize, settings = m_settings, url = m_queue->url(position),
-            interruption = m_interruption.get_token()] {
-            return convert(*optimize, url, *settings, interruption);
+            terms = BatchTerms { m_interruption.get_token(), m_queue->unreadSources() }] {
+            return convert(*optimize, url, *settings, terms);
         });
     deliver(future, this,
         [this, position](const ProcessingResult& result) { finish(position, result); });

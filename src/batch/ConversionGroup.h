@@ -16,12 +16,19 @@ class QThreadPool;
 
 namespace vellumine {
 
-/// Converts one file; runs on several threads at once. A requested stop asks it to give up early
-/// and to leave nothing behind; what it answers then is recorded like any other outcome.
-using Optimize = std::function<Outcome<ProcessingResult>(
-    const QUrl& url, const OptimizerSettings& settings, const std::stop_token& interruption)>;
+/// What the conversions of one batch have in common.
+struct BatchTerms {
+    /// A requested stop asks a conversion to give up early and to leave nothing behind; what it
+    /// answers then is recorded like any other outcome.
+    std::stop_token interruption;
+    std::shared_ptr<const UnreadSources> unreadSources;
+};
 
-/// The pipeline's conversion in the environment, whose interruption is the batch's.
+/// Converts one file; runs on several threads at once.
+using Optimize = std::function<Outcome<ProcessingResult>(
+    const QUrl& url, const OptimizerSettings& settings, const BatchTerms& terms)>;
+
+/// The pipeline's conversion in the environment, whose terms are the batch's.
 [[nodiscard]] Optimize optimizeIn(ConversionEnvironment environment);
 
 /// The conversions of one batch on the threads of a pool, a bounded number of them at once, the

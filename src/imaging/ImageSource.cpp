@@ -3,6 +3,7 @@
 #include "imaging/BitmapContext.h"
 #include "imaging/FileDescriptor.h"
 #include "imaging/SourceDecoder.h"
+#include "imaging/codecs/CodecTable.h"
 
 #include <algorithm>
 #include <cmath>
@@ -99,6 +100,18 @@ Result<ImageSource> ImageSource::create(ByteBuffer file, const Limits& limits)
     return decodingHere(std::move(file), limits).map([](std::unique_ptr<SourceDecoder>&& decoder) {
         return create(std::move(decoder));
     });
+}
+
+std::optional<UniformType> ImageSource::typeOf(const std::filesystem::path& path)
+{
+    constexpr std::size_t enough = 4096; // no type looks further
+    auto file = FileDescriptor::openForReading(path);
+    ByteBuffer beginning;
+    if (!file || !file->readInto(beginning, enough)) {
+        return std::nullopt;
+    }
+    const Codec* const codec = codecForContent(beginning);
+    return codec != nullptr ? std::optional(codec->type) : std::nullopt;
 }
 
 ImageSource ImageSource::create(std::unique_ptr<SourceDecoder> decoder)

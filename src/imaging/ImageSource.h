@@ -30,6 +30,10 @@ public:
     /// The same over bytes in memory.
     static Result<ImageSource> create(ByteBuffer file, const Limits& limits);
 
+    /// The type of a file, from its first bytes alone; none when they are of no known type or
+    /// cannot be read.
+    static std::optional<UniformType> typeOf(const std::filesystem::path& path);
+
     /// Over a file that somebody else has opened, to be decoded wherever that is.
     static ImageSource create(std::unique_ptr<SourceDecoder> decoder);
 

@@ -5,6 +5,7 @@
 #include "imaging/Limits.h"
 #include "pipeline/MemoryBudget.h"
 #include "pipeline/OverwritePrompt.h"
+#include "pipeline/UnreadSources.h"
 #include "platform/FileOperations.h"
 #include "platform/SecurityScope.h"
 #include "platform/Trash.h"
@@ -69,6 +70,8 @@ struct ConversionEnvironment {
     /// WebP encoder is killed. They fail then and leave nothing behind; one that has written its
     /// output ends as it would have.
     std::stop_token interruption;
+    /// Files that no output may replace; null for a conversion that is no part of a batch.
+    std::shared_ptr<const UnreadSources> unreadSources;
 };
 
 } // namespace vellumine

@@ -1,5 +1,6 @@
 #include "pipeline/ConversionQueue.h"
 
+#include "imaging/ImageSource.h"
 #include "pipeline/ImageOptimizer.h"
 #include "pipeline/SourceName.h"
 #include "platform/FileOperations.h"
@@ -7,24 +8,31 @@
 
 #include <QByteArray>
 #include <QHash>
+#include <QSet>
 #include <QString>
+#include <QStringDecoder>
 
+#include <algorithm>
 #include <filesystem>
-#include <system_error>
+#include <set>
 #include <utility>
 
 namespace vellumine {
 
 namespace {
 
-/// A folder and a name in it without extension, which of an output is known for certain only when
-/// its source has been read. The name is in a form that is the same for every spelling that some
-/// disk takes for the same. That makes more files wait than necessary, but only a little.
-struct Place {
-    QString key; ///< of the folder and the name without the "-optimized" that an output may get
-    qsizetype markers = 0; ///< how many of those the name has
-};
+/// A name in the form that is the same for every spelling that some disk takes for the same.
+QString folded(const QByteArray& name)
+{
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    const QString text = decoder(name);
+    return decoder.hasError() ? QString::fromLatin1(name.toLower())
+                              : text.normalized(QString::NormalizationForm_C).toCaseFolded();
+}
 
+/// Places are a folder and a folded name in it without extension, which of an output is known for
+/// certain only when its source has been read, and without the "-optimized" that it may get. So two
+/// files may be said to have the same place that do not meet; the other way round is impossible.
 class Places {
 public:
     explicit Places(const OptimizerSettings& settings)
@@ -32,13 +40,12 @@ public:
     {
     }
 
-    [[nodiscard]] Place ofSource(const std::filesystem::path& source)
+    [[nodiscard]] QString ofSource(const std::filesystem::path& source)
     {
         return at(source.parent_path(), SourceName::of(platform::fileUrl(source)).base);
     }
 
-    /// Where the output goes, but for the markers that it may get.
-    [[nodiscard]] Place ofOutput(const QUrl& source)
+    [[nodiscard]] QString ofOutput(const QUrl& source)
     {
         const bool selected = m_settings.destinationMode == DestinationMode::selectedFolder
             && m_settings.destinationFolderURL;
@@ -52,18 +59,14 @@ public:
     }
 
 private:
-    Place at(const std::filesystem::path& folder, const QByteArray& name)
+    QString at(const std::filesystem::path& folder, const QByteArray& name)
     {
-        Place place {
-            QString::fromUtf8(name).normalized(QString::NormalizationForm_C).toCaseFolded(), 0
-        };
+        QString place = folded(name);
         const QString marker = QStringLiteral("-optimized");
-        while (place.key.endsWith(marker)) {
-            place.key.chop(marker.size());
-            ++place.markers;
+        while (place.endsWith(marker)) {
+            place.chop(marker.size());
         }
-        place.key = identity(folder) + u'/' + place.key;
-        return place;
+        return identity(folder) + u'/' + place;
     }
 
     /// The same for all names of a folder; where there is none, its name.
@@ -96,68 +99,90 @@ bool isNamedLikeAnOutput(const std::filesystem::path& path, const OptimizerSetti
     return extension == ImageOptimizer::outputExtension(url, std::nullopt, settings);
 }
 
-/// The file itself, and what it is where it is a link: an output may take the place of both.
-std::vector<std::filesystem::path> pathsOf(const QUrl& url)
-{
-    std::vector<std::filesystem::path> paths { platform::toPath(url) };
-    std::error_code error;
-    if (std::filesystem::is_symlink(paths.front(), error)) {
-        const auto target = std::filesystem::canonical(paths.front(), error);
-        if (!error) {
-            paths.push_back(target);
-        }
-    }
-    return paths;
-}
-
-/// Which files stand where outputs may go.
+/// Which files of the batch stand where outputs go.
 class Standing {
 public:
-    Standing(const std::vector<QUrl>& urls, const OptimizerSettings& settings, Places& places)
+    Standing(const std::vector<QUrl>& urls, const OptimizerSettings& settings, Places& places,
+        const UnreadSources& unread)
+        : m_urls(urls)
+        , m_settings(settings)
+        , m_unread(unread)
     {
-        for (std::size_t index = 0; index < urls.size(); ++index) {
-            for (const std::filesystem::path& path : pathsOf(urls[index])) {
+        for (const QUrl& url : urls) {
+            for (const auto& path : platform::pathsToFile(platform::toPath(url))) {
                 if (isNamedLikeAnOutput(path, settings)) {
-                    const Place place = places.ofSource(path);
-                    m_files[place.key].emplace_back(index, place.markers);
+                    m_places.insert(places.ofSource(path));
                 }
             }
         }
     }
 
-    /// The files where the output of this one may go.
-    [[nodiscard]] std::vector<std::size_t> inTheWayOf(std::size_t index, const Place& output) const
+    /// The other files where the output of this one goes. To find that out the disk is asked, and
+    /// for the original format the file, but only where the place tells that it may matter.
+    [[nodiscard]] std::vector<std::size_t> inTheWayOf(std::size_t index, const QString& place) const
     {
+        if (!m_places.contains(place)) {
+            return {};
+        }
+        const QUrl& url = m_urls[index];
+        std::optional<imaging::UniformType> type;
+        if (m_settings.outputFormat == OutputFormat::original) {
+            type = imaging::ImageSource::typeOf(platform::toPath(url));
+        }
+        const auto output = ImageOptimizer::outputURL(url, type, m_settings);
         std::vector<std::size_t> found;
-        const auto files = m_files.constFind(output.key);
-        if (files != m_files.constEnd()) {
-            for (const auto& [other, markers] : *files) {
-                if (other != index && markers >= output.markers) {
-                    found.push_back(other);
-                }
-            }
+        if (output) {
+            found = m_unread.standingAt(platform::toPath(*output));
+            std::erase(found, index);
         }
         return found;
     }
 
 private:
-    QHash<QString, std::vector<std::pair<std::size_t, qsizetype>>> m_files; ///< and their markers
+    const std::vector<QUrl>& m_urls;
+    const OptimizerSettings& m_settings;
+    const UnreadSources& m_unread;
+    QSet<QString> m_places;
 };
 
-/// All tasks in an order in which each comes after those that it waits for. Where some wait for
-/// each other in a circle the first of them comes first.
-std::vector<std::size_t> inOrder(Precedence precedence, std::size_t count)
+/// By task: those that it waits for.
+using Awaited = std::vector<std::vector<std::size_t>>;
+
+/// The first task of a circle of tasks that wait for each other. The given one waits, and so does
+/// every one that it leads to.
+std::size_t firstOfACircle(
+    std::size_t task, const Awaited& awaited, const std::vector<bool>& isPlaced)
 {
+    std::vector<std::size_t> way;
+    std::set<std::size_t> passed;
+    while (passed.insert(task).second) {
+        way.push_back(task);
+        task = *std::ranges::find_if(
+            awaited[task], [&isPlaced](std::size_t other) { return !isPlaced[other]; });
+    }
+    return *std::min_element(std::ranges::find(way, task), way.end());
+}
+
+/// All tasks in an order in which each comes after those that it waits for, but for one of every
+/// circle.
+std::vector<std::size_t> inOrder(const Awaited& awaited)
+{
+    Precedence precedence(awaited.size());
+    for (std::size_t task = 0; task < awaited.size(); ++task) {
+        for (const std::size_t other : awaited[task]) {
+            precedence.letWait(task, other);
+        }
+    }
     precedence.start();
     std::vector<std::size_t> order;
-    std::vector<bool> isPlaced(count);
+    std::vector<bool> isPlaced(awaited.size());
     std::size_t lowest = 0;
-    while (order.size() < count) {
+    while (order.size() < awaited.size()) {
         const auto ready = precedence.takeNext();
         while (!ready && isPlaced[lowest]) {
             ++lowest;
         }
-        const std::size_t next = ready.value_or(lowest);
+        const std::size_t next = ready ? *ready : firstOfACircle(lowest, awaited, isPlaced);
         if (!isPlaced[next]) {
             isPlaced[next] = true;
             order.push_back(next);
@@ -167,26 +192,23 @@ std::vector<std::size_t> inOrder(Precedence precedence, std::size_t count)
     return order;
 }
 
-Precedence precedenceOf(const std::vector<QUrl>& urls, const OptimizerSettings& settings)
+Precedence precedenceOf(
+    const std::vector<QUrl>& urls, const OptimizerSettings& settings, const UnreadSources& unread)
 {
     Places places(settings);
-    const Standing standing(urls, settings, places);
-    std::vector<Place> outputs;
-    std::vector<std::vector<std::size_t>> inTheWay;
-    Precedence readFirst(urls.size());
+    const Standing standing(urls, settings, places, unread);
+    std::vector<QString> outputs;
+    Awaited inTheWay;
     for (std::size_t index = 0; index < urls.size(); ++index) {
         outputs.push_back(places.ofOutput(urls[index]));
         inTheWay.push_back(standing.inTheWayOf(index, outputs.back()));
-        for (const std::size_t other : inTheWay.back()) {
-            readFirst.letWait(index, other);
-        }
     }
 
     Precedence precedence(urls.size());
     std::vector<bool> isPlaced(urls.size());
     QHash<QString, std::size_t> lastWithOutput;
-    for (const std::size_t index : inOrder(std::move(readFirst), urls.size())) {
-        const auto before = lastWithOutput.constFind(outputs[index].key);
+    for (const std::size_t index : inOrder(inTheWay)) {
+        const auto before = lastWithOutput.constFind(outputs[index]);
         if (before != lastWithOutput.constEnd()) {
             precedence.letWait(index, *before);
         }
@@ -196,7 +218,7 @@ Precedence precedenceOf(const std::vector<QUrl>& urls, const OptimizerSettings& 
             }
         }
         isPlaced[index] = true;
-        lastWithOutput.insert(outputs[index].key, index);
+        lastWithOutput.insert(outputs[index], index);
     }
     precedence.start();
     return precedence;
@@ -206,8 +228,15 @@ Precedence precedenceOf(const std::vector<QUrl>& urls, const OptimizerSettings& 
 
 ConversionQueue::ConversionQueue(std::vector<QUrl> urls, const OptimizerSettings& settings)
     : m_urls(std::move(urls))
-    , m_precedence(precedenceOf(m_urls, settings))
+    , m_unread(std::make_shared<UnreadSources>(m_urls))
+    , m_precedence(precedenceOf(m_urls, settings, *m_unread))
 {
+}
+
+void ConversionQueue::finished(std::size_t index)
+{
+    m_unread->setRead(index);
+    m_precedence.finished(index);
 }
 
 } // namespace vellumine

@@ -2,10 +2,12 @@
 
 #include "core/OptimizerSettings.h"
 #include "pipeline/Precedence.h"
+#include "pipeline/UnreadSources.h"
 
 #include <QUrl>
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -14,9 +16,11 @@ namespace vellumine {
 /// The order of a batch. Files are handed out as they were given, but never two at a time whose
 /// outputs could have the same name (a.jpg and a.png to a.webp): the second waits for the first,
 /// finds its output standing there, and the overwrite rule applies. So the outcome is the same
-/// every time, and no worker waits for another. A file that stands where the output of another may
-/// go comes before that one: a.webp is read before a.jpg may replace it, and a_small.png before
-/// a.png where names get a suffix "_small". For one thread.
+/// every time, and no worker waits for another. A file that stands where the output of another goes
+/// comes before that one: a.webp is read before a.jpg replaces it, and a_small.png before a.png
+/// where names get a suffix "_small". Where that makes a circle (two files whose names lie about
+/// their types, each where the other's output goes) the first of it comes first, and must not
+/// replace what is unread. For one thread.
 class ConversionQueue {
 public:
     ConversionQueue(std::vector<QUrl> urls, const OptimizerSettings& settings);
@@ -27,10 +31,13 @@ public:
     /// The first file that may be converted now; none when all are taken or have to wait.
     [[nodiscard]] std::optional<std::size_t> takeNext() { return m_precedence.takeNext(); }
     /// To be called for every file that was taken, whatever its outcome: frees who waits for it.
-    void finished(std::size_t index) { m_precedence.finished(index); }
+    void finished(std::size_t index);
+    /// What is not finished.
+    [[nodiscard]] std::shared_ptr<const UnreadSources> unreadSources() const { return m_unread; }
 
 private:
     std::vector<QUrl> m_urls;
+    std::shared_ptr<UnreadSources> m_unread;
     Precedence m_precedence;
 };
 

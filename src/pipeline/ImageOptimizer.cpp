@@ -132,7 +132,8 @@ Outcome<Prepared> prepare(ImageSource source, const QUrl& url, const OptimizerSe
     ImageProperties properties = source.properties().value_or(ImageProperties());
     const Image oriented = ImageOptimizer::oriented(source, *decoded);
 
-    auto outputURL = ImageOptimizer::outputURL(url, source.type(), settings);
+    auto outputURL
+        = ImageOptimizer::outputURL(url, source.type(), settings, environment.unreadSources.get());
     if (!outputURL) {
         return tl::unexpected(outputURL.error());
     }

@@ -46,8 +46,8 @@ QString ImageOptimizer::outputExtension(
     return extension.isEmpty() ? QStringLiteral("png") : extension;
 }
 
-Outcome<QUrl> ImageOptimizer::outputURL(
-    const QUrl& url, std::optional<UniformType> sourceType, const OptimizerSettings& settings)
+Outcome<QUrl> ImageOptimizer::outputURL(const QUrl& url, std::optional<UniformType> sourceType,
+    const OptimizerSettings& settings, const UnreadSources* unread)
 {
     QUrl folder = platform::parentFolder(url);
     if (settings.destinationMode == DestinationMode::selectedFolder) {
@@ -67,7 +67,8 @@ Outcome<QUrl> ImageOptimizer::outputURL(
     }
     // A link to the source, or the source in other letters on a disk that takes them for the same,
     // is the source too: writing there would destroy it.
-    while (platform::isSameFile(toPath(candidate), toPath(url))) {
+    while (platform::isSameFile(toPath(candidate), toPath(url))
+        || (unread != nullptr && !unread->standingAt(toPath(candidate)).empty())) {
         name += marker;
         candidate = fileIn(folder, name, extension);
     }

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <optional>
 #include <span>
+#include <system_error>
 #include <vector>
 
 namespace vellumine::platform {
@@ -56,6 +57,30 @@ std::optional<FileVersion> fileVersion(const std::filesystem::path& path)
     }
     return FileVersion { status->st_dev, status->st_ino, status->st_size, status->st_mtim.tv_sec,
         status->st_mtim.tv_nsec };
+}
+
+std::optional<FileIdentity> identityAt(const std::filesystem::path& path)
+{
+    struct stat status { };
+    if (::lstat(path.c_str(), &status) != 0) {
+        return std::nullopt;
+    }
+    return FileIdentity { status.st_dev, status.st_ino };
+}
+
+std::vector<std::filesystem::path> pathsToFile(const std::filesystem::path& path)
+{
+    constexpr std::size_t mostLinks = 40; // as many as the system follows
+    std::vector<std::filesystem::path> paths { path };
+    std::error_code error;
+    while (paths.size() <= mostLinks && std::filesystem::is_symlink(paths.back(), error)) {
+        const auto target = std::filesystem::read_symlink(paths.back(), error);
+        if (error) {
+            break;
+        }
+        paths.push_back(paths.back().parent_path() / target);
+    }
+    return paths;
 }
 
 bool isSameFile(const std::filesystem::path& first, const std::filesystem::path& second)

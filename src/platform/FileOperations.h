@@ -3,9 +3,11 @@
 #include "platform/FileDescriptor.h"
 #include "platform/FileError.h"
 
+#include <compare>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <vector>
 
 namespace vellumine::platform {
 
@@ -31,6 +33,20 @@ struct FileVersion {
 
 /// Of the file, links followed; nothing when there is none.
 [[nodiscard]] std::optional<FileVersion> fileVersion(const std::filesystem::path& path);
+
+/// A file, whatever its names are.
+struct FileIdentity {
+    std::uint64_t device = 0;
+    std::uint64_t number = 0;
+
+    friend auto operator<=>(const FileIdentity&, const FileIdentity&) = default;
+};
+
+/// Of what stands at the path itself, which may be a link; nothing when there is none.
+[[nodiscard]] std::optional<FileIdentity> identityAt(const std::filesystem::path& path);
+
+/// The path, and where it is a link every further one on the way to the file.
+[[nodiscard]] std::vector<std::filesystem::path> pathsToFile(const std::filesystem::path& path);
 
 /// Whether both paths exist and lead to the same file: through links of either kind, or by other
 /// letters on a disk that does not tell upper from lower case.

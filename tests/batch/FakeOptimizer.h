@@ -1,5 +1,6 @@
 #pragma once
 
+#include "batch/ConversionGroup.h"
 #include "core/OptimizerSettings.h"
 #include "core/ProcessingResult.h"
 #include "platform/FilePath.h"
@@ -13,7 +14,6 @@
 #include <map>
 #include <mutex>
 #include <set>
-#include <stop_token>
 
 namespace vellumine::test {
 
@@ -29,7 +29,7 @@ public:
     }
 
     Outcome<ProcessingResult> operator()(
-        const QUrl& url, const OptimizerSettings& settings, const std::stop_token& interruption)
+        const QUrl& url, const OptimizerSettings& settings, const BatchTerms& terms)
     {
         const QString name = platform::lastPathComponent(url);
         std::unique_lock lock(m_mutex);
@@ -40,7 +40,7 @@ public:
         m_ranOnMainThread |= QThread::currentThread() == QCoreApplication::instance()->thread();
         wakeMainThread();
         const bool letGo
-            = m_changed.wait(lock, interruption, [&] { return m_letAll || m_let.contains(name); });
+            = m_changed.wait(lock, terms.interruption, [&] { return m_letAll || m_let.contains(name); });
         m_inFlight.erase(name);
         if (!letGo) {
             m_interrupted.append(name);

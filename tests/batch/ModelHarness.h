@@ -53,8 +53,8 @@ protected:
                 m_recorded.append(nameOf(result));
             },
             .optimize = [this](const QUrl& url, const OptimizerSettings& settings,
-                            const std::stop_token& interruption) {
-                return m_optimizer(url, settings, interruption);
+                            const BatchTerms& terms) {
+                return m_optimizer(url, settings, terms);
             },
             .folderAccess = {
                 .securityScope = m_scope,

@@ -148,7 +148,7 @@ TEST_F(ProcessingModelTest, aFileThatDoesNotFitInMemoryFailsAlone)
 {
     auto dependencies = this->dependencies();
     dependencies.optimize = [](const QUrl& url, const OptimizerSettings&,
-                                const std::stop_token&) -> Outcome<ProcessingResult> {
+                                const BatchTerms&) -> Outcome<ProcessingResult> {
         if (platform::lastPathComponent(url) == QStringLiteral("big.png")) {
             throw std::bad_alloc();
         }

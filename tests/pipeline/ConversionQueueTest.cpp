@@ -3,6 +3,13 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <initializer_list>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
 namespace vellumine {
 namespace {
 
@@ -16,6 +23,52 @@ std::vector<QUrl> urls(std::initializer_list<const char*> paths)
     }
     return result;
 }
+
+/// Batches of files that are there, each with content of its name's type.
+class ConversionQueueOfFiles : public testing::Test {
+protected:
+    /// Writes the files, and queues them in this order.
+    ConversionQueue queueOf(
+        const std::vector<std::string>& names, const OptimizerSettings& settings = {})
+    {
+        std::vector<QUrl> given;
+        for (const std::string& name : names) {
+            write(name, name.ends_with(".png") ? png : jpeg);
+            given.push_back(urlOf(m_folder / name));
+        }
+        return { given, settings };
+    }
+
+    void write(const std::string& name, std::string_view content) const
+    {
+        std::filesystem::create_directories((m_folder / name).parent_path());
+        test::writeFile(m_folder / name, content);
+    }
+
+    /// Expects the files to come one after the other.
+    static void expectInTurn(ConversionQueue& queue, std::initializer_list<std::size_t> indices)
+    {
+        for (const std::size_t index : indices) {
+            EXPECT_EQ(queue.takeNext(), index);
+            EXPECT_EQ(queue.takeNext(), std::nullopt) << "beside " << index;
+            queue.finished(index);
+        }
+        EXPECT_EQ(queue.takeNext(), std::nullopt);
+    }
+
+    static OptimizerSettings settingsOf(OutputFormat format, const char* suffix = "")
+    {
+        OptimizerSettings settings;
+        settings.outputFormat = format;
+        settings.filenameSuffix = QString::fromLatin1(suffix);
+        return settings;
+    }
+
+    static constexpr std::string_view png = "\x89PNG\r\n\x1a\n";
+    static constexpr std::string_view jpeg = "\xFF\xD8\xFF";
+
+    const test::TemporaryFolder m_folder;
+};
 
 TEST(ConversionQueue, handsOutInOrder)
 {
@@ -48,9 +101,9 @@ TEST(ConversionQueue, sameOutputWaitsForTheFirstAndLetsOthersPass)
     EXPECT_EQ(queue.takeNext(), 3U);
 }
 
-TEST(ConversionQueue, whatAnOutputWouldReplaceIsConvertedBeforeIt)
+TEST_F(ConversionQueueOfFiles, whatAnOutputWouldReplaceIsConvertedBeforeIt)
 {
-    ConversionQueue queue(urls({ "/n/a.jpg", "/n/b.jpg", "/n/a.WEBP" }), {});
+    ConversionQueue queue = queueOf({ "a.jpg", "b.jpg", "a.webp" });
     EXPECT_EQ(queue.takeNext(), 1U);
     EXPECT_EQ(queue.takeNext(), 2U);
     EXPECT_EQ(queue.takeNext(), std::nullopt);
@@ -58,13 +111,10 @@ TEST(ConversionQueue, whatAnOutputWouldReplaceIsConvertedBeforeIt)
     EXPECT_EQ(queue.takeNext(), 0U);
 }
 
-TEST(ConversionQueue, whatStandsWhereAnOutputGoesByItsSuffixIsConvertedBeforeIt)
+TEST_F(ConversionQueueOfFiles, whatStandsWhereAnOutputGoesByItsSuffixIsConvertedBeforeIt)
 {
-    OptimizerSettings settings;
-    settings.outputFormat = OutputFormat::png;
-    settings.filenameSuffix = QStringLiteral("_s");
-    ConversionQueue queue(
-        urls({ "/n/a.png", "/n/a_s.png", "/n/a_s_s.PNG", "/m/a_s.png" }), settings);
+    ConversionQueue queue = queueOf({ "n/a.png", "n/a_s.png", "n/a_s_s.png", "m/a_s.png" },
+        settingsOf(OutputFormat::png, "_s"));
     EXPECT_EQ(queue.takeNext(), 2U);
     EXPECT_EQ(queue.takeNext(), 3U);
     EXPECT_EQ(queue.takeNext(), std::nullopt);
@@ -75,73 +125,102 @@ TEST(ConversionQueue, whatStandsWhereAnOutputGoesByItsSuffixIsConvertedBeforeIt)
     EXPECT_EQ(queue.takeNext(), 0U);
 }
 
-TEST(ConversionQueue, ofAnotherTypeThanTheOutputsNothingIsReplaced)
+TEST_F(ConversionQueueOfFiles, ofAnotherTypeThanTheOutputsNothingIsReplaced)
 {
     OptimizerSettings settings;
     settings.filenamePrefix = QStringLiteral("z-");
-    ConversionQueue queue(urls({ "/n/a.png", "/n/z-a.png" }), settings);
+    ConversionQueue queue = queueOf({ "a.png", "z-a.png" }, settings);
     EXPECT_EQ(queue.takeNext(), 0U);
     EXPECT_EQ(queue.takeNext(), 1U);
 }
 
-TEST(ConversionQueue, whatStandsWhereAMarkedOutputGoesIsConvertedBeforeIt)
+TEST_F(ConversionQueueOfFiles, whatStandsWhereAMarkedOutputGoesIsConvertedBeforeIt)
 {
-    OptimizerSettings settings;
-    settings.outputFormat = OutputFormat::png;
+    ConversionQueue queue = queueOf(
+        { "a.png", "a-optimized.png", "a-optimized-optimized.png" }, settingsOf(OutputFormat::png));
+    expectInTurn(queue, { 2, 1, 0 });
+}
+
+TEST_F(ConversionQueueOfFiles, whatStandsWhereItselfMayGoWaitsForNothing)
+{
+    ConversionQueue queue = queueOf({ "a.png" }, settingsOf(OutputFormat::png));
+    expectInTurn(queue, { 0 });
+}
+
+TEST_F(ConversionQueueOfFiles, upperAndLowerCaseExtensionsAreNoCircle)
+{
+    // Only the one in upper case is written over the other.
+    ConversionQueue queue = queueOf({ "a.JPG", "a.jpg" }, settingsOf(OutputFormat::jpeg));
+    expectInTurn(queue, { 1, 0 });
+    ConversionQueue turned = queueOf({ "b.jpg", "b.JPG" }, settingsOf(OutputFormat::jpeg));
+    expectInTurn(turned, { 0, 1 });
+}
+
+TEST_F(ConversionQueueOfFiles, theSameFileByTwoNamesIsNoCircle)
+{
+    std::filesystem::create_directory_symlink("w", m_folder / "l");
+    ConversionQueue queue = queueOf({ "w/a.png", "w/a.webp", "l/a.png", "l/a.webp" });
+    EXPECT_EQ(queue.takeNext(), 1U);
+    EXPECT_EQ(queue.takeNext(), std::nullopt);
+    queue.finished(1);
+    EXPECT_EQ(queue.takeNext(), 3U);
+}
+
+TEST_F(ConversionQueueOfFiles, inTheOriginalFormatTheContentTellsWhereTheOutputGoes)
+{
+    ConversionQueue queue
+        = queueOf({ "a.jpg", "a.jpeg", "a.png" }, settingsOf(OutputFormat::original));
+    EXPECT_EQ(queue.takeNext(), 1U);
+    EXPECT_EQ(queue.takeNext(), std::nullopt);
+    queue.finished(1);
+    EXPECT_EQ(queue.takeNext(), 0U);
+    EXPECT_EQ(queue.takeNext(), std::nullopt);
+    queue.finished(0);
+    EXPECT_EQ(queue.takeNext(), 2U); // by its name it might have been any type
+}
+
+TEST_F(ConversionQueueOfFiles, ofACircleTheFirstComesFirst)
+{
+    // Misnamed files, each of the other's type, and one that its output would replace.
+    write("a.jpg", jpeg);
+    write("a.png", jpeg);
+    write("a.jpeg", png);
     ConversionQueue queue(
-        urls({ "/n/a.png", "/n/a-optimized.png", "/n/a-optimized-optimized.png" }), settings);
-    for (const std::size_t index : { 2U, 1U, 0U }) {
-        EXPECT_EQ(queue.takeNext(), index);
-        EXPECT_EQ(queue.takeNext(), std::nullopt);
-        queue.finished(index);
-    }
+        { urlOf(m_folder / "a.jpg"), urlOf(m_folder / "a.png"), urlOf(m_folder / "a.jpeg") },
+        settingsOf(OutputFormat::original));
+    EXPECT_EQ(
+        queue.unreadSources()->standingAt(m_folder / "a.jpeg"), std::vector<std::size_t> { 2 });
+    expectInTurn(queue, { 1, 2, 0 });
+    EXPECT_TRUE(queue.unreadSources()->standingAt(m_folder / "a.jpeg").empty());
 }
 
-TEST(ConversionQueue, whatStandsWhereItselfMayGoWaitsForNothing)
+TEST_F(ConversionQueueOfFiles, whatALinkLeadsToIsReadBeforeItIsReplaced)
 {
-    OptimizerSettings settings;
-    settings.outputFormat = OutputFormat::png;
-    ConversionQueue queue(urls({ "/n/a.png" }), settings);
+    write("a_s.webp", "x");
+    std::filesystem::create_directory(m_folder / "links");
+    std::filesystem::create_symlink("../a_s.webp", m_folder / "links/b.png");
+    ConversionQueue queue({ urlOf(m_folder / "a.png"), urlOf(m_folder / "links/b.png") },
+        settingsOf(OutputFormat::webp, "_s"));
+    expectInTurn(queue, { 1, 0 });
+}
+
+TEST_F(ConversionQueueOfFiles, aLinkOnTheWayToAFileIsReadThroughBeforeItIsReplaced)
+{
+    write("store/x.webp", "x");
+    std::filesystem::create_symlink("store/x.webp", m_folder / "m.webp");
+    std::filesystem::create_directory(m_folder / "links");
+    std::filesystem::create_symlink(m_folder / "m.webp", m_folder / "links/l.webp");
+    ConversionQueue queue(
+        { urlOf(m_folder / "m.png"), urlOf(m_folder / "links/l.webp") }, OptimizerSettings());
+    expectInTurn(queue, { 1, 0 });
+}
+
+TEST_F(ConversionQueueOfFiles, namesThatAreNoTextAreToldApart)
+{
+    ConversionQueue queue
+        = queueOf({ "\xe9\xe8.png", "\xe9\xea.png" }, settingsOf(OutputFormat::png));
     EXPECT_EQ(queue.takeNext(), 0U);
-}
-
-TEST(ConversionQueue, ofACircleTheFirstComesFirst)
-{
-    // Misnamed files, of which each is of the other's type.
-    OptimizerSettings settings;
-    settings.outputFormat = OutputFormat::original;
-    ConversionQueue queue(urls({ "/n/a.png", "/n/a.jpeg", "/n/a.gif" }), settings);
-    for (const std::size_t index : { 0U, 1U, 2U }) {
-        EXPECT_EQ(queue.takeNext(), index);
-        EXPECT_EQ(queue.takeNext(), std::nullopt);
-        queue.finished(index);
-    }
-}
-
-TEST(ConversionQueue, whatALinkLeadsToIsReadBeforeItIsReplaced)
-{
-    const test::TemporaryFolder folder;
-    test::writeFile(folder / "a_s.webp", "x");
-    std::filesystem::create_directory(folder / "links");
-    std::filesystem::create_symlink("../a_s.webp", folder / "links/b.png");
-    OptimizerSettings settings;
-    settings.filenameSuffix = QStringLiteral("_s");
-    ConversionQueue queue({ urlOf(folder / "a.png"), urlOf(folder / "links/b.png") }, settings);
     EXPECT_EQ(queue.takeNext(), 1U);
-    EXPECT_EQ(queue.takeNext(), std::nullopt);
-    queue.finished(1);
-    EXPECT_EQ(queue.takeNext(), 0U);
-}
-
-TEST(ConversionQueue, inTheOriginalFormatTheTypesOwnExtensionComesFirst)
-{
-    OptimizerSettings settings;
-    settings.outputFormat = OutputFormat::original;
-    ConversionQueue queue(urls({ "/n/a.jpg", "/n/a.jpeg" }), settings);
-    EXPECT_EQ(queue.takeNext(), 1U);
-    EXPECT_EQ(queue.takeNext(), std::nullopt);
-    queue.finished(1);
-    EXPECT_EQ(queue.takeNext(), 0U);
 }
 
 TEST(ConversionQueue, markedNamesAreTheSameOutput)
@@ -198,6 +277,7 @@ TEST(ConversionQueue, aPrefixMayLeadToAnotherFolder)
     const test::TemporaryFolder folder;
     std::filesystem::create_directories(folder / "one");
     std::filesystem::create_directories(folder / "two");
+    test::writeFile(folder / "a.webp", "x");
     OptimizerSettings settings;
     settings.filenamePrefix = QStringLiteral("../");
     ConversionQueue queue(

@@ -24,8 +24,8 @@ ProcessingModel::Dependencies ProcessingFixture::dependencies()
         .record = [](const ProcessingResult&) {},
         .optimize =
             [this](const QUrl& url, const OptimizerSettings& settings,
-                const std::stop_token& interruption) {
-                return m_optimizer(url, settings, interruption);
+                const BatchTerms& terms) {
+                return m_optimizer(url, settings, terms);
             },
         .folderAccess = { .securityScope = m_scope },
         .activeProcessorCount = 4,
