@@ -65,10 +65,12 @@ QList<QUrl> FolderAccessGrants::uniqueParentFolders(const QList<QUrl>& urls)
         // UTF-8 are the same decoded.
         const QString path = url.path(QUrl::FullyEncoded);
         const QStringView parent = QStringView(path).left(path.lastIndexOf(u'/') + 1);
-        if (last == parent && parent != path) {
-            continue;
+        if (parent != path) {
+            if (last == parent) {
+                continue;
+            }
+            last = parent.toString();
         }
-        last = parent.toString();
         const QUrl folder = platform::parentFolder(url);
         const QByteArray key = platform::standardizedPath(folder);
         if (!seen.contains(key)) {

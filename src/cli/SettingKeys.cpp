@@ -1,5 +1,6 @@
 #include "cli/SettingKeys.h"
 
+#include "platform/FileOperations.h"
 #include "platform/FilePath.h"
 
 #include <QFile>
@@ -127,8 +128,13 @@ bool applyDestinationFolder(OptimizerSettings& settings, const QByteArray& value
     if (!std::filesystem::is_directory(folder, error)) {
         return false;
     }
-    settings.destinationFolderURL
+    // ".." behind a link leads somewhere else than the text tells.
+    const auto real = std::filesystem::canonical(folder, error);
+    const QUrl asNamed
         = platform::standardized(platform::fileUrl(std::filesystem::absolute(folder, error)));
+    settings.destinationFolderURL = platform::isSameFile(platform::toPath(asNamed), real)
+        ? asNamed
+        : platform::fileUrl(real);
     return !error;
 }
 

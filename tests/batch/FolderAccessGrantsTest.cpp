@@ -120,6 +120,9 @@ TEST_F(FolderAccessGrantsTest, aFolderThatIsNamedWithASlashIsNoFileOfItself)
     EXPECT_EQ(FolderAccessGrants::uniqueParentFolders(
                   urls({ QStringLiteral("/a/b/1.png"), QStringLiteral("/a/b/") })),
         urls({ QStringLiteral("/a/b"), QStringLiteral("/a") }));
+    EXPECT_EQ(FolderAccessGrants::uniqueParentFolders(
+                  urls({ QStringLiteral("/a/b.png/"), QStringLiteral("/a/b.png/c.png") })),
+        urls({ QStringLiteral("/a"), QStringLiteral("/a/b.png") }));
 }
 
 TEST_F(FolderAccessGrantsTest, aFileInTheRootFolderHasAParent)

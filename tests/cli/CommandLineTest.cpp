@@ -81,6 +81,21 @@ TEST(CommandLine, aDestinationIsAnAbsolutePathWithoutDetours)
     EXPECT_EQ(line->settings.destinationFolderURL, platform::fileUrl(folder / "d"));
 }
 
+TEST(CommandLine, behindALinkTwoDotsLeadWhereTheSystemHasThem)
+{
+    const test::TemporaryFolder folder;
+    std::filesystem::create_directories(folder / "real/deep");
+    std::filesystem::create_directory(folder / "real/out");
+    std::filesystem::create_directory(folder / "out"); // where the text alone would lead
+    std::filesystem::create_directory_symlink("real/deep", folder / "link");
+    const auto line = parse({ "--set",
+        "destinationFolderBookmark=" + folder.path().string() + "/link/../out", "a.png" });
+    ASSERT_TRUE(line) << line.error().text.toStdString();
+    ASSERT_TRUE(line->settings.destinationFolderURL);
+    EXPECT_TRUE(std::filesystem::equivalent(
+        platform::toPath(*line->settings.destinationFolderURL), folder / "real/out"));
+}
+
 TEST(CommandLine, keysAreTheSixteenPreferences)
 {
     EXPECT_EQ(settingKeys().size(), 16);

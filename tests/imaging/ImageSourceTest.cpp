@@ -73,6 +73,25 @@ TEST(ImageSource, opensAFileLargerThanWhatIsSniffed)
     EXPECT_EQ(test::maximumDifference(*image, large), 0);
 }
 
+TEST(ImageSource, tellsAFilesTypeByItsFirstBytes)
+{
+    TemporaryFolder folder;
+    const Image picture = test::gradient(oddSize, rgb8);
+    for (const UniformType type : { UniformType::jpeg, UniformType::png, UniformType::heic,
+             UniformType::heif, UniformType::tiff, UniformType::gif, UniformType::bmp }) {
+        ByteBuffer file = encoded(type, picture);
+        test::writeFile(folder / "picture", file);
+        EXPECT_EQ(ImageSource::typeOf(folder / "picture"), type);
+        file.resize(32); // nothing that could be decoded
+        test::writeFile(folder / "picture", file);
+        EXPECT_EQ(ImageSource::typeOf(folder / "picture"), type);
+    }
+    test::writeFile(folder / "text", "no picture");
+    EXPECT_EQ(ImageSource::typeOf(folder / "text"), std::nullopt);
+    EXPECT_EQ(ImageSource::typeOf(folder / "missing"), std::nullopt);
+    EXPECT_EQ(ImageSource::typeOf(folder.path()), std::nullopt);
+}
+
 TEST(ImageSource, failsWithIoWhereThereIsNoFile)
 {
     TemporaryFolder folder;

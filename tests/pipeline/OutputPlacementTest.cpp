@@ -184,6 +184,27 @@ TEST(OutputURL, anExistingFileWithTheMarkedNameIsNoReasonForAnotherName)
         urlOf(folder / "a-optimized.png"));
 }
 
+TEST(OutputURL, anUnreadFileOfTheBatchIsNotWrittenOver)
+{
+    const TemporaryFolder folder;
+    writeFile(folder / "a.jpg", "x");
+    writeFile(folder / "b.png", "y");
+    std::filesystem::create_symlink("b.png", folder / "a-optimized.jpg");
+    UnreadSources unread({ urlOf(folder / "a.jpg"), urlOf(folder / "a-optimized.jpg") });
+    OptimizerSettings settings;
+    settings.outputFormat = OutputFormat::jpeg;
+    const auto output = [&] {
+        return ImageOptimizer::outputURL(
+            urlOf(folder / "a.png"), UniformType::png, settings, &unread)
+            .value();
+    };
+    EXPECT_EQ(output(), urlOf(folder / "a-optimized-optimized.jpg"));
+    unread.setRead(1);
+    EXPECT_EQ(output(), urlOf(folder / "a-optimized.jpg"));
+    unread.setRead(0);
+    EXPECT_EQ(output(), urlOf(folder / "a.jpg"));
+}
+
 class ConfirmOverwrite : public testing::Test {
 protected:
     Outcome<ExistingItem> confirm(const std::filesystem::path& path, bool warn,

@@ -66,6 +66,38 @@ TEST(IsSameFile, seesThroughLinksOfBothKinds)
     EXPECT_FALSE(isSameFile(folder / "none", folder / "none"));
 }
 
+TEST(IdentityAt, isOfTheVeryPath)
+{
+    const TemporaryFolder folder;
+    writeFile(folder / "a", "same");
+    std::filesystem::create_symlink("a", folder / "soft");
+    std::filesystem::create_hard_link(folder / "a", folder / "hard");
+    EXPECT_EQ(identityAt(folder / "a"), identityAt(folder / "hard"));
+    EXPECT_NE(identityAt(folder / "a"), identityAt(folder / "soft"));
+    EXPECT_EQ(identityAt(folder / "none"), std::nullopt);
+}
+
+TEST(PathsToFile, areTheLinksAndTheFile)
+{
+    using Paths = std::vector<std::filesystem::path>;
+    const TemporaryFolder folder;
+    writeFile(folder / "file", "x");
+    std::filesystem::create_symlink("file", folder / "second");
+    std::filesystem::create_symlink(folder / "second", folder / "first");
+    EXPECT_EQ(pathsToFile(folder / "first"),
+        (Paths { folder / "first", folder / "second", folder / "file" }));
+    EXPECT_EQ(pathsToFile(folder / "file"), Paths { folder / "file" });
+    EXPECT_EQ(pathsToFile(folder / "none"), Paths { folder / "none" });
+}
+
+TEST(PathsToFile, ofACircleOfLinksEnd)
+{
+    const TemporaryFolder folder;
+    std::filesystem::create_symlink("b", folder / "a");
+    std::filesystem::create_symlink("a", folder / "b");
+    EXPECT_LE(pathsToFile(folder / "a").size(), 41U);
+}
+
 TEST(IsExecutableFile, wantsAFileWithThePermission)
 {
     const TemporaryFolder folder;
