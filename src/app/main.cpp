@@ -2,6 +2,7 @@
 #include "app/instance/ActivationToken.h"
 #include "app/instance/FileArguments.h"
 #include "app/instance/SingleInstance.h"
+#include "app/windows/HeldKeys.h"
 #include "core/Product.h"
 #include "platform/FileOperations.h"
 #include "platform/FilePath.h"
@@ -68,6 +69,8 @@ int run(int argc, char** argv)
     QApplication::setDesktopFileName(SingleInstance::busName());
     QApplication::setQuitOnLastWindowClosed(false);
     const Translations translations;
+    HeldKeys heldKeys;
+    QCoreApplication::instance()->installEventFilter(&heldKeys);
 
     const QDBusConnection bus = QDBusConnection::sessionBus();
     SingleInstance instance(bus);

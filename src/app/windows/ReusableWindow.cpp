@@ -1,12 +1,15 @@
 #include "app/windows/ReusableWindow.h"
 
+#include "app/windows/FrameOnScreen.h"
 #include "app/windows/ScreenFilling.h"
 #include "app/windows/WindowActivation.h"
 #include "app/windows/WindowHeight.h"
 
 #include <QEvent>
+#include <QGuiApplication>
 #include <QScreen>
 
+#include <algorithm>
 #include <utility>
 
 namespace vellumine {
@@ -20,6 +23,16 @@ void center(QWindow& window)
     QRect frame(QPoint(), window.size().boundedTo(available.size()));
     frame.moveCenter(available.center());
     window.setGeometry(frame);
+}
+
+/// The screen where it was may be gone, or smaller.
+QRect withinReach(const QRect& frame, const QRect& available)
+{
+    const auto screens = QGuiApplication::screens();
+    const bool isWithin = std::ranges::any_of(screens, [&frame](const QScreen* screen) {
+        return canBeGrasped(screen->availableGeometry(), frame);
+    });
+    return isWithin ? frame : movedInto(available, frame);
 }
 
 /// Window managers announce the frame of a window that fills the screen before or after they say
@@ -64,13 +77,13 @@ void ReusableWindow::placeAgain()
     if (!m_frame) {
         return;
     }
+    const QRect available = m_window->screen()->availableGeometry();
     if (fillsScreen(*m_window)) {
-        m_window->setGeometry(*m_frame);
+        m_window->setGeometry(withinReach(*m_frame, available));
         return;
     }
-    const QRect frame(m_frame->topLeft(), m_window->size());
+    const QRect frame = withinReach({ m_frame->topLeft(), m_window->size() }, available);
     const bool hasGrown = frame.height() > m_frame->height();
-    const QRect available = m_window->screen()->availableGeometry();
     m_window->setPosition((hasGrown ? movedUpInto(available, frame) : frame).topLeft());
 }
 

@@ -2,8 +2,8 @@ import QtQuick
 import QtQuick.Templates as T
 import Vellumine
 
-// The help text of a control, shown while the pointer rests on it and no menu or dialog lies over the window. It is made
-// only then.
+// The help text of a control, shown while the pointer rests on it and no menu or dialog lies over it. It is made only
+// then.
 Loader {
     id: help
 
@@ -17,11 +17,20 @@ Loader {
         id: tip
 
         readonly property Item overlay: T.Overlay.overlay
-        /// Of all that lies over the window, if anything does, this is the only one.
+        /// Of all that lies over the control, if anything does, this is the only one.
         property bool alone: true
 
+        /// Of what lies over the window, that which the item is in.
+        function layerOf(item) {
+            while (item && item.parent !== overlay)
+                item = item.parent;
+            return item;
+        }
+
         function look() {
-            alone = Array.from(overlay.visibleChildren).every(item => item === contentItem.parent);
+            const layers = Array.from(overlay.visibleChildren);
+            const above = layers.slice(layers.indexOf(layerOf(help.control)) + 1);
+            alone = above.every(layer => layer === contentItem.parent);
         }
 
         delay: 600

@@ -14,16 +14,10 @@ T.Button {
     property real restingOpacity: 0.16
     property real pressedOpacity: 0.42
 
-    // A key that is held presses once.
-    function pressByKey(event) {
-        if (!event.isAutoRepeat)
-            clicked();
-    }
-
     Accessible.name: text.length > 0 ? text : helpText
     Accessible.onPressAction: clicked()
-    Keys.onEnterPressed: event => pressByKey(event)
-    Keys.onReturnPressed: event => pressByKey(event)
+    Keys.onEnterPressed: clicked()
+    Keys.onReturnPressed: clicked()
     hoverEnabled: true
     implicitHeight: 30
     implicitWidth: 30

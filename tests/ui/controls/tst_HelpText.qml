@@ -36,8 +36,13 @@ Item {
     KestrovaDialog {
         id: dialog
 
-        contentItem: Text {
-            text: "Question"
+        contentItem: PlainButton {
+            id: inDialog
+
+            contentItem: Text {
+                text: "Answer"
+            }
+            helpText: "What it does"
         }
     }
 
@@ -62,6 +67,18 @@ Item {
             mouseMove(button, 5, 5);
             tryVerify(() => shown());
             mouseMove(scene, 399, 299);
+            tryVerify(() => !shown());
+        }
+
+        function test_isShownInADialogThatIsOpen() {
+            dialog.open();
+            tryCompare(dialog, "opened", true);
+            mouseMove(inDialog, 5, 5);
+            tryVerify(() => shown());
+            menu.open();
+            verify(!shown(), "a menu over the dialog has the place");
+            menu.close();
+            dialog.close();
             tryVerify(() => !shown());
         }
 

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QObject>
+
+namespace vellumine {
+
+/// Has a key that is held press once. Its repetitions would press whatever gets the focus next: the
+/// answer to a question that nobody has read yet, or the first file of a panel. Text fields get the
+/// repeated space. To be installed on the application.
+class HeldKeys final : public QObject {
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+};
+
+} // namespace vellumine
