@@ -57,7 +57,12 @@ UpdateChecker::UpdateChecker(Source source, QString currentVersion, QObject* par
     , m_currentVersion(std::move(currentVersion))
 {
     m_deadline.setSingleShot(true);
-    connect(&m_deadline, &QTimer::timeout, this, [this] { m_reply->abort(); });
+    connect(&m_deadline, &QTimer::timeout, this, &UpdateChecker::giveUp);
+}
+
+UpdateChecker::~UpdateChecker()
+{
+    m_lookUp.request_stop();
 }
 
 void UpdateChecker::checkForUpdates()
@@ -67,12 +72,12 @@ void UpdateChecker::checkForUpdates()
     }
     setStatus(Checking {});
     if (m_source.homePage.scheme() == QStringLiteral("https")) {
-        m_thread.start(QRunnable::create([this, source = m_source] {
+        m_deadline.start(m_source.timeout);
+        m_lookUp = std::stop_source();
+        m_thread.start(QRunnable::create([this, source = m_source, stop = m_lookUp.get_token()] {
+            const auto proxy = lookedUp(source.proxy, source.homePage, stop);
             QMetaObject::invokeMethod(
-                this,
-                [this, tls = source.tls(), proxy = source.proxy(source.homePage)] {
-                    load(tls, proxy);
-                },
+                this, [this, tls = source.tls(), proxy] { load(tls, proxy); },
                 Qt::QueuedConnection);
         }));
     } else {
@@ -80,11 +85,25 @@ void UpdateChecker::checkForUpdates()
     }
 }
 
-void UpdateChecker::load(const QSslConfiguration& tls, const QNetworkProxy& proxy)
+void UpdateChecker::giveUp()
 {
+    if (m_reply != nullptr) {
+        m_reply->abort();
+    } else {
+        m_lookUp.request_stop();
+    }
+}
+
+void UpdateChecker::load(const QSslConfiguration& tls, const std::optional<QNetworkProxy>& proxy)
+{
+    if (!proxy || m_lookUp.stop_requested()) {
+        m_deadline.stop();
+        setStatus(Failed {});
+        return;
+    }
     // One for each check: it takes its connections, cookies and cache with it.
     m_network = new QNetworkAccessManager(this);
-    m_network->setProxy(proxy); // of redirects as well
+    m_network->setProxy(*proxy); // of redirects as well
 
     QNetworkRequest request(m_source.homePage);
     request.setSslConfiguration(tls);
@@ -93,7 +112,6 @@ void UpdateChecker::load(const QSslConfiguration& tls, const QNetworkProxy& prox
     m_reply = m_network->get(request);
     connect(m_reply, &QNetworkReply::downloadProgress, this, &UpdateChecker::stopWhenTooLarge);
     connect(m_reply, &QNetworkReply::finished, this, &UpdateChecker::finish);
-    m_deadline.start(m_source.timeout);
 }
 
 void UpdateChecker::stopWhenTooLarge()

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "update/ProxyLookUp.h"
+
 #include <QNetworkProxy>
 #include <QObject>
 #include <QSslConfiguration>
@@ -10,6 +12,8 @@
 
 #include <chrono>
 #include <functional>
+#include <optional>
+#include <stop_token>
 #include <variant>
 
 class QNetworkAccessManager;
@@ -49,14 +53,14 @@ public:
     /// Where a check goes and what it takes.
     struct Source {
         QUrl homePage; ///< with another scheme than https every check fails
-        std::chrono::milliseconds timeout { 8000 }; ///< from the request to the page's last byte
+        std::chrono::milliseconds timeout { 8000 }; ///< from the start to the page's last byte
         qint64 maximumPageBytes = qint64 { 8 } << 20U;
         /// Which certificates are trusted: by default those of the system. Called at each check, in
         /// another thread, since the library behind it takes its time to load.
         std::function<QSslConfiguration()> tls = &QSslConfiguration::defaultConfiguration;
-        /// The way to the page: by default that of the system. Called like `tls`, and may take its
-        /// time as well.
-        std::function<QNetworkProxy(const QUrl&)> proxy = &systemProxy;
+        /// The way to the page: by default that of the system. Called at each check, in a thread
+        /// that is left behind where it takes too long.
+        ProxyLookUp proxy = &systemProxy;
     };
 
     /// What the system says, in its settings or the environment, of the way to a page.
@@ -66,6 +70,7 @@ public:
     [[nodiscard]] static Source productHomePage();
 
     UpdateChecker(Source source, QString currentVersion, QObject* parent = nullptr);
+    ~UpdateChecker() override;
 
     [[nodiscard]] const Status& status() const { return m_status; }
 
@@ -76,7 +81,8 @@ Q_SIGNALS:
     void statusChanged();
 
 private:
-    void load(const QSslConfiguration& tls, const QNetworkProxy& proxy);
+    void giveUp();
+    void load(const QSslConfiguration& tls, const std::optional<QNetworkProxy>& proxy);
     void stopWhenTooLarge();
     void finish();
     [[nodiscard]] Status outcome() const;
@@ -86,6 +92,7 @@ private:
     QString m_currentVersion;
     Status m_status = Idle {};
     QTimer m_deadline;
+    std::stop_source m_lookUp; ///< of the running check
     /// Of the running check; our child, as the reply is the manager's.
     QNetworkAccessManager* m_network = nullptr;
     QNetworkReply* m_reply = nullptr;

@@ -1,7 +1,11 @@
 #include "update/ConnectProxy.h"
 #include "update/UpdateCheck.h"
 
+#include <QSemaphore>
+
 #include <gmock/gmock.h>
+
+#include <memory>
 
 namespace vellumine {
 namespace {
@@ -67,6 +71,50 @@ TEST_F(UpdateCheckByProxy, trustsThePagesServerAlone)
     distrustful.tls = [] { return trusting({}); };
     EXPECT_EQ(check(distrustful), Status(Failed {}));
     EXPECT_THAT(m_server.requests(), SizeIs(0));
+}
+
+/// A way that is not found before the test lets it be.
+class WayThatIsLookedFor : public test::UpdateCheck {
+protected:
+    void TearDown() override
+    {
+        // What the checker left behind must be gone before the test's libraries are.
+        m_let->release();
+        m_found->acquire();
+    }
+
+    [[nodiscard]] UpdateChecker::Source slowSource() const
+    {
+        UpdateChecker::Source slow = source();
+        slow.proxy = [begun = m_begun, let = m_let, found = m_found](const QUrl&) {
+            begun->release();
+            let->acquire();
+            found->release();
+            return QNetworkProxy(QNetworkProxy::NoProxy);
+        };
+        return slow;
+    }
+
+    std::shared_ptr<QSemaphore> m_begun = std::make_shared<QSemaphore>();
+
+private:
+    std::shared_ptr<QSemaphore> m_let = std::make_shared<QSemaphore>();
+    std::shared_ptr<QSemaphore> m_found = std::make_shared<QSemaphore>();
+};
+
+TEST_F(WayThatIsLookedFor, failsWhereItTakesTooLong)
+{
+    UpdateChecker::Source slow = slowSource();
+    slow.timeout = test::shortTimeout;
+    EXPECT_EQ(check(slow), Status(Failed {}));
+    EXPECT_THAT(m_server.requests(), SizeIs(0));
+}
+
+TEST_F(WayThatIsLookedFor, isLeftBehindByACheckerThatGoes)
+{
+    UpdateChecker checker(slowSource(), QStringLiteral("1.4.2"));
+    checker.checkForUpdates();
+    m_begun->acquire();
 }
 
 } // namespace
