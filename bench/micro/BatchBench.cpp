@@ -112,7 +112,7 @@ void runBatchOfNothing(benchmark::State& state)
             .snapshot = [] { return OptimizerSettings(); },
             .record = [](const ProcessingResult&) {},
             .optimize = [](const QUrl& url, const OptimizerSettings&,
-                            const std::stop_token&) -> Outcome<ProcessingResult> {
+                            const BatchTerms&) -> Outcome<ProcessingResult> {
                 return failureResult(url, ImageOptimizerError(UnreadableImage {}));
             },
             .folderAccess = { .securityScope = std::make_shared<platform::DesktopSecurityScope>() },

@@ -141,10 +141,10 @@ void convertManyPictures(benchmark::State& state, OutputFormat format)
                     }
                 },
             .optimize =
-                [&, optimize = optimizeIn(environment)](const QUrl& url,
-                    const OptimizerSettings& settings, const std::stop_token& interruption) {
+                [&, optimize = optimizeIn(environment)](
+                    const QUrl& url, const OptimizerSettings& settings, const BatchTerms& terms) {
                     const qint64 start = cpuNanoseconds(CLOCK_THREAD_CPUTIME_ID);
-                    auto result = optimize(url, settings, interruption);
+                    auto result = optimize(url, settings, terms);
                     converting += cpuNanoseconds(CLOCK_THREAD_CPUTIME_ID) - start;
                     return result;
                 },

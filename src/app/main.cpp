@@ -9,6 +9,7 @@
 #include "platform/FileRevealer.h"
 #include "stats/StatsFolder.h"
 #include "ui/translation/Translations.h"
+#include "update/ProxyLookUp.h"
 
 #include <QApplication>
 #include <QDesktopServices>
@@ -18,6 +19,8 @@
 
 #include <algorithm>
 #include <csignal>
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <system_error>
@@ -120,5 +123,11 @@ int run(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    return vellumine::run(argc, argv);
+    const int status = vellumine::run(argc, argv);
+    if (vellumine::isAnyLookUpAtWork()) {
+        // Nothing of ours is left that could be torn down.
+        std::fflush(nullptr);
+        std::_Exit(status);
+    }
+    return status;
 }

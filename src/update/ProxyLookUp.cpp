@@ -1,5 +1,6 @@
 #include "update/ProxyLookUp.h"
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <memory>
@@ -14,6 +15,8 @@ namespace {
 /// process, in the middle of it.
 constexpr std::chrono::milliseconds onItsWay { 500 };
 
+std::atomic<int> lookUpsAtWork = 0;
+
 struct Answer {
     std::mutex mutex;
     std::condition_variable_any changed;
@@ -26,14 +29,17 @@ std::optional<QNetworkProxy> lookedUp(
     const ProxyLookUp& lookUp, const QUrl& page, const std::stop_token& stop)
 {
     const auto answer = std::make_shared<Answer>();
+    ++lookUpsAtWork;
     try {
         std::thread([answer, lookUp, page] {
             const QNetworkProxy proxy = lookUp(page);
+            --lookUpsAtWork;
             const std::scoped_lock lock(answer->mutex);
             answer->proxy = proxy;
             answer->changed.notify_all();
         }).detach();
     } catch (const std::system_error&) { // the system has no thread for it
+        --lookUpsAtWork;
         return std::nullopt;
     }
     const auto isThere = [&answer] { return answer->proxy.has_value(); };
@@ -43,6 +49,11 @@ std::optional<QNetworkProxy> lookedUp(
         return answer->proxy;
     }
     return std::nullopt;
+}
+
+bool isAnyLookUpAtWork()
+{
+    return lookUpsAtWork > 0;
 }
 
 } // namespace vellumine

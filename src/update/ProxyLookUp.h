@@ -17,4 +17,8 @@ using ProxyLookUp = std::function<QNetworkProxy(const QUrl& page)>;
 [[nodiscard]] std::optional<QNetworkProxy> lookedUp(
     const ProxyLookUp& lookUp, const QUrl& page, const std::stop_token& stop);
 
+/// Whether any look-up is still at work. The libraries behind it would wait for it when they are
+/// torn down, so that the process has to end without that.
+[[nodiscard]] bool isAnyLookUpAtWork();
+
 } // namespace vellumine

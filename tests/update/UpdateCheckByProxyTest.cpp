@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 
 #include <memory>
+#include <thread>
 
 namespace vellumine {
 namespace {
@@ -81,6 +82,9 @@ protected:
         // What the checker left behind must be gone before the test's libraries are.
         m_let->release();
         m_found->acquire();
+        while (isAnyLookUpAtWork()) {
+            std::this_thread::yield();
+        }
     }
 
     [[nodiscard]] UpdateChecker::Source slowSource() const
@@ -112,9 +116,12 @@ TEST_F(WayThatIsLookedFor, failsWhereItTakesTooLong)
 
 TEST_F(WayThatIsLookedFor, isLeftBehindByACheckerThatGoes)
 {
-    UpdateChecker checker(slowSource(), QStringLiteral("1.4.2"));
-    checker.checkForUpdates();
-    m_begun->acquire();
+    {
+        UpdateChecker checker(slowSource(), QStringLiteral("1.4.2"));
+        checker.checkForUpdates();
+        m_begun->acquire();
+    }
+    EXPECT_TRUE(isAnyLookUpAtWork());
 }
 
 } // namespace
