@@ -13,6 +13,7 @@ TEST(ShortcutTextsTest, areTheUsersToReadAndTheSameForPrograms)
     EXPECT_EQ(ShortcutTexts::quit(), QStringLiteral("Ctrl+Q"));
     const Translations german(QLocale(QLocale::German, QLocale::Germany));
     EXPECT_EQ(ShortcutTexts::quit(), QStringLiteral("Strg+Q"));
+    EXPECT_EQ(ShortcutTexts::quitKeys(), QStringLiteral("Ctrl+Q"));
     EXPECT_EQ(ShortcutTexts::portable(ShortcutTexts::quit()), QStringLiteral("Ctrl+Q"));
     EXPECT_EQ(ShortcutTexts::portable(ShortcutTexts::preferences()), QStringLiteral("Ctrl+,"));
     EXPECT_EQ(ShortcutTexts::portable(QString()), QString());
