@@ -34,14 +34,16 @@ constexpr auto dragCheck = 150ms;
 /// The drop itself arrives after the button was let go.
 constexpr auto dropTime = 400ms;
 
-/// The panel's colour beside the item.
+/// The panel's colour beside the item, whose place is in the pixels of the screen.
 QColor panelColorAt(QRect item, const QScreen* screen)
 {
     if (!screen) {
         return Qt::black;
     }
+    const QPointF beside = QPointF(std::max(0, item.left() - 1), item.center().y())
+        / screen->devicePixelRatio();
     const QPixmap pixel = const_cast<QScreen*>(screen)->grabWindow(
-        0, std::max(0, item.left() - 1), item.center().y(), 1, 1);
+        0, static_cast<int>(beside.x()), static_cast<int>(beside.y()), 1, 1);
     return pixel.isNull() ? QColor(Qt::black) : pixel.toImage().pixelColor(0, 0);
 }
 
