@@ -3,12 +3,17 @@ import QtQuick.Controls.Basic as Basic
 import QtQuick.Templates as T
 import Vellumine
 
-// A menu that opens below the control that it belongs to.
+// A menu that opens below the control that it belongs to. One that is opened by a key gives the focus back.
 T.Menu {
     id: menu
 
+    /// The control that a key has opened it from.
+    property T.Control openedByKey
+
     // Their leading edges stand in one line.
     function openBelow(control) {
+        openedByKey = control.visualFocus ? control : null;
+        currentIndex = -1;
         popup(control, control.LayoutMirroring.enabled ? control.width - implicitWidth : 0, control.height + 4);
     }
 
@@ -55,5 +60,12 @@ T.Menu {
             property: "opacity"
             to: 0
         }
+    }
+
+    // What it opened, such as a dialog, keeps the focus.
+    onClosed: {
+        const window = openedByKey?.Window.window;
+        if (window && (!window.activeFocusItem || window.activeFocusItem === window.contentItem))
+            openedByKey.forceActiveFocus(Qt.TabFocusReason);
     }
 }

@@ -111,6 +111,23 @@ Item {
             compare(checked[0].text, "HEIC");
         }
 
+        function test_aMenuThatAKeyOpensGivesTheFocusBack() {
+            const chip = view.group.chips[2];
+            chip.forceActiveFocus(Qt.TabFocusReason);
+            keyClick(Qt.Key_Space);
+            tryCompare(chip.openMenu, "opened", true);
+            keyClick(Qt.Key_Down);
+            keyClick(Qt.Key_Down);
+            keyClick(Qt.Key_Return);
+            tryCompare(view.settings, "quality", 70);
+            tryCompare(chip, "visualFocus", true);
+            keyClick(Qt.Key_Space);
+            tryCompare(chip.openMenu, "opened", true);
+            compare(chip.openMenu.currentIndex, -1, "none is highlighted that was before");
+            keyClick(Qt.Key_Escape);
+            tryCompare(chip, "visualFocus", true);
+        }
+
         function test_choosingTheFormatAgainKeepsItsMark() {
             choose(view.group.chips[0], "WebP Lossy");
             const checked = items(view.group.chips[0]).filter(item => item.checked);
