@@ -81,10 +81,15 @@ tl::expected<CommandLine, UsageError> parseCommandLine(std::span<const std::stri
     return line;
 }
 
+QString usageLine()
+{
+    return QStringLiteral("Usage: vellumine-batch [--set KEY=VALUE]... [--json] [--] PATH...\n");
+}
+
 QString usageText()
 {
-    QString text = QStringLiteral(
-        "Usage: vellumine-batch [--set KEY=VALUE]... [--json] [--] PATH...\n"
+    QString text = usageLine();
+    text += QStringLiteral(
         "\n"
         "Optimises image files, and those in folders at any depth: jpg, jpeg, png, gif, tif, "
         "tiff,\n"
@@ -106,8 +111,8 @@ QString usageText()
         "Whether an existing file may be replaced (warnBeforeOverwrite) is asked on the terminal;\n"
         "without one the file is skipped.\n"
         "\n"
-        "Exit status: 0 all well, 1 some file failed or the results could not be printed, 2 the\n"
-        "arguments make no sense.\n");
+        "Exit status: 0 all well, 1 some file failed, there was none, or the results could not be\n"
+        "printed, 2 the arguments make no sense.\n");
     return text;
 }
 

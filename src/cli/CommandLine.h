@@ -34,5 +34,7 @@ struct UsageError {
     std::span<const std::string> arguments);
 
 [[nodiscard]] QString usageText();
+/// The first line of it.
+[[nodiscard]] QString usageLine();
 
 } // namespace vellumine::cli

@@ -9,6 +9,8 @@
 
 #include <unistd.h>
 
+#include <cstdlib>
+
 namespace vellumine::cli {
 
 using platform::byteCountText;
@@ -81,10 +83,12 @@ QString Report::summary() const
     }
     const qint64 saved = m_originalBytes - m_outputBytes;
     if (m_originalBytes > 0) {
+        const qint64 difference = std::abs(saved);
         const double percent
-            = static_cast<double>(saved) / static_cast<double>(m_originalBytes) * 100.0;
-        text += QStringLiteral(", %1 saved (%2%)")
-                    .arg(byteCountText(saved), QLocale().toString(percent, 'f', 1));
+            = static_cast<double>(difference) / static_cast<double>(m_originalBytes) * 100.0;
+        text += (saved < 0 ? QStringLiteral(", %1 larger (+%2%)")
+                           : QStringLiteral(", %1 saved (%2%)"))
+                    .arg(byteCountText(difference), QLocale().toString(percent, 'f', 1));
     }
     return text;
 }

@@ -26,16 +26,19 @@ public:
     /// The line at the end, in text style.
     void finish();
 
+    /// Takes the progress off the terminal, for somebody else to write there, and puts it back.
+    void hideProgress() const;
+    void showProgress() const;
+
     [[nodiscard]] bool hasFailures() const { return m_failed > 0; }
     /// Whether all of the results could be told.
     [[nodiscard]] bool isWhole() const { return m_output.isWhole(); }
     [[nodiscard]] bool isEmpty() const { return m_succeeded + m_failed == 0; }
 
-private:
-    void showProgress() const;
-    void hideProgress() const;
+    /// What finish() says.
     [[nodiscard]] QString summary() const;
 
+private:
     OutputStyle m_style;
     StandardOutput m_output;
     std::size_t m_fileCount = 0;

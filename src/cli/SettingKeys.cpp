@@ -132,9 +132,8 @@ bool applyDestinationFolder(OptimizerSettings& settings, const QByteArray& value
     const auto real = std::filesystem::canonical(folder, error);
     const QUrl asNamed
         = platform::standardized(platform::fileUrl(std::filesystem::absolute(folder, error)));
-    settings.destinationFolderURL = platform::isSameFile(platform::toPath(asNamed), real)
-        ? asNamed
-        : platform::fileUrl(real);
+    settings.destinationFolderURL
+        = platform::isSameFile(platform::toPath(asNamed), real) ? asNamed : platform::fileUrl(real);
     return !error;
 }
 

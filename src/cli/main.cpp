@@ -70,8 +70,11 @@ void reportDeaths(const confined::ConfinedDecoders* confined)
 
 int convert(const CommandLine& line, TerminationSignals& signals)
 {
-    OverwritePrompt prompt([&signals](const QUrl& url, const OverwritePrompt::Answer& answer) {
+    Report report(line.style);
+    OverwritePrompt prompt([&](const QUrl& url, const OverwritePrompt::Answer& answer) {
+        report.hideProgress();
         answer(askOnTerminal(url, signals.descriptor()));
+        report.showProgress();
     });
     ConversionEnvironment environment;
     environment.confirmOverwrite = [&prompt](const QUrl& url) { return prompt.ask(url); };
@@ -85,7 +88,6 @@ int convert(const CommandLine& line, TerminationSignals& signals)
     environment.comparisonSamples
         = line.style == OutputStyle::json ? ComparisonSamples::make : ComparisonSamples::leaveOut;
     PreviewSamples samples(environment.temporaryFolder);
-    Report report(line.style);
     // The preferences are those of the command line, and no statistics are kept.
     ProcessingModel model({
         .snapshot = [&line] { return line.settings; },
@@ -156,8 +158,8 @@ int run(int argc, char** argv)
     const QCoreApplication application(argc, argv);
     const auto line = parseCommandLine(arguments);
     if (!line) {
-        std::fprintf(stderr, "vellumine-batch: %s\n\n%s", line.error().text.toUtf8().constData(),
-            usageText().toUtf8().constData());
+        std::fprintf(stderr, "vellumine-batch: %s\n%sMore is told by vellumine-batch --help.\n",
+            line.error().text.toUtf8().constData(), usageLine().toUtf8().constData());
         return badUsage;
     }
     switch (line->action) {

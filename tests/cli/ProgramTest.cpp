@@ -228,6 +228,7 @@ TEST_F(Program, usageErrorsAreStatusTwoOnStandardError)
         EXPECT_EQ(outcome.status, 2);
         EXPECT_EQ(outcome.output, QString());
         EXPECT_TRUE(outcome.error.contains(QStringLiteral("Usage: vellumine-batch")));
+        EXPECT_EQ(outcome.error.count(u'\n'), 3); // the error stays in sight
     }
 }
 

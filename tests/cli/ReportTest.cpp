@@ -77,6 +77,22 @@ TEST(ResultLine, namesTheFileTheMessageAndTheSizes)
         QStringLiteral("b ü.png: The image could not be read."));
 }
 
+TEST(ReportTest, tellsWhatWasSavedOrAdded)
+{
+    QLocale::setDefault(QLocale::c());
+    const auto summary = [](qint64 original, qint64 output) {
+        Report report(OutputStyle::json);
+        ProcessingResult result = success();
+        result.originalBytes = original;
+        result.outputBytes = output;
+        report.add(result);
+        return report.summary();
+    };
+    EXPECT_EQ(summary(4'000, 1'000), QStringLiteral("1 file optimized, 3 KB saved (75.0%)"));
+    EXPECT_EQ(summary(4'000, 4'000), QStringLiteral("1 file optimized, Zero KB saved (0.0%)"));
+    EXPECT_EQ(summary(1'000, 6'000), QStringLiteral("1 file optimized, 5 KB larger (+500.0%)"));
+}
+
 TEST(Printable, keepsNamesFromBreakingTheLine)
 {
     EXPECT_EQ(printable(QStringLiteral("a\nb\tc\x1b[31m\x7fü")),

@@ -44,6 +44,7 @@ Item {
         }
 
         BuyMeACoffeeLink {
+            anchors.verticalCenter: parent.verticalCenter
             objectName: "coffeeLink"
         }
     }

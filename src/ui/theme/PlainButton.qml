@@ -21,8 +21,10 @@ T.AbstractButton {
 
     background: Item {
         FocusRing {
+            anchors.leftMargin: -6
+            anchors.rightMargin: -6
             gap: 1
-            radius: 5
+            radius: 6
             shown: button.visualFocus
         }
     }
