@@ -1,8 +1,10 @@
 #include "app/AppDelegate.h"
 
 #include "app/tray/StatusItem.h"
+#include "app/x11/XcbConnection.h"
 #include "core/Product.h"
 #include "ui/frame/GlobalMenu.h"
+#include "ui/frame/WindowCorners.h"
 #include "ui/theme/Motion.h"
 #include "ui/theme/ProductInfo.h"
 
@@ -103,11 +105,13 @@ void AppDelegate::open(const QList<QUrl>& urls, const ActivationToken& token)
 
 void AppDelegate::showMainWindow(const ActivationToken& token)
 {
+    applyCorners();
     m_mainWindow.show(token);
 }
 
 void AppDelegate::showPreferences(const ActivationToken& token)
 {
+    applyCorners();
     m_preferencesWindow.show(token);
 }
 
@@ -151,6 +155,16 @@ void AppDelegate::applyMenuRegistrar()
     }
 }
 
+/// Somebody who blends windows may begin or cease to do so; it is seen when one is shown.
+void AppDelegate::applyCorners()
+{
+    auto* corners
+        = m_engine.singletonInstance<WindowCorners*>(qmlTypeId("Vellumine", 1, 0, "WindowCorners"));
+    if (corners) { // with the first window
+        corners->setRounded(!xcb::connection() || xcb::isComposited());
+    }
+}
+
 std::unique_ptr<QQuickWindow> AppDelegate::makeWindow(
     const char* type, const QVariantMap& properties)
 {
@@ -166,6 +180,7 @@ std::unique_ptr<QQuickWindow> AppDelegate::makeWindow(
     m_engine.singletonInstance<ProductInfo*>(qmlTypeId("Vellumine", 1, 0, "ProductInfo"))
         ->setConfinementText([this] { return m_models.confinementText(); });
     applyMenuRegistrar();
+    applyCorners();
     // By which window managers and their users' rules know it.
     window->setProperty("_q_xcb_wm_window_role", window->objectName().toLatin1());
     connect(window, SIGNAL(preferencesRequested()), this, SLOT(openPreferencesFromMenu()));

@@ -85,6 +85,7 @@ private:
     void showOverwritePrompt();
     void applyMotion();
     void applyMenuRegistrar();
+    void applyCorners();
 
     // What the views hold outlives the engine, which ends before them; what conversions ask, those.
     std::function<void()> m_quit;

@@ -237,7 +237,7 @@ StatusItemArt DropStatusItemView::art(bool isTransparent) const
 void DropStatusItemView::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
-    const bool isTransparent = format().alphaBufferSize() > 0 && xcb::isComposited(m_atoms);
+    const bool isTransparent = format().alphaBufferSize() > 0 && xcb::isComposited();
     art(isTransparent).paint(painter, QRectF(QPointF(), QSizeF(size())));
 }
 

@@ -29,13 +29,6 @@ Window parent(Window window)
     return reply ? reply->parent : noWindow;
 }
 
-Window owner(Atom selection)
-{
-    const Answer<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
-        connection(), xcb_get_selection_owner(connection(), selection), nullptr));
-    return reply ? reply->owner : noWindow;
-}
-
 } // namespace
 
 Atoms atoms()
@@ -48,13 +41,12 @@ Atoms atoms()
         .embedInfo = atom("_XEMBED_INFO"),
         .opacity = atom("_NET_WM_WINDOW_OPACITY"),
         .dragSelection = atom("XdndSelection"),
-        .compositor = atom("_NET_WM_CM_S0"),
     };
 }
 
 Window trayOwner(const Atoms& atoms)
 {
-    return owner(atoms.trayOwner);
+    return selectionOwner(atoms.trayOwner);
 }
 
 bool trayWantsAlpha(const Atoms& atoms, Window tray)
@@ -73,11 +65,6 @@ bool trayWantsAlpha(const Atoms& atoms, Window tray)
         }
     }
     return false;
-}
-
-bool isComposited(const Atoms& atoms)
-{
-    return owner(atoms.compositor) != noWindow;
 }
 
 void listenToStructure(Window window)

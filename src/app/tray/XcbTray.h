@@ -21,7 +21,6 @@ struct Atoms {
     Atom embedInfo; ///< _XEMBED_INFO
     Atom opacity; ///< _NET_WM_WINDOW_OPACITY
     Atom dragSelection; ///< XdndSelection
-    Atom compositor; ///< _NET_WM_CM_S0
 };
 [[nodiscard]] Atoms atoms();
 
@@ -30,10 +29,6 @@ struct Atoms {
 
 /// Whether the tray asks its items for a visual with alpha: then they can be transparent.
 [[nodiscard]] bool trayWantsAlpha(const Atoms& atoms, Window tray);
-
-/// Whether somebody blends windows with what lies below them. Otherwise what is transparent is
-/// black.
-[[nodiscard]] bool isComposited(const Atoms& atoms);
 
 /// Adds structure events to those that are selected on the window already.
 void listenToStructure(Window window);

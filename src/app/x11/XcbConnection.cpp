@@ -30,4 +30,16 @@ Atom atom(std::string_view name)
     return reply ? reply->atom : static_cast<Atom>(XCB_ATOM_NONE);
 }
 
+Window selectionOwner(Atom selection)
+{
+    const Answer<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
+        connection(), xcb_get_selection_owner(connection(), selection), nullptr));
+    return reply ? reply->owner : noWindow;
+}
+
+bool isComposited()
+{
+    return selectionOwner(atom("_NET_WM_CM_S0")) != noWindow;
+}
+
 } // namespace vellumine::xcb

@@ -34,4 +34,11 @@ template <typename Reply> using Answer = std::unique_ptr<Reply, Freeing>;
 /// The atom of that name. There has to be a connection.
 [[nodiscard]] Atom atom(std::string_view name);
 
+/// The window that has the selection; none when nobody has it.
+[[nodiscard]] Window selectionOwner(Atom selection);
+
+/// Whether somebody blends windows with what lies below them. Otherwise what is transparent is
+/// black. There has to be a connection.
+[[nodiscard]] bool isComposited();
+
 } // namespace vellumine::xcb

@@ -8,7 +8,7 @@ Window {
 
     default property alias content: contents.data
     readonly property bool maximized: visibility === Window.Maximized || visibility === Window.FullScreen
-    readonly property real cornerRadius: maximized ? 0 : 12
+    readonly property real cornerRadius: maximized || !WindowCorners.rounded ? 0 : 12
     readonly property real titleBarHeight: titleBar.height
 
     signal preferencesRequested
