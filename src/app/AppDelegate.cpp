@@ -6,6 +6,7 @@
 #include "ui/frame/GlobalMenu.h"
 #include "ui/frame/WindowCorners.h"
 #include "ui/theme/Motion.h"
+#include "ui/theme/Palette.h"
 #include "ui/theme/ProductInfo.h"
 
 #include <QGuiApplication>
@@ -28,6 +29,7 @@ AppDelegate::AppDelegate(Surroundings surroundings)
     , m_settings(m_models.settings(), m_models.bookmarks(), m_models.showFolderPanel())
     , m_stats(m_models.statsStore())
     , m_updates(m_models.updateChecker())
+    , m_windowGround(palette::bg.toQColor())
     , m_comparison(std::make_unique<ImageComparisonPresenter>(m_engine,
           ImageComparisonPresenter::Dependencies {
               .reveal = m_reveal, .openImage = m_models.openImage() }))
@@ -181,6 +183,7 @@ std::unique_ptr<QQuickWindow> AppDelegate::makeWindow(
         ->setConfinementText([this] { return m_models.confinementText(); });
     applyMenuRegistrar();
     applyCorners();
+    window->installEventFilter(&m_windowGround);
     // By which window managers and their users' rules know it.
     window->setProperty("_q_xcb_wm_window_role", window->objectName().toLatin1());
     connect(window, SIGNAL(preferencesRequested()), this, SLOT(openPreferencesFromMenu()));

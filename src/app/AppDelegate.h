@@ -4,6 +4,7 @@
 #include "app/instance/ActivationToken.h"
 #include "app/windows/HeightFollower.h"
 #include "app/windows/ReusableWindow.h"
+#include "app/windows/WindowGround.h"
 #include "platform/DesktopMotion.h"
 #include "platform/MenuRegistrar.h"
 #include "ui/comparison/ImageComparisonPresenter.h"
@@ -104,6 +105,7 @@ private:
     UpdatePresenter m_updates;
     std::optional<ProcessingPresenter> m_processing; ///< with the main window
     std::unique_ptr<ResultsListModel> m_results;
+    WindowGround m_windowGround;
     QQmlEngine m_engine;
     std::unique_ptr<ImageComparisonPresenter> m_comparison;
     ReusableWindow m_mainWindow;

@@ -37,6 +37,11 @@ Window selectionOwner(Atom selection)
     return reply ? reply->owner : noWindow;
 }
 
+void setGround(Window window, std::uint32_t pixel)
+{
+    xcb_change_window_attributes(connection(), window, XCB_CW_BACK_PIXEL, &pixel);
+}
+
 bool isComposited()
 {
     return selectionOwner(atom("_NET_WM_CM_S0")) != noWindow;

@@ -37,6 +37,10 @@ template <typename Reply> using Answer = std::unique_ptr<Reply, Freeing>;
 /// The window that has the selection; none when nobody has it.
 [[nodiscard]] Window selectionOwner(Atom selection);
 
+/// Has the server fill what it shows of the window before we have drawn it with that colour, a
+/// pixel of the window's own format.
+void setGround(Window window, std::uint32_t pixel);
+
 /// Whether somebody blends windows with what lies below them. Otherwise what is transparent is
 /// black. There has to be a connection.
 [[nodiscard]] bool isComposited();
