@@ -40,8 +40,8 @@ QColor panelColorAt(QRect item, const QScreen* screen)
     if (!screen) {
         return Qt::black;
     }
-    const QPointF beside = QPointF(std::max(0, item.left() - 1), item.center().y())
-        / screen->devicePixelRatio();
+    const QPointF beside
+        = QPointF(std::max(0, item.left() - 1), item.center().y()) / screen->devicePixelRatio();
     const QPixmap pixel = const_cast<QScreen*>(screen)->grabWindow(
         0, static_cast<int>(beside.x()), static_cast<int>(beside.y()), 1, 1);
     return pixel.isNull() ? QColor(Qt::black) : pixel.toImage().pixelColor(0, 0);
