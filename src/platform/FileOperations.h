@@ -3,10 +3,10 @@
 #include "platform/FileDescriptor.h"
 #include "platform/FileError.h"
 
-#include <compare>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <tuple>
 #include <vector>
 
 namespace vellumine::platform {
@@ -39,7 +39,11 @@ struct FileIdentity {
     std::uint64_t device = 0;
     std::uint64_t number = 0;
 
-    friend auto operator<=>(const FileIdentity&, const FileIdentity&) = default;
+    friend bool operator==(const FileIdentity&, const FileIdentity&) = default;
+    friend bool operator<(const FileIdentity& a, const FileIdentity& b)
+    {
+        return std::tie(a.device, a.number) < std::tie(b.device, b.number);
+    }
 };
 
 /// Of what stands at the path itself, which may be a link; nothing when there is none.

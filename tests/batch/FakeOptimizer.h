@@ -39,8 +39,8 @@ public:
         m_settings.push_back(settings);
         m_ranOnMainThread |= QThread::currentThread() == QCoreApplication::instance()->thread();
         wakeMainThread();
-        const bool letGo
-            = m_changed.wait(lock, terms.interruption, [&] { return m_letAll || m_let.contains(name); });
+        const bool letGo = m_changed.wait(
+            lock, terms.interruption, [&] { return m_letAll || m_let.contains(name); });
         m_inFlight.erase(name);
         if (!letGo) {
             m_interrupted.append(name);

@@ -22,11 +22,8 @@ ProcessingModel::Dependencies ProcessingFixture::dependencies()
     return {
         .snapshot = [] { return OptimizerSettings(); },
         .record = [](const ProcessingResult&) {},
-        .optimize =
-            [this](const QUrl& url, const OptimizerSettings& settings,
-                const BatchTerms& terms) {
-                return m_optimizer(url, settings, terms);
-            },
+        .optimize = [this](const QUrl& url, const OptimizerSettings& settings,
+                        const BatchTerms& terms) { return m_optimizer(url, settings, terms); },
         .folderAccess = { .securityScope = m_scope },
         .activeProcessorCount = 4,
         .debounce = std::chrono::milliseconds(0),
