@@ -54,15 +54,16 @@ protected:
         return m_window.keys;
     }
 
-    KeyWindow m_window;
-
-private:
-    void send(QEvent::Type type, Qt::Key key, bool isRepeated)
+    void send(QEvent::Type type, Qt::Key key, bool isRepeated, quint64 time = 0)
     {
         QKeyEvent event(type, key, Qt::NoModifier, {}, isRepeated);
+        event.setTimestamp(time);
         QCoreApplication::sendEvent(&m_window, &event);
     }
 
+    KeyWindow m_window;
+
+private:
     HeldKeys m_heldKeys;
 };
 
@@ -71,6 +72,19 @@ TEST_F(HeldKeysTest, whatActivatesPressesOnce)
     for (const Qt::Key key : { Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space }) {
         EXPECT_EQ(hold(key), (std::vector<int> { key, key }));
     }
+}
+
+TEST_F(HeldKeysTest, aPressInTheMomentOfItsReleaseIsARepetitionThatNobodySawAsOne)
+{
+    send(QEvent::KeyPress, Qt::Key_Return, false, 100);
+    send(QEvent::KeyRelease, Qt::Key_Return, false, 800);
+    send(QEvent::KeyPress, Qt::Key_Return, false, 800);
+    EXPECT_EQ(m_window.keys.size(), 2U);
+    send(QEvent::KeyRelease, Qt::Key_Return, false, 840);
+    m_window.keys.clear();
+    send(QEvent::KeyPress, Qt::Key_Enter, false, 840);
+    send(QEvent::KeyPress, Qt::Key_Return, false, 841);
+    EXPECT_EQ(m_window.keys, (std::vector<int> { Qt::Key_Enter, Qt::Key_Return }));
 }
 
 TEST_F(HeldKeysTest, whatMovesIsRepeated)

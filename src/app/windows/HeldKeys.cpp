@@ -2,7 +2,6 @@
 
 #include <QGuiApplication>
 #include <QInputMethodQueryEvent>
-#include <QKeyEvent>
 
 namespace vellumine {
 namespace {
@@ -34,11 +33,24 @@ bool activates(int key)
 
 } // namespace
 
+/// X has a repeated key released and pressed in the same moment, which Qt sees where nothing comes
+/// in between; and something does where the key opens or closes a dialog.
+bool HeldKeys::isRepetition(const QKeyEvent& event) const
+{
+    return event.isAutoRepeat()
+        || (event.type() == QEvent::KeyPress && event.key() == m_released
+            && event.timestamp() == m_releaseTime && m_releaseTime != 0);
+}
+
 bool HeldKeys::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease) {
         const auto& key = static_cast<const QKeyEvent&>(*event);
-        if (key.isAutoRepeat() && activates(key.key())) {
+        if (key.type() == QEvent::KeyRelease) {
+            m_released = key.key();
+            m_releaseTime = key.timestamp();
+        }
+        if (isRepetition(key) && activates(key.key())) {
             return true;
         }
     }

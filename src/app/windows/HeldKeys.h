@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QKeyEvent>
 #include <QObject>
 
 namespace vellumine {
@@ -14,6 +15,12 @@ public:
     using QObject::QObject;
 
     bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    [[nodiscard]] bool isRepetition(const QKeyEvent& event) const;
+
+    int m_released = 0; ///< the last key that was
+    quint64 m_releaseTime = 0;
 };
 
 } // namespace vellumine
