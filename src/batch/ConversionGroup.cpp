@@ -33,7 +33,7 @@ Optimize optimizeIn(ConversionEnvironment environment)
                const QUrl& url, const OptimizerSettings& settings, const BatchTerms& terms) {
         ConversionEnvironment current = environment;
         current.interruption = terms.interruption;
-        current.unreadSources = terms.unreadSources;
+        current.neededFiles = terms.neededFiles;
         return ImageOptimizer::optimize(url, settings, current);
     };
 }
@@ -84,7 +84,7 @@ void ConversionGroup::begin(std::size_t position)
 {
     const auto future = QtConcurrent::run(&m_pool,
         [optimize = m_optimize, settings = m_settings, url = m_queue->url(position),
-            terms = BatchTerms { m_interruption.get_token(), m_queue->unreadSources() }] {
+            terms = BatchTerms { m_interruption.get_token(), m_queue->neededFiles() }] {
             return convert(*optimize, url, *settings, terms);
         });
     deliver(future, this,
@@ -93,7 +93,7 @@ void ConversionGroup::begin(std::size_t position)
 
 void ConversionGroup::finish(std::size_t position, const ProcessingResult& result)
 {
-    m_queue->finished(position);
+    m_queue->finished(position, result.outputURL);
     Q_EMIT converted(result);
     --m_inFlight;
     beginWhatMay();

@@ -21,7 +21,7 @@ struct BatchTerms {
     /// A requested stop asks a conversion to give up early and to leave nothing behind; what it
     /// answers then is recorded like any other outcome.
     std::stop_token interruption;
-    std::shared_ptr<const UnreadSources> unreadSources;
+    std::shared_ptr<const NeededFiles> neededFiles;
 };
 
 /// Converts one file; runs on several threads at once.

@@ -4,8 +4,8 @@
 #include "imaging/ImageSource.h"
 #include "imaging/Limits.h"
 #include "pipeline/MemoryBudget.h"
+#include "pipeline/NeededFiles.h"
 #include "pipeline/OverwritePrompt.h"
-#include "pipeline/UnreadSources.h"
 #include "platform/FileOperations.h"
 #include "platform/SecurityScope.h"
 #include "platform/Trash.h"
@@ -71,7 +71,7 @@ struct ConversionEnvironment {
     /// output ends as it would have.
     std::stop_token interruption;
     /// Files that no output may replace; null for a conversion that is no part of a batch.
-    std::shared_ptr<const UnreadSources> unreadSources;
+    std::shared_ptr<const NeededFiles> neededFiles;
 };
 
 } // namespace vellumine

@@ -103,10 +103,10 @@ bool isNamedLikeAnOutput(const std::filesystem::path& path, const OptimizerSetti
 class Standing {
 public:
     Standing(const std::vector<QUrl>& urls, const OptimizerSettings& settings, Places& places,
-        const UnreadSources& unread)
+        const NeededFiles& needed)
         : m_urls(urls)
         , m_settings(settings)
-        , m_unread(unread)
+        , m_needed(needed)
     {
         for (const QUrl& url : urls) {
             for (const auto& path : platform::pathsToFile(platform::toPath(url))) {
@@ -132,7 +132,7 @@ public:
         const auto output = ImageOptimizer::outputURL(url, type, m_settings);
         std::vector<std::size_t> found;
         if (output) {
-            found = m_unread.standingAt(platform::toPath(*output));
+            found = m_needed.unreadAt(platform::toPath(*output));
             std::erase(found, index);
         }
         return found;
@@ -141,7 +141,7 @@ public:
 private:
     const std::vector<QUrl>& m_urls;
     const OptimizerSettings& m_settings;
-    const UnreadSources& m_unread;
+    const NeededFiles& m_needed;
     QSet<QString> m_places;
 };
 
@@ -193,10 +193,10 @@ std::vector<std::size_t> inOrder(const Awaited& awaited)
 }
 
 Precedence precedenceOf(
-    const std::vector<QUrl>& urls, const OptimizerSettings& settings, const UnreadSources& unread)
+    const std::vector<QUrl>& urls, const OptimizerSettings& settings, const NeededFiles& needed)
 {
     Places places(settings);
-    const Standing standing(urls, settings, places, unread);
+    const Standing standing(urls, settings, places, needed);
     std::vector<QString> outputs;
     Awaited inTheWay;
     for (std::size_t index = 0; index < urls.size(); ++index) {
@@ -228,14 +228,16 @@ Precedence precedenceOf(
 
 ConversionQueue::ConversionQueue(std::vector<QUrl> urls, const OptimizerSettings& settings)
     : m_urls(std::move(urls))
-    , m_unread(std::make_shared<UnreadSources>(m_urls))
-    , m_precedence(precedenceOf(m_urls, settings, *m_unread))
+    , m_sourcesStay(!settings.moveOriginalToTrash)
+    , m_needed(std::make_shared<NeededFiles>(m_urls))
+    , m_precedence(precedenceOf(m_urls, settings, *m_needed))
 {
 }
 
-void ConversionQueue::finished(std::size_t index)
+void ConversionQueue::finished(std::size_t index, const std::optional<QUrl>& output)
 {
-    m_unread->setRead(index);
+    // Sources that are gone because they are in the Trash are not lost.
+    m_needed->setRead(index, m_sourcesStay ? output : std::nullopt);
     m_precedence.finished(index);
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "core/OptimizerSettings.h"
+#include "pipeline/NeededFiles.h"
 #include "pipeline/Precedence.h"
-#include "pipeline/UnreadSources.h"
 
 #include <QUrl>
 
@@ -20,7 +20,7 @@ namespace vellumine {
 /// comes before that one: a.webp is read before a.jpg replaces it, and a_small.png before a.png
 /// where names get a suffix "_small". Where that makes a circle (two files whose names lie about
 /// their types, each where the other's output goes) the first of it comes first, and must not
-/// replace what is unread. For one thread.
+/// replace what is needed. For one thread.
 class ConversionQueue {
 public:
     ConversionQueue(std::vector<QUrl> urls, const OptimizerSettings& settings);
@@ -31,13 +31,14 @@ public:
     /// The first file that may be converted now; none when all are taken or have to wait.
     [[nodiscard]] std::optional<std::size_t> takeNext() { return m_precedence.takeNext(); }
     /// To be called for every file that was taken, whatever its outcome: frees who waits for it.
-    void finished(std::size_t index);
-    /// What is not finished.
-    [[nodiscard]] std::shared_ptr<const UnreadSources> unreadSources() const { return m_unread; }
+    void finished(std::size_t index, const std::optional<QUrl>& output = std::nullopt);
+    /// What no output may replace.
+    [[nodiscard]] std::shared_ptr<const NeededFiles> neededFiles() const { return m_needed; }
 
 private:
     std::vector<QUrl> m_urls;
-    std::shared_ptr<UnreadSources> m_unread;
+    bool m_sourcesStay;
+    std::shared_ptr<NeededFiles> m_needed;
     Precedence m_precedence;
 };
 

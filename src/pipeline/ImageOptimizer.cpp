@@ -133,7 +133,7 @@ Outcome<Prepared> prepare(ImageSource source, const QUrl& url, const OptimizerSe
     const Image oriented = ImageOptimizer::oriented(source, *decoded);
 
     auto outputURL
-        = ImageOptimizer::outputURL(url, source.type(), settings, environment.unreadSources.get());
+        = ImageOptimizer::outputURL(url, source.type(), settings, environment.neededFiles.get());
     if (!outputURL) {
         return tl::unexpected(outputURL.error());
     }

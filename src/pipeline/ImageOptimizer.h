@@ -82,11 +82,11 @@ public:
     // OutputPlacement.cpp
 
     /// Where the output goes. A place that is the source itself, by this or any other name, gets
-    /// "-optimized" behind its name, and so does that of a file that is still unread. Fails with
+    /// "-optimized" behind its name, and so does that of a file that is needed. Fails with
     /// MissingDestinationFolder.
     [[nodiscard]] static Outcome<QUrl> outputURL(const QUrl& url,
         std::optional<imaging::UniformType> sourceType, const OptimizerSettings& settings,
-        const UnreadSources* unread = nullptr);
+        const NeededFiles* needed = nullptr);
 
     /// Without the dot.
     [[nodiscard]] static QString outputExtension(const QUrl& url,

@@ -47,7 +47,7 @@ QString ImageOptimizer::outputExtension(
 }
 
 Outcome<QUrl> ImageOptimizer::outputURL(const QUrl& url, std::optional<UniformType> sourceType,
-    const OptimizerSettings& settings, const UnreadSources* unread)
+    const OptimizerSettings& settings, const NeededFiles* needed)
 {
     QUrl folder = platform::parentFolder(url);
     if (settings.destinationMode == DestinationMode::selectedFolder) {
@@ -68,7 +68,7 @@ Outcome<QUrl> ImageOptimizer::outputURL(const QUrl& url, std::optional<UniformTy
     // A link to the source, or the source in other letters on a disk that takes them for the same,
     // is the source too: writing there would destroy it.
     while (platform::isSameFile(toPath(candidate), toPath(url))
-        || (unread != nullptr && !unread->standingAt(toPath(candidate)).empty())) {
+        || (needed != nullptr && needed->isAt(toPath(candidate)))) {
         name += marker;
         candidate = fileIn(folder, name, extension);
     }

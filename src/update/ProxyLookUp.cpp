@@ -2,9 +2,6 @@
 
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
-#include <memory>
-#include <mutex>
 #include <system_error>
 #include <thread>
 
@@ -17,38 +14,46 @@ constexpr std::chrono::milliseconds onItsWay { 500 };
 
 std::atomic<int> lookUpsAtWork = 0;
 
-struct Answer {
-    std::mutex mutex;
-    std::condition_variable_any changed;
-    std::optional<QNetworkProxy> proxy;
-};
-
 } // namespace
 
-std::optional<QNetworkProxy> lookedUp(
-    const ProxyLookUp& lookUp, const QUrl& page, const std::stop_token& stop)
+std::shared_ptr<ProxyAnswer> ProxyAnswer::to(const ProxyLookUp& lookUp, const QUrl& page)
 {
-    const auto answer = std::make_shared<Answer>();
+    auto answer = std::make_shared<ProxyAnswer>();
     ++lookUpsAtWork;
     try {
         std::thread([answer, lookUp, page] {
             const QNetworkProxy proxy = lookUp(page);
             --lookUpsAtWork;
-            const std::scoped_lock lock(answer->mutex);
-            answer->proxy = proxy;
-            answer->changed.notify_all();
+            const std::scoped_lock lock(answer->m_mutex);
+            answer->m_proxy = proxy;
+            answer->m_changed.notify_all();
         }).detach();
     } catch (const std::system_error&) { // the system has no thread for it
         --lookUpsAtWork;
-        return std::nullopt;
+        answer->giveUp();
     }
-    const auto isThere = [&answer] { return answer->proxy.has_value(); };
-    std::unique_lock lock(answer->mutex);
-    if (answer->changed.wait(lock, stop, isThere)
-        || answer->changed.wait_for(lock, onItsWay, isThere)) {
-        return answer->proxy;
-    }
-    return std::nullopt;
+    return answer;
+}
+
+std::optional<QNetworkProxy> ProxyAnswer::wait()
+{
+    std::unique_lock lock(m_mutex);
+    m_changed.wait(lock, [this] { return m_proxy || m_isGivenUp; });
+    m_changed.wait_for(lock, onItsWay, [this] { return m_proxy.has_value(); });
+    return m_isGivenUp ? std::nullopt : m_proxy;
+}
+
+void ProxyAnswer::giveUp()
+{
+    const std::scoped_lock lock(m_mutex);
+    m_isGivenUp = true;
+    m_changed.notify_all();
+}
+
+bool ProxyAnswer::isGivenUp() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_isGivenUp;
 }
 
 bool isAnyLookUpAtWork()

@@ -3,19 +3,35 @@
 #include <QNetworkProxy>
 #include <QUrl>
 
+#include <condition_variable>
 #include <functional>
+#include <memory>
+#include <mutex>
 #include <optional>
-#include <stop_token>
 
 namespace vellumine {
 
 using ProxyLookUp = std::function<QNetworkProxy(const QUrl& page)>;
 
-/// What the look-up says, which may ask a server that never answers. It works in a thread of its
-/// own, which is left behind once a stop is requested: then there is no answer. Waits for it until
-/// then.
-[[nodiscard]] std::optional<QNetworkProxy> lookedUp(
-    const ProxyLookUp& lookUp, const QUrl& page, const std::stop_token& stop);
+/// What a look-up says, which may ask a server that never answers. It works in a thread of its own,
+/// which is left behind where it takes too long. Any thread may ask and give up.
+class ProxyAnswer {
+public:
+    /// Begins to look up.
+    [[nodiscard]] static std::shared_ptr<ProxyAnswer> to(
+        const ProxyLookUp& lookUp, const QUrl& page);
+
+    /// Waits for the answer. None where nobody wants it any more before it comes.
+    [[nodiscard]] std::optional<QNetworkProxy> wait();
+    void giveUp();
+    [[nodiscard]] bool isGivenUp() const;
+
+private:
+    mutable std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::optional<QNetworkProxy> m_proxy;
+    bool m_isGivenUp = false;
+};
 
 /// Whether any look-up is still at work. The libraries behind it would wait for it when they are
 /// torn down, so that the process has to end without that.

@@ -62,7 +62,9 @@ UpdateChecker::UpdateChecker(Source source, QString currentVersion, QObject* par
 
 UpdateChecker::~UpdateChecker()
 {
-    m_lookUp.request_stop();
+    if (m_way) {
+        m_way->giveUp();
+    }
 }
 
 void UpdateChecker::checkForUpdates()
@@ -73,9 +75,9 @@ void UpdateChecker::checkForUpdates()
     setStatus(Checking {});
     if (m_source.homePage.scheme() == QStringLiteral("https")) {
         m_deadline.start(m_source.timeout);
-        m_lookUp = std::stop_source();
-        m_thread.start(QRunnable::create([this, source = m_source, stop = m_lookUp.get_token()] {
-            const auto proxy = lookedUp(source.proxy, source.homePage, stop);
+        m_way = ProxyAnswer::to(m_source.proxy, m_source.homePage);
+        m_thread.start(QRunnable::create([this, source = m_source, way = m_way] {
+            const auto proxy = way->wait();
             QMetaObject::invokeMethod(
                 this, [this, tls = source.tls(), proxy] { load(tls, proxy); },
                 Qt::QueuedConnection);
@@ -90,13 +92,13 @@ void UpdateChecker::giveUp()
     if (m_reply != nullptr) {
         m_reply->abort();
     } else {
-        m_lookUp.request_stop();
+        m_way->giveUp();
     }
 }
 
 void UpdateChecker::load(const QSslConfiguration& tls, const std::optional<QNetworkProxy>& proxy)
 {
-    if (!proxy || m_lookUp.stop_requested()) {
+    if (!proxy || m_way->isGivenUp()) {
         m_deadline.stop();
         setStatus(Failed {});
         return;

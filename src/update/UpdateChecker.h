@@ -12,8 +12,8 @@
 
 #include <chrono>
 #include <functional>
+#include <memory>
 #include <optional>
-#include <stop_token>
 #include <variant>
 
 class QNetworkAccessManager;
@@ -92,7 +92,7 @@ private:
     QString m_currentVersion;
     Status m_status = Idle {};
     QTimer m_deadline;
-    std::stop_source m_lookUp; ///< of the running check
+    std::shared_ptr<ProxyAnswer> m_way; ///< of the running check
     /// Of the running check; our child, as the reply is the manager's.
     QNetworkAccessManager* m_network = nullptr;
     QNetworkReply* m_reply = nullptr;

@@ -122,6 +122,8 @@ INSTANTIATE_TEST_SUITE_P(Names, PicturesThatMeet,
             { { "w/a.png", png }, { "w/a_s.png", png }, { "w/a_s_s.png", png } }, "_s" },
         Meeting {
             "marked", OutputFormat::png, { { "w/a.png", png }, { "w/a-optimized.png", png } } },
+        Meeting { "ofAnEarlierBatch", OutputFormat::jpeg,
+            { { "w/a.jpg", jpeg }, { "w/a.png", png }, { "w/a-optimized.png", png } } },
         Meeting { "byTwoNames", OutputFormat::jpeg,
             { { "w/a.png", png }, { "w/a.jpg", jpeg }, { "l/a.png", png }, { "l/a.jpg", jpeg } } }),
     RowName {});

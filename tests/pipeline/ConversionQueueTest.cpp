@@ -188,10 +188,9 @@ TEST_F(ConversionQueueOfFiles, ofACircleTheFirstComesFirst)
     ConversionQueue queue(
         { urlOf(m_folder / "a.jpg"), urlOf(m_folder / "a.png"), urlOf(m_folder / "a.jpeg") },
         settingsOf(OutputFormat::original));
-    EXPECT_EQ(
-        queue.unreadSources()->standingAt(m_folder / "a.jpeg"), std::vector<std::size_t> { 2 });
+    EXPECT_EQ(queue.neededFiles()->unreadAt(m_folder / "a.jpeg"), std::vector<std::size_t> { 2 });
     expectInTurn(queue, { 1, 2, 0 });
-    EXPECT_TRUE(queue.unreadSources()->standingAt(m_folder / "a.jpeg").empty());
+    EXPECT_TRUE(queue.neededFiles()->unreadAt(m_folder / "a.jpeg").empty());
 }
 
 TEST_F(ConversionQueueOfFiles, whatALinkLeadsToIsReadBeforeItIsReplaced)

@@ -190,19 +190,41 @@ TEST(OutputURL, anUnreadFileOfTheBatchIsNotWrittenOver)
     writeFile(folder / "a.jpg", "x");
     writeFile(folder / "b.png", "y");
     std::filesystem::create_symlink("b.png", folder / "a-optimized.jpg");
-    UnreadSources unread({ urlOf(folder / "a.jpg"), urlOf(folder / "a-optimized.jpg") });
+    NeededFiles needed({ urlOf(folder / "a.jpg"), urlOf(folder / "a-optimized.jpg") });
     OptimizerSettings settings;
     settings.outputFormat = OutputFormat::jpeg;
     const auto output = [&] {
         return ImageOptimizer::outputURL(
-            urlOf(folder / "a.png"), UniformType::png, settings, &unread)
+            urlOf(folder / "a.png"), UniformType::png, settings, &needed)
             .value();
     };
     EXPECT_EQ(output(), urlOf(folder / "a-optimized-optimized.jpg"));
-    unread.setRead(1);
+    needed.setRead(1);
     EXPECT_EQ(output(), urlOf(folder / "a-optimized.jpg"));
-    unread.setRead(0);
+    needed.setRead(0);
     EXPECT_EQ(output(), urlOf(folder / "a.jpg"));
+}
+
+TEST(OutputURL, anOutputWhoseSourceIsGoneIsNotWrittenOver)
+{
+    const TemporaryFolder folder;
+    writeFile(folder / "a.jpg", "source");
+    NeededFiles needed({ urlOf(folder / "a.jpg") });
+    OptimizerSettings settings;
+    settings.outputFormat = OutputFormat::jpeg;
+    const auto output = [&] {
+        return ImageOptimizer::outputURL(
+            urlOf(folder / "a-optimized.png"), UniformType::png, settings, &needed)
+            .value();
+    };
+    writeFile(folder / "a-optimized.jpg", "output");
+    needed.setRead(0, urlOf(folder / "a-optimized.jpg"));
+    EXPECT_EQ(output(), urlOf(folder / "a-optimized.jpg"));
+    writeFile(folder / "other", "another picture");
+    std::filesystem::rename(folder / "other", folder / "a.jpg");
+    EXPECT_EQ(output(), urlOf(folder / "a-optimized-optimized.jpg"));
+    writeFile(folder / "a-optimized.jpg", "somebody else's");
+    EXPECT_EQ(output(), urlOf(folder / "a-optimized.jpg"));
 }
 
 class ConfirmOverwrite : public testing::Test {

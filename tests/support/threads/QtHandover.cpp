@@ -63,6 +63,7 @@ private:
             delete seen;
         } else if (which == Call) {
             seen->m_slot->call(receiver, arguments);
+            __tsan_release(self); // the reference count tells whoever lets go of it last
         } else {
             *answer = false;
         }
