@@ -24,9 +24,11 @@ std::shared_ptr<ProxyAnswer> ProxyAnswer::to(const ProxyLookUp& lookUp, const QU
         std::thread([answer, lookUp, page] {
             const QNetworkProxy proxy = lookUp(page);
             --lookUpsAtWork;
-            const std::scoped_lock lock(answer->m_mutex);
-            answer->m_proxy = proxy;
-            answer->m_changed.notify_all();
+            {
+                const std::scoped_lock lock(answer->m_mutex);
+                answer->m_proxy = proxy;
+            }
+            answer->m_changes.release();
         }).detach();
     } catch (const std::system_error&) { // the system has no thread for it
         --lookUpsAtWork;
@@ -37,17 +39,22 @@ std::shared_ptr<ProxyAnswer> ProxyAnswer::to(const ProxyLookUp& lookUp, const QU
 
 std::optional<QNetworkProxy> ProxyAnswer::wait()
 {
-    std::unique_lock lock(m_mutex);
-    m_changed.wait(lock, [this] { return m_proxy || m_isGivenUp; });
-    m_changed.wait_for(lock, onItsWay, [this] { return m_proxy.has_value(); });
-    return m_isGivenUp ? std::nullopt : m_proxy;
+    m_changes.acquire();
+    if (isGivenUp()) {
+        m_changes.tryAcquire(1, static_cast<int>(onItsWay.count()));
+        return std::nullopt;
+    }
+    const std::scoped_lock lock(m_mutex);
+    return m_proxy;
 }
 
 void ProxyAnswer::giveUp()
 {
-    const std::scoped_lock lock(m_mutex);
-    m_isGivenUp = true;
-    m_changed.notify_all();
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_isGivenUp = true;
+    }
+    m_changes.release();
 }
 
 bool ProxyAnswer::isGivenUp() const

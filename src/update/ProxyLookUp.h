@@ -1,9 +1,9 @@
 #pragma once
 
 #include <QNetworkProxy>
+#include <QSemaphore>
 #include <QUrl>
 
-#include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -21,14 +21,14 @@ public:
     [[nodiscard]] static std::shared_ptr<ProxyAnswer> to(
         const ProxyLookUp& lookUp, const QUrl& page);
 
-    /// Waits for the answer. None where nobody wants it any more before it comes.
+    /// Waits for the answer, once. None where nobody wants it any more before it comes.
     [[nodiscard]] std::optional<QNetworkProxy> wait();
     void giveUp();
     [[nodiscard]] bool isGivenUp() const;
 
 private:
+    QSemaphore m_changes; ///< for whoever waits
     mutable std::mutex m_mutex;
-    std::condition_variable m_changed;
     std::optional<QNetworkProxy> m_proxy;
     bool m_isGivenUp = false;
 };
