@@ -50,17 +50,8 @@ std::optional<QNetworkProxy> ProxyAnswer::wait()
 
 void ProxyAnswer::giveUp()
 {
-    {
-        const std::scoped_lock lock(m_mutex);
-        m_isGivenUp = true;
-    }
+    m_isGivenUp = true;
     m_changes.release();
-}
-
-bool ProxyAnswer::isGivenUp() const
-{
-    const std::scoped_lock lock(m_mutex);
-    return m_isGivenUp;
 }
 
 bool isAnyLookUpAtWork()

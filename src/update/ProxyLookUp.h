@@ -4,6 +4,7 @@
 #include <QSemaphore>
 #include <QUrl>
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -24,13 +25,13 @@ public:
     /// Waits for the answer, once. None where nobody wants it any more before it comes.
     [[nodiscard]] std::optional<QNetworkProxy> wait();
     void giveUp();
-    [[nodiscard]] bool isGivenUp() const;
+    [[nodiscard]] bool isGivenUp() const { return m_isGivenUp; }
 
 private:
     QSemaphore m_changes; ///< for whoever waits
-    mutable std::mutex m_mutex;
+    std::mutex m_mutex;
     std::optional<QNetworkProxy> m_proxy;
-    bool m_isGivenUp = false;
+    std::atomic<bool> m_isGivenUp = false;
 };
 
 /// Whether any look-up is still at work. The libraries behind it would wait for it when they are
