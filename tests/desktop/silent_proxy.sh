@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# A server that is asked for the way to the update page and never answers keeps the program neither
-# from telling so nor from ending.
+# A server that is asked for the way to the update page and never answers does not keep the program
+# from ending.
 # shellcheck source=tests/desktop/library.sh
 . "$(dirname "$0")/library.sh"
 needs python3

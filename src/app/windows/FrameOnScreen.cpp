@@ -1,5 +1,7 @@
 #include "app/windows/FrameOnScreen.h"
 
+#include "app/windows/WindowHeight.h"
+
 #include <algorithm>
 
 namespace vellumine {
@@ -15,12 +17,10 @@ bool canBeGrasped(const QRect& available, const QRect& frame)
 
 QRect movedInto(const QRect& available, const QRect& frame)
 {
-    const auto within = [](int position, int length, int first, int room) {
-        return std::max(std::min(position, first + room - length), first);
-    };
-    return { within(frame.x(), frame.width(), available.x(), available.width()),
-        within(frame.y(), frame.height(), available.y(), available.height()), frame.width(),
-        frame.height() };
+    QRect moved = movedUpInto(available, frame);
+    const int rightmost = available.x() + available.width() - frame.width();
+    moved.moveLeft(std::max(std::min(frame.x(), rightmost), available.x()));
+    return moved;
 }
 
 } // namespace vellumine
