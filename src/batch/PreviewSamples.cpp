@@ -1,6 +1,7 @@
 #include "batch/PreviewSamples.h"
 
 #include "platform/FilePath.h"
+#include "platform/UniqueName.h"
 
 #include <QUuid>
 
@@ -20,13 +21,6 @@ namespace fs = std::filesystem;
 constexpr std::string_view samplePrefix = "vellumine-preview-";
 constexpr std::string_view sampleExtension = ".png";
 
-bool isUniqueName(std::string_view name, std::string_view prefix, std::string_view extension)
-{
-    constexpr std::size_t uuidLength = 36;
-    return name.size() == prefix.size() + uuidLength + extension.size() && name.starts_with(prefix)
-        && name.ends_with(extension);
-}
-
 // Conversions name samples by UUIDs of version 4, random ones. Samples that were given away have
 // names of the same form with a UUID of version 5: so they are told from what a crash left.
 
@@ -37,18 +31,13 @@ fs::path givenName()
         + std::string(sampleExtension);
 }
 
-bool isGiven(std::string_view sampleName)
-{
-    constexpr std::size_t versionInUuid = 14;
-    return sampleName[samplePrefix.size() + versionInUuid] == '5';
-}
-
 /// A preview sample that nobody was given, or a file that a conversion hands to the WebP encoder or
 /// gets from it.
 bool isOurName(std::string_view name)
 {
-    return (isUniqueName(name, samplePrefix, sampleExtension) && !isGiven(name))
-        || isUniqueName(name, "vellumine-", ".pam") || isUniqueName(name, "vellumine-", ".webp");
+    return platform::isUniqueName(name, samplePrefix, sampleExtension)
+        || platform::isUniqueName(name, "vellumine-", ".pam")
+        || platform::isUniqueName(name, "vellumine-", ".webp");
 }
 
 /// A regular file of this user's. Others share the temporary folder.

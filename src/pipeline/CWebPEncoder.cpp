@@ -1,14 +1,21 @@
+#include "imaging/codecs/LittleEndian.h"
 #include "pipeline/ImageOptimizer.h"
 #include "pipeline/TemporaryFile.h"
 #include "platform/ChildProcess.h"
 #include "platform/FileOperations.h"
 #include "platform/FilePath.h"
+#include "platform/UniqueName.h"
 
 #include <QCoreApplication>
 #include <QStringDecoder>
 
+#include <array>
 #include <chrono>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -82,6 +89,25 @@ QString trimmedText(const QByteArray& bytes)
     return decoder.hasError() ? QString() : text.trimmed();
 }
 
+/// Whether the file is as long as WebP says itself, in the header of its RIFF container:
+/// cwebp 1.2.4 does not notice when its last block finds no room on the disk. What has no such
+/// header is judged by nobody here, but for being empty.
+bool isWhole(const std::filesystem::path& webP)
+{
+    constexpr std::size_t headerBytes = 8; // "RIFF" and the length of what follows
+    std::array<std::byte, headerBytes> header {};
+    std::ifstream file(webP, std::ios::binary);
+    file.read(reinterpret_cast<char*>(header.data()), headerBytes);
+    const auto bytesRead = static_cast<std::size_t>(file.gcount());
+    if (bytesRead < 4 || std::memcmp(header.data(), "RIFF", 4) != 0) {
+        return bytesRead > 0;
+    }
+    std::error_code error;
+    const std::uintmax_t size = std::filesystem::file_size(webP, error);
+    return !error && bytesRead == headerBytes
+        && size - headerBytes >= imaging::littleEndian32(header, 4);
+}
+
 /// Brings the encoder's output to its place: beside it first, then over it in one step.
 platform::Result<void> place(
     const std::filesystem::path& webP, const std::filesystem::path& output, ExistingItem existing)
@@ -129,8 +155,10 @@ Outcome<void> ImageOptimizer::encodeWebPWithCWebP(imaging::Image&& image, const 
             UnsupportedFormat { Translated::tr("WebP support is not bundled in this build.") });
     }
     const auto patience = environment.encoderPatience.forPicture(image.size());
-    const TemporaryFile pam(uniquePath(environment.temporaryFolder, "vellumine-", "pam"));
-    const TemporaryFile webP(uniquePath(environment.temporaryFolder, "vellumine-", "webp"));
+    const TemporaryFile pam(
+        environment.temporaryFolder / platform::uniqueName("vellumine-", ".pam"));
+    const TemporaryFile webP(
+        environment.temporaryFolder / platform::uniqueName("vellumine-", ".webp"));
     {
         // The encoder reads the file: the pixels are not needed while it runs.
         const imaging::Image pixels = std::move(image);
@@ -163,6 +191,10 @@ Outcome<void> ImageOptimizer::encodeWebPWithCWebP(imaging::Image&& image, const 
     if (platform::itemAt(webP.path()) == platform::ItemKind::none) {
         return failed(
             CannotFinalize { outputURL, Translated::tr("cwebp did not create an output file") });
+    }
+    if (!isWhole(webP.path())) {
+        return failed(
+            CannotFinalize { outputURL, Translated::tr("cwebp left an incomplete output file") });
     }
     if (const auto placed = place(webP.path(), toPath(outputURL), existing); !placed) {
         return failed(CannotWriteOutput { outputURL, placed.error().text });

@@ -5,6 +5,7 @@
 #include "pipeline/ImageOptimizer.h"
 #include "pipeline/TemporaryFile.h"
 #include "platform/FilePath.h"
+#include "platform/UniqueName.h"
 
 #include <algorithm>
 #include <cstring>
@@ -64,7 +65,7 @@ std::optional<Image> ImageOptimizer::decoded(
 std::optional<QUrl> ImageOptimizer::writePreviewSample(
     const Image& image, const std::filesystem::path& folder)
 {
-    const std::filesystem::path path = uniquePath(folder, "vellumine-preview-", "png");
+    const std::filesystem::path path = folder / platform::uniqueName("vellumine-preview-", ".png");
     auto destination = imaging::ImageDestination::create(path, imaging::UniformType::png);
     if (!destination) {
         return std::nullopt;

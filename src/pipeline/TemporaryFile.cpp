@@ -1,18 +1,9 @@
 #include "pipeline/TemporaryFile.h"
 
-#include <QUuid>
-
-#include <string>
 #include <system_error>
+#include <utility>
 
 namespace vellumine {
-
-std::filesystem::path uniquePath(
-    const std::filesystem::path& folder, std::string_view prefix, std::string_view extension)
-{
-    const QString uuid = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
-    return folder / (std::string(prefix) + uuid.toStdString() + '.' + std::string(extension));
-}
 
 TemporaryFile::TemporaryFile(std::filesystem::path path)
     : m_path(std::move(path))

@@ -1,14 +1,8 @@
 #pragma once
 
 #include <filesystem>
-#include <string_view>
 
 namespace vellumine {
-
-/// A path in the temporary folder with a name of its own: `prefix`, a UUID in capitals, a dot and
-/// the extension.
-[[nodiscard]] std::filesystem::path uniquePath(
-    const std::filesystem::path& folder, std::string_view prefix, std::string_view extension);
 
 /// Removes the file, if there is one, at the end of its life.
 class TemporaryFile {

@@ -1,8 +1,7 @@
 #include "platform/PendingFile.h"
 
 #include "platform/FolderListing.h"
-
-#include <QUuid>
+#include "platform/UniqueName.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -87,13 +86,6 @@ Result<FileDescriptor> createdAndLocked(const std::filesystem::path& path)
     return file;
 }
 
-bool isPendingName(std::string_view name)
-{
-    constexpr std::size_t uuidLength = 36;
-    return name.size() == PendingFile::prefix.size() + uuidLength + PendingFile::suffix.size()
-        && name.starts_with(PendingFile::prefix) && name.ends_with(PendingFile::suffix);
-}
-
 /// Removes a file of this user's whose lock nobody holds. The lock is kept until it is gone, so
 /// that an owner that was about to take it learns of that.
 void removeIfAbandoned(const std::filesystem::path& path)
@@ -121,9 +113,7 @@ Result<PendingFile> PendingFile::beside(const std::filesystem::path& target)
         return failure(errno);
     }
     while (true) {
-        const std::string uuid
-            = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper().toStdString();
-        std::filesystem::path path = folder / (std::string(prefix) + uuid + std::string(suffix));
+        std::filesystem::path path = folder / uniqueName(prefix, suffix);
         auto file = createdAndLocked(path);
         if (file) {
             return PendingFile(std::move(path), target, std::move(*file));
@@ -137,7 +127,7 @@ Result<PendingFile> PendingFile::beside(const std::filesystem::path& target)
 void PendingFile::removeLeftOver(const std::filesystem::path& folder)
 {
     for (const FolderEntry& entry : folderEntries(folder, FinalLink::follow)) {
-        if (entry.kind == EntryKind::other && isPendingName(entry.name)) {
+        if (entry.kind == EntryKind::other && isUniqueName(entry.name, prefix, suffix)) {
             removeIfAbandoned(folder / entry.name);
         }
     }

@@ -364,7 +364,7 @@ TEST_F(Program, openedFilesBringTheWindowForward)
 TEST_F(Program, removesSamplesThatACrashLeft)
 {
     const std::filesystem::path sample
-        = m_folder / "temporary" / "vellumine-preview-6F9619FF-8B86-D011-B42D-00C04FC964FF.png";
+        = m_folder / "temporary" / "vellumine-preview-6F9619FF-8B86-4011-B42D-00C04FC964FF.png";
     test::writeFile(sample, std::string_view("x"));
     delegate();
     EXPECT_FALSE(std::filesystem::exists(sample));

@@ -183,8 +183,11 @@ TEST_F(PreviewSamplesTest, workFilesThatACrashLeftAreRemovedToo)
 
 TEST_F(PreviewSamplesTest, nothingElseIsTouched)
 {
-    for (const char* name : { "vellumine-preview-.png", "vellumine-preview-notes.png",
-             "vellumine-notes.pam", "photo.png" }) {
+    for (const char* name :
+        { "vellumine-preview-.png", "vellumine-preview-notes.png", "vellumine-notes.pam",
+            "photo.png", "vellumine-abcdefghijklmnopqrstuvwxyz0123456789.webp",
+            "vellumine-my_holiday_photo_from_the_beach_2026.webp",
+            "vellumine-cccccccc-0000-4000-8000-000000000001.pam" }) {
         test::writeFile(m_folder / name, std::string_view("x"));
     }
     const fs::path folder = m_folder / "vellumine-preview-CCCCCCCC-0000-4000-8000-000000000001.png";
@@ -194,6 +197,9 @@ TEST_F(PreviewSamplesTest, nothingElseIsTouched)
     EXPECT_TRUE(fs::exists(m_folder / "vellumine-preview-notes.png"));
     EXPECT_TRUE(fs::exists(m_folder / "vellumine-notes.pam"));
     EXPECT_TRUE(fs::exists(m_folder / "photo.png"));
+    EXPECT_TRUE(fs::exists(m_folder / "vellumine-abcdefghijklmnopqrstuvwxyz0123456789.webp"));
+    EXPECT_TRUE(fs::exists(m_folder / "vellumine-my_holiday_photo_from_the_beach_2026.webp"));
+    EXPECT_TRUE(fs::exists(m_folder / "vellumine-cccccccc-0000-4000-8000-000000000001.pam"));
     EXPECT_TRUE(fs::exists(folder));
 }
 

@@ -194,6 +194,23 @@ TEST_F(CWebP, outputWrittenElsewhereFails)
     expectFailure("Could not finish writing out.webp: cwebp did not create an output file");
 }
 
+TEST_F(CWebP, outputThatEndsBeforeItsTimeFails)
+{
+    const auto writing = [](std::string_view text) {
+        return "while [ \"$1\" != \"-o\" ]; do shift; done\nprintf '" + std::string(text)
+            + "' > \"$2\"\nexit 0\n";
+    };
+    writeFile(output(), "the one before");
+    for (const std::string_view text :
+        { "", "RIFF", "RIFF\\005\\000\\000\\000WEBP", "RIFF\\000\\001\\000\\000WEBP" }) {
+        m_workplace.replaceEncoder(writing(text));
+        expectFailure("Could not finish writing out.webp: cwebp left an incomplete output file");
+        EXPECT_EQ(textOf(output()), "the one before");
+    }
+    m_workplace.replaceEncoder(writing("RIFF\\004\\000\\000\\000WEBP"));
+    EXPECT_TRUE(encode());
+}
+
 TEST_F(CWebP, aMegabyteOfErrorTextBlocksNothingAndIsIgnoredOnSuccess)
 {
     m_workplace.replaceEncoder(

@@ -137,6 +137,32 @@ TEST_F(Faults, anEncoderThatRunsOutOfSpaceSaysSoItself)
     expectSourceUntouched();
 }
 
+// The encoder itself notices only sometimes, depending on how much there is no room for.
+TEST_F(Faults, anOutputIsWholeHoweverLittleRoomTheEncoderHas)
+{
+    constexpr std::size_t page = 4096;
+    const auto pages = [](std::size_t bytes) { return (bytes + page - 1) / page; };
+    ASSERT_TRUE(optimize(OutputFormat::webp).starts_with("Saved "));
+    const std::string whole = textOf(chosen() / "a.webp");
+    const std::size_t pamBytes = std::size_t { 320 } * 240 * 4 + 70;
+    const std::size_t enough = pages(pamBytes) + pages(whole.size());
+    m_environment.comparisonSamples = ComparisonSamples::leaveOut;
+    int failures = 0;
+    for (std::size_t missing = 0; missing < 3; ++missing) {
+        const auto disk = test::SmallDisk::create((enough - missing) * page);
+        if (!disk) {
+            GTEST_SKIP() << "Only a superuser may mount a small disk.";
+        }
+        m_environment.temporaryFolder = disk->path();
+        const std::string message = optimize(OutputFormat::webp);
+        EXPECT_EQ(textOf(chosen() / "a.webp"), whole) << missing << " missing: " << message;
+        EXPECT_EQ(listing(disk->path()), "");
+        failures += message.starts_with("Could not finish writing a.webp: ") ? 1 : 0;
+    }
+    EXPECT_EQ(failures, 2);
+    expectSourceUntouched();
+}
+
 TEST_F(Faults, aTemporaryFolderThatIsGoneCostsWhatIsWrittenThere)
 {
     m_environment.temporaryFolder = m_workplace.temporary() / "gone";
