@@ -1,6 +1,6 @@
 #include "batch/LeftoverOutputs.h"
 
-#include "platform/FilePath.h"
+#include "pipeline/ImageOptimizer.h"
 #include "platform/PendingFile.h"
 
 #include <filesystem>
@@ -11,13 +11,9 @@ namespace vellumine {
 void removeLeftoverOutputs(const QList<QUrl>& sources, const OptimizerSettings& settings)
 {
     std::set<std::filesystem::path> folders;
-    if (settings.destinationMode == DestinationMode::selectedFolder) {
-        if (settings.destinationFolderURL) {
-            folders.insert(platform::toPath(*settings.destinationFolderURL));
-        }
-    } else {
-        for (const QUrl& source : sources) {
-            folders.insert(platform::toPath(source).parent_path());
+    for (const QUrl& source : sources) {
+        if (const auto path = ImageOptimizer::outputPathWithoutExtension(source, settings)) {
+            folders.insert(path->parent_path());
         }
     }
     for (const std::filesystem::path& folder : folders) {

@@ -47,14 +47,10 @@ public:
 
     [[nodiscard]] QString ofOutput(const QUrl& source)
     {
-        const bool selected = m_settings.destinationMode == DestinationMode::selectedFolder
-            && m_settings.destinationFolderURL;
-        const std::filesystem::path folder = platform::toPath(
-            selected ? *m_settings.destinationFolderURL : platform::parentFolder(source));
-        const QByteArray name = m_settings.filenamePrefix.toUtf8() + SourceName::of(source).base
-            + m_settings.filenameSuffix.toUtf8();
-        // With slashes in it, it is a way to another folder.
-        const std::filesystem::path path(folder.string() + '/' + name.toStdString());
+        // Without a folder there will be no outputs, and none of them meets another.
+        const std::filesystem::path path
+            = ImageOptimizer::outputPathWithoutExtension(source, m_settings)
+                  .value_or(platform::toPath(source));
         return at(path.parent_path(), QByteArray::fromStdString(path.filename().string()));
     }
 

@@ -88,6 +88,12 @@ public:
         std::optional<imaging::UniformType> sourceType, const OptimizerSettings& settings,
         const NeededFiles* needed = nullptr);
 
+    /// Folder and name of the output, as far as they are known before the source is read. A prefix
+    /// or suffix with slashes in it is a way to another folder. Null where the settings want a
+    /// folder and have none.
+    [[nodiscard]] static std::optional<std::filesystem::path> outputPathWithoutExtension(
+        const QUrl& url, const OptimizerSettings& settings);
+
     /// Without the dot.
     [[nodiscard]] static QString outputExtension(const QUrl& url,
         std::optional<imaging::UniformType> sourceType, const OptimizerSettings& settings);

@@ -14,13 +14,27 @@ using platform::toPath;
 
 namespace {
 
-QUrl fileIn(const QUrl& folder, const QByteArray& name, const QString& extension)
+QUrl withExtension(const std::filesystem::path& path, const QString& extension)
 {
-    return platform::fileUrl(std::filesystem::path(
-        toPath(folder).string() + '/' + (name + '.' + extension.toUtf8()).toStdString()));
+    return platform::fileUrl(std::filesystem::path(path.string() + '.' + extension.toStdString()));
 }
 
 } // namespace
+
+std::optional<std::filesystem::path> ImageOptimizer::outputPathWithoutExtension(
+    const QUrl& url, const OptimizerSettings& settings)
+{
+    QUrl folder = platform::parentFolder(url);
+    if (settings.destinationMode == DestinationMode::selectedFolder) {
+        if (!settings.destinationFolderURL) {
+            return std::nullopt;
+        }
+        folder = *settings.destinationFolderURL;
+    }
+    const QByteArray name = settings.filenamePrefix.toUtf8() + SourceName::of(url).base
+        + settings.filenameSuffix.toUtf8();
+    return toPath(folder).string() + '/' + name.toStdString();
+}
 
 QString ImageOptimizer::outputExtension(
     const QUrl& url, std::optional<UniformType> sourceType, const OptimizerSettings& settings)
@@ -49,28 +63,23 @@ QString ImageOptimizer::outputExtension(
 Outcome<QUrl> ImageOptimizer::outputURL(const QUrl& url, std::optional<UniformType> sourceType,
     const OptimizerSettings& settings, const NeededFiles* needed)
 {
-    QUrl folder = platform::parentFolder(url);
-    if (settings.destinationMode == DestinationMode::selectedFolder) {
-        if (!settings.destinationFolderURL) {
-            return failed(MissingDestinationFolder {});
-        }
-        folder = *settings.destinationFolderURL;
+    auto path = outputPathWithoutExtension(url, settings);
+    if (!path) {
+        return failed(MissingDestinationFolder {});
     }
     const QString extension = outputExtension(url, sourceType, settings);
-    const QByteArray marker = "-optimized";
-    QByteArray name = settings.filenamePrefix.toUtf8() + SourceName::of(url).base
-        + settings.filenameSuffix.toUtf8();
-    QUrl candidate = fileIn(folder, name, extension);
+    constexpr const char* marker = "-optimized";
+    QUrl candidate = withExtension(*path, extension);
     if (platform::standardized(candidate) == platform::standardized(url)) {
-        name += marker;
-        candidate = fileIn(folder, name, extension);
+        *path += marker;
+        candidate = withExtension(*path, extension);
     }
     // A link to the source, or the source in other letters on a disk that takes them for the same,
     // is the source too: writing there would destroy it.
     while (platform::isSameFile(toPath(candidate), toPath(url))
         || (needed != nullptr && needed->isAt(toPath(candidate)))) {
-        name += marker;
-        candidate = fileIn(folder, name, extension);
+        *path += marker;
+        candidate = withExtension(*path, extension);
     }
     return candidate;
 }

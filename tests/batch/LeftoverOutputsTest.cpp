@@ -9,7 +9,7 @@
 namespace vellumine {
 namespace {
 
-constexpr const char* leftOver = ".vellumine-01234567-89AB-CDEF-0123-456789ABCDEF.part";
+constexpr const char* leftOver = ".vellumine-01234567-89AB-4DEF-8123-456789ABCDEF.part";
 
 class LeftoverOutputs : public testing::Test {
 protected:
@@ -48,6 +48,24 @@ TEST_F(LeftoverOutputs, areRemovedInTheChosenFolder)
     EXPECT_EQ(test::listing(m_folder / "sources"), leftOver);
     EXPECT_EQ(test::listing(m_folder / "chosen"), "");
     EXPECT_EQ(test::listing(m_folder / "other"), leftOver);
+}
+
+TEST_F(LeftoverOutputs, areRemovedWhereAPrefixLeadsTo)
+{
+    m_settings.filenamePrefix = QStringLiteral("../other/small-");
+    removeLeftoverOutputs(sources(), m_settings);
+    EXPECT_EQ(test::listing(m_folder / "sources"), leftOver);
+    EXPECT_EQ(test::listing(m_folder / "other"), "");
+
+    m_settings.filenamePrefix.clear();
+    m_settings.filenameSuffix = QStringLiteral("/small");
+    std::filesystem::create_directory(m_folder / "chosen/a");
+    test::writeFile(m_folder / "chosen/a" / leftOver, std::string_view("half"));
+    m_settings.destinationMode = DestinationMode::selectedFolder;
+    m_settings.destinationFolderURL = platform::fileUrl(m_folder / "chosen");
+    removeLeftoverOutputs(sources(), m_settings);
+    EXPECT_EQ(test::listing(m_folder / "chosen/a"), "");
+    EXPECT_EQ(test::listing(m_folder / "chosen"), std::string(leftOver) + " a");
 }
 
 TEST_F(LeftoverOutputs, withoutAFolderNothingIsTouched)
