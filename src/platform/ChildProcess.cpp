@@ -116,7 +116,10 @@ Reading readWhatIsThere(int descriptor, QByteArray& text)
 /// time is up. Gives whether it was the time.
 bool readUntilTheEnd(const Child& child, int descriptor, const Deadline& deadline, QByteArray& text)
 {
-    while (!deadline.isOver()) {
+    while (true) {
+        // Asked before the look at the child: what it did while this process was stopped, however
+        // long, it did in time.
+        const bool isLate = deadline.isOver();
         std::array<pollfd, 2> waiting { { { descriptor, POLLIN, 0 },
             { child.handle().get(), POLLIN, 0 } } };
         const int ready = ::poll(waiting.data(), waiting.size(), deadline.pollTimeout());
@@ -128,20 +131,26 @@ bool readUntilTheEnd(const Child& child, int descriptor, const Deadline& deadlin
         if (readWhatIsThere(descriptor, text) == Reading::isOver || hasEnded) {
             return false;
         }
+        if (isLate) {
+            return true;
+        }
     }
-    return true;
 }
 
 /// Waits for a child that has closed its standard error and may go on without it.
 bool waitForTheEnd(const Child& child, const Deadline& deadline)
 {
-    while (child.handle().isOpen() && !deadline.isOver()) {
+    while (child.handle().isOpen()) {
+        const bool isLate = deadline.isOver();
         pollfd waiting { child.handle().get(), POLLIN, 0 };
         if (::poll(&waiting, 1, deadline.pollTimeout()) > 0) {
             return false;
         }
+        if (isLate) {
+            return true;
+        }
     }
-    return child.handle().isOpen();
+    return false;
 }
 
 /// The name in "NAME=value", with the "=".

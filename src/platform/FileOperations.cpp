@@ -94,6 +94,9 @@ std::filesystem::path temporaryFolder()
 {
     std::error_code error;
     std::filesystem::path folder = std::filesystem::temp_directory_path(error);
+    if (!error) {
+        folder = std::filesystem::absolute(folder, error);
+    }
     return error ? "/tmp" : folder;
 }
 

@@ -8,6 +8,8 @@
 namespace vellumine::platform {
 namespace {
 
+/// Nothing where the URL names no file: one elsewhere, or a name with a zero byte in it, which for
+/// the system would end there and be another file's.
 QByteArray localPath(const QUrl& url)
 {
     if (!url.isLocalFile()) {
@@ -15,6 +17,9 @@ QByteArray localPath(const QUrl& url)
     }
     const QByteArray path
         = QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1());
+    if (path.contains('\0')) {
+        return {};
+    }
     const QString host = url.host();
     return host.isEmpty() ? path : "//" + host.toUtf8() + path;
 }
@@ -76,7 +81,7 @@ QUrl onThisMachine(const QUrl& url)
     }
     QUrl file = url;
     file.setHost(QString());
-    return file;
+    return localPath(file).isEmpty() ? QUrl() : file;
 }
 
 std::filesystem::path toPath(const QUrl& url)

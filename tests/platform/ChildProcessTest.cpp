@@ -187,6 +187,25 @@ TEST(ChildProcess, isKilledWhenItsTimeIsUpThoughItClosedItsErrorText)
     EXPECT_TRUE(exit->hasTimedOut);
 }
 
+// As a batch is that was put aside on its terminal, or a machine's that was frozen for a while.
+TEST(ChildProcess, whatEndedWhileThisProcessWasStoppedEndedInTime)
+{
+    const TemporaryFolder folder;
+    for (const std::string_view before : { "", "exec 2>&-\n" }) {
+        writeProgram(folder / "program",
+            std::string(before) + "kill -STOP $PPID\n(sleep 1.1; kill -CONT $PPID) &\nexit 4\n");
+        const pid_t stopped = ::fork();
+        if (stopped == 0) {
+            const auto exit
+                = runProcess(folder / "program", {}, { .interruption = {}, .time = 1s });
+            ::_exit(exit && !exit->hasTimedOut && exit->status == 4 ? 0 : 1);
+        }
+        int status = -1;
+        ASSERT_EQ(::waitpid(stopped, &status, 0), stopped);
+        EXPECT_EQ(status, 0) << before;
+    }
+}
+
 TEST(ChildProcess, whatItLeavesBehindIsNotWaitedForAndIsKilled)
 {
     const TemporaryFolder folder;

@@ -39,6 +39,9 @@ TEST(TheTemporaryFolder, isTheUsersOwnWhereThatIsAFolder)
         qputenv("TMPDIR", noFolder.c_str());
         EXPECT_EQ(temporaryFolder(), "/tmp") << noFolder;
     }
+    qputenv("TMPDIR", ".");
+    EXPECT_TRUE(temporaryFolder().is_absolute()) << temporaryFolder();
+    EXPECT_TRUE(std::filesystem::equivalent(temporaryFolder(), std::filesystem::current_path()));
     wasSet ? qputenv("TMPDIR", before) : qunsetenv("TMPDIR");
 }
 

@@ -36,6 +36,15 @@ TEST(FilePath, theNameOfThisMachineIsNoPartOfIt)
         onThisMachine(QUrl(QStringLiteral("file://") + QSysInfo::machineHostName() + path)), file);
 }
 
+TEST(FilePath, aNameWithAZeroByteIsNoFiles)
+{
+    const QUrl url = QUrl::fromEncoded("file:///a/b%00c.png");
+    EXPECT_EQ(onThisMachine(url), QUrl());
+    EXPECT_EQ(toPath(url), std::filesystem::path());
+    EXPECT_EQ(onThisMachine(QUrl::fromEncoded("file:///a/b%2500c.png")).fileName(),
+        QStringLiteral("b%00c.png"));
+}
+
 TEST(FilePath, filesOfOtherMachinesAreNotHere)
 {
     for (const char* url : { "", "file://nas.kestrova.example/a.png", "https://localhost/a.png",
