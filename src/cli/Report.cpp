@@ -46,7 +46,7 @@ Report::Report(OutputStyle style)
 
 void Report::setFileCount(std::size_t fileCount)
 {
-    m_fileCount = fileCount;
+    m_fileCount = fileCount + m_succeeded + m_failed;
     showProgress();
 }
 

@@ -8,12 +8,25 @@
 
 namespace vellumine::cli {
 
+namespace {
+
+/// As nohup starts a program, and a shell's script what it leaves behind.
+bool isIgnored(int number)
+{
+    struct sigaction action { };
+    return ::sigaction(number, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
+} // namespace
+
 TerminationSignals::TerminationSignals()
 {
     sigset_t signals;
     sigemptyset(&signals);
     for (const int number : { SIGINT, SIGTERM, SIGHUP }) {
-        sigaddset(&signals, number);
+        if (!isIgnored(number)) {
+            sigaddset(&signals, number);
+        }
     }
     ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     m_signals = platform::FileDescriptor(::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));

@@ -10,8 +10,9 @@
 namespace vellumine::cli {
 
 /// Turns the signals that ask a program to end (SIGINT, SIGTERM, SIGHUP) into calls from the event
-/// loop. To be made before any other thread, so that none of them takes the signals; programs that
-/// this one starts are not to inherit that.
+/// loop. Those that were ignored when the program was started stay ignored. To be made before any
+/// other thread, so that none of them takes the signals; programs that this one starts are not to
+/// inherit that.
 class TerminationSignals {
 public:
     /// Takes the signal's number.

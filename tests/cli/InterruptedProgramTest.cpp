@@ -26,6 +26,7 @@ protected:
     void SetUp() override
     {
         BuiltProgram::SetUp();
+        m_beforeItRuns = [] { ::signal(SIGHUP, SIG_IGN); };
         m_started = openPipe("started");
         m_gate = openPipe("gate");
         test::writeProgram(folder() / "encoder",
@@ -108,6 +109,16 @@ TEST_F(InterruptedProgram, killsItsEncodersWhenAskedAgainAndCleansUp)
     EXPECT_EQ(outcome.output.count(QStringLiteral(": Operation canceled\n")), 2);
     EXPECT_EQ(outputs(), 0);
     EXPECT_EQ(listing(temporary()), "");
+}
+
+// As nohup starts it.
+TEST_F(InterruptedProgram, goesOnAtASignalThatItsParentShutOut)
+{
+    send(SIGHUP);
+    letGo(m_count);
+    const Outcome outcome = end(m_process);
+    EXPECT_EQ(outcome.status, 0) << outcome.error.toStdString();
+    EXPECT_EQ(outputs(), m_count);
 }
 
 } // namespace

@@ -1,0 +1,136 @@
+#include "cli/BuiltProgram.h"
+#include "platform/FileDescriptor.h"
+#include "support/FakeProgram.h"
+#include "support/QtPrinters.h"
+
+#include <QProcess>
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+#include <string>
+
+namespace vellumine {
+namespace {
+
+using platform::FileDescriptor;
+using test::Outcome;
+using test::writeFile;
+
+constexpr std::string_view theOneBefore = "the one before";
+
+/// The program on a terminal, asking whether a file may be replaced.
+class TerminalQuestion : public test::BuiltProgram {
+protected:
+    void SetUp() override
+    {
+        BuiltProgram::SetUp();
+        makePicture("a.bmp");
+        writeFile(pictures() / "a.webp", theOneBefore);
+        m_terminal = FileDescriptor(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));
+        ASSERT_TRUE(m_terminal.isOpen());
+        ASSERT_EQ(::grantpt(m_terminal.get()), 0);
+        ASSERT_EQ(::unlockpt(m_terminal.get()), 0);
+        std::array<char, 128> name {};
+        ASSERT_EQ(::ptsname_r(m_terminal.get(), name.data(), name.size()), 0);
+        m_programsEnd = FileDescriptor(::open(name.data(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+        m_beforeItRuns = [this] { ::ioctl(m_programsEnd.get(), TIOCSCTTY, 0); };
+        start(m_process,
+            { QStringLiteral("--set"), QStringLiteral("warnBeforeOverwrite=true"),
+                QStringLiteral("a.bmp") });
+        waitFor("[y/N] ");
+    }
+
+    void type(std::string_view keys) const
+    {
+        ASSERT_EQ(::write(m_terminal.get(), keys.data(), keys.size()), ssize_t(keys.size()));
+    }
+
+    [[nodiscard]] bool isReplaced() const
+    {
+        return test::readFile(pictures() / "a.webp").size() != theOneBefore.size();
+    }
+
+    QProcess m_process;
+
+private:
+    void waitFor(std::string_view text) const
+    {
+        std::string seen;
+        while (seen.find(text) == std::string::npos) {
+            pollfd waiting { m_terminal.get(), POLLIN, 0 };
+            ASSERT_EQ(::poll(&waiting, 1, 60'000), 1) << seen;
+            std::array<char, 256> chunk {};
+            const ssize_t count = ::read(m_terminal.get(), chunk.data(), chunk.size());
+            ASSERT_GT(count, 0) << seen;
+            seen.append(chunk.data(), std::size_t(count));
+        }
+        EXPECT_NE(seen.find("Replace a.webp?"), std::string::npos) << seen;
+    }
+
+    FileDescriptor m_terminal;
+    FileDescriptor m_programsEnd;
+};
+
+TEST_F(TerminalQuestion, yReplaces)
+{
+    type("y\r");
+    EXPECT_EQ(end(m_process).status, 0);
+    EXPECT_TRUE(isReplaced());
+}
+
+TEST_F(TerminalQuestion, yesInCapitalsReplaces)
+{
+    type(" YES \r");
+    EXPECT_EQ(end(m_process).status, 0);
+    EXPECT_TRUE(isReplaced());
+}
+
+TEST_F(TerminalQuestion, anythingElseSkips)
+{
+    type("yesterday\r");
+    const Outcome outcome = end(m_process);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_TRUE(outcome.output.startsWith(
+        QStringLiteral("a.bmp: Skipped because the output file already exists.\n")))
+        << outcome.output.toStdString();
+    EXPECT_FALSE(isReplaced());
+}
+
+TEST_F(TerminalQuestion, returnAloneSkips)
+{
+    type("\r");
+    EXPECT_EQ(end(m_process).status, 1);
+    EXPECT_FALSE(isReplaced());
+}
+
+TEST_F(TerminalQuestion, theEndOfTheInputSkips)
+{
+    type("\x04");
+    EXPECT_EQ(end(m_process).status, 1);
+    EXPECT_FALSE(isReplaced());
+}
+
+TEST_F(TerminalQuestion, controlCEndsTheBatch)
+{
+    type("\x03");
+    EXPECT_EQ(end(m_process).status, 1);
+    EXPECT_FALSE(isReplaced());
+}
+
+TEST_F(TerminalQuestion, aTerminalThatIsGoneEndsTheBatch)
+{
+    ASSERT_EQ(::kill(pid_t(m_process.processId()), SIGHUP), 0);
+    EXPECT_EQ(end(m_process).status, 1);
+    EXPECT_FALSE(isReplaced());
+}
+
+} // namespace
+} // namespace vellumine
