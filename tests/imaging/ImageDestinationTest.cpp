@@ -5,6 +5,7 @@
 #include "imaging/Orientation.h"
 #include "imaging/metadata/ExifBuilder.h"
 #include "imaging/metadata/Exiv2Reading.h"
+#include "support/ChangedSystem.h"
 #include "support/NamedRows.h"
 #include "support/TestImages.h"
 
@@ -49,6 +50,19 @@ Result<void> write(const std::filesystem::path& path, UniformType type, const Im
     destination->setProfilePolicy(profile);
     destination->addImage(image, properties);
     return destination->finalize();
+}
+
+TEST(ImageDestination, isNotFinalizedBeforeItsFileIsOnTheDisk)
+{
+    for (const UniformType type : ImageDestination::encodableTypes()) {
+        const TemporaryFolder folder;
+        const std::filesystem::path path = folder / "out";
+        const int status = test::whereSyncingFails(EIO, [&] {
+            const auto written = write(path, type, test::gradient(oddSize, rgb8));
+            return !written && written.error().kind == Error::Kind::io ? 0 : 1;
+        });
+        EXPECT_EQ(status, 0) << static_cast<int>(type);
+    }
 }
 
 TEST(ImageDestination, knowsItsTypes)

@@ -7,7 +7,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <future>
+#include <memory>
+#include <optional>
 #include <set>
 
 namespace vellumine {
@@ -299,6 +302,26 @@ TEST_F(Optimize, eightConversionsAtOnceAreAllRight)
                 test::sampleAt(written, 20, 15, c), test::sampleAt(expected, 20, 15, c), 1e-9);
         }
     }
+}
+
+TEST_F(Optimize, waitsForItsShareOfTheMemoryBeforeItDecodes)
+{
+    m_environment.memoryBudget = std::make_shared<MemoryBudget>(1);
+    std::optional<MemoryBudget::Lease> lease = m_environment.memoryBudget->acquire(1);
+    m_settings.warnBeforeOverwrite = true;
+    test::writeFile(in("a.webp"), "old");
+    std::promise<void> isDecoded;
+    m_environment.confirmOverwrite = [&](const QUrl&) {
+        isDecoded.set_value();
+        return OverwriteDecision::replace;
+    };
+    const auto source = makeSource();
+    auto result = std::async(std::launch::async, [&] { return optimize(source); });
+    auto decoded = isDecoded.get_future();
+    EXPECT_EQ(decoded.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
+    lease.reset();
+    decoded.get();
+    EXPECT_TRUE(result.get());
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "platform/PendingFile.h"
 #include "platform/FileOperations.h"
+#include "support/ChangedSystem.h"
 #include "support/FakeProgram.h"
 #include "support/QtPrinters.h"
 #include "support/TestImages.h"
@@ -130,7 +131,7 @@ TEST(PendingFile, whatIsStillBeingWrittenIsNoLeftOver)
 TEST(PendingFile, onlyFilesOfItsNameCountAsLeftOver)
 {
     const TemporaryFolder folder;
-    const std::string uuid = "01234567-89AB-CDEF-0123-456789ABCDEF";
+    const std::string uuid = "01234567-89AB-4DEF-8123-456789ABCDEF";
     writeFile(folder / ".vellumine-short.part", "x");
     writeFile(folder / (".vellumine-" + uuid + ".part.jpg"), "x");
     writeFile(folder / ("vellumine-" + uuid + ".part"), "x");
@@ -208,6 +209,28 @@ TEST(PendingFile, keepsAnItemThatAppearedMeanwhileOnAnyFileSystem)
         EXPECT_EQ(content(folder / "out.png"), "somebody else's") << hasLinks;
         EXPECT_EQ(listing(folder.path()), "out.png") << hasLinks;
     }
+}
+
+TEST(PendingFile, itsFolderIsSyncedWhenItIsPublished)
+{
+    const TemporaryFolder folder;
+    const int syncs = test::syncsDuring([&folder] {
+        auto pending = outputWith("new", folder);
+        (void)std::move(*pending).publish(ExistingItem::replace);
+    });
+    EXPECT_EQ(syncs, 1);
+    EXPECT_EQ(content(folder / "out.png"), "new");
+}
+
+TEST(PendingFile, aFolderThatCannotBeSyncedIsNoFailure)
+{
+    const TemporaryFolder folder;
+    EXPECT_EQ(test::whereSyncingFails(EINVAL,
+                  [&folder] {
+                      auto pending = outputWith("new", folder);
+                      return std::move(*pending).publish(ExistingItem::replace) ? 0 : 1;
+                  }),
+        0);
 }
 
 TEST(PendingFile, aNameThatWasClaimedInVainIsFreeAgain)
