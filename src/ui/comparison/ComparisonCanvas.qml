@@ -17,10 +17,17 @@ Rectangle {
     readonly property real labelX: Math.max(7, sampleX - inset + 8)
     readonly property real labelY: Math.max(7, sampleY - inset + 8)
     property bool usedByKeyboard: false
+    // what a screen reader says and sets, by the names that it knows: hundredths
+    property real value: 50
+    readonly property real minimumValue: 0
+    readonly property real maximumValue: 100
+    readonly property real stepSize: 1
 
     Accessible.description: presenter.splitText
     Accessible.focusable: true
     Accessible.name: qsTr("Before / After Review")
+    Accessible.onDecreaseAction: presenter.moveSplit(-1)
+    Accessible.onIncreaseAction: presenter.moveSplit(1)
     Accessible.role: Accessible.Slider
     Keys.onPressed: event => {
         usedByKeyboard = true;
@@ -52,6 +59,15 @@ Rectangle {
     border.width: 1
     color: KestrovaTheme.leatherDeep
     radius: 8
+
+    onValueChanged: {
+        if (value !== Math.round(presenter.split * 100))
+            presenter.setSplit(value / 100);
+    }
+
+    Binding on value {
+        value: Math.round(canvas.presenter.split * 100)
+    }
 
     ComparisonSide {
         height: canvas.height - 2 * canvas.inset

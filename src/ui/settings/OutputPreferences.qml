@@ -32,8 +32,12 @@ PreferenceSection {
         KestrovaTextField {
             id: pixels
 
+            // not yet counted: shown until it is, whatever else changes
+            property bool isTyped: false
+
             function commit() {
                 section.settings.enterMaximumPixels(text);
+                isTyped = false;
             }
 
             Accessible.name: qsTr("Maximum")
@@ -42,9 +46,15 @@ PreferenceSection {
             objectName: "maximumField"
             light: true
             placeholderText: qsTr("Pixels")
-            text: section.settings.maximumPixelsText
 
             onEditingFinished: commit()
+            onTextEdited: isTyped = true
+
+            Binding on text {
+                restoreMode: Binding.RestoreNone
+                value: section.settings.maximumPixelsText
+                when: !pixels.isTyped
+            }
         }
 
         Text {

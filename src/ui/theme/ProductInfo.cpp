@@ -33,7 +33,8 @@ QString ProductInfo::librariesText()
 {
     return tr("With thanks to the makers of %1")
         .arg(QStringLiteral("Qt, libjpeg-turbo, libpng, GIFLIB, libimagequant, LibTIFF, libheif, "
-                            "libwebp, zimg, Little CMS, Exiv2, libplist, libseccomp, GLib"));
+                            "libwebp, libdeflate, ISA-L, zlib, zimg, Little CMS, Exiv2, "
+                            "libplist, libseccomp, GLib"));
 }
 
 QString ProductInfo::confinementText() const

@@ -2,19 +2,48 @@
 
 #include <QCoreApplication>
 #include <QLibraryInfo>
+#include <QList>
+
+#include <algorithm>
 
 namespace vellumine {
 
+namespace {
+
+/// The languages that the user prefers to English, in which all texts are written.
+QList<QLocale> languagesBeforeEnglish(const QLocale& locale)
+{
+    QList<QLocale> languages;
+    for (const QString& name : locale.uiLanguages()) {
+        const QLocale language(name);
+        if (language.language() == QLocale::English || language.language() == QLocale::C) {
+            break;
+        }
+        languages.append(language);
+    }
+    return languages;
+}
+
+void install(QTranslator& translator, const QList<QLocale>& languages, const QString& name,
+    const QString& folder)
+{
+    const bool isLoaded
+        = std::any_of(languages.begin(), languages.end(), [&](const QLocale& language) {
+              return translator.load(language, name, QStringLiteral("_"), folder);
+          });
+    if (isLoaded) {
+        QCoreApplication::installTranslator(&translator);
+    }
+}
+
+} // namespace
+
 Translations::Translations(const QLocale& locale)
 {
-    const auto install
-        = [&locale](QTranslator& translator, const char* name, const QString& folder) {
-              if (translator.load(locale, QString::fromLatin1(name), QStringLiteral("_"), folder)) {
-                  QCoreApplication::installTranslator(&translator);
-              }
-          };
-    install(m_ofQt, "qt", QLibraryInfo::path(QLibraryInfo::TranslationsPath));
-    install(m_ofProgram, "vellumine", QStringLiteral(":/translations"));
+    const QList<QLocale> languages = languagesBeforeEnglish(locale);
+    install(m_ofQt, languages, QStringLiteral("qt"),
+        QLibraryInfo::path(QLibraryInfo::TranslationsPath));
+    install(m_ofProgram, languages, QStringLiteral("vellumine"), QStringLiteral(":/translations"));
 }
 
 } // namespace vellumine

@@ -5,8 +5,9 @@
 
 namespace vellumine {
 
-/// The texts of the program and of Qt in the languages of a locale, for as long as it lives. What
-/// is not translated stays English.
+/// The texts of the program and of Qt in the languages of a locale, for as long as it lives: in the
+/// first one that there is a translation to, unless English is preferred. What is not translated
+/// stays English.
 class Translations {
 public:
     /// Needs the application object, and comes before whatever shows a text.

@@ -112,6 +112,35 @@ TEST(ScreenReader, pressesWhateverAClickPresses)
     EXPECT_GE(pressed, 18);
 }
 
+TEST(ScreenReader, movesTheSplitOfAComparison)
+{
+    const Scene scene("Comparison50");
+    QAccessibleInterface* slider
+        = scene.element(QAccessible::Slider, QStringLiteral("Before / After Review"));
+    ASSERT_NE(slider, nullptr);
+    QAccessibleValueInterface* value = slider->valueInterface();
+    ASSERT_NE(value, nullptr);
+    EXPECT_EQ(value->minimumValue().toDouble(), 0);
+    EXPECT_EQ(value->maximumValue().toDouble(), 100);
+    EXPECT_EQ(value->currentValue().toDouble(), 50);
+
+    slider->actionInterface()->doAction(QAccessibleActionInterface::increaseAction());
+    EXPECT_EQ(value->currentValue().toDouble(), 51);
+    EXPECT_EQ(slider->text(QAccessible::Description), QStringLiteral("51% before"));
+    slider->actionInterface()->doAction(QAccessibleActionInterface::decreaseAction());
+    slider->actionInterface()->doAction(QAccessibleActionInterface::decreaseAction());
+    EXPECT_EQ(value->currentValue().toDouble(), 49);
+
+    value->setCurrentValue(100);
+    EXPECT_EQ(slider->text(QAccessible::Description), QStringLiteral("100% before"));
+    QTest::keyClick(&scene.window(), Qt::Key_Tab); // until the canvas has the keys
+    for (int press = 0; press < 10 && !slider->state().focused; ++press) {
+        QTest::keyClick(&scene.window(), Qt::Key_Tab);
+    }
+    QTest::keyClick(&scene.window(), Qt::Key_Home);
+    EXPECT_EQ(value->currentValue().toDouble(), 0);
+}
+
 TEST(ScreenReader, opensTheMenuOfAChipAndChooses)
 {
     const Scene scene("DropWindowEmpty");

@@ -38,6 +38,19 @@ PreferencesTestCase {
         compare(settings.maximumPixels, 71);
     }
 
+    function test_whatIsBeingTypedStaysWhateverElseChanges() {
+        const field = find("maximumField");
+        type(field, "10");
+        settings.removeMetadata = !settings.removeMetadata;
+        settings.refresh();
+        compare(field.text, "10");
+        compare(settings.maximumPixels, 2560);
+        keyClick(Qt.Key_Return);
+        compare(settings.maximumPixels, 10);
+        settings.maximumPixels = 300;
+        compare(field.text, settings.maximumPixelsText);
+    }
+
     function test_textThatIsNoNumberIsForgotten() {
         type(find("maximumField"), "wide");
         keyClick(Qt.Key_Return);

@@ -4,6 +4,8 @@
 #include "support/QtPrinters.h"
 #include "ui/settings/SettingsText.h"
 
+#include <QScopeGuard>
+
 #include <gtest/gtest.h>
 
 namespace vellumine {
@@ -28,6 +30,20 @@ TEST(TranslationsTest, areEnglishWhereThereAreNone)
     const Translations translations(icelandic);
     EXPECT_FALSE(translations.areLoaded());
     EXPECT_EQ(settings_text::title(ResizeMode::longestEdge), QStringLiteral("Longest Edge"));
+}
+
+TEST(TranslationsTest, areLeftOutWhereEnglishIsPreferred)
+{
+    const QByteArray before = qgetenv("LANGUAGE");
+    const auto restore = qScopeGuard([&] { qputenv("LANGUAGE", before); });
+    for (const char* languages : { "en_US:de", "en:de", "is:en:de" }) {
+        qputenv("LANGUAGE", languages);
+        const Translations translations(QLocale::system());
+        EXPECT_FALSE(translations.areLoaded()) << languages;
+    }
+    qputenv("LANGUAGE", "is:de:en");
+    const Translations translations(QLocale::system());
+    EXPECT_EQ(settings_text::title(ResizeMode::longestEdge), QStringLiteral("Längste Seite"));
 }
 
 } // namespace
