@@ -32,7 +32,7 @@ public:
         UpdateChecker::Source updateSource;
         /// For work files and preview samples.
         std::filesystem::path temporaryFolder;
-        /// Where the WebP encoder is looked for first, and the decoder.
+        /// Where the WebP encoder and the decoder are looked for.
         std::filesystem::path executableFolder;
         std::shared_ptr<platform::SecurityScope> securityScope
             = std::make_shared<platform::DesktopSecurityScope>();

@@ -372,7 +372,8 @@ def generated_samples(program, scratch):
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--build", type=pathlib.Path, required=True, help="a finished build")
-    parser.add_argument("--samples", type=pathlib.Path, help="with sound and unsound pictures")
+    parser.add_argument("--samples", type=pathlib.Path,
+                        help="with sound and unsound pictures; VELLUMINE_SAMPLES comes first")
     parser.add_argument("--inputs", type=int, default=20000)
     parser.add_argument("--kills", type=int, default=200)
     parser.add_argument("--seed", type=int, default=1)
@@ -384,8 +385,9 @@ def main():
     table = Table()
     print("| what | found | verdict |\n|---|---|---|")
     with tempfile.TemporaryDirectory(prefix="vellumine-torture-") as folder:
-        if arguments.samples and arguments.samples.is_dir():
-            samples = sample_files(arguments.samples)
+        folder_of_samples = os.environ.get("VELLUMINE_SAMPLES") or arguments.samples
+        if folder_of_samples and pathlib.Path(folder_of_samples).is_dir():
+            samples = sample_files(pathlib.Path(folder_of_samples))
         else:
             samples = generated_samples(program, pathlib.Path(folder))
         if "hostile" in parts:
