@@ -39,6 +39,9 @@ if(VELLUMINE_SANITIZE)
     add_compile_options(-fsanitize=${VELLUMINE_SANITIZE} -fno-omit-frame-pointer
         -fno-sanitize-recover=all -O1)
     add_link_options(-fsanitize=${VELLUMINE_SANITIZE})
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang" AND VELLUMINE_SANITIZE MATCHES "address")
+        add_compile_definitions(__SANITIZE_ADDRESS__) # GCC says so itself
+    endif()
     # GCC's analysis of what is initialised is wrong about instrumented code; the plain builds keep it.
     target_compile_options(vellumine_options INTERFACE
         $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
