@@ -149,6 +149,27 @@ TEST(ColorTransform, sRgbLookAlikesAreOnlyRearranged)
                      ->isIdentity());
 }
 
+TEST(ColorTransform, adobeRgbBecomesTheSRgbThatItsSpecificationGives)
+{
+    struct Row {
+        std::array<std::uint8_t, 3> adobeRgb;
+        std::array<double, 3> sRgb; // both spaces' matrices and curves, in floating point
+    };
+    const auto transform = ColorTransform::create(ColorSpace::adobeRgb(), 8, ColorSpace::sRgb());
+    ASSERT_TRUE(transform);
+    for (const Row& row : { Row { { 128, 128, 128 }, { 129.03, 129.03, 129.03 } },
+             Row { { 180, 120, 90 }, { 199.47, 120.82, 87.91 } },
+             Row { { 100, 140, 110 }, { 75.81, 141.27, 108.91 } },
+             Row { { 60, 90, 160 }, { 36.07, 89.57, 163.72 } },
+             Row { { 70, 110, 60 }, { 37.29, 110.48, 53.72 } } }) {
+        std::array<std::uint8_t, 4> rgba {};
+        transform->apply(row.adobeRgb.data(), rgba.data(), 1);
+        for (std::size_t c = 0; c < 3; ++c) {
+            EXPECT_NEAR(rgba.at(c), row.sRgb.at(c), 1.0) << int { row.adobeRgb[0] } << " " << c;
+        }
+    }
+}
+
 TEST(ColorTransform, leavesTheFourthByteAlone)
 {
     for (const ColorSpace& space :

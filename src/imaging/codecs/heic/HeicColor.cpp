@@ -1,5 +1,7 @@
 #include "imaging/codecs/heic/HeicColor.h"
 
+#include "imaging/codecs/UntaggedColor.h"
+
 #include <optional>
 
 namespace vellumine::imaging::heic {
@@ -92,7 +94,7 @@ std::optional<ColorSpace> codedDescription(const heif_image_handle* picture)
 
 } // namespace
 
-ColorSpace colorSpaceOf(const heif_image_handle* picture)
+ColorSpace colorSpaceOf(const heif_image_handle* picture, ByteSpan exif)
 {
     if (auto space = embeddedProfile(picture)) {
         return *std::move(space);
@@ -100,7 +102,7 @@ ColorSpace colorSpaceOf(const heif_image_handle* picture)
     if (auto space = codedDescription(picture)) {
         return *std::move(space);
     }
-    return ColorSpace::sRgb();
+    return untaggedColorSpace(ColorModel::rgb, exif);
 }
 
 HeifPointer<heif_color_profile_nclx> sRgbDescription()

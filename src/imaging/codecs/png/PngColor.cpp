@@ -1,6 +1,7 @@
 #include "imaging/codecs/png/PngColor.h"
 
 #include "imaging/codecs/BigEndian.h"
+#include "imaging/codecs/UntaggedColor.h"
 #include "imaging/codecs/png/PngChunks.h"
 #include "imaging/codecs/png/PngCompression.h"
 
@@ -119,7 +120,7 @@ std::optional<ColorSpace> spaceOfNumbers(const ColorChunks& chunks, ColorModel m
 
 } // namespace
 
-ColorSpace colorSpaceOf(ByteSpan file, ColorModel model)
+ColorSpace colorSpaceOf(ByteSpan file, ColorModel model, ByteSpan exif)
 {
     const ColorChunks chunks = findColorChunks(file);
     std::optional<ColorSpace> space;
@@ -132,7 +133,8 @@ ColorSpace colorSpaceOf(ByteSpan file, ColorModel model)
     if (space) {
         return *space;
     }
-    return model == ColorModel::grey ? ColorSpace::grey() : ColorSpace::sRgb();
+    const bool isDescribed = chunks.saysSRgb || chunks.gamma || chunks.primaries;
+    return untaggedColorSpace(model, isDescribed ? ByteSpan {} : exif);
 }
 
 } // namespace vellumine::imaging::png
