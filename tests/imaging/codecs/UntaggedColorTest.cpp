@@ -159,6 +159,11 @@ TEST(UntaggedHeic, goesByItsDescriptionFirst)
     description.full_range_flag = 1;
     EXPECT_EQ(
         spaceOfHeic({ .description = description, .exif = adobeRgbExif() }), ColorSpace::sRgb());
+    // One that names neither primaries nor a curve leaves the word to the block.
+    description.color_primaries = heif_color_primaries_unspecified;
+    description.transfer_characteristics = heif_transfer_characteristic_unspecified;
+    EXPECT_EQ(spaceOfHeic({ .description = description, .exif = adobeRgbExif() }),
+        ColorSpace::adobeRgb());
 }
 
 // --- WebP ---------------------------------------------------------------------------------------
