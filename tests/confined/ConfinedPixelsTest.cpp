@@ -3,10 +3,12 @@
 #include "imaging/DeferredPixels.h"
 #include "imaging/ImageDestination.h"
 #include "imaging/codecs/jpeg/JpegCodec.h"
+#include "imaging/colour/InstalledCmyk.h"
 #include "imaging/ycc/PlaneSource.h"
 
 #include <cstdint>
 #include <stop_token>
+#include <string>
 #include <utility>
 
 // What a helper keeps of a decoded picture, draws of it and gives of it.
@@ -75,6 +77,30 @@ TEST_F(Confined, picturesAreDrawnInTheirOwnColours)
     const Image converted
         = drawn(m_decoders.open(path, Limits()).value(), size, imaging::ColorSpace::sRgb());
     EXPECT_LT(test::psnr(here, converted), 40);
+    EXPECT_EQ(m_decoders.deathCount(), 0U);
+}
+
+TEST_F(Confined, inkWithoutAProfileIsDrawnWithTheInstalledOne)
+{
+    if (imaging::colour::installedCmykProfile().empty()) {
+        GTEST_SKIP() << "No CMYK profile is installed here.";
+    }
+    const imaging::Size size { 48, 32 };
+    for (const UniformType type : { UniformType::jpeg, UniformType::tiff }) {
+        const auto path = m_folder / ("ink." + std::string(preferredExtension(type)));
+        auto destination = imaging::ImageDestination::create(path, type);
+        destination->addImage(
+            test::flat(size, { imaging::ColorModel::cmyk, 8, imaging::AlphaInfo::none },
+                { 1.0, 0.0, 0.0, 0.0 }),
+            {});
+        ASSERT_TRUE(destination->finalize());
+        const auto srgb = imaging::ColorSpace::sRgb();
+        const Image here = drawn(ImageSource::create(path, Limits()).value(), size, srgb);
+        const Image there = drawn(m_decoders.open(path, Limits()).value(), size, srgb);
+        EXPECT_TRUE(areEqual(here, there)) << preferredExtension(type);
+        // No press prints the cyan that the plain formula gives.
+        EXPECT_GT(there.row8(16)[0] + (255 - there.row8(16)[1]), 40) << preferredExtension(type);
+    }
     EXPECT_EQ(m_decoders.deathCount(), 0U);
 }
 

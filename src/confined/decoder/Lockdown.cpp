@@ -7,7 +7,8 @@ namespace vellumine::confined {
 
 namespace {
 
-/// Enough for the standard three, the connection, the file, and the pictures on their way.
+/// Enough for the standard three, the connection, the installed profiles, the file, and the
+/// pictures on their way.
 constexpr rlim_t mostDescriptors = 24;
 
 void limit(decltype(RLIMIT_CORE) resource, rlim_t value)

@@ -3,6 +3,7 @@
 #include "confined/protocol/HelperDescriptor.h"
 #include "confined/protocol/Messages.h"
 #include "confined/service/DecoderService.h"
+#include "imaging/colour/InstalledCmyk.h"
 
 #include <cstdio>
 #include <malloc.h>
@@ -45,6 +46,7 @@ int main()
         return 2;
     }
     keepMemory();
+    imaging::colour::openInstalledCmykProfiles();
     const confined::Channel channel(imaging::FileDescriptor::adopted(confined::helperDescriptor));
     const confined::Confinement inForce = confined::lockDown();
     if (!channel.send(

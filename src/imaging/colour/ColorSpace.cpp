@@ -114,6 +114,17 @@ ColorSpace ColorSpace::sRgb()
     return ColorSpace(data);
 }
 
+ColorSpace ColorSpace::adobeRgb()
+{
+    static const auto data = [] {
+        const colour::Context context = colour::makeContext();
+        const colour::Profile profile = colour::makeAdobeRgbProfile(context.get());
+        return std::make_shared<const Data>(Data { Kind::icc, ColorModel::rgb,
+            colour::serialised(profile.get()), description(profile.get()), false });
+    }();
+    return ColorSpace(data);
+}
+
 ColorSpace ColorSpace::deviceRgb()
 {
     static const auto data

@@ -36,6 +36,8 @@ class ColorSpace {
 public:
     /// sRGB, IEC 61966-2-1. Its profile is written into files.
     static ColorSpace sRgb();
+    /// Adobe RGB (1998), which cameras write without a profile. Its profile is written into files.
+    static ColorSpace adobeRgb();
     /// RGB without a statement: read and drawn as sRGB numbers, no profile is ever written.
     static ColorSpace deviceRgb();
     /// Grey with the sRGB curve, no profile.

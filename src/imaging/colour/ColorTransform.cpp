@@ -5,9 +5,14 @@
 #include "imaging/colour/Profile.h"
 #include "imaging/colour/RecentlyUsed.h"
 
+#include <algorithm>
+#include <array>
 #include <cassert>
+#include <cstddef>
 #include <memory>
 #include <utility>
+#include <variant>
+#include <vector>
 
 namespace vellumine::imaging {
 
@@ -77,14 +82,28 @@ template <typename Sample> void plainCmyk(const Sample* from, std::uint8_t* to, 
     }
 }
 
-/// The library's way from one profile to another, with a table of its own where the profiles have
+/// What each value of a grey sample becomes.
+using GreyTable = std::vector<std::array<std::uint8_t, 3>>;
+
+template <typename Sample>
+void lookUp(const GreyTable& table, const Sample* from, std::uint8_t* to, int count)
+{
+    for (int i = 0; i < count; ++i, to += 4) {
+        std::ranges::copy(table[from[i]], to);
+    }
+}
+
+/// For grey a table, else the library's own way, with a table of its own where the profiles have
 /// tables: up to 2 MB, and a tenth of a second's work for four inks.
+using Way = std::variant<GreyTable, colour::Transform>;
+
+/// The way from one profile to another.
 struct JoinedProfiles {
     ColorSpace from;
     int bits;
     ColorSpace to;
-    colour::Context context;
-    colour::Transform transform;
+    colour::Context context; ///< of the way
+    Way way;
 };
 using JoinedProfilesPtr = std::unique_ptr<const JoinedProfiles>;
 
@@ -93,6 +112,38 @@ colour::RecentlyUsed<JoinedProfilesPtr>& spareProfiles()
 {
     static colour::RecentlyUsed<JoinedProfilesPtr> spare(4);
     return spare;
+}
+
+/// All greys of that depth. The library would put a grid in the place of a curve of one channel,
+/// too coarse for the shadows of linear light however fine it is asked to be. The curve itself is
+/// slow, and asked once for each value.
+GreyTable greyTable(cmsHTRANSFORM exact, int bits)
+{
+    const std::size_t count = std::size_t { 1 } << static_cast<unsigned>(bits);
+    std::vector<std::uint16_t> samples(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        samples[i] = static_cast<std::uint16_t>(i * 65535U / (count - 1));
+    }
+    std::vector<std::array<std::uint8_t, 4>> converted(count);
+    cmsDoTransform(exact, samples.data(), converted.data(), static_cast<cmsUInt32Number>(count));
+    GreyTable table(count);
+    std::ranges::transform(converted, table.begin(), [](const auto& rgba) {
+        return std::array { rgba[0], rgba[1], rgba[2] };
+    });
+    return table;
+}
+
+Result<Way> wayBetween(
+    cmsContext context, cmsHPROFILE from, ColorModel model, int bits, cmsHPROFILE to)
+{
+    const bool isGrey = model == ColorModel::grey;
+    colour::Transform transform(cmsCreateTransformTHR(context, from,
+        sampleFormat(model, isGrey ? 16 : bits), to, TYPE_RGBA_8, colour::renderingIntent(from),
+        isGrey ? cmsFLAGS_NOOPTIMIZE | cmsFLAGS_NOCACHE : cmsFLAGS_HIGHRESPRECALC));
+    if (!transform) {
+        return failure(Error::Kind::unsupported, "the two profiles cannot be joined");
+    }
+    return isGrey ? Way(greyTable(transform.get(), bits)) : Way(std::move(transform));
 }
 
 Result<JoinedProfilesPtr> joined(const ColorSpace& from, int bits, const ColorSpace& to)
@@ -109,14 +160,11 @@ Result<JoinedProfilesPtr> joined(const ColorSpace& from, int bits, const ColorSp
     if (!source || !target) {
         return failure(Error::Kind::unsupported, "there is no profile to convert with");
     }
-    colour::Transform transform(cmsCreateTransformTHR(context.get(), source.get(),
-        sampleFormat(from.model(), bits), target.get(), TYPE_RGBA_8,
-        colour::renderingIntent(source.get()), cmsFLAGS_HIGHRESPRECALC));
-    if (!transform) {
-        return failure(Error::Kind::unsupported, "the two profiles cannot be joined");
-    }
-    return std::make_unique<const JoinedProfiles>(
-        JoinedProfiles { from, bits, to, std::move(context), std::move(transform) });
+    return wayBetween(context.get(), source.get(), from.model(), bits, target.get())
+        .map([&](Way&& way) {
+            return std::make_unique<const JoinedProfiles>(
+                JoinedProfiles { from, bits, to, std::move(context), std::move(way) });
+        });
 }
 
 enum class Method { rearrange, plainCmyk, profiles };
@@ -190,8 +238,13 @@ void ColorTransform::apply(const void* samples, std::uint8_t* rgba, int count) c
     const auto* const deep = static_cast<const std::uint16_t*>(samples);
     switch (m_state->method) {
     case Method::profiles:
-        cmsDoTransform(
-            m_state->profiles->transform.get(), samples, rgba, static_cast<cmsUInt32Number>(count));
+        if (const auto* const greys = std::get_if<GreyTable>(&m_state->profiles->way)) {
+            m_state->bits == 16 ? lookUp(*greys, deep, rgba, count)
+                                : lookUp(*greys, shallow, rgba, count);
+        } else {
+            cmsDoTransform(std::get<colour::Transform>(m_state->profiles->way).get(), samples, rgba,
+                static_cast<cmsUInt32Number>(count));
+        }
         return;
     case Method::plainCmyk:
         m_state->bits == 16 ? plainCmyk(deep, rgba, count) : plainCmyk(shallow, rgba, count);

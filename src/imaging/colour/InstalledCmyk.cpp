@@ -1,10 +1,11 @@
 #include "imaging/colour/InstalledCmyk.h"
 
+#include "imaging/FileDescriptor.h"
 #include "imaging/colour/Profile.h"
 
 #include <array>
-#include <fstream>
-#include <iterator>
+#include <utility>
+#include <vector>
 
 namespace vellumine::imaging::colour {
 
@@ -20,12 +21,29 @@ constexpr std::array<const char*, 6> candidates {
     "/usr/share/color/icc/ghostscript/ps_cmyk.icc",
 };
 
-ByteBuffer read(const char* path)
+/// Those that this machine has, open from the first call on.
+std::vector<FileDescriptor>& installed()
 {
-    std::ifstream stream(path, std::ios::binary);
-    const std::string text((std::istreambuf_iterator<char>(stream)), {});
-    const auto bytes = std::as_bytes(std::span(text));
-    return { bytes.begin(), bytes.end() };
+    static std::vector<FileDescriptor> files = [] {
+        std::vector<FileDescriptor> found;
+        for (const char* const path : candidates) {
+            if (auto file = FileDescriptor::openForReading(path)) {
+                found.push_back(std::move(*file));
+            }
+        }
+        return found;
+    }();
+    return files;
+}
+
+ByteBuffer contentOf(FileDescriptor& file)
+{
+    ByteBuffer bytes;
+    const auto size = file.size();
+    if (!size || !file.readInto(bytes, static_cast<std::size_t>(*size))) {
+        return {};
+    }
+    return bytes;
 }
 
 } // namespace
@@ -33,9 +51,10 @@ ByteBuffer read(const char* path)
 ByteSpan installedCmykProfile()
 {
     static const ByteBuffer profile = [] {
+        std::vector<FileDescriptor> files = std::exchange(installed(), {});
         const Context context = makeContext();
-        for (const char* const path : candidates) {
-            ByteBuffer bytes = read(path);
+        for (FileDescriptor& file : files) {
+            ByteBuffer bytes = contentOf(file);
             const Profile opened = openProfile(context.get(), bytes);
             if (opened && modelOf(opened.get()) == ColorModel::cmyk) {
                 return bytes;
@@ -44,6 +63,11 @@ ByteSpan installedCmykProfile()
         return ByteBuffer {};
     }();
     return profile;
+}
+
+void openInstalledCmykProfiles()
+{
+    (void)installed();
 }
 
 } // namespace vellumine::imaging::colour

@@ -9,4 +9,9 @@ namespace vellumine::imaging::colour {
 /// once and kept.
 [[nodiscard]] ByteSpan installedCmykProfile();
 
+/// Opens the files of which installedCmykProfile() will read one, for a process that is about to
+/// give up opening files. They are read when the profile is first asked for, and closed then: most
+/// processes never see ink.
+void openInstalledCmykProfiles();
+
 } // namespace vellumine::imaging::colour

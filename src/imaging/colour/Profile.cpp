@@ -132,6 +132,19 @@ Profile makeSRgbProfile(cmsContext context)
     return profile;
 }
 
+Profile makeAdobeRgbProfile(cmsContext context)
+{
+    constexpr Primaries adobe { { 0.3127, 0.3290 }, { 0.64, 0.33 }, { 0.21, 0.71 },
+        { 0.15, 0.06 } };
+    constexpr double gamma = 563.0 / 256.0;
+    Profile profile
+        = makeProfile(context, adobe, { TransferCurve::Kind::gamma, gamma }, ColorModel::rgb);
+    if (profile) {
+        describe(context, profile.get(), "Compatible with Adobe RGB (1998)");
+    }
+    return profile;
+}
+
 Profile makeGreyProfile(cmsContext context)
 {
     const Curve curve = makeCurve(context, { TransferCurve::Kind::sRgb, 0.0 });

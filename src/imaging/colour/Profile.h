@@ -39,6 +39,9 @@ using Transform = std::unique_ptr<void, TransformDeleter>;
 /// sRGB, with parametric curves.
 [[nodiscard]] Profile makeSRgbProfile(cmsContext context);
 
+/// Adobe RGB (1998), by the numbers of its specification.
+[[nodiscard]] Profile makeAdobeRgbProfile(cmsContext context);
+
 /// Grey with the sRGB curve.
 [[nodiscard]] Profile makeGreyProfile(cmsContext context);
 

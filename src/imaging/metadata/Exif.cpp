@@ -16,6 +16,13 @@ constexpr std::uint16_t subjectAreaTag = 0x9214;
 constexpr std::uint16_t subjectLocationTag = 0xA214;
 constexpr std::uint16_t interoperabilityIndexTag = 0x0001;
 
+// Exif knows sRGB and "something else". Cameras say Adobe RGB with an index beside the latter
+// (DCF 2.0, basic and option files).
+constexpr std::uint32_t sRgbColorSpace = 1;
+constexpr std::uint32_t uncalibrated = 0xFFFF;
+constexpr std::string_view sRgbIndex("R98\0", 4);
+constexpr std::string_view adobeRgbIndex("R03\0", 4);
+
 // Fields of a first directory that say how its file stores the picture. Ascending.
 constexpr std::array<std::uint16_t, 76> structureTags {
     0x00FE, // NewSubfileType
@@ -125,13 +132,11 @@ void setIfPresent(TiffTree& tree, std::uint16_t tag, std::uint32_t value)
     }
 }
 
-// Exif knows sRGB and "something else". Cameras say Adobe RGB with the index R03 beside the latter.
 void setColorSpace(TiffTree& tree, bool isSRgb)
 {
-    setIfPresent(tree, colorSpaceTag, isSRgb ? 1 : 0xFFFF);
+    setIfPresent(tree, colorSpaceTag, isSRgb ? sRgbColorSpace : uncalibrated);
     const TiffEntry* const index = tree.interoperability.find(interoperabilityIndexTag);
     if (isSRgb && index != nullptr) {
-        constexpr std::string_view sRgbIndex("R98\0", 4);
         const ByteSpan value = std::as_bytes(std::span(sRgbIndex));
         tree.interoperability.set(
             { interoperabilityIndexTag, fieldtype::ascii, 4, { value.begin(), value.end() } });
@@ -144,6 +149,14 @@ std::optional<Orientation> exifOrientation(const TiffTree& tree)
 {
     const auto value = tree.integer(tree.main.find(orientationTag));
     return value ? orientationFromTag(*value) : std::nullopt;
+}
+
+bool exifSaysAdobeRgb(const TiffTree& tree)
+{
+    const TiffEntry* const index = tree.interoperability.find(interoperabilityIndexTag);
+    return tree.integer(tree.exif.find(colorSpaceTag)) == uncalibrated && index != nullptr
+        && index->type == fieldtype::ascii
+        && std::ranges::equal(index->value, std::as_bytes(std::span(adobeRgbIndex)));
 }
 
 Groups exifGroups(const TiffTree& tree)

@@ -11,6 +11,9 @@ namespace vellumine::imaging::metadata {
 /// The first directory's orientation; none when it is missing or outside 1 to 8.
 [[nodiscard]] std::optional<Orientation> exifOrientation(const TiffTree& tree);
 
+/// Whether the colour space is "uncalibrated" and the interoperability index "R03".
+[[nodiscard]] bool exifSaysAdobeRgb(const TiffTree& tree);
+
 /// The groups of `Groups` that the directories hold: exif, gps and tiff. Orientation and what
 /// describes a file's structure make no group.
 [[nodiscard]] Groups exifGroups(const TiffTree& tree);

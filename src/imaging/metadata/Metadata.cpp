@@ -14,6 +14,13 @@ std::optional<Orientation> orientation(const MetadataBlocks& blocks)
     return found ? found : xmpOrientation(blocks.xmp);
 }
 
+bool saysAdobeRgb(ByteSpan exif)
+{
+    // As if it were a file: what comes after the first directory, a thumbnail, is not asked for.
+    const auto tree = readTiffTree(exif, TiffKind::pictureFile);
+    return tree && exifSaysAdobeRgb(*tree);
+}
+
 Groups groups(const MetadataBlocks& blocks)
 {
     const auto tree = readTiffTree(blocks.exif, TiffKind::exifBlock);

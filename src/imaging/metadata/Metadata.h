@@ -32,6 +32,11 @@ struct NewPicture {
 /// None when there is none, when it is outside 1 to 8 or when the block is damaged.
 [[nodiscard]] std::optional<Orientation> orientation(const MetadataBlocks& blocks);
 
+/// Whether an EXIF block, or a TIFF file, says that its numbers are Adobe RGB (1998) numbers, as
+/// cameras do without a profile: a colour space that is not calibrated by Exif, with the index of
+/// DCF's option files (DCF 2.0, "R03") beside it. A damaged block says nothing.
+[[nodiscard]] bool saysAdobeRgb(ByteSpan exif);
+
 /// Which groups the blocks hold. A damaged block holds nothing.
 [[nodiscard]] Groups groups(const MetadataBlocks& blocks);
 

@@ -99,7 +99,61 @@ TEST(PngColour, withoutChunksIsSRgbOrGrey)
     EXPECT_EQ(spaceWith("", 0), ColorSpace::grey());
 }
 
-TEST(PngColour, isTheProfilesFirstOfAll)
+/// Primaries, curve, matrix and range.
+std::string codePointsChunk(const std::string& codes)
+{
+    return chunk("cICP", codes);
+}
+
+TEST(PngColour, isThatOfCodePointsFirstOfAll)
+{
+    const std::string others = profileChunk(textOf(gammaSpace(rec709, 1.8).iccProfile()))
+        + chunk("sRGB", "\0"s) + gammaChunk(100'000) + primariesChunk(rec709);
+    const std::string displayP3Codes = codePointsChunk("\x0C\x0D\0\x01"s);
+    EXPECT_EQ(spaceWith(displayP3Codes), wideSpace());
+    EXPECT_EQ(spaceWith(displayP3Codes + others), wideSpace());
+    EXPECT_EQ(spaceWith(others + displayP3Codes), wideSpace());
+    EXPECT_EQ(spaceWith(codePointsChunk("\x01\x0D\0\x01"s) + others), ColorSpace::sRgb());
+    EXPECT_EQ(spaceWith(codePointsChunk("\x01\x08\0\x01"s) + others), gammaSpace(rec709, 1.0));
+    EXPECT_FALSE(spaceWith(codePointsChunk("\x09\x10\0\x01"s)).isSRgbEquivalent()); // PQ
+}
+
+TEST(PngColour, ofCodePointsIsTheCurveAloneInAGreyFile)
+{
+    EXPECT_EQ(spaceWith(codePointsChunk("\x09\x08\0\x01"s), 0),
+        gammaSpace(rec709, 1.0, ColorModel::grey));
+    EXPECT_EQ(
+        spaceWith(codePointsChunk("\x0C\x0D\0\x01"s) + gammaChunk(100'000), 0), ColorSpace::grey());
+}
+
+TEST(PngColour, ofCodePointsThatAreNoUseIsTheNextChunks)
+{
+    struct Row {
+        const char* name;
+        std::string chunk;
+    };
+    std::string damaged = codePointsChunk("\x0C\x0D\0\x01"s);
+    damaged.back() = static_cast<char>(damaged.back() ^ 1);
+    const std::string profile = textOf(gammaSpace(displayP3, 1.8).iccProfile());
+    for (const Row& row :
+        { Row { "empty", codePointsChunk("") }, Row { "too short", codePointsChunk("\x0C\x0D\0"s) },
+            Row { "too long", codePointsChunk("\x0C\x0D\0\x01\0"s) },
+            Row { "huge", codePointsChunk(std::string(100'000, '\x0C')) },
+            Row { "damaged", damaged },
+            Row { "unspecified primaries", codePointsChunk("\x02\x0D\0\x01"s) },
+            Row { "unspecified curve", codePointsChunk("\x0C\x02\0\x01"s) },
+            Row { "unknown codes", codePointsChunk("\xFF\xFF\0\x01"s) },
+            Row { "a matrix", codePointsChunk("\x0C\x0D\x01\x01"s) },
+            Row { "narrow range", codePointsChunk("\x0C\x0D\0\0"s) },
+            Row { "neither range", codePointsChunk("\x0C\x0D\0\x02"s) } }) {
+        EXPECT_EQ(spaceWith(row.chunk), ColorSpace::sRgb()) << row.name;
+        EXPECT_EQ(spaceWith(row.chunk + gammaChunk(100'000)), gammaSpace(rec709, 1.0)) << row.name;
+        EXPECT_EQ(textOf(spaceWith(row.chunk + profileChunk(profile)).iccProfile()), profile)
+            << row.name;
+    }
+}
+
+TEST(PngColour, isTheProfilesBeforeThatOfTheOtherChunks)
 {
     const std::string profile = textOf(wideSpace().iccProfile());
     const auto space = spaceWith(profileChunk(profile) + chunk("sRGB", "\0"s) + gammaChunk(100'000)

@@ -1,5 +1,6 @@
 #include "imaging/colour/ColorSpace.h"
 
+#include "imaging/colour/ColorSpaceData.h"
 #include "imaging/colour/Profile.h"
 #include "support/NamedRows.h"
 
@@ -37,6 +38,17 @@ TEST(ColorSpace, theWrittenSRgbProfileIsReadBackAsSRgb)
     ASSERT_TRUE(space);
     EXPECT_TRUE(space->isSRgbEquivalent());
     EXPECT_EQ(space->profileName(), "sRGB");
+}
+
+TEST(ColorSpace, adobeRgbHasAProfileToWriteWhichIsReadBackAsTheSame)
+{
+    const ColorSpace adobeRgb = ColorSpace::adobeRgb();
+    EXPECT_FALSE(adobeRgb.isSRgbEquivalent());
+    const auto space = ColorSpace::fromIcc(adobeRgb.iccProfile(), ColorModel::rgb);
+    ASSERT_TRUE(space);
+    EXPECT_EQ(*space, adobeRgb);
+    EXPECT_EQ(space->profileName(), adobeRgb.profileName());
+    EXPECT_EQ(ColorSpace::fromData(adobeRgb.data()), adobeRgb);
 }
 
 TEST(ColorSpace, profilesAreTheSameBytesEveryTime)

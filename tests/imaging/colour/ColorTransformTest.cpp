@@ -12,6 +12,9 @@
 #include <array>
 #include <cmath>
 #include <future>
+#include <limits>
+#include <numeric>
+#include <type_traits>
 #include <vector>
 
 namespace vellumine::imaging {
@@ -149,6 +152,27 @@ TEST(ColorTransform, sRgbLookAlikesAreOnlyRearranged)
                      ->isIdentity());
 }
 
+TEST(ColorTransform, adobeRgbBecomesTheSRgbThatItsSpecificationGives)
+{
+    struct Row {
+        std::array<std::uint8_t, 3> adobeRgb;
+        std::array<double, 3> sRgb; // both spaces' matrices and curves, in floating point
+    };
+    const auto transform = ColorTransform::create(ColorSpace::adobeRgb(), 8, ColorSpace::sRgb());
+    ASSERT_TRUE(transform);
+    for (const Row& row : { Row { { 128, 128, 128 }, { 129.03, 129.03, 129.03 } },
+             Row { { 180, 120, 90 }, { 199.47, 120.82, 87.91 } },
+             Row { { 100, 140, 110 }, { 75.81, 141.27, 108.91 } },
+             Row { { 60, 90, 160 }, { 36.07, 89.57, 163.72 } },
+             Row { { 70, 110, 60 }, { 37.29, 110.48, 53.72 } } }) {
+        std::array<std::uint8_t, 4> rgba {};
+        transform->apply(row.adobeRgb.data(), rgba.data(), 1);
+        for (std::size_t c = 0; c < 3; ++c) {
+            EXPECT_NEAR(rgba.at(c), row.sRgb.at(c), 1.0) << int { row.adobeRgb[0] } << " " << c;
+        }
+    }
+}
+
 TEST(ColorTransform, leavesTheFourthByteAlone)
 {
     for (const ColorSpace& space :
@@ -189,6 +213,58 @@ TEST(ColorTransform, linearGreyIsBrightened)
     std::array<std::uint8_t, 4> rgba {};
     transform->apply(grey.data(), rgba.data(), 1);
     EXPECT_NEAR(rgba[1], 128, 1);
+}
+
+TEST(ColorTransform, everyLinearGreyIsWhatTheCurveOfSRgbSays)
+{
+    const ColorSpace linear
+        = ColorSpace::fromPrimaries({}, { TransferCurve::Kind::gamma, 1.0 }, ColorModel::grey)
+              .value();
+    // IEC 61966-2-1, in 8-bit steps.
+    const auto encoded = [](double light) {
+        return 255.0
+            * (light <= 0.0031308 ? 12.92 * light : 1.055 * std::pow(light, 1.0 / 2.4) - 0.055);
+    };
+    const auto expectNear = [&](const auto& greys) {
+        using Sample = std::decay_t<decltype(greys[0])>;
+        constexpr int bits = 8 * sizeof(Sample);
+        const auto transform = ColorTransform::create(linear, bits, ColorSpace::sRgb());
+        ASSERT_TRUE(transform);
+        std::vector<std::uint8_t> rgba(greys.size() * 4);
+        transform->apply(greys.data(), rgba.data(), static_cast<int>(greys.size()));
+        for (std::size_t i = 0; i < greys.size(); ++i) {
+            const double right = encoded(greys[i] / double { std::numeric_limits<Sample>::max() });
+            for (std::size_t c = 0; c < 3; ++c) {
+                // Half a step for rounding, and what the library's 16 bits leave uncertain.
+                ASSERT_NEAR(rgba[4 * i + c], right, 0.6) << bits << " bits, " << i;
+            }
+            ASSERT_EQ(rgba[4 * i + 3], 0);
+        }
+    };
+    std::vector<std::uint8_t> shallow(256);
+    std::iota(shallow.begin(), shallow.end(), std::uint8_t { 0 });
+    expectNear(shallow);
+    std::vector<std::uint16_t> deep(65536);
+    std::iota(deep.begin(), deep.end(), std::uint16_t { 0 });
+    expectNear(deep);
+}
+
+TEST(ColorTransform, greyBecomesOtherSpacesThanSRgbToo)
+{
+    const ColorSpace linear
+        = ColorSpace::fromPrimaries({}, { TransferCurve::Kind::gamma, 1.0 }, ColorModel::grey)
+              .value();
+    const auto transform = ColorTransform::create(linear, 8, ColorSpace::adobeRgb());
+    ASSERT_TRUE(transform);
+    for (int grey = 0; grey < 256; ++grey) {
+        const auto sample = static_cast<std::uint8_t>(grey);
+        std::array<std::uint8_t, 4> rgba {};
+        transform->apply(&sample, rgba.data(), 1);
+        const double right = 255.0 * std::pow(grey / 255.0, 256.0 / 563.0);
+        for (std::size_t c = 0; c < 3; ++c) {
+            EXPECT_NEAR(rgba.at(c), right, 1.0) << grey;
+        }
+    }
 }
 
 /// What the transform makes of every colour of a coarse cube.

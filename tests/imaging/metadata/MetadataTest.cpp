@@ -47,6 +47,56 @@ ByteBuffer exifWithOrientation(std::uint16_t value)
     return builder.build();
 }
 
+struct StatementRow {
+    const char* name;
+    std::vector<std::uint16_t> colorSpace; ///< empty for none
+    std::string_view index; ///< empty for none
+    bool isAdobeRgb;
+};
+
+class ColorStatement : public testing::TestWithParam<StatementRow> { };
+
+TEST_P(ColorStatement, isReadInBothByteOrders)
+{
+    for (const ByteOrder order : { ByteOrder::little, ByteOrder::big }) {
+        ExifBuilder builder(order);
+        builder.exif = { ExifBuilder::ascii(0xA434, "A lens") };
+        if (!GetParam().colorSpace.empty()) {
+            builder.exif.insert(
+                builder.exif.begin(), builder.shorts(0xA001, GetParam().colorSpace));
+        }
+        if (!GetParam().index.empty()) {
+            builder.interoperability = { ExifBuilder::ascii(0x0001, GetParam().index) };
+        }
+        EXPECT_EQ(saysAdobeRgb(builder.build()), GetParam().isAdobeRgb);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, ColorStatement,
+    testing::Values(StatementRow { "adobeRgb", { 0xFFFF }, "R03", true },
+        StatementRow { "sRgb", { 1 }, "R98", false },
+        StatementRow { "sRgbWithTheOtherIndex", { 1 }, "R03", false },
+        StatementRow { "somethingElse", { 0xFFFF }, "R98", false },
+        StatementRow { "somethingElseWithoutAnIndex", { 0xFFFF }, "", false },
+        StatementRow { "theIndexAlone", {}, "R03", false },
+        StatementRow { "aLongerIndex", { 0xFFFF }, "R03 ", false },
+        StatementRow { "nothing", {}, "", false }),
+    test::RowName());
+
+TEST(ColorStatement, ofADamagedBlockIsNone)
+{
+    ExifBuilder builder;
+    builder.exif = { builder.shorts(0xA001, { 0xFFFF }) };
+    builder.interoperability = { ExifBuilder::ascii(0x0001, "R03") };
+    const ByteBuffer block = builder.build();
+    ASSERT_TRUE(saysAdobeRgb(block));
+    EXPECT_FALSE(saysAdobeRgb({}));
+    const std::size_t directoryBytes = 2 + 12 + 4; // the last one, whose value stands in it
+    for (std::size_t length = 0; length < block.size() - directoryBytes; ++length) {
+        EXPECT_FALSE(saysAdobeRgb(std::span(block).first(length))) << length;
+    }
+}
+
 TEST(MetadataOrientation, isReadFromExifInBothByteOrders)
 {
     EXPECT_EQ(orientation(exifOnly(cameraExif(ByteOrder::little))), Orientation::rightTop);

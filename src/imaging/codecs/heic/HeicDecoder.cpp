@@ -158,9 +158,10 @@ Result<DecodedImage> HeicPicture::decode(const Limits& limits) const
         return tl::unexpected(pixels.error());
     }
     image.reset();
-    return DecodedImage { Image(*std::move(pixels), colorSpaceOf(m_handle.get())), stated->size,
-        false, readMetadata(m_handle.get()), Orientation::topLeft, false,
-        storedOrientation(m_file, m_item) };
+    MetadataBlocks metadata = readMetadata(m_handle.get());
+    Image upright(*std::move(pixels), colorSpaceOf(m_handle.get(), metadata.exif));
+    return DecodedImage { std::move(upright), stated->size, false, std::move(metadata),
+        Orientation::topLeft, false, storedOrientation(m_file, m_item) };
 }
 
 } // namespace vellumine::imaging::heic

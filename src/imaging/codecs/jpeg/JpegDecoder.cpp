@@ -1,4 +1,5 @@
 #include "imaging/codecs/MetadataCarriers.h"
+#include "imaging/codecs/UntaggedColor.h"
 #include "imaging/codecs/jpeg/JpegCodec.h"
 #include "imaging/codecs/jpeg/JpegCoefficients.h"
 #include "imaging/codecs/jpeg/JpegErrors.h"
@@ -184,19 +185,6 @@ void invert(PixelBuffer& pixels)
     }
 }
 
-ColorSpace defaultSpace(ColorModel model)
-{
-    switch (model) {
-    case ColorModel::grey:
-        return ColorSpace::grey();
-    case ColorModel::rgb:
-        return ColorSpace::sRgb();
-    case ColorModel::cmyk:
-        break;
-    }
-    return ColorSpace::deviceCmyk();
-}
-
 ColorSpace Reader::colorSpace(ColorModel model) const
 {
     const ByteBuffer profile = iccProfile(m_library);
@@ -205,7 +193,7 @@ ColorSpace Reader::colorSpace(ColorModel model) const
             return std::move(*space);
         }
     }
-    return defaultSpace(model);
+    return untaggedColorSpace(model, exif(m_library));
 }
 
 /// Starts the output.

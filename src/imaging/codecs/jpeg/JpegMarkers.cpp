@@ -70,17 +70,29 @@ ByteBuffer iccProfile(const jpeg_decompress_struct& library)
     return profile;
 }
 
+ByteSpan exif(const jpeg_decompress_struct& library)
+{
+    for (const auto* marker = library.marker_list; marker != nullptr; marker = marker->next) {
+        // Some writers end the signature with 0xFF.
+        if (marker->marker == exifAndXmpMarker
+            && startsWith(contentOf(*marker), exifSignature.substr(0, 5))) {
+            if (const ByteSpan block = exifBlock(contentOf(*marker)); !block.empty()) {
+                return block;
+            }
+        }
+    }
+    return {};
+}
+
 MetadataBlocks metadata(const jpeg_decompress_struct& library)
 {
     MetadataBlocks blocks;
+    blocks.exif = toBuffer(exif(library));
     ByteBuffer photoshop;
     for (const auto* marker = library.marker_list; marker != nullptr; marker = marker->next) {
         const ByteSpan content = contentOf(*marker);
         if (marker->marker == exifAndXmpMarker) {
-            // Some writers end the signature with 0xFF.
-            if (blocks.exif.empty() && startsWith(content, exifSignature.substr(0, 5))) {
-                blocks.exif = toBuffer(exifBlock(content));
-            } else if (blocks.xmp.empty() && startsWith(content, xmpSignature)) {
+            if (blocks.xmp.empty() && startsWith(content, xmpSignature)) {
                 blocks.xmp = toBuffer(content.subspan(xmpSignature.size()));
             }
         } else if (marker->marker == photoshopMarker && startsWith(content, photoshopSignature)) {

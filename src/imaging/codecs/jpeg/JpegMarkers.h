@@ -18,6 +18,9 @@ void keepMarkers(jpeg_decompress_struct& library);
 /// others.
 [[nodiscard]] ByteBuffer iccProfile(const jpeg_decompress_struct& library);
 
+/// The EXIF block alone, which lives as long as the library keeps the segments.
+[[nodiscard]] ByteSpan exif(const jpeg_decompress_struct& library);
+
 /// EXIF, XMP (without its extension) and IPTC of the kept segments.
 [[nodiscard]] MetadataBlocks metadata(const jpeg_decompress_struct& library);
 

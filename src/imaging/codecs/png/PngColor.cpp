@@ -1,8 +1,10 @@
 #include "imaging/codecs/png/PngColor.h"
 
 #include "imaging/codecs/BigEndian.h"
+#include "imaging/codecs/UntaggedColor.h"
 #include "imaging/codecs/png/PngChunks.h"
 #include "imaging/codecs/png/PngCompression.h"
+#include "imaging/colour/CodePoints.h"
 
 #include <algorithm>
 #include <cmath>
@@ -21,10 +23,9 @@ constexpr std::int64_t gammaOfSRgb = 45455;
 constexpr std::int64_t gammaTolerance = 100;
 constexpr double chromaticityTolerance = 0.002;
 
-constexpr Primaries rec709 { { 0.3127, 0.3290 }, { 0.64, 0.33 }, { 0.30, 0.60 }, { 0.15, 0.06 } };
-
 /// The chunks that speak of colour; they stand before the picture data.
 struct ColorChunks {
+    std::optional<ByteSpan> codePoints;
     std::optional<ByteSpan> profile;
     std::optional<std::int64_t> gamma;
     std::optional<Primaries> primaries;
@@ -49,7 +50,9 @@ ColorChunks findColorChunks(ByteSpan file)
             break;
         }
         const std::size_t length = chunk->data.size();
-        if (chunk->type == chunkType("iCCP") && !found.profile && chunk->isIntact()) {
+        if (chunk->type == chunkType("cICP") && length == 4 && chunk->isIntact()) {
+            found.codePoints = chunk->data;
+        } else if (chunk->type == chunkType("iCCP") && !found.profile && chunk->isIntact()) {
             found.profile = chunk->data;
         } else if (chunk->type == chunkType("sRGB") && length == 1 && chunk->isIntact()) {
             found.saysSRgb = true;
@@ -60,6 +63,21 @@ ColorChunks findColorChunks(ByteSpan file)
         }
     }
     return found;
+}
+
+/// Primaries, curve, matrix and range by ITU-T H.273. Colours that are not known, or stored in no
+/// way in which PNG stores them (RGB, full range), say nothing.
+std::optional<ColorSpace> spaceOfCodePoints(ByteSpan data, ColorModel model)
+{
+    constexpr std::byte noMatrix { 0 };
+    constexpr std::byte fullRange { 1 };
+    const auto primaries = colour::primariesOfCode(std::to_integer<int>(data[0]));
+    const auto curve = colour::curveOfCode(std::to_integer<int>(data[1]));
+    if (!primaries || !curve || data[2] != noMatrix || data[3] != fullRange) {
+        return std::nullopt;
+    }
+    auto space = ColorSpace::fromPrimaries(*primaries, *curve, model);
+    return space ? std::optional(std::move(*space)) : std::nullopt;
 }
 
 /// Name, a zero, the compression method 0, a zlib stream.
@@ -86,10 +104,12 @@ bool isNear(Chromaticity a, Chromaticity b)
         && std::abs(a.y - b.y) < chromaticityTolerance;
 }
 
-bool isRec709(const Primaries& primaries)
+bool isBt709(const Primaries& primaries)
 {
-    return isNear(primaries.white, rec709.white) && isNear(primaries.red, rec709.red)
-        && isNear(primaries.green, rec709.green) && isNear(primaries.blue, rec709.blue);
+    return isNear(primaries.white, colour::bt709Primaries.white)
+        && isNear(primaries.red, colour::bt709Primaries.red)
+        && isNear(primaries.green, colour::bt709Primaries.green)
+        && isNear(primaries.blue, colour::bt709Primaries.blue);
 }
 
 std::optional<ColorSpace> spaceOfNumbers(const ColorChunks& chunks, ColorModel model)
@@ -101,7 +121,7 @@ std::optional<ColorSpace> spaceOfNumbers(const ColorChunks& chunks, ColorModel m
     const bool isCurveOfSRgb
         = !saysCurve || std::abs(*chunks.gamma - gammaOfSRgb) <= gammaTolerance;
     const bool hasOtherPrimaries
-        = model == ColorModel::rgb && chunks.primaries && !isRec709(*chunks.primaries);
+        = model == ColorModel::rgb && chunks.primaries && !isBt709(*chunks.primaries);
     if (isCurveOfSRgb && !hasOtherPrimaries) {
         return std::nullopt;
     }
@@ -109,7 +129,8 @@ std::optional<ColorSpace> spaceOfNumbers(const ColorChunks& chunks, ColorModel m
     const TransferCurve curve = saysCurve ? TransferCurve { TransferCurve::Kind::gamma,
         100'000.0 / static_cast<double>(*chunks.gamma) }
                                           : TransferCurve { TransferCurve::Kind::sRgb, 1.0 };
-    for (const Primaries& primaries : { chunks.primaries.value_or(rec709), rec709 }) {
+    for (const Primaries& primaries :
+        { chunks.primaries.value_or(colour::bt709Primaries), colour::bt709Primaries }) {
         if (auto space = ColorSpace::fromPrimaries(primaries, curve, model)) {
             return std::move(*space);
         }
@@ -119,11 +140,14 @@ std::optional<ColorSpace> spaceOfNumbers(const ColorChunks& chunks, ColorModel m
 
 } // namespace
 
-ColorSpace colorSpaceOf(ByteSpan file, ColorModel model)
+ColorSpace colorSpaceOf(ByteSpan file, ColorModel model, ByteSpan exif)
 {
     const ColorChunks chunks = findColorChunks(file);
     std::optional<ColorSpace> space;
-    if (chunks.profile) {
+    if (chunks.codePoints) {
+        space = spaceOfCodePoints(*chunks.codePoints, model);
+    }
+    if (!space && chunks.profile) {
         space = spaceOfProfile(*chunks.profile, model);
     }
     if (!space && !chunks.saysSRgb) {
@@ -132,7 +156,8 @@ ColorSpace colorSpaceOf(ByteSpan file, ColorModel model)
     if (space) {
         return *space;
     }
-    return model == ColorModel::grey ? ColorSpace::grey() : ColorSpace::sRgb();
+    const bool isDescribed = chunks.saysSRgb || chunks.gamma || chunks.primaries;
+    return untaggedColorSpace(model, isDescribed ? ByteSpan {} : exif);
 }
 
 } // namespace vellumine::imaging::png

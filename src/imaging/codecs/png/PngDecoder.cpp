@@ -211,11 +211,12 @@ Result<DecodedImage> decode(ByteSpan file, const DecodeOptions& options)
     if (const auto done = RowReader(*header, kept, *pixels).read(file); !done) {
         return tl::unexpected(done.error());
     }
-    Image image(std::move(*pixels), colorSpaceOf(file, layout.model));
+    MetadataBlocks metadata = metadataOf(file);
+    Image image(std::move(*pixels), colorSpaceOf(file, layout.model, metadata.exif));
     if (kept != wanted) {
         image = image.cropped(wanted);
     }
-    return DecodedImage { std::move(image), header->size, isRegion, metadataOf(file),
+    return DecodedImage { std::move(image), header->size, isRegion, std::move(metadata),
         std::nullopt };
 }
 

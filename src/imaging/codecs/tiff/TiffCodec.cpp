@@ -42,8 +42,8 @@ Result<DecodedImage> decodePicture(ByteSpan file, const DecodeOptions& options)
     if (!pixels) {
         return tl::unexpected(pixels.error());
     }
-    return DecodedImage { Image(*std::move(pixels), colorSpaceOf(reader->get(), *directory)), size,
-        isRegion, {}, directory->orientation };
+    return DecodedImage { Image(*std::move(pixels), colorSpaceOf(reader->get(), file, *directory)),
+        size, isRegion, {}, directory->orientation };
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "imaging/codecs/tiff/TiffDirectory.h"
 
+#include "imaging/codecs/UntaggedColor.h"
+
 #include <algorithm>
 #include <cassert>
 #include <span>
@@ -249,7 +251,7 @@ Size TiffDirectory::size() const
     return { static_cast<int>(width), static_cast<int>(height) };
 }
 
-ColorSpace colorSpaceOf(TIFF* tiff, const TiffDirectory& directory)
+ColorSpace colorSpaceOf(TIFF* tiff, ByteSpan file, const TiffDirectory& directory)
 {
     const ColorModel model = directory.layout.model;
     const bool wasLab = directory.colour == Colour::cieLab || directory.colour == Colour::iccLab
@@ -264,15 +266,7 @@ ColorSpace colorSpaceOf(TIFF* tiff, const TiffDirectory& directory)
             return *std::move(embedded);
         }
     }
-    switch (model) {
-    case ColorModel::grey:
-        return ColorSpace::grey();
-    case ColorModel::rgb:
-        return ColorSpace::sRgb();
-    case ColorModel::cmyk:
-        return ColorSpace::deviceCmyk();
-    }
-    return ColorSpace::sRgb();
+    return untaggedColorSpace(model, wasLab ? ByteSpan {} : file);
 }
 
 } // namespace vellumine::imaging::tiff

@@ -53,7 +53,8 @@ struct TiffDirectory {
     [[nodiscard]] Size size() const;
 };
 
-/// The embedded profile when it fits the model, else the model's space without a profile.
-[[nodiscard]] ColorSpace colorSpaceOf(TIFF* tiff, const TiffDirectory& directory);
+/// The embedded profile when it fits the model, else what the Exif directory of the file says, else
+/// the model's space without a profile.
+[[nodiscard]] ColorSpace colorSpaceOf(TIFF* tiff, ByteSpan file, const TiffDirectory& directory);
 
 } // namespace vellumine::imaging::tiff

@@ -1,5 +1,7 @@
 #include "imaging/codecs/webp/WebPContainer.h"
 
+#include "imaging/codecs/UntaggedColor.h"
+
 #include <algorithm>
 #include <array>
 #include <span>
@@ -88,30 +90,35 @@ ByteSpan Container::chunk(const char (&fourCharacters)[5]) const
 
 ColorSpace Container::colorSpace() const
 {
-    const ByteSpan profile = chunk("ICCP");
-    if (profile.empty()) {
-        return ColorSpace::sRgb();
+    if (const ByteSpan profile = chunk("ICCP"); !profile.empty()) {
+        if (auto space = ColorSpace::fromIcc(profile, ColorModel::rgb)) {
+            return *std::move(space);
+        }
     }
-    return ColorSpace::fromIcc(profile, ColorModel::rgb).value_or(ColorSpace::sRgb());
+    return untaggedColorSpace(ColorModel::rgb, exif());
 }
 
-MetadataBlocks Container::metadata() const
+ByteSpan Container::exif() const
 {
     constexpr std::array exifPrefix { 'E', 'x', 'i', 'f', '\0', '\0' };
     constexpr std::array littleEndianTiff { 'I', 'I', '*', '\0' };
     constexpr std::array bigEndianTiff { 'M', 'M', '\0', '*' };
 
     // The prefix belongs into JPEG, but some writers bring it along.
-    ByteSpan exif = chunk("EXIF");
-    if (startsWith(exif, exifPrefix)) {
-        exif = exif.subspan(exifPrefix.size());
+    ByteSpan block = chunk("EXIF");
+    if (startsWith(block, exifPrefix)) {
+        block = block.subspan(exifPrefix.size());
     }
-    if (!startsWith(exif, littleEndianTiff) && !startsWith(exif, bigEndianTiff)) {
-        exif = {};
-    }
+    const bool isTiff = startsWith(block, littleEndianTiff) || startsWith(block, bigEndianTiff);
+    return isTiff ? block : ByteSpan {};
+}
+
+MetadataBlocks Container::metadata() const
+{
+    const ByteSpan block = exif();
     const ByteSpan xmp = chunk("XMP ");
     MetadataBlocks blocks;
-    blocks.exif.assign(exif.begin(), exif.end());
+    blocks.exif.assign(block.begin(), block.end());
     blocks.xmp.assign(xmp.begin(), xmp.end());
     return blocks;
 }

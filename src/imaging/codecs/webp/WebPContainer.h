@@ -34,7 +34,7 @@ public:
     /// more about its own.
     [[nodiscard]] PixelLayout animationLayout() const;
 
-    /// The embedded profile, or sRGB.
+    /// The embedded profile, else what the EXIF block says, else sRGB.
     [[nodiscard]] ColorSpace colorSpace() const;
     [[nodiscard]] MetadataBlocks metadata() const;
 
@@ -43,6 +43,7 @@ private:
         void operator()(WebPDemuxer* demuxer) const;
     };
 
+    [[nodiscard]] ByteSpan exif() const;
     [[nodiscard]] ByteSpan chunk(const char (&fourCharacters)[5]) const;
 
     std::unique_ptr<WebPDemuxer, Delete> m_demuxer;
