@@ -11,10 +11,10 @@ namespace vellumine {
 namespace {
 
 /// The languages that the user prefers to English, in which all texts are written.
-QList<QLocale> languagesBeforeEnglish(const QLocale& locale)
+QList<QLocale> beforeEnglish(const QStringList& names)
 {
     QList<QLocale> languages;
-    for (const QString& name : locale.uiLanguages()) {
+    for (const QString& name : names) {
         const QLocale language(name);
         if (language.language() == QLocale::English || language.language() == QLocale::C) {
             break;
@@ -38,12 +38,12 @@ void install(QTranslator& translator, const QList<QLocale>& languages, const QSt
 
 } // namespace
 
-Translations::Translations(const QLocale& locale)
+Translations::Translations(const QStringList& languages)
 {
-    const QList<QLocale> languages = languagesBeforeEnglish(locale);
-    install(m_ofQt, languages, QStringLiteral("qt"),
+    const QList<QLocale> preferred = beforeEnglish(languages);
+    install(m_ofQt, preferred, QStringLiteral("qt"),
         QLibraryInfo::path(QLibraryInfo::TranslationsPath));
-    install(m_ofProgram, languages, QStringLiteral("vellumine"), QStringLiteral(":/translations"));
+    install(m_ofProgram, preferred, QStringLiteral("vellumine"), QStringLiteral(":/translations"));
 }
 
 } // namespace vellumine

@@ -5,13 +5,14 @@
 
 namespace vellumine {
 
-/// The texts of the program and of Qt in the languages of a locale, for as long as it lives: in the
+/// The texts of the program and of Qt in the user's languages, for as long as it lives: in the
 /// first one that there is a translation to, unless English is preferred. What is not translated
 /// stays English.
 class Translations {
 public:
-    /// Needs the application object, and comes before whatever shows a text.
-    explicit Translations(const QLocale& locale = QLocale());
+    /// Takes names of languages ("de", "de-AT"), the preferred one first. Needs the application
+    /// object, and comes before whatever shows a text.
+    explicit Translations(const QStringList& languages = QLocale().uiLanguages());
 
     /// Whether there is a translation of the program.
     [[nodiscard]] bool areLoaded() const { return !m_ofProgram.isEmpty(); }

@@ -11,7 +11,7 @@ namespace {
 TEST(ShortcutTextsTest, areTheUsersToReadAndTheSameForPrograms)
 {
     EXPECT_EQ(ShortcutTexts::quit(), QStringLiteral("Ctrl+Q"));
-    const Translations german(QLocale(QLocale::German, QLocale::Germany));
+    const Translations german({ QStringLiteral("de-DE") });
     EXPECT_EQ(ShortcutTexts::quit(), QStringLiteral("Strg+Q"));
     EXPECT_EQ(ShortcutTexts::quitKeys(), QStringLiteral("Ctrl+Q"));
     EXPECT_EQ(ShortcutTexts::portable(ShortcutTexts::quit()), QStringLiteral("Ctrl+Q"));

@@ -112,7 +112,7 @@ int main(int argumentCount, char** arguments)
     parser.process(application);
     const QLocale chosen = parser.isSet(locale) ? QLocale(parser.value(locale)) : QLocale::c();
     QLocale::setDefault(chosen);
-    const vellumine::Translations translations(chosen);
+    const vellumine::Translations translations(chosen.uiLanguages());
     QGuiApplication::setLayoutDirection(chosen.textDirection());
 
     const QDir folder(parser.value(output));

@@ -4,8 +4,6 @@
 #include "support/QtPrinters.h"
 #include "ui/settings/SettingsText.h"
 
-#include <QScopeGuard>
-
 #include <gtest/gtest.h>
 
 namespace vellumine {
@@ -15,7 +13,7 @@ TEST(TranslationsTest, speakTheLanguageOfTheLocaleWhileTheyLive)
 {
     const QLocale german(QLocale::German, QLocale::Germany);
     {
-        const Translations translations(german);
+        const Translations translations(german.uiLanguages());
         EXPECT_TRUE(translations.areLoaded());
         EXPECT_EQ(settings_text::title(ResizeMode::longestEdge), QStringLiteral("Längste Seite"));
         EXPECT_EQ(platform::byteCountText(0, german), QStringLiteral("Null KB"));
@@ -27,23 +25,21 @@ TEST(TranslationsTest, speakTheLanguageOfTheLocaleWhileTheyLive)
 TEST(TranslationsTest, areEnglishWhereThereAreNone)
 {
     const QLocale icelandic(QLocale::Icelandic);
-    const Translations translations(icelandic);
+    const Translations translations(icelandic.uiLanguages());
     EXPECT_FALSE(translations.areLoaded());
     EXPECT_EQ(settings_text::title(ResizeMode::longestEdge), QStringLiteral("Longest Edge"));
 }
 
 TEST(TranslationsTest, areLeftOutWhereEnglishIsPreferred)
 {
-    const QByteArray before = qgetenv("LANGUAGE");
-    const auto restore = qScopeGuard([&] { qputenv("LANGUAGE", before); });
-    for (const char* languages : { "en_US:de", "en:de", "is:en:de" }) {
-        qputenv("LANGUAGE", languages);
-        const Translations translations(QLocale::system());
-        EXPECT_FALSE(translations.areLoaded()) << languages;
+    const QString german = QStringLiteral("de-AT");
+    const QString icelandic = QStringLiteral("is");
+    for (const QString& english :
+        { QStringLiteral("en-US"), QStringLiteral("en"), QStringLiteral("C") }) {
+        EXPECT_FALSE(Translations({ english, german }).areLoaded()) << english.toStdString();
+        EXPECT_FALSE(Translations({ icelandic, english, german }).areLoaded());
+        EXPECT_TRUE(Translations({ icelandic, german, english }).areLoaded());
     }
-    qputenv("LANGUAGE", "is:de:en");
-    const Translations translations(QLocale::system());
-    EXPECT_EQ(settings_text::title(ResizeMode::longestEdge), QStringLiteral("Längste Seite"));
 }
 
 } // namespace
