@@ -117,7 +117,10 @@ bool convertRowFast(
 
 ColorSpace spaceAfter(const Image& image, PixelLayout layout)
 {
-    return image.layout().model == layout.model ? image.colorSpace() : ColorSpace::sRgb();
+    if (image.layout().model == layout.model) {
+        return image.colorSpace();
+    }
+    return layout.model == ColorModel::grey ? ColorSpace::grey() : ColorSpace::sRgb();
 }
 
 template <typename Sample> const Sample* samples(const Image& image, int y)
@@ -167,7 +170,8 @@ Result<Image> relayout(const Image& image, PixelLayout layout)
 {
     const PixelLayout from = image.layout();
     assert(from.model == layout.model
-        || (from.model == ColorModel::grey && layout.model == ColorModel::rgb));
+        || (from.model == ColorModel::grey && layout.model == ColorModel::rgb)
+        || (layout.model == ColorModel::grey && isGrey(image)));
     if (from == layout) {
         return image;
     }
@@ -226,6 +230,11 @@ bool isOpaque(const Image& image)
         }
     }
     return true;
+}
+
+bool needsAlpha(const Image& image)
+{
+    return image.layout().alpha == AlphaInfo::only || (image.hasAlpha() && !isOpaque(image));
 }
 
 bool isGrey(const Image& image)

@@ -100,6 +100,16 @@ TEST_F(Confined, everySampleIsDecodedAsInTheProgram)
     EXPECT_EQ(m_decoders.deathCount(), 0U);
 }
 
+TEST_F(Confined, aPhotographWithDataLeftOverIsRefusedAsInTheProgram)
+{
+    const auto path = picture(UniformType::jpeg, { 300, 200 });
+    auto file = test::readFile(path);
+    file.insert(file.end() - 2, 60, std::byte { 0x5A }); // before the end marker
+    test::writeFile(path, file);
+    EXPECT_FALSE(ImageSource::create(path, Limits())->image());
+    EXPECT_EQ(difference(m_decoders, path), "");
+}
+
 TEST_F(Confined, aPartIsDecodedAsInTheProgramAndTheWholeAfterIt)
 {
     for (const UniformType type : { UniformType::jpeg, UniformType::png }) {

@@ -110,6 +110,31 @@ TEST(PixelConversion, greySpreadsOverRgb)
     EXPECT_EQ(test::sampleAt(rgb, 20, 9, 2), test::sampleAt(grey, 20, 9, 0));
 }
 
+TEST(PixelConversion, GreyComesBackFromItsThreeSamples)
+{
+    for (const PixelLayout layout : { PixelLayout { ColorModel::grey, 8, AlphaInfo::none },
+             PixelLayout { ColorModel::grey, 16, AlphaInfo::none },
+             PixelLayout { ColorModel::grey, 8, AlphaInfo::last },
+             PixelLayout { ColorModel::grey, 8, AlphaInfo::premultipliedFirst } }) {
+        const Image grey = gradient(oddSize, layout);
+        const Image rgb
+            = relayout(grey, { ColorModel::rgb, layout.bitsPerComponent, layout.alpha }).value();
+        ASSERT_TRUE(isGrey(rgb));
+        const Image back = relayout(rgb, layout).value();
+        EXPECT_EQ(back.colorSpace(), ColorSpace::grey());
+        EXPECT_EQ(test::maximumDifference(grey, back), 0.0);
+    }
+}
+
+TEST(PixelConversion, AlphaIsNeededWhereItSaysSomething)
+{
+    EXPECT_FALSE(needsAlpha(gradient(oddSize, rgb8)));
+    EXPECT_FALSE(needsAlpha(flat(oddSize, rgba8Premultiplied, { 0.2, 0.4, 0.6, 1.0 })));
+    EXPECT_FALSE(needsAlpha(gradient(oddSize, { ColorModel::rgb, 8, AlphaInfo::noneSkipLast })));
+    EXPECT_TRUE(needsAlpha(gradient(oddSize, rgba8Premultiplied)));
+    EXPECT_TRUE(needsAlpha(flat(oddSize, { ColorModel::grey, 8, AlphaInfo::only }, { 1.0 })));
+}
+
 TEST(PixelConversion, opacityIsSeenInEveryLayout)
 {
     EXPECT_TRUE(isOpaque(gradient(oddSize, rgb8)));

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+
 namespace vellumine::imaging {
 
 namespace {
@@ -63,6 +65,87 @@ INSTANTIATE_TEST_SUITE_P(Table, BmpWriter,
         Row { "Premultiplied", rgba8Premultiplied, 32, 124, 138 + 188 * 33 }),
     RowName());
 
+struct ColorsRow {
+    std::string_view name;
+    int colors;
+    enum class Kind { grey, coloured } kind;
+    int bits; ///< in the file
+    std::size_t paletteEntries;
+};
+
+/// A picture with so many colours, in the layout of a drawn one.
+Image drawnWith(int colors, ColorsRow::Kind kind)
+{
+    return test::makeImage(oddSize, rgba8Premultiplied, [&](int x, int y, int channel) {
+        const int color = (y * oddSize.width + x) % colors;
+        const std::array coloured { color % 256, color / 256 * 80, 200 };
+        if (channel == 3) {
+            return 1.0;
+        }
+        return (kind == ColorsRow::Kind::grey ? color
+                                              : coloured.at(static_cast<std::size_t>(channel)))
+            / 255.0;
+    });
+}
+
+class BmpWriterColors : public testing::TestWithParam<ColorsRow> { };
+
+TEST_P(BmpWriterColors, TakeTheFewestBitsAndNoAlpha)
+{
+    const ColorsRow& row = GetParam();
+    const Image image = drawnWith(row.colors, row.kind);
+    const auto file = bmp::encode(image, withoutProfile());
+    ASSERT_TRUE(file);
+    EXPECT_EQ(littleEndian32(*file, 14), 40U);
+    EXPECT_EQ(littleEndian16(*file, 28), row.bits);
+    EXPECT_EQ(littleEndian32(*file, 46), row.paletteEntries);
+    const std::size_t stride = (47U * static_cast<std::size_t>(row.bits) + 31) / 32 * 4;
+    EXPECT_EQ(file->size(), 54U + 4 * row.paletteEntries + stride * 33);
+
+    const auto decoded = bmp::decode(*file, {});
+    ASSERT_TRUE(decoded);
+    EXPECT_FALSE(decoded->image.hasAlpha());
+    EXPECT_EQ(test::maximumDifference(
+                  decoded->image, relayout(image, { ColorModel::rgb, 8, AlphaInfo::none }).value()),
+        0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, BmpWriterColors,
+    testing::Values(ColorsRow { "OneGrey", 1, ColorsRow::Kind::grey, 1, 2 },
+        ColorsRow { "TwoGreys", 2, ColorsRow::Kind::grey, 1, 2 },
+        ColorsRow { "SixteenGreys", 16, ColorsRow::Kind::grey, 4, 16 },
+        ColorsRow { "EveryGrey", 256, ColorsRow::Kind::grey, 8, 256 },
+        ColorsRow { "TwoColours", 2, ColorsRow::Kind::coloured, 1, 2 },
+        ColorsRow { "ThreeColours", 3, ColorsRow::Kind::coloured, 4, 3 },
+        ColorsRow { "SeventeenColours", 17, ColorsRow::Kind::coloured, 8, 17 },
+        ColorsRow { "AsManyAsAPaletteHolds", 256, ColorsRow::Kind::coloured, 8, 256 },
+        ColorsRow { "Colourful", 700, ColorsRow::Kind::coloured, 24, 0 }),
+    RowName());
+
+TEST(BmpWriterColors, GreysOfAPaletteAreInOrder)
+{
+    const auto file = bmp::encode(drawnWith(256, ColorsRow::Kind::grey), withoutProfile());
+    ASSERT_TRUE(file);
+    for (std::uint32_t grey = 0; grey < 256; ++grey) {
+        ASSERT_EQ(littleEndian32(*file, 54 + 4 * grey), grey * 0x010101U);
+    }
+}
+
+TEST(BmpWriterColors, OnePixelThatIsNotOpaqueKeepsAlpha)
+{
+    const Image image = test::makeImage(oddSize, rgba8Premultiplied, [](int x, int y, int channel) {
+        return channel == 3 && x == 46 && y == 32 ? 254.0 / 255 : (channel == 3 ? 1.0 : 0.0);
+    });
+    const auto file = bmp::encode(image, withoutProfile());
+    ASSERT_TRUE(file);
+    EXPECT_EQ(littleEndian16(*file, 28), 32);
+    const auto decoded = bmp::decode(*file, {});
+    ASSERT_TRUE(decoded);
+    EXPECT_EQ(test::maximumDifference(
+                  decoded->image, relayout(image, { ColorModel::rgb, 8, AlphaInfo::last }).value()),
+        0);
+}
+
 Image wideGamut(PixelLayout layout)
 {
     const Primaries displayP3 { { 0.3127, 0.3290 }, { 0.680, 0.320 }, { 0.265, 0.690 },
@@ -85,6 +168,22 @@ TEST(BmpWriterProfile, TravelsWhereItIsWanted)
             ColorSpace::fromIcc(image.colorSpace().iccProfile(), ColorModel::rgb).value());
         EXPECT_EQ(test::maximumDifference(decoded->image, image), 0);
     }
+}
+
+TEST(BmpWriterProfile, ExplainsAPaletteAsWell)
+{
+    const Image image = test::makeImage(
+        oddSize, { ColorModel::rgb, 8, AlphaInfo::none }, [](int x, int /*y*/, int channel) {
+            return channel == 0 && x % 2 == 0 ? 1.0 : 0.0;
+        }).withColorSpace(wideGamut({ ColorModel::rgb, 8 }).colorSpace());
+    const auto file = bmp::encode(image, {});
+    ASSERT_TRUE(file);
+    EXPECT_EQ(littleEndian16(*file, 28), 1);
+    const auto decoded = bmp::decode(*file, {});
+    ASSERT_TRUE(decoded);
+    EXPECT_EQ(decoded->image.colorSpace(),
+        ColorSpace::fromIcc(image.colorSpace().iccProfile(), ColorModel::rgb).value());
+    EXPECT_EQ(test::maximumDifference(decoded->image, image), 0);
 }
 
 TEST(BmpWriterProfile, StaysBehindWhereItIsNot)

@@ -63,6 +63,46 @@ INSTANTIATE_TEST_SUITE_P(Layouts, TiffRoundTrip,
         same("cmyk8", { cmyk, 8, AlphaInfo::none }), same("cmyk16", { cmyk, 16, AlphaInfo::none })),
     [](const auto& row) { return row.param.name; });
 
+PixelLayout layoutWritten(const Image& image, ProfilePolicy profile)
+{
+    const auto file = encode(image, { .profile = profile, .metadata = {} });
+    const auto decoded = file.and_then([](const ByteBuffer& bytes) { return decode(bytes, {}); });
+    if (!decoded) {
+        ADD_FAILURE() << decoded.error().detail;
+        return {};
+    }
+    const auto expected = relayout(image, decoded->image.layout());
+    EXPECT_EQ(test::maximumDifference(decoded->image, expected.value()), 0.0);
+    return decoded->image.layout();
+}
+
+TEST(TiffEncoder, alphaThatIsOpaqueIsLeftOut)
+{
+    for (const PixelLayout given :
+        { rgba8Premultiplied, PixelLayout { rgb, 16, AlphaInfo::first } }) {
+        const Image opaque = test::makeImage(test::oddSize, given, [&](int x, int y, int c) {
+            return c == (given.alpha == AlphaInfo::first ? 0 : 3) ? 1.0 : (x * 3 + y + c) / 200.0;
+        });
+        EXPECT_EQ(layoutWritten(opaque, ProfilePolicy::omit),
+            (PixelLayout { rgb, given.bitsPerComponent, AlphaInfo::none }));
+    }
+    const Image oneThrough = test::makeImage(test::oddSize, rgba8Premultiplied,
+        [](int x, int y, int c) { return c < 3 ? 0.0 : (x == 46 && y == 32 ? 254.0 / 255 : 1.0); });
+    EXPECT_EQ(layoutWritten(oneThrough, ProfilePolicy::omit), rgba8Premultiplied);
+}
+
+TEST(TiffEncoder, greyHasOneSampleUnlessAProfileIsForThree)
+{
+    const Image drawn = test::makeImage(test::oddSize, rgba8Premultiplied,
+        [](int x, int y, int c) { return c == 3 ? 1.0 : (x * 5 + y) % 256 / 255.0; });
+    const PixelLayout grey8 { grey, 8, AlphaInfo::none };
+    EXPECT_EQ(layoutWritten(drawn, ProfilePolicy::omit), grey8);
+    EXPECT_EQ(
+        layoutWritten(drawn.withColorSpace(ColorSpace::deviceRgb()), ProfilePolicy::embed), grey8);
+    EXPECT_EQ(
+        layoutWritten(drawn, ProfilePolicy::embed), (PixelLayout { rgb, 8, AlphaInfo::none }));
+}
+
 TEST(TiffEncoder, profileIsWrittenAsAsked)
 {
     const Image image = test::gradient(test::oddSize, { rgb, 8, AlphaInfo::none });

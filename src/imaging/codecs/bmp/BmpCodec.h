@@ -3,9 +3,10 @@
 #include "imaging/codecs/Codec.h"
 
 /// Windows and OS/2 bitmaps, every version of the header. Read into RGB of 8 bits, with straight
-/// alpha where the file declares a mask for it. Written as small as the format allows without run
-/// lengths: a grey palette, 24 bits, or 32 bits with an alpha mask; a profile goes into a version
-/// 5 header. Grey profiles have no place in the format and are left out.
+/// alpha where the file declares a mask for it. Written without run lengths in the fewest bits that
+/// hold every pixel: a palette of 1, 4 or 8 bits, 24 bits, or 32 bits with an alpha mask where some
+/// pixel is not opaque; a profile goes into a version 5 header. Grey profiles have no place in the
+/// format and are left out.
 namespace vellumine::imaging::bmp {
 
 [[nodiscard]] bool sniff(ByteSpan file);

@@ -1,9 +1,14 @@
 #include "imaging/PixelConversion.h"
+#include "imaging/codecs/BitWriter.h"
+#include "imaging/codecs/ColorTable.h"
 #include "imaging/codecs/bmp/BmpCodec.h"
 #include "imaging/codecs/bmp/BmpHeader.h"
 
 #include <algorithm>
 #include <limits>
+#include <optional>
+#include <utility>
+#include <vector>
 
 namespace vellumine::imaging::bmp {
 
@@ -14,43 +19,76 @@ constexpr std::uint32_t windowsColorSpace = 0x57696E20; // 'Win ': nothing is st
 constexpr std::uint32_t profileEmbedded = 0x4D424544; // 'MBED'
 constexpr std::uint32_t intentImages = 4; // perceptual, what pictures commonly state
 constexpr std::uint32_t pixelsPerMetre = 2835; // 72 dpi
-constexpr std::size_t greyPaletteBytes = std::size_t { 256 } * 4;
+constexpr std::size_t paletteEntryBytes = 4;
 
-enum class Form { grey8, rgb24, rgba32 };
+/// How pixels are written.
+struct Form {
+    int bits; ///< 1, 4, 8, 24 or 32
+    std::vector<ColorTable::Color> palette; ///< for 1 to 8 bits
+    std::optional<ColorTable> table; ///< the numbers of the colours; without one grey is its own
 
-Form formFor(const Image& image)
-{
-    if (image.hasAlpha() || image.layout().alpha == AlphaInfo::only) {
-        return Form::rgba32;
+    [[nodiscard]] std::size_t paletteBytes() const { return palette.size() * paletteEntryBytes; }
+    /// Of a row, which is made of whole words of 32 bits.
+    [[nodiscard]] std::size_t stride(int width) const
+    {
+        return (static_cast<std::size_t>(width) * static_cast<std::size_t>(bits) + 31) / 32 * 4;
     }
-    return image.layout().model == ColorModel::grey ? Form::grey8 : Form::rgb24;
+    [[nodiscard]] std::size_t bytes(Size size) const
+    {
+        return paletteBytes() + stride(size.width) * static_cast<std::size_t>(size.height);
+    }
+};
+
+PixelLayout layoutFor(const Image& image)
+{
+    if (needsAlpha(image)) {
+        return { ColorModel::rgb, 8, AlphaInfo::last };
+    }
+    return { isGrey(image) ? ColorModel::grey : ColorModel::rgb, 8, AlphaInfo::none };
 }
 
-PixelLayout layoutFor(Form form)
+/// With a palette of every grey, in order: readers know such a picture as a grey one.
+Form greyForm()
 {
-    switch (form) {
-    case Form::grey8:
-        return { ColorModel::grey, 8, AlphaInfo::none };
-    case Form::rgb24:
-        return { ColorModel::rgb, 8, AlphaInfo::none };
-    case Form::rgba32:
-        break;
+    Form form { 8, {}, std::nullopt };
+    for (unsigned grey = 0; grey < 256; ++grey) {
+        const auto sample = static_cast<std::uint8_t>(grey);
+        form.palette.push_back({ sample, sample, sample, 255 });
     }
-    return { ColorModel::rgb, 8, AlphaInfo::last };
+    return form;
 }
 
-std::size_t strideOf(Size size, Form form)
+Form indexedForm(ColorTable table)
 {
-    const auto width = static_cast<std::size_t>(size.width);
-    switch (form) {
-    case Form::grey8:
-        return (width + 3) / 4 * 4;
-    case Form::rgb24:
-        return (width * 3 + 3) / 4 * 4;
-    case Form::rgba32:
-        break;
+    const std::size_t colors = table.colors().size();
+    Form form { colors <= 2 ? 1 : (colors <= 16 ? 4 : 8), table.colors(), std::move(table) };
+    form.palette.resize(std::max<std::size_t>(colors, 2), { 0, 0, 0, 255 });
+    return form;
+}
+
+/// The one that takes the fewest bytes, for a picture in its layout.
+Form formFor(const Image& picture)
+{
+    if (picture.hasAlpha()) {
+        return { 32, {}, std::nullopt };
     }
-    return width * 4;
+    Form best { 24, {}, std::nullopt };
+    const auto consider = [&](Form form) {
+        if (form.bytes(picture.size()) < best.bytes(picture.size())) {
+            best = std::move(form);
+        }
+    };
+    const bool isGrey = picture.layout().model == ColorModel::grey;
+    if (isGrey) {
+        consider(greyForm());
+    }
+    if (auto table = ColorTable::of(picture)) {
+        Form indexed = indexedForm(std::move(*table));
+        if (!isGrey || indexed.bits < 8) {
+            consider(std::move(indexed));
+        }
+    }
+    return best;
 }
 
 class Writer {
@@ -74,10 +112,10 @@ public:
     ByteBuffer take() { return std::move(m_bytes); }
 
     /// Room for one row of pixels, zeroed.
-    std::uint8_t* addRow(std::size_t stride)
+    std::byte* addRow(std::size_t stride)
     {
         addZeros(stride);
-        return reinterpret_cast<std::uint8_t*>(m_bytes.data() + m_bytes.size() - stride);
+        return m_bytes.data() + m_bytes.size() - stride;
     }
 
 private:
@@ -92,26 +130,22 @@ struct Plan {
     std::size_t pixelOffset;
     ByteSpan profile;
 
+    [[nodiscard]] bool hasMasks() const { return form.bits == 32; }
     [[nodiscard]] std::size_t fileBytes() const
     {
         return pixelOffset + pixelBytes + profile.size();
     }
 };
 
-Plan planFor(const Image& image, const EncodeOptions& options)
+Plan planFor(const Image& image, Form form, ByteSpan profile)
 {
-    Plan plan {};
-    plan.form = formFor(image);
-    // The numbers of a palette are RGB, which a grey profile cannot explain.
-    if (options.profile == ProfilePolicy::embed && image.layout().model == ColorModel::rgb) {
-        plan.profile = image.colorSpace().iccProfile();
+    Plan plan { std::move(form), infoHeader, 0, 0, 0, profile };
+    if (plan.hasMasks() || !profile.empty()) {
+        plan.infoBytes = v5Header;
     }
-    const bool needsVersion5 = plan.form == Form::rgba32 || !plan.profile.empty();
-    plan.infoBytes = needsVersion5 ? v5Header : infoHeader;
-    plan.stride = strideOf(image.size(), plan.form);
+    plan.stride = plan.form.stride(image.width());
     plan.pixelBytes = plan.stride * static_cast<std::size_t>(image.height());
-    plan.pixelOffset
-        = fileHeaderBytes + plan.infoBytes + (plan.form == Form::grey8 ? greyPaletteBytes : 0);
+    plan.pixelOffset = fileHeaderBytes + plan.infoBytes + plan.form.paletteBytes();
     return plan;
 }
 
@@ -126,22 +160,21 @@ void writeHeaders(Writer& out, Size size, const Plan& plan)
     out.add32(size.width);
     out.add32(size.height);
     out.add16(1); // planes
-    out.add16(plan.form == Form::grey8 ? 8 : (plan.form == Form::rgb24 ? 24 : 32));
-    out.add32(plan.form == Form::rgba32 ? bitFields : 0U);
+    out.add16(static_cast<std::uint32_t>(plan.form.bits));
+    out.add32(plan.hasMasks() ? bitFields : 0U);
     out.add32(plan.pixelBytes);
     out.add32(pixelsPerMetre);
     out.add32(pixelsPerMetre);
-    out.add32(plan.form == Form::grey8 ? 256U : 0U);
+    out.add32(plan.form.palette.size());
     out.add32(0U); // all colours are important
     if (plan.infoBytes == infoHeader) {
         return;
     }
 
-    const bool hasMasks = plan.form == Form::rgba32;
-    out.add32(hasMasks ? 0x00FF0000U : 0U);
-    out.add32(hasMasks ? 0x0000FF00U : 0U);
-    out.add32(hasMasks ? 0x000000FFU : 0U);
-    out.add32(hasMasks ? 0xFF000000U : 0U);
+    out.add32(plan.hasMasks() ? 0x00FF0000U : 0U);
+    out.add32(plan.hasMasks() ? 0x0000FF00U : 0U);
+    out.add32(plan.hasMasks() ? 0x000000FFU : 0U);
+    out.add32(plan.hasMasks() ? 0xFF000000U : 0U);
     out.add32(plan.profile.empty() ? windowsColorSpace : profileEmbedded);
     out.addZeros(48); // endpoints and gamma, for calibrated colours only
     out.add32(intentImages);
@@ -151,35 +184,40 @@ void writeHeaders(Writer& out, Size size, const Plan& plan)
     out.add32(0U);
 }
 
-void writeGreyPalette(Writer& out)
+void writePalette(Writer& out, const Form& form)
 {
-    for (std::uint32_t grey = 0; grey < 256; ++grey) {
-        out.add32(grey * 0x010101U);
+    for (const ColorTable::Color& color : form.palette) {
+        out.add32(static_cast<std::uint32_t>(color[0]) << 16U
+            | static_cast<std::uint32_t>(color[1]) << 8U | color[2]);
     }
 }
 
-void writeRow(const Image& image, int y, Form form, std::uint8_t* to)
+void writeNumbers(const Image& picture, int y, const Form& form, std::byte* to)
 {
-    const std::uint8_t* from = image.row8(y);
-    switch (form) {
-    case Form::grey8:
-        std::copy_n(from, image.width(), to);
-        break;
-    case Form::rgb24:
-        for (int x = 0; x < image.width(); ++x, from += 3, to += 3) {
-            to[0] = from[2];
-            to[1] = from[1];
-            to[2] = from[0];
+    const std::uint8_t* from = picture.row8(y);
+    BitWriter numbers(to, form.bits);
+    for (int x = 0; x < picture.width(); ++x) {
+        numbers.write(form.table->number(colorAt(from, x, picture.layout())));
+    }
+}
+
+void writeSamples(const Image& picture, int y, std::byte* to)
+{
+    const auto row = picture.row(y);
+    if (picture.layout().model == ColorModel::grey) {
+        std::ranges::copy(row, to);
+        return;
+    }
+    const bool hasAlpha = picture.hasAlpha();
+    const std::byte* from = row.data();
+    for (int x = 0; x < picture.width(); ++x, from += 3) {
+        *to++ = from[2];
+        *to++ = from[1];
+        *to++ = from[0];
+        if (hasAlpha) {
+            *to++ = from[3];
+            ++from;
         }
-        break;
-    case Form::rgba32:
-        for (int x = 0; x < image.width(); ++x, from += 4, to += 4) {
-            to[0] = from[2];
-            to[1] = from[1];
-            to[2] = from[0];
-            to[3] = from[3];
-        }
-        break;
     }
 }
 
@@ -190,23 +228,30 @@ Result<ByteBuffer> encode(const Image& image, const EncodeOptions& options)
     if (image.layout().model == ColorModel::cmyk) {
         return failure(Error::Kind::unsupported, "a bitmap holds no CMYK");
     }
-    const Plan plan = planFor(image, options);
+    const auto picture = relayout(image, layoutFor(image));
+    if (!picture) {
+        return tl::unexpected(picture.error());
+    }
+    // The numbers of a palette are RGB, which a grey profile cannot explain.
+    const bool keepsProfile
+        = options.profile == ProfilePolicy::embed && image.layout().model == ColorModel::rgb;
+    const Plan plan = planFor(
+        *picture, formFor(*picture), keepsProfile ? image.colorSpace().iccProfile() : ByteSpan {});
     if (plan.fileBytes() > std::numeric_limits<std::uint32_t>::max()) {
         return failure(Error::Kind::encodingFailed, "a bitmap's file is 4 GB at most");
-    }
-    const auto converted = relayout(image, layoutFor(plan.form));
-    if (!converted) {
-        return tl::unexpected(converted.error());
     }
 
     Writer out;
     out.reserve(plan.fileBytes());
     writeHeaders(out, image.size(), plan);
-    if (plan.form == Form::grey8) {
-        writeGreyPalette(out);
-    }
+    writePalette(out, plan.form);
     for (int y = image.height() - 1; y >= 0; --y) {
-        writeRow(*converted, y, plan.form, out.addRow(plan.stride));
+        std::byte* to = out.addRow(plan.stride);
+        if (plan.form.table) {
+            writeNumbers(*picture, y, plan.form, to);
+        } else {
+            writeSamples(*picture, y, to);
+        }
     }
     out.add(plan.profile);
     return out.take();

@@ -3,6 +3,7 @@
 #include "imaging/codecs/jpeg/JpegCodec.h"
 #include "imaging/codecs/jpeg/JpegCoefficients.h"
 #include "imaging/codecs/jpeg/JpegErrors.h"
+#include "imaging/codecs/jpeg/JpegLeftovers.h"
 #include "imaging/codecs/jpeg/JpegMarkers.h"
 #include "imaging/codecs/jpeg/JpegPlanes.h"
 #include "imaging/codecs/jpeg/JpegScans.h"
@@ -336,8 +337,12 @@ Result<DecodedImage> Reader::decode(const DecodeOptions& options)
         }
         return planes ? decodePlanes(header->layout, *planes) : decodeRows(header->layout, region);
     };
-    return decoded().map([&](Image&& image) {
-        return DecodedImage { std::move(image), header->size, region.has_value(),
+    auto image = decoded();
+    if (!image) {
+        return tl::unexpected(image.error());
+    }
+    return checkBehindLastRow(m_library).map([&] {
+        return DecodedImage { std::move(*image), header->size, region.has_value(),
             metadata(m_library), std::nullopt, drawing != nullptr };
     });
 }

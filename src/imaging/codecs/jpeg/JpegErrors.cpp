@@ -1,5 +1,7 @@
 #include "imaging/codecs/jpeg/JpegErrors.h"
 
+#include "imaging/codecs/jpeg/JpegLeftovers.h"
+
 #include <cstring>
 
 #include <jerror.h>
@@ -72,6 +74,11 @@ void Errors::judgeMessage(j_common_ptr library, int level)
         errors.fail(damaged, "picture data is damaged");
     case JWRN_MUST_RESYNC: // a restart interval was lost or made up
         errors.fail(damaged, "a part of the picture data is lost");
+    case JWRN_EXTRANEOUS_DATA:
+        if (isDataLost(*reinterpret_cast<j_decompress_ptr>(library))) {
+            errors.fail(damaged, "picture data is left over");
+        }
+        break;
     default:
         break;
     }

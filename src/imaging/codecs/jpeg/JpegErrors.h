@@ -14,8 +14,9 @@ namespace vellumine::imaging::jpeg {
 /// The error manager of one compress or decompress object: remembers what went wrong and leaves
 /// the library. Nothing is ever printed.
 ///
-/// Of the library's warnings, those that mean lost picture data are failures here. Stray bytes
-/// between markers, odd version numbers and the like are not.
+/// Of the library's warnings, those that mean lost picture data are failures here: data that is
+/// missing, that no code is for, or that is left over. Stray bytes between markers, odd version
+/// numbers and the like are not.
 class Errors : public jpeg_error_mgr {
 public:
     Errors();

@@ -9,6 +9,7 @@ namespace vellumine::imaging::jpeg {
 
 Source::Source(ByteSpan file)
     : jpeg_source_mgr {}
+    , m_file(file)
 {
     next_input_byte = reinterpret_cast<const JOCTET*>(file.data());
     bytes_in_buffer = file.size();

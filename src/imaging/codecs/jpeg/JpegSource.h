@@ -24,11 +24,18 @@ public:
     void setAtEnd(AtEnd atEnd) { m_atEnd = atEnd; }
     /// Whether the library asked for more than the file has.
     [[nodiscard]] bool ranOut() const { return m_ranOut; }
+    [[nodiscard]] ByteSpan file() const { return m_file; }
+    /// How many bytes of the file the library has taken, as far as it has told.
+    [[nodiscard]] std::size_t position() const
+    {
+        return m_ranOut ? m_file.size() : m_file.size() - bytes_in_buffer;
+    }
 
 private:
     static boolean provideMore(j_decompress_ptr library);
     static void skip(j_decompress_ptr library, long count);
 
+    ByteSpan m_file;
     AtEnd m_atEnd = AtEnd::fail;
     bool m_ranOut = false;
 };

@@ -1,7 +1,8 @@
 #include "imaging/codecs/png/PngReduction.h"
 
 #include "imaging/PixelConversion.h"
-#include "imaging/codecs/png/PngPalette.h"
+#include "imaging/codecs/BitWriter.h"
+#include "imaging/codecs/ColorTable.h"
 
 #include <algorithm>
 #include <array>
@@ -49,39 +50,12 @@ std::byte* rowOf(PackedPicture& picture, int y)
     return picture.rows.data() + static_cast<std::size_t>(y) * picture.rowBytes;
 }
 
-/// Puts numbers of `bitDepth` bits next to each other, the first one into the highest bits.
-class BitWriter {
-public:
-    BitWriter(std::byte* bytes, int bitDepth)
-        : m_bytes(bytes)
-        , m_bitDepth(bitDepth)
-    {
-    }
-
-    void write(unsigned value)
-    {
-        m_used += m_bitDepth;
-        *m_bytes |= static_cast<std::byte>(value << static_cast<unsigned>(8 - m_used));
-        if (m_used == 8) {
-            ++m_bytes;
-            m_used = 0;
-        }
-    }
-
-private:
-    std::byte* m_bytes;
-    int m_bitDepth;
-    int m_used = 0;
-};
-
 /// The layout without padding, without alpha where there is none to tell, and never premultiplied.
 PixelLayout plainLayout(const Image& image)
 {
     const PixelLayout layout = image.layout();
-    const bool keepsAlpha
-        = (image.hasAlpha() && !isOpaque(image)) || layout.alpha == AlphaInfo::only;
     return { layout.model, layout.bitsPerComponent,
-        keepsAlpha ? AlphaInfo::last : AlphaInfo::none };
+        needsAlpha(image) ? AlphaInfo::last : AlphaInfo::none };
 }
 
 Result<Image> plain(const Image& image)
@@ -113,41 +87,22 @@ ColorType directType(bool isGrey, bool hasAlpha)
     return hasAlpha ? ColorType::rgba : ColorType::rgb;
 }
 
-/// Copies the samples, those of `skipped` colours after the first one of each pixel left out.
-template <typename Sample, typename Write>
-void copySamples(const Sample* row, int width, int channels, int skipped, const Write& write)
-{
-    for (int x = 0; x < width; ++x) {
-        const Sample* pixel = row + static_cast<std::ptrdiff_t>(x) * channels;
-        write(pixel[0]);
-        for (int c = 1 + skipped; c < channels; ++c) {
-            write(pixel[c]);
-        }
-    }
-}
-
-enum class Colors { asTheyAre, grey };
-
-PackedPicture packDirect(const Image& image, Colors colors)
+PackedPicture packDirect(const Image& image)
 {
     const PixelLayout layout = image.layout();
-    const bool isGrey = colors == Colors::grey || layout.model == ColorModel::grey;
-    const int skipped = isGrey ? layout.colorChannels() - 1 : 0;
-    auto picture
-        = blank(image.size(), directType(isGrey, image.hasAlpha()), layout.bitsPerComponent);
+    auto picture = blank(image.size(),
+        directType(layout.model == ColorModel::grey, image.hasAlpha()), layout.bitsPerComponent);
+    const auto samples = static_cast<std::ptrdiff_t>(image.width()) * layout.channels();
     for (int y = 0; y < image.height(); ++y) {
         std::byte* out = rowOf(picture, y);
         if (layout.bitsPerComponent == 16) {
-            copySamples(image.row16(y), image.width(), layout.channels(), skipped,
-                [&out](std::uint16_t sample) {
-                    *out++ = static_cast<std::byte>(sample >> 8U);
-                    *out++ = static_cast<std::byte>(sample & 0xFFU);
-                });
-        } else if (skipped == 0) {
-            std::ranges::copy(image.row(y), out);
+            const std::uint16_t* row = image.row16(y);
+            std::for_each(row, row + samples, [&out](std::uint16_t sample) {
+                *out++ = static_cast<std::byte>(sample >> 8U);
+                *out++ = static_cast<std::byte>(sample & 0xFFU);
+            });
         } else {
-            copySamples(image.row8(y), image.width(), layout.channels(), skipped,
-                [&out](std::uint8_t sample) { *out++ = static_cast<std::byte>(sample); });
+            std::ranges::copy(image.row(y), out);
         }
     }
     return picture;
@@ -200,10 +155,10 @@ int paletteDepth(std::size_t colors)
     return colors <= 16 ? 4 : 8;
 }
 
-PackedPicture packIndexed(const Image& image, const Palette& palette)
+PackedPicture packIndexed(const Image& image, const ColorTable& table)
 {
-    auto picture = blank(image.size(), ColorType::palette, paletteDepth(palette.colors().size()));
-    for (const Palette::Color& color : palette.colors()) {
+    auto picture = blank(image.size(), ColorType::palette, paletteDepth(table.colors().size()));
+    for (const ColorTable::Color& color : table.colors()) {
         for (const std::size_t c : { 0U, 1U, 2U }) {
             picture.palette.push_back(static_cast<std::byte>(color.at(c)));
         }
@@ -216,7 +171,7 @@ PackedPicture packIndexed(const Image& image, const Palette& palette)
         BitWriter bits(rowOf(picture, y), picture.bitDepth);
         const std::uint8_t* row = image.row8(y);
         for (int x = 0; x < image.width(); ++x) {
-            bits.write(palette.number(colorAt(row, x, layout)));
+            bits.write(table.number(colorAt(row, x, layout)));
         }
     }
     return picture;
@@ -232,29 +187,38 @@ Result<Image> inFewestBits(Image image)
     return relayout(image, layout);
 }
 
+/// With one sample in place of three equal ones.
+Result<Image> withoutColor(const Image& image)
+{
+    PixelLayout layout = image.layout();
+    if (isGrey(image)) {
+        layout.model = ColorModel::grey;
+    }
+    return relayout(image, layout);
+}
+
 std::vector<PackedPicture> formsOf(const Image& image, AllowedReductions allowed)
 {
     const bool isSmall = static_cast<std::int64_t>(image.width()) * image.height() <= smallPicture;
-    const bool toGrey = allowed.toGrey && isGrey(image);
     std::vector<PackedPicture> forms;
-    std::optional<Palette> palette;
+    std::optional<ColorTable> table;
     if (allowed.toPalette && image.layout().bitsPerComponent == 8) {
-        palette = Palette::of(image);
+        table = ColorTable::of(image);
     }
-    if (!palette || toGrey || image.layout().model == ColorModel::grey || isSmall) {
-        auto direct = packDirect(image, toGrey ? Colors::grey : Colors::asTheyAre);
+    if (!table || image.layout().model == ColorModel::grey || isSmall) {
+        auto direct = packDirect(image);
         if (direct.colorType == ColorType::grey && direct.bitDepth == 8) {
             direct = withLeastDepth(std::move(direct));
         }
         // Grey without alpha needs no palette to be one number a pixel.
-        if (palette && direct.colorType == ColorType::grey
-            && paletteDepth(palette->colors().size()) >= direct.bitDepth) {
-            palette.reset();
+        if (table && direct.colorType == ColorType::grey
+            && paletteDepth(table->colors().size()) >= direct.bitDepth) {
+            table.reset();
         }
         forms.push_back(std::move(direct));
     }
-    if (palette) {
-        forms.insert(forms.begin(), packIndexed(image, *palette));
+    if (table) {
+        forms.insert(forms.begin(), packIndexed(image, *table));
     }
     return forms;
 }
@@ -273,16 +237,17 @@ Result<PackedPicture> packed(const Image& image)
     if (!straight) {
         return tl::unexpected(straight.error());
     }
-    return packDirect(*straight, Colors::asTheyAre);
+    return packDirect(*straight);
 }
 
 Result<std::vector<PackedPicture>> reduced(const Image& image, AllowedReductions allowed)
 {
-    const auto straight = plain(image).and_then(inFewestBits);
-    if (!straight) {
-        return tl::unexpected(straight.error());
+    auto straight = plain(image).and_then(inFewestBits);
+    if (straight && allowed.toGrey) {
+        straight = std::move(straight).and_then(withoutColor);
     }
-    return formsOf(*straight, allowed);
+    return std::move(straight).map(
+        [allowed](const Image& least) { return formsOf(least, allowed); });
 }
 
 } // namespace vellumine::imaging::png

@@ -14,25 +14,23 @@ namespace {
 /// Large enough that Deflate's window is no edge any more, small enough for any reader.
 constexpr std::size_t stripBytesAimedAt = std::size_t { 1 } << 20U;
 
-/// The layouts that TIFF has: alpha, if any, as the last sample.
-PixelLayout writableLayout(PixelLayout layout)
+/// The layout with the fewest samples that every reader of TIFF has: alpha, if any, is the last.
+PixelLayout writableLayout(const Image& image, ByteSpan profile)
 {
-    switch (layout.alpha) {
-    case AlphaInfo::first:
-        layout.alpha = AlphaInfo::last;
-        break;
-    case AlphaInfo::premultipliedFirst:
-        layout.alpha = AlphaInfo::premultipliedLast;
-        break;
-    case AlphaInfo::noneSkipFirst:
-    case AlphaInfo::noneSkipLast:
-        layout.alpha = AlphaInfo::none;
-        break;
-    case AlphaInfo::only: // a coverage mask is a grey picture to everybody else
-    case AlphaInfo::none:
-    case AlphaInfo::last:
-    case AlphaInfo::premultipliedLast:
-        break;
+    PixelLayout layout = image.layout();
+    if (layout.alpha == AlphaInfo::only) {
+        return layout; // a coverage mask is a grey picture to everybody else
+    }
+    if (needsAlpha(image)) {
+        // Grey with a premultiplied alpha would be smaller, but some readers refuse it.
+        layout.alpha
+            = isPremultiplied(layout.alpha) ? AlphaInfo::premultipliedLast : AlphaInfo::last;
+        return layout;
+    }
+    layout.alpha = AlphaInfo::none;
+    // A profile is for the colour model that it was made for.
+    if (profile.empty() && isGrey(image)) {
+        layout.model = ColorModel::grey;
     }
     return layout;
 }
@@ -54,7 +52,8 @@ std::uint16_t photometricFor(PixelLayout layout)
 }
 
 /// Sets the tags in an order that the library accepts; the answers are bits of one conjunction.
-bool setTags(TIFF* tiff, const Image& image, const EncodeOptions& options, std::uint32_t stripRows)
+bool setTags(
+    TIFF* tiff, const Image& image, ByteSpan profile, Effort effort, std::uint32_t stripRows)
 {
     const PixelLayout layout = image.layout();
     bool ok = TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, image.width()) == 1
@@ -67,15 +66,14 @@ bool setTags(TIFF* tiff, const Image& image, const EncodeOptions& options, std::
         && TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_ADOBE_DEFLATE) == 1
         && TIFFSetField(tiff, TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL) == 1
         && TIFFSetField(tiff, TIFFTAG_ZIPQUALITY,
-               options.effort == Effort::smallest ? Z_BEST_COMPRESSION : Z_BEST_SPEED)
+               effort == Effort::smallest ? Z_BEST_COMPRESSION : Z_BEST_SPEED)
             == 1;
     if (hasAlpha(layout.alpha)) {
         const std::uint16_t kind
             = isPremultiplied(layout.alpha) ? EXTRASAMPLE_ASSOCALPHA : EXTRASAMPLE_UNASSALPHA;
         ok = ok && TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &kind) == 1;
     }
-    const ByteSpan profile = image.colorSpace().iccProfile();
-    if (options.profile == ProfilePolicy::embed && !profile.empty()) {
+    if (!profile.empty()) {
         ok = ok
             && TIFFSetField(tiff, TIFFTAG_ICCPROFILE, static_cast<std::uint32_t>(profile.size()),
                    profile.data())
@@ -88,7 +86,9 @@ bool setTags(TIFF* tiff, const Image& image, const EncodeOptions& options, std::
 
 Result<ByteBuffer> encodePicture(const Image& image, const EncodeOptions& options)
 {
-    const auto picture = relayout(image, writableLayout(image.layout()));
+    const ByteSpan profile
+        = options.profile == ProfilePolicy::embed ? image.colorSpace().iccProfile() : ByteSpan {};
+    const auto picture = relayout(image, writableLayout(image, profile));
     if (!picture) {
         return tl::unexpected(picture.error());
     }
@@ -101,7 +101,8 @@ Result<ByteBuffer> encodePicture(const Image& image, const EncodeOptions& option
     if (!writer) {
         return tl::unexpected(writer.error());
     }
-    if (!setTags(writer->get(), *picture, options, static_cast<std::uint32_t>(stripRows))) {
+    if (!setTags(writer->get(), *picture, profile, options.effort,
+            static_cast<std::uint32_t>(stripRows))) {
         return writer->encodingFailure();
     }
     std::vector<std::byte> strip; // a copy, since the library differences it in place

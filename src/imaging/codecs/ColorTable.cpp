@@ -1,24 +1,24 @@
-#include "imaging/codecs/png/PngPalette.h"
+#include "imaging/codecs/ColorTable.h"
 
 #include <algorithm>
 #include <bit>
 #include <tuple>
 
-namespace vellumine::imaging::png {
+namespace vellumine::imaging {
 
 namespace {
 
 constexpr std::size_t maximumColors = 256;
 
 /// Weights of Rec. 709 in thousandths.
-int brightness(Palette::Color color)
+int brightness(ColorTable::Color color)
 {
     return 213 * color[0] + 715 * color[1] + 72 * color[2];
 }
 
 } // namespace
 
-Palette::Color colorAt(const std::uint8_t* row, int x, PixelLayout layout)
+ColorTable::Color colorAt(const std::uint8_t* row, int x, PixelLayout layout)
 {
     const std::uint8_t* pixel = row + static_cast<std::ptrdiff_t>(x) * layout.channels();
     const std::uint8_t alpha = hasAlpha(layout.alpha) ? pixel[layout.colorChannels()] : 255;
@@ -28,7 +28,7 @@ Palette::Color colorAt(const std::uint8_t* row, int x, PixelLayout layout)
     return { pixel[0], pixel[1], pixel[2], alpha };
 }
 
-std::size_t Palette::slot(Color color) const
+std::size_t ColorTable::slot(Color color) const
 {
     const auto key = std::bit_cast<std::uint32_t>(color);
     std::size_t slot = (key * 0x9E3779B1U) >> 22U;
@@ -38,7 +38,7 @@ std::size_t Palette::slot(Color color) const
     return slot;
 }
 
-bool Palette::add(Color color)
+bool ColorTable::add(Color color)
 {
     const std::size_t at = slot(color);
     if (m_isUsed[at]) {
@@ -53,7 +53,7 @@ bool Palette::add(Color color)
     return true;
 }
 
-void Palette::sort()
+void ColorTable::sort()
 {
     const auto order
         = [](Color color) { return std::tuple(color[3] == 255, brightness(color), color); };
@@ -63,23 +63,23 @@ void Palette::sort()
     }
 }
 
-std::optional<Palette> Palette::of(const Image& image)
+std::optional<ColorTable> ColorTable::of(const Image& image)
 {
-    Palette palette;
+    ColorTable table;
     const PixelLayout layout = image.layout();
     std::optional<Color> last;
     for (int y = 0; y < image.height(); ++y) {
         const std::uint8_t* row = image.row8(y);
         for (int x = 0; x < image.width(); ++x) {
             const Color color = colorAt(row, x, layout);
-            if (color != last && !palette.add(color)) {
+            if (color != last && !table.add(color)) {
                 return std::nullopt;
             }
             last = color;
         }
     }
-    palette.sort();
-    return palette;
+    table.sort();
+    return table;
 }
 
-} // namespace vellumine::imaging::png
+} // namespace vellumine::imaging

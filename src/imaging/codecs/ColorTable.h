@@ -7,18 +7,18 @@
 #include <optional>
 #include <vector>
 
-namespace vellumine::imaging::png {
+namespace vellumine::imaging {
 
-/// The colours of a picture, each with its number.
-class Palette {
+/// The colours of a picture, each with its number: what a palette is made of.
+class ColorTable {
 public:
     using Color = std::array<std::uint8_t, 4>; ///< red, green, blue, alpha
 
-    /// The palette of a picture of 8 bits, grey or RGB, without alpha or with straight alpha last;
+    /// The table of a picture of 8 bits, grey or RGB, without alpha or with straight alpha last;
     /// none when it has more than 256 colours. Those that are not opaque come first, so that the
     /// list of alpha values ends with them; then the dark before the bright, so that what looks
     /// alike has numbers that are near each other.
-    [[nodiscard]] static std::optional<Palette> of(const Image& image);
+    [[nodiscard]] static std::optional<ColorTable> of(const Image& image);
 
     [[nodiscard]] const std::vector<Color>& colors() const { return m_colors; }
     /// The number of a colour of the picture.
@@ -39,6 +39,6 @@ private:
 };
 
 /// Pixel x of a row of such a picture as a colour.
-[[nodiscard]] Palette::Color colorAt(const std::uint8_t* row, int x, PixelLayout layout);
+[[nodiscard]] ColorTable::Color colorAt(const std::uint8_t* row, int x, PixelLayout layout);
 
-} // namespace vellumine::imaging::png
+} // namespace vellumine::imaging
