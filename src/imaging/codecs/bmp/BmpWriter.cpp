@@ -13,7 +13,6 @@ constexpr std::uint32_t bitFields = 3;
 constexpr std::uint32_t windowsColorSpace = 0x57696E20; // 'Win ': nothing is stated
 constexpr std::uint32_t profileEmbedded = 0x4D424544; // 'MBED'
 constexpr std::uint32_t intentImages = 4; // perceptual, what pictures commonly state
-constexpr std::uint32_t pixelsPerMetre = 2835; // 72 dpi
 constexpr std::size_t greyPaletteBytes = std::size_t { 256 } * 4;
 
 enum class Form { grey8, rgb24, rgba32 };
@@ -91,6 +90,7 @@ struct Plan {
     std::size_t pixelBytes;
     std::size_t pixelOffset;
     ByteSpan profile;
+    Resolution::WholeNumbers pixelsPerMetre; ///< 0 where nothing is stated
 
     [[nodiscard]] std::size_t fileBytes() const
     {
@@ -105,6 +105,11 @@ Plan planFor(const Image& image, const EncodeOptions& options)
     // The numbers of a palette are RGB, which a grey profile cannot explain.
     if (options.profile == ProfilePolicy::embed && image.layout().model == ColorModel::rgb) {
         plan.profile = image.colorSpace().iccProfile();
+    }
+    if (options.resolution) {
+        plan.pixelsPerMetre
+            = options.resolution->rounded(Resolution::Unit::metre, Resolution::largest)
+                  .value_or(Resolution::WholeNumbers {});
     }
     const bool needsVersion5 = plan.form == Form::rgba32 || !plan.profile.empty();
     plan.infoBytes = needsVersion5 ? v5Header : infoHeader;
@@ -129,8 +134,8 @@ void writeHeaders(Writer& out, Size size, const Plan& plan)
     out.add16(plan.form == Form::grey8 ? 8 : (plan.form == Form::rgb24 ? 24 : 32));
     out.add32(plan.form == Form::rgba32 ? bitFields : 0U);
     out.add32(plan.pixelBytes);
-    out.add32(pixelsPerMetre);
-    out.add32(pixelsPerMetre);
+    out.add32(plan.pixelsPerMetre.x);
+    out.add32(plan.pixelsPerMetre.y);
     out.add32(plan.form == Form::grey8 ? 256U : 0U);
     out.add32(0U); // all colours are important
     if (plan.infoBytes == infoHeader) {
