@@ -54,6 +54,14 @@ Result<void> checkIsWritten(UniformType type)
     return {};
 }
 
+/// Whether it is EXIF's fields that say the resolution in a file of the type: they are TIFF's own.
+/// HEIC has nothing else, and no block is made up for it.
+bool saysResolutionInExif(UniformType type, const MetadataBlocks& blocks)
+{
+    const bool isHeic = type == UniformType::heic || type == UniformType::heif;
+    return type == UniformType::tiff || (isHeic && !blocks.exif.empty());
+}
+
 } // namespace
 
 ImageDestination::ImageDestination(FileDescriptor file, UniformType type)
@@ -98,7 +106,15 @@ void ImageDestination::addImage(Image image, ImageProperties properties)
     m_properties = std::move(properties);
 }
 
-MetadataBlocks ImageDestination::metadataFor(const Image& image) const
+/// Of the upright picture.
+std::optional<Resolution> ImageDestination::resolution() const
+{
+    const auto stored = m_properties.resolution();
+    return stored && swapsSides(m_properties.storedOrientation()) ? stored->withSidesSwapped()
+                                                                  : stored;
+}
+
+MetadataBlocks ImageDestination::travellingBlocks(const Image& image) const
 {
     const metadata::Groups kept {
         .exif = m_properties.contains(PropertyKey::exif),
@@ -113,7 +129,23 @@ MetadataBlocks ImageDestination::metadataFor(const Image& image) const
     return metadata::travelling(m_properties.blocks(), kept,
         { .size = image.size(),
             .wasTurned = m_properties.storedOrientation() != Orientation::topLeft,
-            .isSRgb = image.colorSpace().isSRgbEquivalent() });
+            .isSRgb = image.colorSpace().isSRgbEquivalent(),
+            .hasSidesSwapped = swapsSides(m_properties.storedOrientation()) });
+}
+
+MetadataBlocks ImageDestination::metadataFor(const Image& image) const
+{
+    MetadataBlocks blocks = travellingBlocks(image);
+    if (const auto stated = resolution(); stated && saysResolutionInExif(m_type, blocks)) {
+        blocks.exif = metadata::withResolution(std::move(blocks.exif), *stated);
+    }
+    return blocks;
+}
+
+FileTexts ImageDestination::texts() const
+{
+    const auto dictionary = dictionaryOf(m_type);
+    return dictionary ? m_properties.texts(*dictionary) : FileTexts {};
 }
 
 Result<void> ImageDestination::finalize()
@@ -144,6 +176,8 @@ Result<void> ImageDestination::finalize()
         .profile = m_profile,
         .effort = m_effort,
         .metadata = metadataFor(image),
+        .resolution = resolution(),
+        .texts = texts(),
     };
     // A TIFF file gets its blocks when it is done: they are fields among its own.
     const MetadataBlocks appended

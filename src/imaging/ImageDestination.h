@@ -34,7 +34,8 @@ public:
     void setProfilePolicy(ProfilePolicy policy) { m_profile = policy; }
     void setEffort(Effort effort) { m_effort = effort; }
     /// The properties that the picture is to have: the metadata dictionaries whose keys are
-    /// present, and the LossyCompressionQuality. An orientation is never written: the picture is
+    /// present (the texts of one that a format has for itself, in a file of that format), the
+    /// Resolution and the LossyCompressionQuality. An orientation is never written: the picture is
     /// upright, whatever its properties say. A CMYK picture becomes sRGB where the type knows no
     /// CMYK. Only one picture is written, the one that was added last.
     void addImage(Image image, ImageProperties properties);
@@ -48,7 +49,10 @@ public:
     [[nodiscard]] const std::optional<Image>& writtenPart() const { return m_writtenPart; }
 
 private:
+    [[nodiscard]] std::optional<Resolution> resolution() const;
+    [[nodiscard]] MetadataBlocks travellingBlocks(const Image& image) const;
     [[nodiscard]] MetadataBlocks metadataFor(const Image& image) const;
+    [[nodiscard]] FileTexts texts() const;
 
     ImageDestination(FileDescriptor file, UniformType type);
 

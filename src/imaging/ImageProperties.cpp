@@ -4,6 +4,20 @@
 
 namespace vellumine::imaging {
 
+std::optional<PropertyKey> dictionaryOf(UniformType type)
+{
+    switch (type) {
+    case UniformType::png:
+        return PropertyKey::png;
+    case UniformType::jpeg:
+        return PropertyKey::jfif;
+    case UniformType::gif:
+        return PropertyKey::gif;
+    default:
+        return std::nullopt;
+    }
+}
+
 template <typename Value> std::optional<Value> ImageProperties::value(PropertyKey key) const
 {
     const auto found = m_values.find(key);
@@ -30,6 +44,16 @@ std::optional<double> ImageProperties::number(PropertyKey key) const
 std::optional<std::string> ImageProperties::text(PropertyKey key) const
 {
     return value<std::string>(key);
+}
+
+std::optional<Resolution> ImageProperties::resolution() const
+{
+    return value<Resolution>(PropertyKey::resolution);
+}
+
+FileTexts ImageProperties::texts(PropertyKey dictionary) const
+{
+    return value<FileTexts>(dictionary).value_or(FileTexts {});
 }
 
 void ImageProperties::set(PropertyKey key, PropertyValue value)

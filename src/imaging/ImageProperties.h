@@ -1,7 +1,10 @@
 #pragma once
 
 #include "imaging/Orientation.h"
+#include "imaging/UniformType.h"
+#include "imaging/metadata/FileTexts.h"
 #include "imaging/metadata/MetadataBlocks.h"
+#include "imaging/metadata/Resolution.h"
 
 #include <cstdint>
 #include <map>
@@ -28,14 +31,20 @@ enum class PropertyKey : std::uint8_t {
     lossyCompressionQuality, ///< number, 0 to 1
     pixelWidth, ///< integer, as stored, before orientation
     pixelHeight,
+    resolution, ///< a resolution, of the stored picture, before orientation
 };
 
-/// Says that the picture has the dictionary; its content travels in the blocks.
+/// The dictionary of what only files of the type say; none for other types.
+[[nodiscard]] std::optional<PropertyKey> dictionaryOf(UniformType type);
+
+/// Says that the picture has the dictionary; its content travels in the blocks, or it has none.
 struct DictionaryPresent {
     friend bool operator==(DictionaryPresent, DictionaryPresent) = default;
 };
 
-using PropertyValue = std::variant<DictionaryPresent, std::int64_t, double, std::string>;
+/// The dictionaries that a format has for itself hold the texts of its file.
+using PropertyValue
+    = std::variant<DictionaryPresent, std::int64_t, double, std::string, Resolution, FileTexts>;
 
 /// What is known about a picture besides its pixels. The dictionaries' content is kept as the
 /// serialised blocks that it came in, shared between copies; taking a dictionary's key away keeps
@@ -47,6 +56,9 @@ public:
     [[nodiscard]] std::optional<std::int64_t> integer(PropertyKey key) const;
     [[nodiscard]] std::optional<double> number(PropertyKey key) const;
     [[nodiscard]] std::optional<std::string> text(PropertyKey key) const;
+    [[nodiscard]] std::optional<Resolution> resolution() const;
+    /// The texts of a dictionary; empty when it is absent, or has none.
+    [[nodiscard]] FileTexts texts(PropertyKey dictionary) const;
     [[nodiscard]] bool empty() const { return m_values.empty(); }
 
     /// All of them, for whoever takes them to another process.

@@ -34,20 +34,6 @@ std::string_view nameOf(ColorModel model)
     return {};
 }
 
-std::optional<PropertyKey> dictionaryOf(UniformType type)
-{
-    switch (type) {
-    case UniformType::png:
-        return PropertyKey::png;
-    case UniformType::jpeg:
-        return PropertyKey::jfif;
-    case UniformType::gif:
-        return PropertyKey::gif;
-    default:
-        return std::nullopt;
-    }
-}
-
 /// What a codec has drawn as it was planned. Where something else is asked for after all, the file
 /// is decoded once more, the whole of it.
 class DrawnByCodec final : public DeferredPixels {
@@ -133,6 +119,8 @@ private:
         const auto known
             = picture.orientation ? picture.orientation : metadata::orientation(blocks);
         const Orientation orientation = known.value_or(Orientation::topLeft);
+        const auto resolution
+            = picture.resolution ? picture.resolution : metadata::resolution(blocks);
 
         ImageProperties found;
         found.setBlocks(std::move(blocks),
@@ -142,12 +130,17 @@ private:
         if (known) {
             found.set(PropertyKey::orientation, static_cast<std::int64_t>(*known));
         }
+        if (resolution) {
+            found.set(PropertyKey::resolution, *resolution);
+        }
         found.set(PropertyKey::colorModel, std::string(nameOf(picture.image.layout().model)));
         if (std::string name = picture.image.colorSpace().profileName(); !name.empty()) {
             found.set(PropertyKey::profileName, std::move(name));
         }
         if (const auto dictionary = dictionaryOf(m_codec.type)) {
-            found.set(*dictionary, DictionaryPresent {});
+            found.set(*dictionary,
+                picture.texts.empty() ? PropertyValue(DictionaryPresent {})
+                                      : PropertyValue(std::move(picture.texts)));
         }
         return { std::move(picture.image), false, orientation, std::move(found) };
     }

@@ -73,6 +73,32 @@ TEST_F(Confined, everyFormatIsDecodedAsInTheProgram)
     EXPECT_EQ(m_decoders.deathCount(), 0U);
 }
 
+TEST_F(Confined, resolutionAndTextsComeAlong)
+{
+    for (const UniformType type : { UniformType::jpeg, UniformType::png, UniformType::gif }) {
+        const auto path = m_folder / "texts";
+        std::filesystem::remove(path);
+        const imaging::PropertyKey dictionary = imaging::dictionaryOf(type).value();
+        imaging::FileTexts texts;
+        texts.add({ .keyword = type == UniformType::png ? "Title" : "",
+            .content = imaging::ByteBuffer(9, std::byte { 'c' }) });
+        imaging::ImageProperties properties;
+        properties.set(dictionary, texts);
+        properties.set(imaging::PropertyKey::resolution,
+            *imaging::Resolution::create(300, 150, imaging::Resolution::Unit::inch));
+        auto destination = imaging::ImageDestination::create(path, type);
+        destination->addImage(test::syntheticPhoto(test::oddSize), properties);
+        ASSERT_TRUE(destination->finalize());
+
+        EXPECT_EQ(difference(m_decoders, path), "");
+        const auto read = m_decoders.open(path, {})->properties();
+        ASSERT_TRUE(read);
+        EXPECT_EQ(read->texts(dictionary), texts);
+        EXPECT_EQ(read->resolution().has_value(), type != UniformType::gif);
+    }
+    EXPECT_EQ(m_decoders.deathCount(), 0U);
+}
+
 TEST_F(Confined, whereMemoryIsSharedTheResultIsTheSame)
 {
     ConfinedDecoders decoders(VELLUMINE_DECODER, {}, Handover::shared);

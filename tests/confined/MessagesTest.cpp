@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <limits>
 #include <string>
 
@@ -331,6 +332,14 @@ PictureAttachments fullAttachments()
     attached.properties.set(PropertyKey::pixelWidth, std::int64_t { 47 });
     attached.properties.set(PropertyKey::lossyCompressionQuality, 0.5);
     attached.properties.set(PropertyKey::profileName, std::string("Ink"));
+    attached.properties.set(PropertyKey::resolution,
+        *imaging::Resolution::create(11'811, 5906, imaging::Resolution::Unit::metre));
+    imaging::FileTexts texts;
+    texts.add({ .keyword = "Title", .content = bytesOf("A picture") });
+    texts.add({ .keyword = "Title",
+        .content = bytesOf("Ein Bild"),
+        .international = imaging::InternationalKeyword { "de", "Titel" } });
+    attached.properties.set(PropertyKey::png, std::move(texts));
     return attached;
 }
 
@@ -377,6 +386,58 @@ TEST(Attachments, numbersThatStandForNothingAreRefused)
         bytes.at(at) = std::byte { 77 };
         EXPECT_FALSE(parseAttachments(bytes)) << at;
     }
+}
+
+/// Attachments with nothing but that value.
+ByteBuffer attachmentsWith(PropertyKey key, const imaging::PropertyValue& value)
+{
+    PictureAttachments attached { ColorSpace::sRgb(), imaging::Orientation::topLeft, {} };
+    attached.properties.set(key, value);
+    return serialised(attached);
+}
+
+TEST(Attachments, resolutionsThatCannotBeAreRefused)
+{
+    const ByteBuffer good = attachmentsWith(PropertyKey::resolution,
+        *imaging::Resolution::create(300, 150, imaging::Resolution::Unit::inch));
+    ASSERT_TRUE(parseAttachments(good));
+    // Two numbers and the unit, at the end.
+    ByteBuffer bytes = good;
+    bytes.back() = std::byte { 3 };
+    EXPECT_FALSE(parseAttachments(bytes));
+    for (const double bad : { 0.0, -300.0, 1e300, std::numeric_limits<double>::quiet_NaN(),
+             std::numeric_limits<double>::infinity() }) {
+        for (const std::size_t fromTheEnd : { 17U, 9U }) {
+            bytes = good;
+            std::memcpy(bytes.data() + bytes.size() - fromTheEnd, &bad, sizeof(bad));
+            EXPECT_FALSE(parseAttachments(bytes)) << bad;
+        }
+    }
+}
+
+TEST(Attachments, moreTextThanAFileMayHoldIsRefused)
+{
+    imaging::FileTexts texts;
+    while (texts.add({ .keyword = "Title" })) { }
+    const ByteBuffer good = attachmentsWith(PropertyKey::png, texts);
+    ASSERT_TRUE(parseAttachments(good));
+    ByteWriter one;
+    one.text("Title");
+    one.bytes({});
+    one.number(std::uint8_t { 0 });
+    const ByteBuffer more = std::move(one).take();
+    ByteBuffer bytes = good;
+    bytes.insert(bytes.end(), more.begin(), more.end());
+    const auto count = static_cast<std::uint32_t>(texts.list().size());
+    const std::uint32_t tooMany = count + 1;
+    auto* const countAt = bytes.data() + good.size() - count * more.size() - sizeof(count);
+    ASSERT_EQ(std::memcmp(countAt, &count, sizeof(count)), 0);
+    std::memcpy(countAt, &tooMany, sizeof(tooMany));
+    EXPECT_FALSE(parseAttachments(bytes));
+
+    bytes = good;
+    bytes.back() = std::byte { 2 }; // neither international nor not
+    EXPECT_FALSE(parseAttachments(bytes));
 }
 
 TEST(ByteReader, readsNothingPastTheEnd)

@@ -100,5 +100,90 @@ INSTANTIATE_TEST_SUITE_P(Of, PrivacyOptions,
         Row { "heicWithBoth", OutputFormat::heic, "photo.heic", false, false }),
     test::RowName());
 
+struct OriginalRow {
+    const char* name;
+    imaging::UniformType type;
+    bool saysResolution;
+    bool holdsTexts;
+};
+
+/// What a file says of its own format's, where that is the output's as well.
+class OriginalFormat : public test::Optimize, public testing::WithParamInterface<OriginalRow> {
+protected:
+    static constexpr std::string_view secret = "Jane was here";
+
+    /// The file that was made of one that says all that its format can.
+    [[nodiscard]] std::filesystem::path optimized(bool removesMetadata)
+    {
+        const auto source = in(std::string("a.").append(preferredExtension(GetParam().type)));
+        imaging::FileTexts texts;
+        const auto bytes = std::as_bytes(std::span(secret));
+        texts.add({ .keyword = GetParam().type == imaging::UniformType::png ? "Author" : "",
+            .content = { bytes.begin(), bytes.end() } });
+        imaging::ImageProperties properties;
+        properties.set(PropertyKey::resolution,
+            *imaging::Resolution::create(300, 150, imaging::Resolution::Unit::inch));
+        if (const auto dictionary = imaging::dictionaryOf(GetParam().type)) {
+            properties.set(*dictionary, texts);
+        }
+        auto destination = imaging::ImageDestination::create(source, GetParam().type);
+        destination->addImage(test::gradient(test::oddSize, test::rgb8), properties);
+        EXPECT_TRUE(destination->finalize());
+        EXPECT_EQ(says(source), GetParam().holdsTexts);
+
+        m_settings.outputFormat = OutputFormat::original;
+        m_settings.removeMetadata = removesMetadata;
+        const auto result = optimize(source);
+        EXPECT_TRUE(result);
+        return platform::toPath(result->outputURL.value());
+    }
+
+    static bool says(const std::filesystem::path& path)
+    {
+        return test::textOf(path).find(secret) != std::string::npos;
+    }
+
+    static std::optional<imaging::Resolution> resolutionOf(const std::filesystem::path& path)
+    {
+        const auto said
+            = imaging::ImageSource::create(path, {}).value().properties().value().resolution();
+        return said ? said->in(imaging::Resolution::Unit::inch) : std::nullopt;
+    }
+};
+
+TEST_P(OriginalFormat, keepsResolutionAndTexts)
+{
+    // Made smaller or not, its pixels stand as densely.
+    for (const ResizeMode mode : { ResizeMode::none, ResizeMode::maxWidth }) {
+        m_settings.resizeMode = mode;
+        m_settings.maximumPixels = 20;
+        const auto output = optimized(false);
+        EXPECT_EQ(says(output), GetParam().holdsTexts);
+        EXPECT_EQ(resolutionOf(output),
+            GetParam().saysResolution
+                ? imaging::Resolution::create(300, 150, imaging::Resolution::Unit::inch)
+                : std::nullopt);
+        for (const auto& file : std::filesystem::directory_iterator(m_workplace.pictures())) {
+            std::filesystem::remove(file);
+        }
+    }
+}
+
+TEST_P(OriginalFormat, losesThemWithTheMetadata)
+{
+    const auto output = optimized(true);
+    EXPECT_FALSE(says(output));
+    EXPECT_EQ(resolutionOf(output), std::nullopt);
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, OriginalFormat,
+    testing::Values(OriginalRow { "jpeg", imaging::UniformType::jpeg, true, true },
+        OriginalRow { "png", imaging::UniformType::png, true, true },
+        OriginalRow { "gif", imaging::UniformType::gif, false, true },
+        OriginalRow { "tiff", imaging::UniformType::tiff, true, false },
+        OriginalRow { "bmp", imaging::UniformType::bmp, true, false },
+        OriginalRow { "heic", imaging::UniformType::heic, false, false }),
+    test::RowName());
+
 } // namespace
 } // namespace vellumine

@@ -31,7 +31,7 @@ namespace vellumine::confined {
 // and lies within the limits that were asked with, is believed.
 
 /// Changes with the messages, so that a helper of another build is noticed.
-inline constexpr std::uint32_t protocolVersion = 6;
+inline constexpr std::uint32_t protocolVersion = 7;
 
 /// Longer messages are not sent and not read.
 inline constexpr std::size_t largestMessage = 4096;

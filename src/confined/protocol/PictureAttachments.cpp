@@ -12,9 +12,13 @@ using imaging::ByteSpan;
 using imaging::ColorModel;
 using imaging::ColorSpace;
 using imaging::Error;
+using imaging::FileText;
+using imaging::FileTexts;
 using imaging::ImageProperties;
+using imaging::InternationalKeyword;
 using imaging::PropertyKey;
 using imaging::PropertyValue;
+using imaging::Resolution;
 
 namespace {
 
@@ -52,6 +56,26 @@ std::optional<ColorSpace> readColorSpace(ByteReader& reader)
     return ColorSpace::fromData(std::move(data));
 }
 
+ByteBuffer readBuffer(ByteReader& reader)
+{
+    const ByteSpan bytes = reader.bytes();
+    return { bytes.begin(), bytes.end() };
+}
+
+void write(ByteWriter& writer, const FileTexts& texts)
+{
+    writer.number(static_cast<std::uint32_t>(texts.list().size()));
+    for (const FileText& text : texts.list()) {
+        writer.text(text.keyword);
+        writer.bytes(text.content);
+        writer.number(static_cast<std::uint8_t>(text.international.has_value()));
+        if (text.international) {
+            writer.text(text.international->language);
+            writer.text(text.international->keyword);
+        }
+    }
+}
+
 void write(ByteWriter& writer, const PropertyValue& value)
 {
     writer.number(static_cast<std::uint8_t>(value.index()));
@@ -61,7 +85,43 @@ void write(ByteWriter& writer, const PropertyValue& value)
         writer.number(*number);
     } else if (const auto* const text = std::get_if<std::string>(&value)) {
         writer.text(*text);
+    } else if (const auto* const resolution = std::get_if<Resolution>(&value)) {
+        writer.number(resolution->x());
+        writer.number(resolution->y());
+        writer.number(static_cast<std::uint8_t>(resolution->unit()));
+    } else if (const auto* const texts = std::get_if<FileTexts>(&value)) {
+        write(writer, *texts);
     }
+}
+
+std::optional<Resolution> readResolution(ByteReader& reader)
+{
+    const auto x = reader.number<double>();
+    const auto y = reader.number<double>();
+    const auto unit = reader.number<std::uint8_t>();
+    return unit <= static_cast<std::uint8_t>(Resolution::Unit::metre)
+        ? Resolution::create(x, y, static_cast<Resolution::Unit>(unit))
+        : std::nullopt;
+}
+
+std::optional<FileTexts> readTexts(ByteReader& reader)
+{
+    FileTexts texts;
+    const auto count = reader.number<std::uint32_t>();
+    for (std::uint32_t i = 0; i < count; ++i) {
+        FileText text { .keyword = reader.text(), .content = readBuffer(reader) };
+        const auto isInternational = reader.number<std::uint8_t>();
+        if (isInternational == 1) {
+            InternationalKeyword keyword;
+            keyword.language = reader.text();
+            keyword.keyword = reader.text();
+            text.international = std::move(keyword);
+        }
+        if (!reader.isWhole() || isInternational > 1 || !texts.add(std::move(text))) {
+            return std::nullopt;
+        }
+    }
+    return texts;
 }
 
 std::optional<PropertyValue> readValue(ByteReader& reader)
@@ -75,6 +135,10 @@ std::optional<PropertyValue> readValue(ByteReader& reader)
         return reader.number<double>();
     case 3:
         return reader.text();
+    case 4:
+        return readResolution(reader);
+    case 5:
+        return readTexts(reader);
     default:
         return std::nullopt;
     }
@@ -96,14 +160,10 @@ void write(ByteWriter& writer, const ImageProperties& properties)
 
 std::optional<ImageProperties> readProperties(ByteReader& reader)
 {
-    const auto block = [&reader] {
-        const ByteSpan bytes = reader.bytes();
-        return ByteBuffer(bytes.begin(), bytes.end());
-    };
     imaging::MetadataBlocks blocks;
-    blocks.exif = block();
-    blocks.xmp = block();
-    blocks.iptc = block();
+    blocks.exif = readBuffer(reader);
+    blocks.xmp = readBuffer(reader);
+    blocks.iptc = readBuffer(reader);
     const auto stored = imaging::orientationFromTag(reader.number<std::uint8_t>());
     const auto count = reader.number<std::uint32_t>();
     if (!reader.isWhole() || !stored) {
@@ -115,7 +175,7 @@ std::optional<ImageProperties> readProperties(ByteReader& reader)
         const auto key = reader.number<std::uint8_t>();
         auto value = readValue(reader);
         if (!reader.isWhole() || !value
-            || key > static_cast<std::uint8_t>(PropertyKey::pixelHeight)) {
+            || key > static_cast<std::uint8_t>(PropertyKey::resolution)) {
             return std::nullopt;
         }
         properties.set(static_cast<PropertyKey>(key), std::move(*value));

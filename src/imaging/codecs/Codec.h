@@ -7,7 +7,9 @@
 #include "imaging/Orientation.h"
 #include "imaging/PictureWish.h"
 #include "imaging/UniformType.h"
+#include "imaging/metadata/FileTexts.h"
 #include "imaging/metadata/MetadataBlocks.h"
+#include "imaging/metadata/Resolution.h"
 
 #include <optional>
 
@@ -42,6 +44,10 @@ struct DecodedImage {
     /// In which the picture is stored that the codec has turned itself: its metadata may still be
     /// of the stored one.
     Orientation turnedFrom = Orientation::topLeft;
+    /// What the format itself says. Without a value, EXIF's resolution counts.
+    std::optional<Resolution> resolution = {};
+    /// Comments and other texts beside the metadata's blocks.
+    FileTexts texts = {};
 };
 
 /// Whether the picture's profile is written into the file. Device spaces never have one.
@@ -57,6 +63,10 @@ struct EncodeOptions {
     /// Blocks that may travel as they are: already without orientation. What the format cannot
     /// carry is left out.
     MetadataBlocks metadata;
+    /// What is written in the format's own words, where it has such; nothing is made up without.
+    std::optional<Resolution> resolution = {};
+    /// Texts of a file of the same format. Those that it cannot carry are left out.
+    FileTexts texts = {};
 };
 
 /// One format. The functions are stateless and safe to call from several threads at once; a

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <string_view>
 
 namespace vellumine::imaging::metadata {
@@ -9,6 +10,9 @@ namespace vellumine::imaging::metadata {
 namespace {
 
 constexpr std::uint16_t orientationTag = 0x0112;
+constexpr std::uint16_t xResolutionTag = 0x011A;
+constexpr std::uint16_t yResolutionTag = 0x011B;
+constexpr std::uint16_t resolutionUnitTag = 0x0128;
 constexpr std::uint16_t colorSpaceTag = 0xA001;
 constexpr std::uint16_t pixelWidthTag = 0xA002;
 constexpr std::uint16_t pixelHeightTag = 0xA003;
@@ -125,6 +129,21 @@ bool describesExifStructure(const TiffEntry& entry)
         || entry.type == fieldtype::directory;
 }
 
+// The values of ResolutionUnit.
+enum ResolutionUnit : std::uint32_t { noUnit = 1, inch = 2, centimetre = 3 };
+
+constexpr double centimetresInAMetre = 100;
+
+void swapResolution(TiffTree& tree)
+{
+    for (TiffEntry& entry : tree.main.entries) {
+        if (entry.tag == xResolutionTag || entry.tag == yResolutionTag) {
+            entry.tag = entry.tag == xResolutionTag ? yResolutionTag : xResolutionTag;
+        }
+    }
+    std::ranges::sort(tree.main.entries, {}, &TiffEntry::tag);
+}
+
 void setIfPresent(TiffTree& tree, std::uint16_t tag, std::uint32_t value)
 {
     if (tree.exif.find(tag) != nullptr) {
@@ -157,6 +176,47 @@ bool exifSaysAdobeRgb(const TiffTree& tree)
     return tree.integer(tree.exif.find(colorSpaceTag)) == uncalibrated && index != nullptr
         && index->type == fieldtype::ascii
         && std::ranges::equal(index->value, std::as_bytes(std::span(adobeRgbIndex)));
+}
+
+std::optional<Resolution> exifResolution(const TiffTree& tree)
+{
+    const auto x = tree.number(tree.main.find(xResolutionTag));
+    const auto y = tree.number(tree.main.find(yResolutionTag));
+    if (!x || !y) {
+        return std::nullopt;
+    }
+    switch (tree.integer(tree.main.find(resolutionUnitTag)).value_or(inch)) {
+    case noUnit:
+        return Resolution::create(*x, *y, Resolution::Unit::none);
+    case inch:
+        return Resolution::create(*x, *y, Resolution::Unit::inch);
+    case centimetre:
+        return Resolution::create(
+            *x * centimetresInAMetre, *y * centimetresInAMetre, Resolution::Unit::metre);
+    default:
+        return std::nullopt;
+    }
+}
+
+void setExifResolution(TiffTree& tree, const Resolution& resolution)
+{
+    Resolution said = resolution;
+    std::uint32_t unit = said.unit() == Resolution::Unit::none ? noUnit : inch;
+    double divisor = 1;
+    if (said.unit() == Resolution::Unit::metre) {
+        // In inches where that is what they were, else exactly.
+        const auto inInches = said.in(Resolution::Unit::inch);
+        if (inInches && std::round(inInches->x()) == inInches->x()
+            && std::round(inInches->y()) == inInches->y()) {
+            said = *inInches;
+        } else {
+            unit = centimetre;
+            divisor = centimetresInAMetre;
+        }
+    }
+    tree.main.set(tree.rationalEntry(xResolutionTag, said.x() / divisor));
+    tree.main.set(tree.rationalEntry(yResolutionTag, said.y() / divisor));
+    tree.main.set(tree.integerEntry(resolutionUnitTag, unit));
 }
 
 Groups exifGroups(const TiffTree& tree)
@@ -192,6 +252,9 @@ void adjustToPicture(TiffTree& tree, const Groups& kept, const NewPicture& pictu
     if (picture.wasTurned || (!kept.tiff && !kept.exif)) {
         tree.thumbnail = {};
         tree.thumbnailData = {};
+    }
+    if (picture.hasSidesSwapped) {
+        swapResolution(tree);
     }
     tree.main.erase(orientationTag);
     tree.thumbnail.erase(orientationTag);

@@ -2,6 +2,7 @@
 
 #include "imaging/Orientation.h"
 #include "imaging/metadata/Metadata.h"
+#include "imaging/metadata/Resolution.h"
 #include "imaging/metadata/TiffTree.h"
 
 #include <optional>
@@ -13,6 +14,13 @@ namespace vellumine::imaging::metadata {
 
 /// Whether the colour space is "uncalibrated" and the interoperability index "R03".
 [[nodiscard]] bool exifSaysAdobeRgb(const TiffTree& tree);
+
+/// The first directory's resolution; none when a number is missing or out of range, or the unit is
+/// unknown. Without a unit the numbers are pixels an inch (TIFF 6.0, section 8).
+[[nodiscard]] std::optional<Resolution> exifResolution(const TiffTree& tree);
+
+/// Puts the resolution into the first directory.
+void setExifResolution(TiffTree& tree, const Resolution& resolution);
 
 /// The groups of `Groups` that the directories hold: exif, gps and tiff. Orientation and what
 /// describes a file's structure make no group.

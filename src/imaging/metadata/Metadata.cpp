@@ -21,6 +21,22 @@ bool saysAdobeRgb(ByteSpan exif)
     return tree && exifSaysAdobeRgb(*tree);
 }
 
+std::optional<Resolution> resolution(const MetadataBlocks& blocks)
+{
+    const auto tree = readTiffTree(blocks.exif, TiffKind::exifBlock);
+    return tree ? exifResolution(*tree) : std::nullopt;
+}
+
+ByteBuffer withResolution(ByteBuffer exif, const Resolution& resolution)
+{
+    auto tree = readTiffTree(exif, TiffKind::exifBlock).value_or(TiffTree {});
+    if (exifResolution(tree)) {
+        return exif;
+    }
+    setExifResolution(tree, resolution);
+    return writeExifBlock(tree);
+}
+
 Groups groups(const MetadataBlocks& blocks)
 {
     const auto tree = readTiffTree(blocks.exif, TiffKind::exifBlock);

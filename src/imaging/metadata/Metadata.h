@@ -3,6 +3,7 @@
 #include "imaging/Geometry.h"
 #include "imaging/Orientation.h"
 #include "imaging/metadata/MetadataBlocks.h"
+#include "imaging/metadata/Resolution.h"
 
 #include <optional>
 
@@ -26,6 +27,8 @@ struct NewPicture {
     bool wasTurned = false;
     /// Its numbers are sRGB numbers (ColorSpace::isSRgbEquivalent).
     bool isSRgb = false;
+    /// Turning it has exchanged its sides.
+    bool hasSidesSwapped = false;
 };
 
 /// The orientation of the main picture. EXIF holds; without EXIF's, XMP's tiff:Orientation counts.
@@ -36,6 +39,14 @@ struct NewPicture {
 /// cameras do without a profile: a colour space that is not calibrated by Exif, with the index of
 /// DCF's option files (DCF 2.0, "R03") beside it. A damaged block says nothing.
 [[nodiscard]] bool saysAdobeRgb(ByteSpan exif);
+
+/// EXIF's resolution of the main picture; none when it is missing or senseless, or when the block
+/// is damaged.
+[[nodiscard]] std::optional<Resolution> resolution(const MetadataBlocks& blocks);
+
+/// The EXIF block with the resolution in it, unless it says one already. An empty block becomes
+/// one that says nothing else.
+[[nodiscard]] ByteBuffer withResolution(ByteBuffer exif, const Resolution& resolution);
 
 /// Which groups the blocks hold. A damaged block holds nothing.
 [[nodiscard]] Groups groups(const MetadataBlocks& blocks);
@@ -49,8 +60,9 @@ struct NewPicture {
 [[nodiscard]] ByteBuffer writeTiff(ByteBuffer file, const MetadataBlocks& blocks);
 
 /// The blocks as they may travel with the new picture: only the `kept` groups, no orientation in
-/// any of them (the thumbnail's included), pixel dimensions and colour space that are true, and no
-/// thumbnail when the picture was turned, since it would lie on its side. Nothing that describes
+/// any of them (the thumbnail's included), pixel dimensions and colour space that are true, the two
+/// numbers of the resolution exchanged with the picture's sides, and no thumbnail when the picture
+/// was turned, since it would lie on its side. Nothing that describes
 /// the old file's structure stays. Maker notes stay, at their place where they can. A damaged
 /// block is left out; of a block with damaged parts, the sound ones travel.
 [[nodiscard]] MetadataBlocks travelling(

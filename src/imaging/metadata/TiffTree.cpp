@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
+#include <limits>
 
 namespace vellumine::imaging::metadata {
 
@@ -257,6 +259,32 @@ std::optional<std::uint32_t> TiffTree::integer(const TiffEntry* entry) const
     default:
         return std::nullopt;
     }
+}
+
+std::optional<double> TiffTree::number(const TiffEntry* entry) const
+{
+    if (entry == nullptr || entry->count == 0 || entry->type != fieldtype::rational) {
+        return integer(entry);
+    }
+    const double numerator = read32(entry->value, 0, order);
+    const double denominator = read32(entry->value, 4, order);
+    return denominator == 0 ? std::nullopt : std::optional(numerator / denominator);
+}
+
+TiffEntry TiffTree::rationalEntry(std::uint16_t tag, double value) const
+{
+    constexpr double largest = std::numeric_limits<std::uint32_t>::max();
+    // The first that is exact, else the finest that there is room for.
+    std::uint32_t denominator = 1;
+    for (const std::uint32_t finer : { 100U, 10'000U }) {
+        if (std::round(value * denominator) != value * denominator && value * finer <= largest) {
+            denominator = finer;
+        }
+    }
+    TiffEntry entry { tag, fieldtype::rational, 1, ByteBuffer(8) };
+    write32(entry.value, 0, static_cast<std::uint32_t>(std::round(value * denominator)), order);
+    write32(entry.value, 4, denominator, order);
+    return entry;
 }
 
 TiffEntry TiffTree::integerEntry(std::uint16_t tag, std::uint32_t value) const

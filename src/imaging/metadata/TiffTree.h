@@ -14,6 +14,7 @@ inline constexpr std::uint16_t byte = 1;
 inline constexpr std::uint16_t ascii = 2;
 inline constexpr std::uint16_t shortInteger = 3;
 inline constexpr std::uint16_t longInteger = 4;
+inline constexpr std::uint16_t rational = 5;
 inline constexpr std::uint16_t undefined = 7;
 inline constexpr std::uint16_t directory = 13;
 } // namespace fieldtype
@@ -72,6 +73,11 @@ struct TiffTree {
     [[nodiscard]] bool empty() const;
     /// The first element of an integer field (BYTE, SHORT or LONG).
     [[nodiscard]] std::optional<std::uint32_t> integer(const TiffEntry* entry) const;
+    /// The same of a RATIONAL field as well; none where its denominator is 0.
+    [[nodiscard]] std::optional<double> number(const TiffEntry* entry) const;
+    /// A field of one RATIONAL: a number of 0 to 2^32 - 1, to the fourth decimal where there is
+    /// room for it.
+    [[nodiscard]] TiffEntry rationalEntry(std::uint16_t tag, double value) const;
     /// A field of one SHORT, or of one LONG where the value asks for it.
     [[nodiscard]] TiffEntry integerEntry(std::uint16_t tag, std::uint32_t value) const;
 };

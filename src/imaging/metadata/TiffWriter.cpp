@@ -148,9 +148,8 @@ std::optional<std::size_t> makerNotePlace(const TiffTree& tree)
 void reverseElements(TiffEntry& entry)
 {
     // Rationals are pairs of numbers.
-    constexpr std::uint16_t rational = 5;
     constexpr std::uint16_t signedRational = 10;
-    const bool isPair = entry.type == rational || entry.type == signedRational;
+    const bool isPair = entry.type == fieldtype::rational || entry.type == signedRational;
     const std::size_t width = elementSize(entry.type) / (isPair ? 2 : 1);
     for (std::size_t at = 0; at + width <= entry.value.size(); at += width) {
         const auto first = entry.value.begin() + static_cast<std::ptrdiff_t>(at);

@@ -214,6 +214,13 @@ Exiv2::XmpData adjusted(const Exiv2::XmpData& data, const NewPicture& picture)
             found->setValue(value);
         }
     }
+    const auto x = result.findKey(Exiv2::XmpKey("Xmp.tiff.XResolution"));
+    const auto y = result.findKey(Exiv2::XmpKey("Xmp.tiff.YResolution"));
+    if (picture.hasSidesSwapped && x != result.end() && y != result.end()) {
+        const std::string across = x->toString();
+        x->setValue(y->toString());
+        y->setValue(across);
+    }
     return result;
 }
 

@@ -62,7 +62,8 @@ ByteBuffer BmpFile::bytes() const
             = infoBytes + palette.size() * 4 + pixels.size(); // from the header's start
         info.add32(static_cast<std::uint32_t>(width)).add32(static_cast<std::uint32_t>(height));
         info.add16(1).add16(static_cast<std::uint32_t>(bits)).add32(compression);
-        info.add32(static_cast<std::uint32_t>(pixels.size())).add32(2835).add32(2835);
+        info.add32(static_cast<std::uint32_t>(pixels.size()));
+        info.add32(pixelsPerMetreX).add32(pixelsPerMetreY);
         info.add32(colors).add32(0);
         for (const std::uint32_t mask : masks) {
             info.add32(mask);

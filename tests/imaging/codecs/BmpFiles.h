@@ -40,6 +40,8 @@ struct BmpFile {
     std::optional<std::uint32_t> declaredColors = {};
     std::vector<std::array<int, 3>> palette = {}; ///< red, green, blue
     std::optional<std::uint32_t> pixelOffset = {};
+    std::uint32_t pixelsPerMetreX = 2835;
+    std::uint32_t pixelsPerMetreY = 2835;
     imaging::ByteBuffer pixels = {};
     /// From version 4 on: the kind of colour space, and what follows it in the header.
     std::uint32_t colorSpaceKind = 0x73524742; // 'sRGB'

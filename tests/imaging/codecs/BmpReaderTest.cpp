@@ -290,6 +290,27 @@ TEST(BmpReader, ReadsTheFirstBitmapOfAnOs2Array)
     expectHeaderTellsTheTruth(file, *decoded);
 }
 
+TEST(BmpReader, TheResolutionIsThatOfTheHeader)
+{
+    const auto resolutionOf = [](std::uint32_t x, std::uint32_t y, std::uint32_t infoBytes = 40) {
+        BmpFile file = smallFile(infoBytes, 24);
+        file.pixelsPerMetreX = x;
+        file.pixelsPerMetreY = y;
+        return decode(file.bytes())->resolution;
+    };
+    const auto expected = Resolution::create(11'811, 5906, Resolution::Unit::metre);
+    for (const std::uint32_t infoBytes : { 40U, 64U, 108U, 124U }) {
+        EXPECT_EQ(resolutionOf(11'811, 5906, infoBytes), expected);
+    }
+    EXPECT_EQ(resolutionOf(11'811, 5906, 12), std::nullopt); // no room for it
+    EXPECT_EQ(resolutionOf(0, 0), std::nullopt);
+    EXPECT_EQ(resolutionOf(11'811, 0), std::nullopt);
+    EXPECT_EQ(resolutionOf(0x80000000, 11'811), std::nullopt);
+    EXPECT_EQ(resolutionOf(0xFFFFFFFF, 0xFFFFFFFF), std::nullopt);
+    EXPECT_EQ(resolutionOf(0x7FFFFFFF, 1),
+        Resolution::create(Resolution::largest, 1, Resolution::Unit::metre));
+}
+
 TEST(BmpReader, ARegionIsNotCutOut)
 {
     const ByteBuffer file = smallFile(40, 24).bytes();

@@ -146,6 +146,27 @@ TEST(BmpWriterColors, OnePixelThatIsNotOpaqueKeepsAlpha)
         0);
 }
 
+TEST(BmpWriterResolution, IsOnlyWhatIsSaid)
+{
+    using Unit = Resolution::Unit;
+    const auto numbers = [](std::optional<Resolution> resolution, AlphaInfo alpha) {
+        const auto file = bmp::encode(test::gradient(oddSize, { ColorModel::rgb, 8, alpha }),
+            { .metadata = {}, .resolution = resolution });
+        return std::pair(littleEndian32(*file, 38), littleEndian32(*file, 42));
+    };
+    const std::pair nothing { 0U, 0U };
+    for (const AlphaInfo alpha : { AlphaInfo::none, AlphaInfo::last }) {
+        EXPECT_EQ(numbers(std::nullopt, alpha), nothing);
+        EXPECT_EQ(numbers(Resolution::create(11'811, 5906, Unit::metre), alpha),
+            std::pair(11'811U, 5906U));
+        EXPECT_EQ(
+            numbers(Resolution::create(72, 300, Unit::inch), alpha), std::pair(2835U, 11'811U));
+        EXPECT_EQ(numbers(Resolution::create(4, 3, Unit::none), alpha), nothing);
+        EXPECT_EQ(numbers(Resolution::create(Resolution::largest, 1, Unit::inch), alpha), nothing);
+        EXPECT_EQ(numbers(Resolution::create(0.4, 1, Unit::metre), alpha), nothing);
+    }
+}
+
 Image wideGamut(PixelLayout layout)
 {
     const Primaries displayP3 { { 0.3127, 0.3290 }, { 0.680, 0.320 }, { 0.265, 0.690 },

@@ -205,5 +205,110 @@ TEST(JpegMetadata, dropsExifThatIsNoTiffStructure)
     EXPECT_TRUE(decodedWith({ { 0xE1, "Exif\0\0"s } }).metadata.exif.empty());
 }
 
+constexpr int commentMarker = 0xFE;
+
+TEST(JpegComments, areReadInTheirOrder)
+{
+    const auto decoded = decodedWith(
+        { { commentMarker, "one" }, { commentMarker, "" }, { commentMarker, "two" } });
+    ASSERT_EQ(decoded.texts.list().size(), 2U);
+    EXPECT_EQ(decoded.texts.list()[0], (FileText { .content = bytesOf("one") }));
+    EXPECT_EQ(decoded.texts.list()[1], (FileText { .content = bytesOf("two") }));
+    EXPECT_TRUE(decoded.metadata.empty());
+    EXPECT_TRUE(decodedWith({}).texts.empty());
+}
+
+TEST(JpegComments, areBounded)
+{
+    EXPECT_EQ(decodedWith(
+                  std::vector(FileTexts::mostTexts + 1, std::pair(commentMarker, std::string("x"))))
+                  .texts.list()
+                  .size(),
+        FileTexts::mostTexts);
+}
+
+TEST(JpegComments, surviveARoundTripWhereTheyFit)
+{
+    FileTexts comments;
+    comments.add({ .content = bytesOf("one") });
+    comments.add({ .content = ByteBuffer(65'533, std::byte { 'x' }) });
+    FileTexts more = comments;
+    more.add({ .content = ByteBuffer(65'534, std::byte { 'x' }) });
+    more.add({});
+    const Image picture = test::gradient(oddSize, rgb8);
+    const auto file = jpeg::encode(picture, { .metadata = {}, .texts = more }).value();
+    EXPECT_EQ(jpeg::decode(file, {})->texts, comments);
+}
+
+/// Unit and numbers of the JFIF header, which stands right behind the file's first marker.
+std::vector<int> densityIn(ByteSpan file)
+{
+    EXPECT_EQ(textOf(file.subspan(6, 5)), "JFIF\0"s);
+    const auto at = [&file](std::size_t offset) { return std::to_integer<int>(file[offset]); };
+    return { at(13), at(14) * 256 + at(15), at(16) * 256 + at(17) };
+}
+
+std::optional<Resolution> resolutionFrom(int unit, int x, int y)
+{
+    ByteBuffer file = jpegFile(test::gradient(oddSize, rgb8), {});
+    EXPECT_EQ(densityIn(file), (std::vector { 0, 1, 1 }));
+    file[13] = static_cast<std::byte>(unit);
+    for (const auto& [offset, value] : { std::pair(14U, x), std::pair(16U, y) }) {
+        file[offset] = static_cast<std::byte>(value / 256);
+        file[offset + 1] = static_cast<std::byte>(value % 256);
+    }
+    return jpeg::decode(file, {})->resolution;
+}
+
+TEST(JpegResolution, isThatOfTheJfifHeader)
+{
+    using Unit = Resolution::Unit;
+    EXPECT_EQ(resolutionFrom(0, 1, 1), std::nullopt);
+    EXPECT_EQ(resolutionFrom(0, 4, 3), Resolution::create(4, 3, Unit::none));
+    EXPECT_EQ(resolutionFrom(1, 300, 150), Resolution::create(300, 150, Unit::inch));
+    EXPECT_EQ(resolutionFrom(2, 118, 65'535), Resolution::create(11'800, 6'553'500, Unit::metre));
+    EXPECT_EQ(resolutionFrom(1, 0, 300), std::nullopt);
+    EXPECT_EQ(resolutionFrom(1, 300, 0), std::nullopt);
+    EXPECT_EQ(resolutionFrom(3, 300, 300), std::nullopt);
+}
+
+TEST(JpegResolution, isWrittenWhereTheHeaderHasRoomForIt)
+{
+    using Unit = Resolution::Unit;
+    const auto densityOf = [](std::optional<Resolution> resolution) {
+        return densityIn(jpeg::encode(
+            test::gradient(oddSize, rgb8), { .metadata = {}, .resolution = resolution })
+                             .value());
+    };
+    const std::vector nothing { 0, 1, 1 };
+    EXPECT_EQ(densityOf(std::nullopt), nothing);
+    EXPECT_EQ(densityOf(Resolution::create(300, 150, Unit::inch)), (std::vector { 1, 300, 150 }));
+    EXPECT_EQ(
+        densityOf(Resolution::create(299.99, 72.2, Unit::inch)), (std::vector { 1, 300, 72 }));
+    EXPECT_EQ(
+        densityOf(Resolution::create(11'811, 2835, Unit::metre)), (std::vector { 1, 300, 72 }));
+    EXPECT_EQ(densityOf(Resolution::create(11'800, 6'553'500, Unit::metre)),
+        (std::vector { 2, 118, 65'535 }));
+    EXPECT_EQ(densityOf(Resolution::create(4, 3, Unit::none)), (std::vector { 0, 4, 3 }));
+    EXPECT_EQ(densityOf(Resolution::create(1.5, 1, Unit::none)), nothing);
+    EXPECT_EQ(densityOf(Resolution::create(65'536, 300, Unit::inch)), nothing);
+    EXPECT_EQ(densityOf(Resolution::create(300, 0.4, Unit::inch)), nothing);
+    EXPECT_EQ(densityOf(Resolution::create(Resolution::largest, 1, Unit::none)), nothing);
+    EXPECT_EQ(densityOf(Resolution::create(Resolution::largest, 300, Unit::metre)), nothing);
+}
+
+TEST(JpegResolution, isSaidForInkAsWell)
+{
+    const Image ink = test::gradient(oddSize, { ColorModel::cmyk, 8, AlphaInfo::none });
+    const auto resolution = Resolution::create(300, 300, Resolution::Unit::inch);
+    const auto with = jpeg::encode(ink, { .metadata = {}, .resolution = resolution }).value();
+    const auto without = jpeg::encode(ink, {}).value();
+    EXPECT_EQ(jpeg::decode(with, {})->resolution, resolution);
+    EXPECT_EQ(jpeg::decode(without, {})->resolution, std::nullopt);
+    EXPECT_EQ(
+        test::maximumDifference(jpeg::decode(with, {})->image, jpeg::decode(without, {})->image),
+        0);
+}
+
 } // namespace
 } // namespace vellumine::imaging

@@ -107,6 +107,25 @@ TEST_P(EncodedFromPlanes, needsRowsWhereThatIsNotItsPicture)
     EXPECT_TRUE(areEqual(encoded(m_planes, best), encoded(m_rows, best)));
 }
 
+TEST_P(EncodedFromPlanes, saysAsMuchAsFromRows)
+{
+    EncodeOptions options = normal;
+    options.resolution = Resolution::create(300, 150, Resolution::Unit::inch);
+    options.texts.add({ .content = ByteBuffer(9, std::byte { 'c' }) });
+    for (const Image& image : { m_planes, m_rows }) {
+        const auto read = jpeg::decode(encoded(image, options), {});
+        EXPECT_EQ(read->resolution, options.resolution);
+        EXPECT_EQ(read->texts, options.texts);
+    }
+    // What is read does not depend on how the picture is.
+    const auto file = encoded(m_rows, options);
+    for (const ImageUse use : { ImageUse::asRows, ImageUse::toBeDrawn }) {
+        const auto read = jpeg::decode(file, { .limits = {}, .wish = { .use = use } });
+        EXPECT_EQ(read->resolution, options.resolution);
+        EXPECT_EQ(read->texts, options.texts);
+    }
+}
+
 TEST_P(EncodedFromPlanes, isGreyWhereItHasNoColour)
 {
     const Image grey = test::makeImage(photoSize, rgb8, ColorSpace::sRgb(),

@@ -383,6 +383,116 @@ TEST(Travelling, anUncompressedThumbnailStaysReadable)
         [](std::byte value) { return value == std::byte { 0x42 }; }));
 }
 
+/// A block that says a resolution, and who made the camera.
+MetadataBlocks blocksWith(
+    const ExifBuilder& builder, ExifBuilder::Directory resolution, std::vector<std::uint16_t> unit)
+{
+    ExifBuilder block = builder;
+    block.main = { ExifBuilder::ascii(0x010F, "Kestrova") };
+    block.main.insert(block.main.end(), resolution.begin(), resolution.end());
+    if (!unit.empty()) {
+        block.main.push_back(block.shorts(0x0128, std::move(unit)));
+    }
+    return exifOnly(block.build());
+}
+
+TEST(MetadataResolution, isReadInEveryUnitAndByteOrder)
+{
+    using Unit = Resolution::Unit;
+    for (const ByteOrder order : { ByteOrder::little, ByteOrder::big }) {
+        const ExifBuilder builder(order);
+        const ExifBuilder::Directory numbers { builder.rationals(0x011A, { 3000, 10 }),
+            builder.rationals(0x011B, { 301, 2 }) };
+        const auto inUnit = [&](std::vector<std::uint16_t> unit) {
+            return resolution(blocksWith(builder, numbers, std::move(unit)));
+        };
+        EXPECT_EQ(inUnit({ 1 }), Resolution::create(300, 150.5, Unit::none));
+        EXPECT_EQ(inUnit({ 2 }), Resolution::create(300, 150.5, Unit::inch));
+        EXPECT_EQ(inUnit({ 3 }), Resolution::create(30'000, 15'050, Unit::metre));
+        EXPECT_EQ(inUnit({}), Resolution::create(300, 150.5, Unit::inch));
+        EXPECT_EQ(inUnit({ 4 }), std::nullopt);
+        const ExifBuilder::Directory whole { builder.shorts(0x011A, { 300 }),
+            builder.longs(0x011B, { 150 }) };
+        EXPECT_EQ(
+            resolution(blocksWith(builder, whole, {})), Resolution::create(300, 150, Unit::inch));
+    }
+}
+
+TEST(MetadataResolution, thatMakesNoSenseIsNone)
+{
+    const ExifBuilder builder;
+    const auto of = [&](std::vector<std::uint32_t> x, std::vector<std::uint32_t> y) {
+        return resolution(blocksWith(builder,
+            { builder.rationals(0x011A, std::move(x)), builder.rationals(0x011B, std::move(y)) },
+            { 2 }));
+    };
+    EXPECT_TRUE(of({ 300, 1 }, { 300, 1 }));
+    EXPECT_FALSE(of({ 300, 0 }, { 300, 1 }));
+    EXPECT_FALSE(of({ 300, 1 }, { 0, 1 }));
+    EXPECT_FALSE(of({ 300, 1 }, { 0, 0 }));
+    EXPECT_FALSE(of({ 0xFFFFFFFF, 1 }, { 300, 1 }));
+    EXPECT_FALSE(resolution(blocksWith(builder, { builder.rationals(0x011A, { 300, 1 }) }, { 2 })));
+    EXPECT_FALSE(resolution(blocksWith(builder,
+        { ExifBuilder::ascii(0x011A, "300"), builder.rationals(0x011B, { 300, 1 }) }, { 2 })));
+    EXPECT_FALSE(resolution({}));
+    EXPECT_FALSE(resolution(exifOnly(bytesOf("II*"))));
+}
+
+TEST(MetadataResolution, changesSidesWithThePicture)
+{
+    const ExifBuilder builder(ByteOrder::big);
+    MetadataBlocks blocks = blocksWith(builder,
+        { builder.rationals(0x011A, { 300, 1 }), builder.rationals(0x011B, { 150, 1 }) }, { 2 });
+    blocks.xmp = xmpPacket(R"(tiff:XResolution="300/1" tiff:YResolution="150/1")");
+    const auto numbers = [&](bool wasTurned, bool hasSidesSwapped) {
+        const MetadataBlocks result = travelling(blocks, everything,
+            { .size = { 10, 10 }, .wasTurned = wasTurned, .hasSidesSwapped = hasSidesSwapped });
+        const auto exif = exifFields(result.exif);
+        const auto xmp = xmpFields(result.xmp);
+        EXPECT_EQ(exif.at("Exif.Image.XResolution"), xmp->at("Xmp.tiff.XResolution"));
+        EXPECT_EQ(exif.at("Exif.Image.YResolution"), xmp->at("Xmp.tiff.YResolution"));
+        return exif.at("Exif.Image.XResolution") + " " + exif.at("Exif.Image.YResolution");
+    };
+    EXPECT_EQ(numbers(false, false), "300/1 150/1");
+    EXPECT_EQ(numbers(true, false), "300/1 150/1");
+    EXPECT_EQ(numbers(true, true), "150/1 300/1");
+}
+
+TEST(MetadataResolution, isAddedWhereNoneIsSaid)
+{
+    using Unit = Resolution::Unit;
+    const ExifBuilder builder(ByteOrder::big);
+    const ByteBuffer maker = blocksWith(builder, {}, {}).exif;
+    struct Row {
+        Resolution resolution;
+        const char* x;
+        const char* y;
+        const char* unit;
+    };
+    for (const auto& [stated, x, y, unit] :
+        {
+            Row { *Resolution::create(300, 72, Unit::inch), "300/1", "72/1", "2" },
+            Row { *Resolution::create(299.5, 1.0 / 3, Unit::inch), "29950/100", "3333/10000", "2" },
+            Row { *Resolution::create(11'811, 2835, Unit::metre), "300/1", "72/1", "2" },
+            Row { *Resolution::create(11'800, 2835, Unit::metre), "118/1", "2835/100", "3" },
+            Row { *Resolution::create(4, 3, Unit::none), "4/1", "3/1", "1" },
+            Row { *Resolution::create(Resolution::largest, 0.5, Unit::inch), "2147483647/1",
+                "50/100", "2" },
+        }) {
+        const auto fields = exifFields(withResolution(maker, stated));
+        EXPECT_THAT(fields, Contains(Pair("Exif.Image.Make", "Kestrova")));
+        EXPECT_THAT(fields, Contains(Pair("Exif.Image.XResolution", x)));
+        EXPECT_THAT(fields, Contains(Pair("Exif.Image.YResolution", y)));
+        EXPECT_THAT(fields, Contains(Pair("Exif.Image.ResolutionUnit", unit)));
+        EXPECT_EQ(resolution(exifOnly(withResolution({}, stated)))->unit(),
+            std::string_view(unit) == "1"       ? Unit::none
+                : std::string_view(unit) == "2" ? Unit::inch
+                                                : Unit::metre);
+    }
+    const ByteBuffer camera = cameraExif();
+    EXPECT_EQ(withResolution(camera, *Resolution::create(300, 300, Unit::inch)), camera);
+}
+
 TEST(TravellingXmp, losesOrientationStructureAndThumbnails)
 {
     const ByteBuffer packet = xmpPacket(

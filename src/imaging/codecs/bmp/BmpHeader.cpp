@@ -187,6 +187,9 @@ Result<Header> parseHeader(ByteSpan file)
     if (!isKnownDepth(header.bitsPerPixel)) {
         return failure(Error::Kind::malformed, "no such number of bits");
     }
+    // Signed numbers, and above zero where they say anything.
+    header.resolution = Resolution::create(static_cast<std::int32_t>(field(24)),
+        static_cast<std::int32_t>(field(28)), Resolution::Unit::metre);
     header.declaredColors = field(32);
 
     std::size_t headerEnd = header.infoBytes;

@@ -3,10 +3,12 @@
 #include "imaging/Bytes.h"
 #include "imaging/Error.h"
 #include "imaging/Geometry.h"
+#include "imaging/metadata/Resolution.h"
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 namespace vellumine::imaging::bmp {
 
@@ -50,6 +52,7 @@ struct Header {
     ChannelMasks masks; ///< for 16 and 32 bits
     std::size_t paletteOffset = 0; ///< from the start of the file
     std::uint32_t declaredColors = 0; ///< in the palette, as the file says; 0 means all
+    std::optional<Resolution> resolution;
     std::size_t pixelOffset = 0; ///< from the start of the file; may lie beyond its end
 
     [[nodiscard]] bool isIndexed() const { return bitsPerPixel <= 8; }

@@ -80,11 +80,13 @@ Result<DecodedImage> decode(ByteSpan file, const DecodeOptions& options)
     if (const auto read = readPixels(*header, palette, pixels, *target); !read) {
         return tl::unexpected(read.error());
     }
-    return DecodedImage { .image = Image(std::move(*target), colorSpaceOf(file, *header)),
+    DecodedImage decoded { .image = Image(std::move(*target), colorSpaceOf(file, *header)),
         .storedSize = header->size,
         .isRegion = false,
         .metadata = {},
         .orientation = {} };
+    decoded.resolution = header->resolution;
+    return decoded;
 }
 
 } // namespace vellumine::imaging::bmp

@@ -18,7 +18,6 @@ constexpr std::uint32_t bitFields = 3;
 constexpr std::uint32_t windowsColorSpace = 0x57696E20; // 'Win ': nothing is stated
 constexpr std::uint32_t profileEmbedded = 0x4D424544; // 'MBED'
 constexpr std::uint32_t intentImages = 4; // perceptual, what pictures commonly state
-constexpr std::uint32_t pixelsPerMetre = 2835; // 72 dpi
 constexpr std::size_t paletteEntryBytes = 4;
 
 /// How pixels are written.
@@ -129,6 +128,7 @@ struct Plan {
     std::size_t pixelBytes;
     std::size_t pixelOffset;
     ByteSpan profile;
+    Resolution::WholeNumbers pixelsPerMetre; ///< 0 where nothing is stated
 
     [[nodiscard]] bool hasMasks() const { return form.bits == 32; }
     [[nodiscard]] std::size_t fileBytes() const
@@ -137,11 +137,15 @@ struct Plan {
     }
 };
 
-Plan planFor(const Image& image, Form form, ByteSpan profile)
+Plan planFor(const Image& image, Form form, ByteSpan profile, std::optional<Resolution> resolution)
 {
-    Plan plan { std::move(form), infoHeader, 0, 0, 0, profile };
+    Plan plan { std::move(form), infoHeader, 0, 0, 0, profile, {} };
     if (plan.hasMasks() || !profile.empty()) {
         plan.infoBytes = v5Header;
+    }
+    if (resolution) {
+        plan.pixelsPerMetre = resolution->rounded(Resolution::Unit::metre, Resolution::largest)
+                                  .value_or(Resolution::WholeNumbers {});
     }
     plan.stride = plan.form.stride(image.width());
     plan.pixelBytes = plan.stride * static_cast<std::size_t>(image.height());
@@ -163,8 +167,8 @@ void writeHeaders(Writer& out, Size size, const Plan& plan)
     out.add16(static_cast<std::uint32_t>(plan.form.bits));
     out.add32(plan.hasMasks() ? bitFields : 0U);
     out.add32(plan.pixelBytes);
-    out.add32(pixelsPerMetre);
-    out.add32(pixelsPerMetre);
+    out.add32(plan.pixelsPerMetre.x);
+    out.add32(plan.pixelsPerMetre.y);
     out.add32(plan.form.palette.size());
     out.add32(0U); // all colours are important
     if (plan.infoBytes == infoHeader) {
@@ -235,8 +239,8 @@ Result<ByteBuffer> encode(const Image& image, const EncodeOptions& options)
     // The numbers of a palette are RGB, which a grey profile cannot explain.
     const bool keepsProfile
         = options.profile == ProfilePolicy::embed && image.layout().model == ColorModel::rgb;
-    const Plan plan = planFor(
-        *picture, formFor(*picture), keepsProfile ? image.colorSpace().iccProfile() : ByteSpan {});
+    const Plan plan = planFor(*picture, formFor(*picture),
+        keepsProfile ? image.colorSpace().iccProfile() : ByteSpan {}, options.resolution);
     if (plan.fileBytes() > std::numeric_limits<std::uint32_t>::max()) {
         return failure(Error::Kind::encodingFailed, "a bitmap's file is 4 GB at most");
     }

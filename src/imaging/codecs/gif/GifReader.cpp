@@ -1,4 +1,5 @@
 #include "imaging/codecs/gif/GifCodec.h"
+#include "imaging/codecs/gif/GifComments.h"
 #include "imaging/codecs/gif/GifFrame.h"
 
 #include <algorithm>
@@ -105,6 +106,7 @@ Result<DecodedImage> decode(ByteSpan file, const DecodeOptions& options)
         .metadata = {},
         .orientation = {} };
     decoded.metadata.xmp = reader->xmp();
+    decoded.texts = commentsOf(file);
     return decoded;
 }
 

@@ -53,7 +53,28 @@ bool writeTransparency(GifFileType* file, std::uint8_t index)
         == GIF_OK;
 }
 
-bool writePicture(GifFileType* file, IndexedImage& image)
+/// In blocks as long as they can be. An empty one would be none.
+bool writeComment(GifFileType* file, ByteSpan comment)
+{
+    constexpr std::size_t longestBlock = 255;
+    if (comment.empty()) {
+        return true;
+    }
+    if (EGifPutExtensionLeader(file, COMMENT_EXT_FUNC_CODE) == GIF_ERROR) {
+        return false;
+    }
+    while (!comment.empty()) {
+        const ByteSpan block = comment.first(std::min(comment.size(), longestBlock));
+        if (EGifPutExtensionBlock(file, static_cast<int>(block.size()), block.data())
+            == GIF_ERROR) {
+            return false;
+        }
+        comment = comment.subspan(block.size());
+    }
+    return EGifPutExtensionTrailer(file) == GIF_OK;
+}
+
+bool writePicture(GifFileType* file, IndexedImage& image, const FileTexts& comments)
 {
     const ColorMap map = colorMap(image.palette);
     if (!map) {
@@ -61,9 +82,14 @@ bool writePicture(GifFileType* file, IndexedImage& image)
     }
     const int width = image.size.width;
     const int height = image.size.height;
-    EGifSetGifVersion(file, image.transparentIndex.has_value());
+    EGifSetGifVersion(file, image.transparentIndex.has_value() || !comments.empty());
     if (EGifPutScreenDesc(file, width, height, 8, 0, map.get()) == GIF_ERROR) {
         return false;
+    }
+    for (const FileText& comment : comments.list()) {
+        if (!writeComment(file, comment.content)) {
+            return false;
+        }
     }
     if (image.transparentIndex && !writeTransparency(file, *image.transparentIndex)) {
         return false;
@@ -82,7 +108,7 @@ bool writePicture(GifFileType* file, IndexedImage& image)
 
 } // namespace
 
-Result<ByteBuffer> encode(const Image& image, const EncodeOptions& /*options*/)
+Result<ByteBuffer> encode(const Image& image, const EncodeOptions& options)
 {
     if (image.layout().model == ColorModel::cmyk) {
         return failure(Error::Kind::unsupported, "a GIF holds no CMYK");
@@ -102,7 +128,7 @@ Result<ByteBuffer> encode(const Image& image, const EncodeOptions& /*options*/)
     ByteBuffer output;
     int error = E_GIF_SUCCEEDED;
     File file(EGifOpen(&output, appendOutput, &error));
-    if (!file || !writePicture(file.get(), *picture)
+    if (!file || !writePicture(file.get(), *picture, options.texts)
         || EGifCloseFile(file.release(), &error) == GIF_ERROR) {
         return failure(Error::Kind::encodingFailed, "the GIF could not be written");
     }

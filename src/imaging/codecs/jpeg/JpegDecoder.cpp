@@ -343,7 +343,8 @@ Result<DecodedImage> Reader::decode(const DecodeOptions& options)
     }
     return checkBehindLastRow(m_library).map([&] {
         return DecodedImage { std::move(*image), header->size, region.has_value(),
-            metadata(m_library), std::nullopt, drawing != nullptr };
+            metadata(m_library), std::nullopt, drawing != nullptr, Orientation::topLeft,
+            resolution(m_library), comments(m_library) };
     });
 }
 

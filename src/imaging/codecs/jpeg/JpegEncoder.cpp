@@ -238,6 +238,7 @@ Result<ByteBuffer> Writer::write(
 {
     const auto started = m_errors.run([&] {
         configure(plan, coding);
+        setResolution(m_library, markers);
         jpeg_start_compress(&m_library, TRUE);
         writeMarkers(m_library, markers);
     });
@@ -390,8 +391,8 @@ Result<ByteBuffer> encode(Plan plan, const EncodeOptions& options)
     const Image& image = plan.image;
     const std::size_t expected = std::size_t { 4096 }
         + static_cast<std::size_t>(image.width()) * static_cast<std::size_t>(image.height()) / 4;
-    return Writer(expected).write(plan, EntropyCoding::smallest,
-        outgoingMarkers(profileOf(image, options), options.metadata));
+    return Writer(expected).write(
+        plan, EntropyCoding::smallest, outgoingMarkers(profileOf(image, options), options));
 }
 
 /// A file of some blocks of the picture, of one or three components as the picture's is.
@@ -403,8 +404,8 @@ Result<ByteBuffer> encodeBlocks(
     }
     const std::size_t expected = std::size_t { 4096 }
         + static_cast<std::size_t>(blocks.width) * static_cast<std::size_t>(blocks.height);
-    return Writer(expected).write(
-        plan, EntropyCoding::fastest, outgoingMarkers(profileOf(plan.image, options), {}));
+    return Writer(expected).write(plan, EntropyCoding::fastest,
+        outgoingMarkers(profileOf(plan.image, options), EncodeOptions {}));
 }
 
 Result<ByteBuffer> encodeBlocks(

@@ -20,11 +20,39 @@ constexpr std::size_t iccOverhead = iccSignature.size() + 2;
 constexpr std::size_t maximumSegment = 65533;
 /// The XMP specification's number, two bytes below what would fit.
 constexpr std::size_t maximumXmp = 65502;
+/// The units of a JFIF header's density.
+enum DensityUnit : UINT8 { noUnit = 0, inch = 1, centimetre = 2 };
+constexpr std::uint32_t centimetresInAMetre = 100;
+constexpr std::uint32_t maximumDensity = 0xFFFF;
+
 constexpr std::size_t maximumIccProfile = 255 * (maximumSegment - iccOverhead);
 
 ByteSpan contentOf(const jpeg_marker_struct& marker)
 {
     return std::as_bytes(std::span(marker.data, marker.data_length));
+}
+
+struct Density {
+    DensityUnit unit;
+    Resolution::WholeNumbers numbers;
+};
+
+/// What was given in centimetres, or is whole in them, stays so; else it is rounded to whole pixels
+/// an inch.
+std::optional<Density> densityOf(const Resolution& resolution)
+{
+    using Unit = Resolution::Unit;
+    if (resolution.unit() == Unit::metre) {
+        const auto perMetre = resolution.rounded(Unit::metre, centimetresInAMetre * maximumDensity);
+        if (perMetre && perMetre->x % centimetresInAMetre == 0
+            && perMetre->y % centimetresInAMetre == 0) {
+            return Density { centimetre,
+                { perMetre->x / centimetresInAMetre, perMetre->y / centimetresInAMetre } };
+        }
+    }
+    const bool isRatio = resolution.unit() == Unit::none;
+    const auto numbers = resolution.rounded(isRatio ? Unit::none : Unit::inch, maximumDensity);
+    return numbers ? std::optional(Density { isRatio ? noUnit : inch, *numbers }) : std::nullopt;
 }
 
 ByteBuffer toBuffer(ByteSpan bytes)
@@ -36,7 +64,7 @@ ByteBuffer toBuffer(ByteSpan bytes)
 
 void keepMarkers(jpeg_decompress_struct& library)
 {
-    for (const int marker : { exifAndXmpMarker, iccMarker, photoshopMarker }) {
+    for (const int marker : { exifAndXmpMarker, iccMarker, photoshopMarker, int { JPEG_COM } }) {
         jpeg_save_markers(&library, marker, 0xFFFF);
     }
 }
@@ -104,8 +132,40 @@ MetadataBlocks metadata(const jpeg_decompress_struct& library)
     return blocks;
 }
 
-OutgoingMarkers outgoingMarkers(ByteSpan profile, const MetadataBlocks& blocks)
+FileTexts comments(const jpeg_decompress_struct& library)
 {
+    FileTexts comments;
+    for (const auto* marker = library.marker_list; marker != nullptr; marker = marker->next) {
+        if (marker->marker == JPEG_COM && marker->data_length > 0) {
+            comments.add({ .content = toBuffer(contentOf(*marker)) });
+        }
+    }
+    return comments;
+}
+
+std::optional<Resolution> resolution(const jpeg_decompress_struct& library)
+{
+    const unsigned x = library.X_density;
+    const unsigned y = library.Y_density;
+    if (!library.saw_JFIF_marker) {
+        return std::nullopt;
+    }
+    switch (library.density_unit) {
+    case noUnit:
+        return x == 1 && y == 1 ? std::nullopt : Resolution::create(x, y, Resolution::Unit::none);
+    case inch:
+        return Resolution::create(x, y, Resolution::Unit::inch);
+    case centimetre:
+        return Resolution::create(
+            centimetresInAMetre * x, centimetresInAMetre * y, Resolution::Unit::metre);
+    default:
+        return std::nullopt;
+    }
+}
+
+OutgoingMarkers outgoingMarkers(ByteSpan profile, const EncodeOptions& options)
+{
+    const MetadataBlocks& blocks = options.metadata;
     OutgoingMarkers markers;
     const auto add = [&markers](int marker, std::string_view signature, ByteSpan content) {
         if (signature.size() + content.size() > maximumSegment) {
@@ -125,10 +185,29 @@ OutgoingMarkers outgoingMarkers(ByteSpan profile, const MetadataBlocks& blocks)
     if (!blocks.iptc.empty()) {
         add(photoshopMarker, photoshopSignature, photoshopResources(blocks.iptc));
     }
+    for (const FileText& comment : options.texts.list()) {
+        if (!comment.content.empty()) {
+            add(JPEG_COM, {}, comment.content);
+        }
+    }
     if (profile.size() <= maximumIccProfile) {
         markers.iccProfile = toBuffer(profile);
     }
+    markers.resolution = options.resolution;
     return markers;
+}
+
+void setResolution(jpeg_compress_struct& library, const OutgoingMarkers& markers)
+{
+    const auto density = markers.resolution ? densityOf(*markers.resolution) : std::nullopt;
+    if (!density) {
+        return;
+    }
+    // JFIF is not made for four inks, but there is no other place, and their programs look there.
+    library.write_JFIF_header = TRUE;
+    library.density_unit = density->unit;
+    library.X_density = static_cast<UINT16>(density->numbers.x);
+    library.Y_density = static_cast<UINT16>(density->numbers.y);
 }
 
 void writeMarkers(jpeg_compress_struct& library, const OutgoingMarkers& markers)

@@ -4,6 +4,7 @@
 #include "imaging/codecs/png/PngCodec.h"
 #include "imaging/codecs/png/PngColor.h"
 #include "imaging/codecs/png/PngMetadata.h"
+#include "imaging/codecs/png/PngTexts.h"
 
 #include <bit>
 #include <cstring>
@@ -216,8 +217,11 @@ Result<DecodedImage> decode(ByteSpan file, const DecodeOptions& options)
     if (kept != wanted) {
         image = image.cropped(wanted);
     }
-    return DecodedImage { std::move(image), header->size, isRegion, std::move(metadata),
+    DecodedImage decoded { std::move(image), header->size, isRegion, std::move(metadata),
         std::nullopt };
+    decoded.resolution = resolutionOf(file);
+    decoded.texts = textsOf(file);
+    return decoded;
 }
 
 } // namespace vellumine::imaging::png

@@ -4,6 +4,7 @@
 #include "imaging/codecs/png/PngCompression.h"
 #include "imaging/codecs/png/PngMetadata.h"
 #include "imaging/codecs/png/PngReduction.h"
+#include "imaging/codecs/png/PngTexts.h"
 #include "imaging/codecs/png/PngTrials.h"
 
 #include <algorithm>
@@ -38,7 +39,7 @@ void appendProfile(ByteBuffer& file, ByteSpan deflatedProfile)
 }
 
 ByteBuffer assembled(const PackedPicture& picture, ByteSpan stream, ByteSpan deflatedProfile,
-    const MetadataBlocks& metadata)
+    const EncodeOptions& options)
 {
     ByteBuffer file;
     append(file, signature);
@@ -52,7 +53,11 @@ ByteBuffer assembled(const PackedPicture& picture, ByteSpan stream, ByteSpan def
     if (!picture.transparency.empty()) {
         appendChunk(file, "tRNS", picture.transparency);
     }
-    appendMetadata(file, metadata);
+    if (options.resolution) {
+        appendResolution(file, *options.resolution);
+    }
+    appendMetadata(file, options.metadata);
+    appendTexts(file, options.texts, options.effort);
     while (!stream.empty()) {
         const ByteSpan piece = stream.first(std::min(stream.size(), maximumPictureChunk));
         appendChunk(file, "IDAT", piece);
@@ -62,17 +67,16 @@ ByteBuffer assembled(const PackedPicture& picture, ByteSpan stream, ByteSpan def
     return file;
 }
 
-Result<ByteBuffer> encodeFastest(
-    const Image& image, ByteSpan profile, const MetadataBlocks& metadata)
+Result<ByteBuffer> encodeFastest(const Image& image, ByteSpan profile, const EncodeOptions& options)
 {
     return packed(image).map([&](const PackedPicture& picture) {
         return assembled(picture, fastest(picture),
-            profile.empty() ? ByteBuffer() : quicklyDeflated(profile), metadata);
+            profile.empty() ? ByteBuffer() : quicklyDeflated(profile), options);
     });
 }
 
 Result<ByteBuffer> encodeSmallest(
-    const Image& image, ByteSpan profile, const MetadataBlocks& metadata)
+    const Image& image, ByteSpan profile, const EncodeOptions& options)
 {
     // A profile is for the colour type that it was made for.
     const AllowedReductions allowed { .toGrey = profile.empty(),
@@ -80,8 +84,7 @@ Result<ByteBuffer> encodeSmallest(
     return reduced(image, allowed).map([&](const std::vector<PackedPicture>& forms) {
         const Compressed best = smallest(forms);
         return assembled(forms[best.form], best.stream,
-            profile.empty() ? ByteBuffer() : deflated(profile, CompressionLevel::optimal),
-            metadata);
+            profile.empty() ? ByteBuffer() : deflated(profile, CompressionLevel::optimal), options);
     });
 }
 
@@ -92,8 +95,8 @@ Result<ByteBuffer> encode(const Image& image, const EncodeOptions& options)
     const ByteSpan profile
         = options.profile == ProfilePolicy::embed ? image.colorSpace().iccProfile() : ByteSpan {};
     try {
-        return options.effort == Effort::fastest ? encodeFastest(image, profile, options.metadata)
-                                                 : encodeSmallest(image, profile, options.metadata);
+        return options.effort == Effort::fastest ? encodeFastest(image, profile, options)
+                                                 : encodeSmallest(image, profile, options);
     } catch (const std::bad_alloc&) {
         return failure(Error::Kind::outOfMemory, "no memory for encoding");
     }

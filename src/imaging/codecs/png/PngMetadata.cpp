@@ -1,8 +1,10 @@
 #include "imaging/codecs/png/PngMetadata.h"
 
+#include "imaging/codecs/BigEndian.h"
 #include "imaging/codecs/MetadataCarriers.h"
 #include "imaging/codecs/png/PngChunks.h"
 #include "imaging/codecs/png/PngCompression.h"
+#include "imaging/codecs/png/PngTexts.h"
 
 #include <algorithm>
 #include <array>
@@ -13,60 +15,12 @@ namespace vellumine::imaging::png {
 
 namespace {
 
-/// For all texts of a file together, so that a small file cannot inflate to much.
+/// For all texts of a file that hold a block, so that a small file cannot inflate to much.
 constexpr std::size_t maximumText = std::size_t { 16 } << 20U;
-
-constexpr std::string_view xmpKeyword = "XML:com.adobe.xmp";
-constexpr std::string_view rawProfileKeyword = "Raw profile type ";
 
 ByteBuffer toBuffer(ByteSpan bytes)
 {
     return { bytes.begin(), bytes.end() };
-}
-
-/// The bytes up to the next zero, which is taken away with them; none when there is no zero.
-std::optional<std::string_view> takeString(ByteSpan& bytes)
-{
-    const auto end = std::ranges::find(bytes, std::byte { 0 });
-    if (end == bytes.end()) {
-        return std::nullopt;
-    }
-    const auto length = static_cast<std::size_t>(end - bytes.begin());
-    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), length);
-    bytes = bytes.subspan(length + 1);
-    return text;
-}
-
-/// A text that one of the blocks may be in.
-struct Text {
-    std::string_view keyword;
-    ByteSpan content;
-    bool isCompressed = false;
-};
-
-/// tEXt: keyword, 0, text. zTXt: keyword, 0, method 0, stream. iTXt: keyword, 0, whether it is
-/// compressed, method 0, language, 0, translated keyword, 0, text or stream.
-std::optional<Text> parseText(const Chunk& chunk)
-{
-    ByteSpan rest = chunk.data;
-    const auto keyword = takeString(rest);
-    if (!keyword || (*keyword != xmpKeyword && !keyword->starts_with(rawProfileKeyword))
-        || !chunk.isIntact()) {
-        return std::nullopt;
-    }
-    if (chunk.type == chunkType("tEXt")) {
-        return Text { *keyword, rest, false };
-    }
-    const std::size_t flags = chunk.type == chunkType("zTXt") ? 1 : 2;
-    if (rest.size() < flags || rest[flags - 1] != std::byte { 0 }) {
-        return std::nullopt;
-    }
-    const bool isCompressed = flags == 1 || rest[0] == std::byte { 1 };
-    rest = rest.subspan(flags);
-    if (flags == 2 && (!takeString(rest) || !takeString(rest))) {
-        return std::nullopt;
-    }
-    return Text { *keyword, rest, isCompressed };
 }
 
 int hexDigit(char character)
@@ -130,16 +84,6 @@ void takeRawProfile(MetadataBlocks& blocks, std::string_view type, ByteSpan text
     }
 }
 
-/// The content of a text, within what is left of the bytes that a file's texts may take.
-std::optional<ByteBuffer> contentOf(const Text& text, std::size_t& remaining)
-{
-    auto content = text.isCompressed ? inflated(text.content, remaining)
-                                     : std::optional(toBuffer(text.content));
-    // A stream that does not fit has cost the time that its content would have.
-    remaining -= std::min(remaining, content ? content->size() : remaining);
-    return content;
-}
-
 std::string rawProfileText(std::string_view name, ByteSpan profile)
 {
     constexpr std::string_view digits = "0123456789abcdef";
@@ -178,12 +122,9 @@ MetadataBlocks metadataOf(ByteSpan file)
             }
             continue;
         }
-        if (chunk->type != chunkType("tEXt") && chunk->type != chunkType("zTXt")
-            && chunk->type != chunkType("iTXt")) {
-            continue;
-        }
         const auto text = parseText(*chunk);
-        if (!text) {
+        if (!text || (text->keyword != xmpKeyword && !text->keyword.starts_with(rawProfileKeyword))
+            || !chunk->isIntact()) {
             continue;
         }
         const auto content = contentOf(*text, remaining);
@@ -203,6 +144,41 @@ MetadataBlocks metadataOf(ByteSpan file)
         }
     }
     return blocks;
+}
+
+// pHYs: pixels across and down, and whether they are those of a metre. It stands before the picture
+// data.
+std::optional<Resolution> resolutionOf(ByteSpan file)
+{
+    ChunkWalk walk(file);
+    while (const auto chunk = walk.next()) {
+        if (chunk->type == chunkType("IDAT")) {
+            break;
+        }
+        if (chunk->type == chunkType("pHYs") && chunk->data.size() == 9 && chunk->isIntact()) {
+            const auto unit = std::to_integer<unsigned>(chunk->data[8]);
+            return unit > 1
+                ? std::nullopt
+                : Resolution::create(bigEndian32(chunk->data, 0), bigEndian32(chunk->data, 4),
+                    unit == 1 ? Resolution::Unit::metre : Resolution::Unit::none);
+        }
+    }
+    return std::nullopt;
+}
+
+void appendResolution(ByteBuffer& file, const Resolution& resolution)
+{
+    const bool isRatio = resolution.unit() == Resolution::Unit::none;
+    const auto numbers = resolution.rounded(
+        isRatio ? Resolution::Unit::none : Resolution::Unit::metre, Resolution::largest);
+    if (!numbers) {
+        return;
+    }
+    ByteBuffer data;
+    appendBigEndian32(data, numbers->x);
+    appendBigEndian32(data, numbers->y);
+    data.push_back(static_cast<std::byte>(!isRatio));
+    appendChunk(file, "pHYs", data);
 }
 
 void appendMetadata(ByteBuffer& file, const MetadataBlocks& blocks)
