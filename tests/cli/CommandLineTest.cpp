@@ -159,6 +159,12 @@ TEST(CommandLine, twoDashesEndTheOptions)
     EXPECT_EQ(line->paths, (std::vector<std::filesystem::path> { "--json", "-x.png" }));
 }
 
+TEST(CommandLine, helpSaysThatOnePictureOfAFileIsTaken)
+{
+    EXPECT_TRUE(usageText().simplified().contains(QStringLiteral(
+        "Of animations and documents with several pages the first picture is taken.")));
+}
+
 TEST(CommandLine, helpAndVersionNeedNoPaths)
 {
     EXPECT_EQ(parse({ "--help" })->action, Action::showHelp);
