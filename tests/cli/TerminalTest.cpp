@@ -26,14 +26,13 @@ using test::writeFile;
 
 constexpr std::string_view theOneBefore = "the one before";
 
-/// The program on a terminal, asking whether a file may be replaced.
-class TerminalQuestion : public test::BuiltProgram {
+/// The program on a terminal of its own.
+class OnTerminal : public test::BuiltProgram {
 protected:
     void SetUp() override
     {
         BuiltProgram::SetUp();
         makePicture("a.bmp");
-        writeFile(pictures() / "a.webp", theOneBefore);
         m_terminal = FileDescriptor(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));
         ASSERT_TRUE(m_terminal.isOpen());
         ASSERT_EQ(::grantpt(m_terminal.get()), 0);
@@ -42,10 +41,6 @@ protected:
         ASSERT_EQ(::ptsname_r(m_terminal.get(), name.data(), name.size()), 0);
         m_programsEnd = FileDescriptor(::open(name.data(), O_RDWR | O_NOCTTY | O_CLOEXEC));
         m_beforeItRuns = [this] { ::ioctl(m_programsEnd.get(), TIOCSCTTY, 0); };
-        start(m_process,
-            { QStringLiteral("--set"), QStringLiteral("warnBeforeOverwrite=true"),
-                QStringLiteral("a.bmp") });
-        waitFor("[y/N] ");
     }
 
     void type(std::string_view keys) const
@@ -53,30 +48,59 @@ protected:
         ASSERT_EQ(::write(m_terminal.get(), keys.data(), keys.size()), ssize_t(keys.size()));
     }
 
-    [[nodiscard]] bool isReplaced() const
-    {
-        return test::readFile(pictures() / "a.webp").size() != theOneBefore.size();
-    }
-
-    QProcess m_process;
-
-private:
-    void waitFor(std::string_view text) const
+    /// What is shown until the text comes, which is a part of it.
+    [[nodiscard]] std::string shownUntil(std::string_view text) const
     {
         std::string seen;
         while (seen.find(text) == std::string::npos) {
             pollfd waiting { m_terminal.get(), POLLIN, 0 };
-            ASSERT_EQ(::poll(&waiting, 1, 60'000), 1) << seen;
             std::array<char, 256> chunk {};
-            const ssize_t count = ::read(m_terminal.get(), chunk.data(), chunk.size());
-            ASSERT_GT(count, 0) << seen;
+            const ssize_t count = ::poll(&waiting, 1, 60'000) == 1
+                ? ::read(m_terminal.get(), chunk.data(), chunk.size())
+                : 0;
+            if (count <= 0) {
+                ADD_FAILURE() << "only this was shown: " << seen;
+                break;
+            }
             seen.append(chunk.data(), std::size_t(count));
         }
-        EXPECT_NE(seen.find("Replace a.webp?"), std::string::npos) << seen;
+        return seen;
     }
 
-    FileDescriptor m_terminal;
+    QProcess m_process;
     FileDescriptor m_programsEnd;
+
+private:
+    FileDescriptor m_terminal;
+};
+
+TEST_F(OnTerminal, theProgressCountsWhatWasRefusedBefore)
+{
+    m_beforeItRuns = [this] { ::dup2(m_programsEnd.get(), STDERR_FILENO); };
+    start(m_process, { QStringLiteral("missing.txt"), QStringLiteral("a.bmp") });
+    const std::string shown = shownUntil("2 of 2");
+    EXPECT_NE(shown.find("1 of 2"), std::string::npos) << shown;
+    EXPECT_EQ(shown.find("of 1"), std::string::npos) << shown;
+    EXPECT_EQ(end(m_process).status, 1);
+}
+
+/// Asking whether a file may be replaced.
+class TerminalQuestion : public OnTerminal {
+protected:
+    void SetUp() override
+    {
+        OnTerminal::SetUp();
+        writeFile(pictures() / "a.webp", theOneBefore);
+        start(m_process,
+            { QStringLiteral("--set"), QStringLiteral("warnBeforeOverwrite=true"),
+                QStringLiteral("a.bmp") });
+        EXPECT_NE(shownUntil("[y/N] ").find("Replace a.webp?"), std::string::npos);
+    }
+
+    [[nodiscard]] bool isReplaced() const
+    {
+        return test::readFile(pictures() / "a.webp").size() != theOneBefore.size();
+    }
 };
 
 TEST_F(TerminalQuestion, yReplaces)
