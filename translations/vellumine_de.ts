@@ -71,6 +71,10 @@
         <source>cwebp did not finish within %1 seconds</source>
         <translation>cwebp wurde in %1 Sekunden nicht fertig</translation>
     </message>
+    <message>
+        <source>cwebp left an incomplete output file</source>
+        <translation>cwebp hat eine unvollständige Ausgabedatei hinterlassen</translation>
+    </message>
 </context>
 <context>
     <name>ColorSettingsChip</name>

@@ -202,12 +202,12 @@ TEST_F(CWebP, outputThatEndsBeforeItsTimeFails)
     };
     writeFile(output(), "the one before");
     for (const std::string_view text :
-        { "", "RIFF", "RIFF\\005\\000\\000\\000WEBP", "RIFF\\000\\001\\000\\000WEBP" }) {
+        { "", "RIFF", R"(RIFF\005\000\000\000WEBP)", R"(RIFF\000\001\000\000WEBP)" }) {
         m_workplace.replaceEncoder(writing(text));
         expectFailure("Could not finish writing out.webp: cwebp left an incomplete output file");
         EXPECT_EQ(textOf(output()), "the one before");
     }
-    m_workplace.replaceEncoder(writing("RIFF\\004\\000\\000\\000WEBP"));
+    m_workplace.replaceEncoder(writing(R"(RIFF\004\000\000\000WEBP)"));
     EXPECT_TRUE(encode());
 }
 
