@@ -9,26 +9,31 @@
 namespace vellumine {
 namespace {
 
-/// Where the control is, from the window's left edge.
-double leftOf(const test::Scene& scene, const char* name)
+/// Where the control is in the window, and how much room there is on both sides of it.
+struct Place {
+    double left;
+    double right;
+};
+
+Place placeOf(const test::Scene& scene, const char* name)
 {
-    return dynamic_cast<QQuickItem&>(scene.item(name)).mapToScene(QPointF()).x();
+    const auto& item = dynamic_cast<QQuickItem&>(scene.item(name));
+    const double left = item.mapToScene(QPointF()).x();
+    return { left, scene.window().width() - left - item.width() };
 }
 
 TEST(RightToLeft, mirrorsTheWindowAndAllThatIsInIt)
 {
-    const test::Scene leftToRight("DropWindowNine");
+    const test::Scene scene("DropWindowNine");
+    const Place menu = placeOf(scene, "menuButton");
+    const Place close = placeOf(scene, "closeButton");
+    EXPECT_LT(menu.left, close.left);
+
     QGuiApplication::setLayoutDirection(Qt::RightToLeft);
     const auto restore
         = qScopeGuard([] { QGuiApplication::setLayoutDirection(Qt::LayoutDirectionAuto); });
-    const test::Scene rightToLeft("DropWindowNine");
-    for (const char* name : { "menuButton", "closeButton" }) {
-        const double width = dynamic_cast<QQuickItem&>(leftToRight.item(name)).width();
-        EXPECT_EQ(leftOf(rightToLeft, name),
-            leftToRight.window().width() - width - leftOf(leftToRight, name))
-            << name;
-    }
-    EXPECT_LT(leftOf(rightToLeft, "closeButton"), leftOf(rightToLeft, "menuButton"));
+    EXPECT_EQ(placeOf(scene, "menuButton").left, menu.right);
+    EXPECT_EQ(placeOf(scene, "closeButton").left, close.right);
 }
 
 } // namespace
