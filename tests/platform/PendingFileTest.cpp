@@ -9,8 +9,6 @@
 
 #include <cerrno>
 #include <csignal>
-#include <functional>
-#include <seccomp.h>
 #include <string>
 #include <string_view>
 #include <sys/stat.h>
@@ -38,38 +36,6 @@ Result<PendingFile> outputWith(std::string_view text, const TemporaryFolder& fol
         writeFile(pending->path(), text);
     }
     return pending;
-}
-
-/// Has the calls be answered as by a file system that can neither rename to free names only nor
-/// give a file a second name.
-bool becomePlainFileSystem(bool hasLinks)
-{
-    scmp_filter_ctx filter = ::seccomp_init(SCMP_ACT_ALLOW);
-    const scmp_arg_cmp anyFlags { 4, SCMP_CMP_NE, 0, 0 };
-    const bool isReady = filter != nullptr
-        && ::seccomp_rule_add_array(
-               filter, SCMP_ACT_ERRNO(EINVAL), SCMP_SYS(renameat2), 1, &anyFlags)
-            == 0
-        && (hasLinks
-            || (::seccomp_rule_add_array(filter, SCMP_ACT_ERRNO(EPERM), SCMP_SYS(link), 0, nullptr)
-                    == 0
-                && ::seccomp_rule_add_array(
-                       filter, SCMP_ACT_ERRNO(EPERM), SCMP_SYS(linkat), 0, nullptr)
-                    == 0))
-        && ::seccomp_load(filter) == 0;
-    ::seccomp_release(filter);
-    return isReady;
-}
-
-/// What the function gives on such a file system, as a number from 0 to 255.
-int onPlainFileSystem(bool hasLinks, const std::function<int()>& function)
-{
-    const pid_t child = ::fork();
-    if (child == 0) {
-        ::_exit(becomePlainFileSystem(hasLinks) ? function() : 255);
-    }
-    int status = 0;
-    return ::waitpid(child, &status, 0) == child && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 TEST(PendingFile, isHiddenBesideItsTargetUntilItIsPublished)
@@ -185,7 +151,7 @@ TEST(PendingFile, takesAFreeNameOnAnyFileSystem)
 {
     for (const bool hasLinks : { true, false }) {
         const TemporaryFolder folder;
-        const int status = onPlainFileSystem(hasLinks, [&folder] {
+        const int status = test::onPlainFileSystem(hasLinks, [&folder] {
             auto pending = outputWith("new", folder);
             return pending && std::move(*pending).publish(ExistingItem::keep) ? 0 : 1;
         });
@@ -199,7 +165,7 @@ TEST(PendingFile, keepsAnItemThatAppearedMeanwhileOnAnyFileSystem)
 {
     for (const bool hasLinks : { true, false }) {
         const TemporaryFolder folder;
-        const int status = onPlainFileSystem(hasLinks, [&folder] {
+        const int status = test::onPlainFileSystem(hasLinks, [&folder] {
             auto pending = outputWith("new", folder);
             writeFile(folder / "out.png", "somebody else's");
             const auto published = std::move(*pending).publish(ExistingItem::keep);
@@ -236,7 +202,7 @@ TEST(PendingFile, aFolderThatCannotBeSyncedIsNoFailure)
 TEST(PendingFile, aNameThatWasClaimedInVainIsFreeAgain)
 {
     const TemporaryFolder folder;
-    const int status = onPlainFileSystem(false, [&folder] {
+    const int status = test::onPlainFileSystem(false, [&folder] {
         auto pending = outputWith("new", folder);
         std::filesystem::remove(pending->path());
         const auto published = std::move(*pending).publish(ExistingItem::keep);
