@@ -1,6 +1,7 @@
 #include "cli/BuiltProgram.h"
 #include "platform/FileDescriptor.h"
 #include "support/FakeProgram.h"
+#include "support/NamedRows.h"
 #include "support/QtPrinters.h"
 
 #include <QProcess>
@@ -103,21 +104,29 @@ protected:
     }
 };
 
-TEST_F(TerminalQuestion, yReplaces)
+struct AnswerRow {
+    std::string_view name;
+    std::string_view keys;
+    bool replaces;
+};
+
+class TerminalAnswer : public TerminalQuestion, public testing::WithParamInterface<AnswerRow> { };
+
+TEST_P(TerminalAnswer, replacesOnlyAtAYes)
 {
-    type("y\r");
-    EXPECT_EQ(end(m_process).status, 0);
-    EXPECT_TRUE(isReplaced());
+    type(GetParam().keys);
+    EXPECT_EQ(end(m_process).status, GetParam().replaces ? 0 : 1);
+    EXPECT_EQ(isReplaced(), GetParam().replaces);
 }
 
-TEST_F(TerminalQuestion, yesInCapitalsReplaces)
-{
-    type(" YES \r");
-    EXPECT_EQ(end(m_process).status, 0);
-    EXPECT_TRUE(isReplaced());
-}
+INSTANTIATE_TEST_SUITE_P(Keys, TerminalAnswer,
+    testing::Values(AnswerRow { "y", "y\r", true }, AnswerRow { "yesInCapitals", " YES \r", true },
+        AnswerRow { "anotherWord", "yesterday\r", false }, AnswerRow { "n", "n\r", false },
+        AnswerRow { "returnAlone", "\r", false }, AnswerRow { "endOfInput", "\x04", false },
+        AnswerRow { "controlC", "\x03", false }),
+    test::RowName {});
 
-TEST_F(TerminalQuestion, anythingElseSkips)
+TEST_F(TerminalQuestion, whatIsSkippedSaysSo)
 {
     type("yesterday\r");
     const Outcome outcome = end(m_process);
@@ -125,27 +134,6 @@ TEST_F(TerminalQuestion, anythingElseSkips)
     EXPECT_TRUE(outcome.output.startsWith(
         QStringLiteral("a.bmp: Skipped because the output file already exists.\n")))
         << outcome.output.toStdString();
-    EXPECT_FALSE(isReplaced());
-}
-
-TEST_F(TerminalQuestion, returnAloneSkips)
-{
-    type("\r");
-    EXPECT_EQ(end(m_process).status, 1);
-    EXPECT_FALSE(isReplaced());
-}
-
-TEST_F(TerminalQuestion, theEndOfTheInputSkips)
-{
-    type("\x04");
-    EXPECT_EQ(end(m_process).status, 1);
-    EXPECT_FALSE(isReplaced());
-}
-
-TEST_F(TerminalQuestion, controlCEndsTheBatch)
-{
-    type("\x03");
-    EXPECT_EQ(end(m_process).status, 1);
     EXPECT_FALSE(isReplaced());
 }
 
