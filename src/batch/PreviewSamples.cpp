@@ -1,5 +1,6 @@
 #include "batch/PreviewSamples.h"
 
+#include "pipeline/TemporaryFile.h"
 #include "platform/FilePath.h"
 #include "platform/UniqueName.h"
 
@@ -18,9 +19,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view samplePrefix = "vellumine-preview-";
-constexpr std::string_view sampleExtension = ".png";
-
 // Conversions name samples by UUIDs of version 4, random ones. Samples that were given away have
 // names of the same form with a UUID of version 5: so they are told from what a crash left.
 
@@ -28,16 +26,16 @@ fs::path givenName()
 {
     const QUuid uuid = QUuid::createUuidV5(QUuid::createUuid(), QByteArray());
     return std::string(samplePrefix) + uuid.toString(QUuid::WithoutBraces).toUpper().toStdString()
-        + std::string(sampleExtension);
+        + std::string(sampleSuffix);
 }
 
 /// A preview sample that nobody was given, or a file that a conversion hands to the WebP encoder or
 /// gets from it.
 bool isOurName(std::string_view name)
 {
-    return platform::isUniqueName(name, samplePrefix, sampleExtension)
-        || platform::isUniqueName(name, "vellumine-", ".pam")
-        || platform::isUniqueName(name, "vellumine-", ".webp");
+    return platform::isUniqueName(name, samplePrefix, sampleSuffix)
+        || platform::isUniqueName(name, workFilePrefix, encoderInputSuffix)
+        || platform::isUniqueName(name, workFilePrefix, encoderOutputSuffix);
 }
 
 /// A regular file of this user's. Others share the temporary folder.
@@ -69,7 +67,7 @@ bool keepSample(QUrl& sample)
 
 fs::path lockPath(const fs::path& folder)
 {
-    return folder / ("vellumine-preview-" + std::to_string(::geteuid()) + ".lock");
+    return folder / (std::string(samplePrefix) + std::to_string(::geteuid()) + ".lock");
 }
 
 } // namespace

@@ -156,9 +156,9 @@ Outcome<void> ImageOptimizer::encodeWebPWithCWebP(imaging::Image&& image, const 
     }
     const auto patience = environment.encoderPatience.forPicture(image.size());
     const TemporaryFile pam(
-        environment.temporaryFolder / platform::uniqueName("vellumine-", ".pam"));
+        environment.temporaryFolder / platform::uniqueName(workFilePrefix, encoderInputSuffix));
     const TemporaryFile webP(
-        environment.temporaryFolder / platform::uniqueName("vellumine-", ".webp"));
+        environment.temporaryFolder / platform::uniqueName(workFilePrefix, encoderOutputSuffix));
     {
         // The encoder reads the file: the pixels are not needed while it runs.
         const imaging::Image pixels = std::move(image);

@@ -65,7 +65,7 @@ std::optional<Image> ImageOptimizer::decoded(
 std::optional<QUrl> ImageOptimizer::writePreviewSample(
     const Image& image, const std::filesystem::path& folder)
 {
-    const std::filesystem::path path = folder / platform::uniqueName("vellumine-preview-", ".png");
+    const std::filesystem::path path = folder / platform::uniqueName(samplePrefix, sampleSuffix);
     auto destination = imaging::ImageDestination::create(path, imaging::UniformType::png);
     if (!destination) {
         return std::nullopt;
