@@ -132,8 +132,6 @@ bool describesExifStructure(const TiffEntry& entry)
 // The values of ResolutionUnit.
 enum ResolutionUnit : std::uint32_t { noUnit = 1, inch = 2, centimetre = 3 };
 
-constexpr double centimetresInAMetre = 100;
-
 void swapResolution(TiffTree& tree)
 {
     for (TiffEntry& entry : tree.main.entries) {

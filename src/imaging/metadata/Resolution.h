@@ -5,6 +5,9 @@
 
 namespace vellumine::imaging {
 
+/// For formats that count the pixels a centimetre.
+inline constexpr std::uint32_t centimetresInAMetre = 100;
+
 /// How densely the pixels of a picture are meant to stand, across and down: numbers above 0 and up
 /// to `largest`. What a picture is resized to does not change them.
 class Resolution {

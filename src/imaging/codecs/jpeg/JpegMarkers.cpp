@@ -20,12 +20,11 @@ constexpr std::size_t iccOverhead = iccSignature.size() + 2;
 constexpr std::size_t maximumSegment = 65533;
 /// The XMP specification's number, two bytes below what would fit.
 constexpr std::size_t maximumXmp = 65502;
+constexpr std::size_t maximumIccProfile = 255 * (maximumSegment - iccOverhead);
+
 /// The units of a JFIF header's density.
 enum DensityUnit : UINT8 { noUnit = 0, inch = 1, centimetre = 2 };
-constexpr std::uint32_t centimetresInAMetre = 100;
 constexpr std::uint32_t maximumDensity = 0xFFFF;
-
-constexpr std::size_t maximumIccProfile = 255 * (maximumSegment - iccOverhead);
 
 ByteSpan contentOf(const jpeg_marker_struct& marker)
 {

@@ -123,8 +123,7 @@ MetadataBlocks metadataOf(ByteSpan file)
             continue;
         }
         const auto text = parseText(*chunk);
-        if (!text || (text->keyword != xmpKeyword && !text->keyword.starts_with(rawProfileKeyword))
-            || !chunk->isIntact()) {
+        if (!text || !holdsBlock(text->keyword) || !chunk->isIntact()) {
             continue;
         }
         const auto content = contentOf(*text, remaining);

@@ -38,11 +38,6 @@ bool isKeyword(std::string_view keyword)
            });
 }
 
-bool isOfABlock(std::string_view keyword)
-{
-    return keyword == xmpKeyword || keyword.starts_with(rawProfileKeyword);
-}
-
 /// Letters and digits in words with hyphens between them.
 bool isLanguage(std::string_view language)
 {
@@ -60,7 +55,7 @@ bool isText(const Chunk& chunk)
 
 bool isWritable(const FileText& text)
 {
-    return isKeyword(text.keyword) && !isOfABlock(text.keyword)
+    return isKeyword(text.keyword) && !holdsBlock(text.keyword)
         && (!text.international
             || (isLanguage(text.international->language)
                 && text.international->keyword.find('\0') == std::string::npos));
@@ -100,6 +95,11 @@ void appendText(ByteBuffer& file, const FileText& text, Effort effort)
 }
 
 } // namespace
+
+bool holdsBlock(std::string_view keyword)
+{
+    return keyword == xmpKeyword || keyword.starts_with(rawProfileKeyword);
+}
 
 // tEXt: keyword, 0, text. zTXt: keyword, 0, method 0, stream. iTXt: keyword, 0, whether it is
 // compressed, method 0, language, 0, translated keyword, 0, text or stream.
@@ -160,7 +160,7 @@ FileTexts textsOf(ByteSpan file)
             break;
         }
         const auto text = parseText(*chunk);
-        if (!text || !isKeyword(text->keyword) || isOfABlock(text->keyword)
+        if (!text || !isKeyword(text->keyword) || holdsBlock(text->keyword)
             || (text->international && !isLanguage(text->international->language))
             || !chunk->isIntact()) {
             continue;

@@ -11,6 +11,9 @@ inline constexpr std::string_view xmpKeyword = "XML:com.adobe.xmp";
 /// What the keywords of texts start with that hold other blocks in hexadecimal digits.
 inline constexpr std::string_view rawProfileKeyword = "Raw profile type ";
 
+/// Whether a text with the keyword holds such a block.
+[[nodiscard]] bool holdsBlock(std::string_view keyword);
+
 /// A text as its chunk holds it, in the file's bytes.
 struct StoredText {
     std::string_view keyword;
