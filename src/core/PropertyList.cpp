@@ -16,7 +16,15 @@ struct FreePropertyList {
     void operator()(void* node) const { plist_free(node); }
 };
 struct FreeBytes {
-    void operator()(char* bytes) const { plist_to_bin_free(bytes); }
+    /// By the name that the installed version has for it; the first is the newer one.
+    template <typename Byte> void operator()(Byte* bytes) const
+    {
+        if constexpr (requires { plist_mem_free(bytes); }) {
+            plist_mem_free(bytes);
+        } else {
+            plist_to_bin_free(bytes);
+        }
+    }
 };
 
 constexpr QByteArrayView magic { "bplist00" };

@@ -5,6 +5,8 @@
 #include "imaging/codecs/bmp/BmpHeader.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 #include <limits>
 #include <optional>
 #include <utility>
@@ -92,16 +94,8 @@ Form formFor(const Image& picture)
 
 class Writer {
 public:
-    void add16(std::uint32_t value)
-    {
-        m_bytes.push_back(static_cast<std::byte>(value & 0xFFU));
-        m_bytes.push_back(static_cast<std::byte>(value >> 8U & 0xFFU));
-    }
-    void add32(std::uint32_t value)
-    {
-        add16(value & 0xFFFFU);
-        add16(value >> 16U);
-    }
+    void add16(std::uint32_t value) { addLittleEndian<2>(value); }
+    void add32(std::uint32_t value) { addLittleEndian<4>(value); }
     void add32(std::size_t value) { add32(static_cast<std::uint32_t>(value)); }
     void add32(int value) { add32(static_cast<std::uint32_t>(value)); }
     void addZeros(std::size_t count) { m_bytes.resize(m_bytes.size() + count); }
@@ -118,6 +112,16 @@ public:
     }
 
 private:
+    template <std::size_t count> void addLittleEndian(std::uint32_t value)
+    {
+        std::array<std::byte, count> bytes {};
+        for (std::byte& byte : bytes) {
+            byte = static_cast<std::byte>(value & 0xFFU);
+            value >>= 8U;
+        }
+        add(bytes);
+    }
+
     ByteBuffer m_bytes;
 };
 
