@@ -3,6 +3,7 @@
 #include "confined/protocol/HelperDescriptor.h"
 #include "confined/protocol/Messages.h"
 #include "confined/service/DecoderService.h"
+#include "imaging/codecs/heic/HeicCodec.h"
 #include "imaging/colour/InstalledCmyk.h"
 
 #include <cstdio>
@@ -47,6 +48,7 @@ int main()
     }
     keepMemory();
     imaging::colour::openInstalledCmykProfiles();
+    imaging::heic::loadCodecs();
     const confined::Channel channel(imaging::FileDescriptor::adopted(confined::helperDescriptor));
     const confined::Confinement inForce = confined::lockDown();
     if (!channel.send(

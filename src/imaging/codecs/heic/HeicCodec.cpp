@@ -5,6 +5,7 @@
 #include "imaging/codecs/heic/HeicEncoder.h"
 
 #include <exception>
+#include <libheif/heif.h>
 #include <new>
 
 namespace vellumine::imaging::heic {
@@ -65,6 +66,12 @@ Result<ByteBuffer> encodeHeif(const Image& image, const EncodeOptions& options)
         makeHeif(*file);
     }
     return file;
+}
+
+void loadCodecs()
+{
+    // They stay for the life of the process. Without any, each picture says what is missing.
+    [[maybe_unused]] const heif_error error = heif_init(nullptr);
 }
 
 } // namespace vellumine::imaging::heic

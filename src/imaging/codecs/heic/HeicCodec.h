@@ -15,4 +15,8 @@ Result<DecodedImage> decode(ByteSpan file, const DecodeOptions& options);
 Result<ByteBuffer> encodeHeic(const Image& image, const EncodeOptions& options);
 Result<ByteBuffer> encodeHeif(const Image& image, const EncodeOptions& options);
 
+/// Loads the codecs that newer versions of the library keep in files of their own, for a process
+/// that is about to give up opening files. Others need not call it.
+void loadCodecs();
+
 } // namespace vellumine::imaging::heic
