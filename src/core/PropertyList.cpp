@@ -1,9 +1,8 @@
 #include "core/PropertyList.h"
 
-#include <plist/plist.h>
+#include "core/PlistMemory.h"
 
-#include <limits>
-#include <memory>
+#include <plist/plist.h>
 
 // The library writes; it does not read, since it follows nested arrays without a bound (900 KB of
 // them overflow the stack) and copies a value for each time that the list names it (40 KB become
@@ -11,21 +10,6 @@
 
 namespace vellumine {
 namespace {
-
-struct FreePropertyList {
-    void operator()(void* node) const { plist_free(node); }
-};
-struct FreeBytes {
-    /// By the name that the installed version has for it; the first is the newer one.
-    template <typename Byte> void operator()(Byte* bytes) const
-    {
-        if constexpr (requires { plist_mem_free(bytes); }) {
-            plist_mem_free(bytes);
-        } else {
-            plist_to_bin_free(bytes);
-        }
-    }
-};
 
 constexpr QByteArrayView magic { "bplist00" };
 constexpr quint64 trailerSize = 32;
@@ -171,7 +155,7 @@ private:
 
 std::optional<QByteArray> encodePropertyList(const QList<QByteArray>& values)
 {
-    const std::unique_ptr<void, FreePropertyList> list(plist_new_array());
+    const PlistNode list(plist_new_array());
     for (const QByteArray& value : values) {
         plist_array_append_item(
             list.get(), plist_new_data(value.constData(), static_cast<quint64>(value.size())));
@@ -179,7 +163,7 @@ std::optional<QByteArray> encodePropertyList(const QList<QByteArray>& values)
     char* bytes = nullptr;
     std::uint32_t size = 0;
     plist_to_bin(list.get(), &bytes, &size);
-    const std::unique_ptr<char, FreeBytes> owner(bytes);
+    const PlistBytes owner(bytes);
     if (bytes == nullptr) {
         return std::nullopt;
     }

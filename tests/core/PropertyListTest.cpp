@@ -1,30 +1,23 @@
 #include "core/PropertyList.h"
+#include "core/PlistMemory.h"
 #include "support/NamedRows.h"
 #include "support/QtPrinters.h"
 
 #include <gtest/gtest.h>
 #include <plist/plist.h>
 
-#include <memory>
-
 namespace vellumine {
 namespace {
 
 using List = QList<QByteArray>;
 
-struct FreePropertyList {
-    void operator()(void* node) const { plist_free(node); }
-};
-using Node = std::unique_ptr<void, FreePropertyList>;
-
-QByteArray binary(const Node& root)
+QByteArray binary(const PlistNode& root)
 {
     char* bytes = nullptr;
     std::uint32_t size = 0;
     plist_to_bin(root.get(), &bytes, &size);
-    QByteArray result(bytes, static_cast<qsizetype>(size));
-    plist_to_bin_free(bytes);
-    return result;
+    const PlistBytes owner(bytes);
+    return { bytes, static_cast<qsizetype>(size) };
 }
 
 /// What the library makes of the bytes.
@@ -32,7 +25,7 @@ List readByTheLibrary(const QByteArray& bytes)
 {
     plist_t root = nullptr;
     plist_from_bin(bytes.constData(), static_cast<std::uint32_t>(bytes.size()), &root);
-    const Node owner(root);
+    const PlistNode owner(root);
     EXPECT_EQ(plist_get_node_type(root), PLIST_ARRAY);
     List values;
     for (std::uint32_t i = 0; i < plist_array_get_size(root); ++i) {
@@ -95,9 +88,9 @@ INSTANTIATE_TEST_SUITE_P(Lists, PropertyListOf,
         Values { "twoByteReferences", manyValues(300) }),
     test::RowName());
 
-Node arrayOf(std::initializer_list<plist_t> items)
+PlistNode arrayOf(std::initializer_list<plist_t> items)
 {
-    Node array(plist_new_array());
+    PlistNode array(plist_new_array());
     for (plist_t item : items) {
         plist_array_append_item(array.get(), item);
     }
@@ -111,7 +104,7 @@ plist_t dataNode()
 
 QByteArray wrongRoot(plist_t root)
 {
-    return binary(Node(root));
+    return binary(PlistNode(root));
 }
 
 struct Bytes {
