@@ -15,7 +15,7 @@ constexpr qint64 smallest = std::numeric_limits<qint64>::min();
 
 QDateTime someDate()
 {
-    return { QDate(2026, 3, 1), QTime(14, 5, 9), Qt::UTC };
+    return { QDate(2026, 3, 1), QTime(14, 5, 9), QTimeZone::utc() };
 }
 
 LifetimeStats someStats()
@@ -67,8 +67,7 @@ TEST(LifetimeStatsJson, absentDateIsNoMember)
 TEST(LifetimeStatsJson, dateIsWrittenInUtcWithWholeSeconds)
 {
     LifetimeStats stats;
-    stats.lastProcessedAt
-        = QDateTime(QDate(2026, 3, 1), QTime(14, 5, 9, 999), Qt::OffsetFromUTC, 7200);
+    stats.lastProcessedAt = QDateTime(QDate(2026, 3, 1), QTime(14, 5, 9, 999), QTimeZone(7200));
     EXPECT_TRUE(toJson(stats).contains("\"2026-03-01T12:05:09Z\"")) << toJson(stats).toStdString();
 }
 

@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFile>
 #include <QSignalSpy>
+#include <QTimeZone>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -23,7 +24,7 @@ constexpr qint64 largest = std::numeric_limits<qint64>::max();
 
 QDateTime moment(int second)
 {
-    return { QDate(2026, 3, 1), QTime(14, 5, second), Qt::UTC };
+    return { QDate(2026, 3, 1), QTime(14, 5, second), QTimeZone::utc() };
 }
 
 ProcessingResult failure()

@@ -18,6 +18,13 @@ const Exiv2::byte* bytesOf(imaging::ByteSpan bytes)
     return reinterpret_cast<const Exiv2::byte*>(bytes.data());
 }
 
+/// `open` counts bytes in a `long` or in a `std::size_t`, by the library's version.
+template <typename Owner, typename Length>
+Owner opened(Owner (*open)(const Exiv2::byte*, Length), imaging::ByteSpan file)
+{
+    return open(bytesOf(file), static_cast<Length>(file.size()));
+}
+
 } // namespace
 
 std::map<std::string, std::string> exifFields(imaging::ByteSpan block)
@@ -33,7 +40,7 @@ std::map<std::string, std::string> exifFields(imaging::ByteSpan block)
 
 std::map<std::string, std::string> fileFields(imaging::ByteSpan file)
 {
-    const auto image = Exiv2::ImageFactory::open(bytesOf(file), static_cast<long>(file.size()));
+    const auto image = opened(Exiv2::ImageFactory::open, file);
     image->readMetadata();
     std::map<std::string, std::string> fields;
     addTo(fields, image->exifData());
