@@ -7,24 +7,11 @@ FolderDialog {
     id: dialog
 
     required property FolderPanelPresenter panel
-    // What lies over the window.
-    required property Item overlay
-
-    // The list of subfolders in the dialog that Qt draws where the desktop has none.
-    function drawnList(item) {
-        for (let index = 0; index < item.children.length; ++index) {
-            const child = item.children[index];
-            const found = child.objectName === "folderDialogListView" ? child : drawnList(child);
-            if (found)
-                return found;
-        }
-        return null;
-    }
 
     // Qt's selects the first subfolder of what it shows, and nothing where there is none. What it shows is the answer until
     // the user selects something in it.
     function selectWhatIsShown() {
-        const list = drawnList(overlay);
+        const list = DrawnDialogs.item("folderDialogListView");
         if (list) {
             list.currentIndex = -1;
             selectedFolder = currentFolder;

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Templates as T
 import Vellumine
 
 // The folder panels of a window, one after the other. Each has a dialog of its own: Qt opens one that is used again where
@@ -12,7 +11,7 @@ Loader {
     // By its address: what dialogs need is loaded when the first one opens.
     function show() {
         if (panel.isShown)
-            setSource("FolderPanelDialog.qml", {"panel": panel, "overlay": T.Overlay.overlay});
+            setSource("FolderPanelDialog.qml", {"panel": panel});
     }
 
     Component.onCompleted: show()

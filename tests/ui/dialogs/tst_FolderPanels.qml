@@ -35,8 +35,6 @@ Item {
     }
 
     TestCase {
-        readonly property Item overlay: scene.T.Overlay.overlay
-
         name: "FolderPanels"
         when: windowShown
 
@@ -55,10 +53,13 @@ Item {
         }
 
         function list() {
-            return findChild(overlay, "folderDialogListView");
+            return DrawnDialogs.item("folderDialogListView");
         }
 
-        function button(text, item = overlay) {
+        // Of the window that the dialog is drawn in.
+        function button(text, item = list()?.Window.contentItem) {
+            if (!item)
+                return null;
             for (let index = 0; index < item.children.length; ++index) {
                 const child = item.children[index];
                 const found = child instanceof T.AbstractButton && child.text === text ? child : button(text, child);
@@ -69,8 +70,8 @@ Item {
         }
 
         function waitForPanel(message) {
-            tryVerify(() => list() && findChild(overlay, "dialogTitleBarLabel").text === message);
-            waitForRendering(overlay);
+            tryVerify(() => list() && DrawnDialogs.item("dialogTitleBarLabel").text === message);
+            waitForRendering(list());
         }
 
         function ask(folder, message = "Where?") {
