@@ -57,7 +57,7 @@ preferences_are_away() {
 }
 
 loads_the_platforms_menus() {
-    grep -q libqtlabsplatform "/proc/$program/maps"
+    grep -q labsplatformplugin "/proc/$program/maps"
 }
 
 close_preferences() {

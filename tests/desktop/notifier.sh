@@ -48,7 +48,7 @@ choose() { # LABEL
 }
 
 choose "Preferences..."
-program_says 'xdg_toplevel@.*set_title("Preferences")'
+program_says 'xdg_toplevel[@#].*set_title("Preferences")'
 choose "Quit Vellumine"
 wait_for has_ended "$program"
 wait "$program" || fail "the program ended with $?"

@@ -13,7 +13,7 @@ make_pictures "$folder/pictures"
 call Open "['file://$folder/pictures']" "{'activation-token': <'none'>}"
 wait_for_outputs "$folder/pictures"
 call ActivateAction preferences "[]" "{}"
-program_says 'xdg_toplevel@.*set_title("Preferences")'
+program_says 'xdg_toplevel[@#].*set_title("Preferences")'
 call ActivateAction quit "[]" "{}"
 wait_for has_ended "$program"
 wait "$program" || fail "the program ended with $?"

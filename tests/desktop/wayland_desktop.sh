@@ -17,11 +17,12 @@ start_program_under_wayland() {
     background program env -u DISPLAY WAYLAND_DISPLAY=wayland-test QT_QPA_PLATFORM=wayland \
         QT_IM_MODULE=compose WAYLAND_DEBUG=client "$VELLUMINE"
     program=$process
-    # A named window with a picture in it, on the compositor's screen.
-    program_says 'xdg_toplevel@.*set_app_id("com.kestrova.Vellumine")'
-    program_says 'xdg_toplevel@.*set_title("Vellumine")'
-    program_says 'wl_surface@.*attach(wl_buffer@'
-    program_says 'wl_surface@.*enter(wl_output@'
+    # A named window with a picture in it, on the compositor's screen. The library writes its objects
+    # with an @, newer versions with a #.
+    program_says 'xdg_toplevel[@#].*set_app_id("com.kestrova.Vellumine")'
+    program_says 'xdg_toplevel[@#].*set_title("Vellumine")'
+    program_says 'wl_surface[@#].*attach(wl_buffer[@#]'
+    program_says 'wl_surface[@#].*enter(wl_output[@#]'
 }
 
 program_says() { # PATTERN
