@@ -169,8 +169,8 @@ TEST(PngEncoder, writesGreyInTheFewestBits)
     for (const auto& [levels, kind] :
         { Row { 2, { 0, 1 } }, Row { 4, { 0, 2 } }, Row { 16, { 0, 4 } }, Row { 256, { 0, 8 } } }) {
         expectKind(makeImage(oddSize, grey8,
-                       [levels = levels](int x, int y, int /*c*/) {
-                           return (x * 5 + y * 3) % levels / (levels - 1.0);
+                       [count = levels](int x, int y, int /*c*/) {
+                           return (x * 5 + y * 3) % count / (count - 1.0);
                        }),
             kind);
     }
