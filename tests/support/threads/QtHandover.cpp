@@ -81,6 +81,8 @@ void QThreadPool::start(QRunnable* runnable, int priority)
     start(this, new SeenRunnable(runnable), priority);
 }
 
+#if QT_VERSION < QT_VERSION_CHECK(6, 7, 0)
+
 bool QMetaObject::invokeMethodImpl(
     QObject* object, QtPrivate::QSlotObjectBase* slot, Qt::ConnectionType type, void* ret)
 {
@@ -90,3 +92,19 @@ bool QMetaObject::invokeMethodImpl(
                                              "ypeEPv");
     return invoke(object, new SeenSlot(slot), type, ret);
 }
+
+#else
+
+bool QMetaObject::invokeMethodImpl(QObject* object, QtPrivate::QSlotObjectBase* slot,
+    Qt::ConnectionType type, qsizetype count, const void* const* values, const char* const* names,
+    const QtPrivate::QMetaTypeInterface* const* types)
+{
+    using Invoke = bool(QObject*, QtPrivate::QSlotObjectBase*, Qt::ConnectionType, qsizetype,
+        const void* const*, const char* const*, const QtPrivate::QMetaTypeInterface* const*);
+    static auto* const invoke = next<Invoke>("_ZN11QMetaObject16invokeMethodImplEP7QObjectPN9QtPr"
+                                             "ivate15QSlotObjectBaseEN2Qt14ConnectionTypeExPKPKv"
+                                             "PKPKcPKPKNS2_18QMetaTypeInterfaceE");
+    return invoke(object, new SeenSlot(slot), type, count, values, names, types);
+}
+
+#endif
