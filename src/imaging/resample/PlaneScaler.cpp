@@ -9,13 +9,6 @@
 #include <type_traits>
 #include <utility>
 
-// Where each compiler takes an attribute behind a lambda's parameters for the function's.
-#ifdef __clang__
-#define VELLUMINE_INLINED_LAMBDA __attribute__((always_inline))
-#else
-#define VELLUMINE_INLINED_LAMBDA [[gnu::always_inline]]
-#endif
-
 namespace vellumine::imaging {
 
 namespace {
@@ -47,7 +40,7 @@ template <int Count> struct NumberVector {
 template <std::size_t Count, typename Function>
 [[gnu::always_inline]] inline void forEachIndex(const Function& function)
 {
-    [&function]<std::size_t... index>(std::index_sequence<index...>) VELLUMINE_INLINED_LAMBDA
+    [&function]<std::size_t... index>(std::index_sequence<index...>)
     {
         (function(std::integral_constant<std::size_t, index> {}), ...);
     }
@@ -59,7 +52,7 @@ template <typename Vector, std::size_t Count> class Sums {
 public:
     [[gnu::always_inline]] void add(float weight, const float* numbers)
     {
-        forEachIndex<Count / Vector::count>([&](auto i) VELLUMINE_INLINED_LAMBDA {
+        forEachIndex<Count / Vector::count>([&](auto i) {
             std::get<i>(m_sums).vector += weight
                 * *reinterpret_cast<const typename Vector::InMemory*>(numbers + i * Vector::count);
         });
@@ -139,7 +132,7 @@ template <typename Vector>
     std::array<Sums<Vector, laneCount>, columnsTogether>& sums)
 {
     for (int tap = 0; tap < taps.count(); ++tap) {
-        forEachIndex<columnsTogether>([&](auto i) VELLUMINE_INLINED_LAMBDA {
+        forEachIndex<columnsTogether>([&](auto i) {
             std::get<i>(sums).add(std::get<i>(weights)[tap],
                 std::get<i>(samples) + static_cast<std::ptrdiff_t>(tap) * laneCount);
         });
