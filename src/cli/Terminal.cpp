@@ -57,7 +57,7 @@ QString printable(const QString& text)
         } else if (c == u'\t') {
             shown += QStringLiteral("\\t");
         } else if (c.category() == QChar::Other_Control) {
-            shown += QStringLiteral("\\x%1").arg(c.unicode(), 2, 16, QChar(u'0'));
+            shown += QStringLiteral("\\x%1").arg(int { c.unicode() }, 2, 16, QChar(u'0'));
         } else {
             shown += c;
         }
