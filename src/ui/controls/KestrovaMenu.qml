@@ -9,9 +9,15 @@ T.Menu {
 
     /// The control that a key has opened it from.
     property T.Control openedByKey
+    /// The control that it opens below once it is gone.
+    property T.Control nextControl
 
-    // Their leading edges stand in one line.
+    // Their leading edges stand in one line. Newer versions of Qt open no menu that still fades away.
     function openBelow(control) {
+        if (exit.running) {
+            nextControl = control;
+            return;
+        }
         openedByKey = control.visualFocus ? control : null;
         currentIndex = -1;
         popup(control, control.LayoutMirroring.enabled ? control.width - implicitWidth : 0, control.height + 4);
@@ -62,10 +68,18 @@ T.Menu {
         }
     }
 
-    // What it opened, such as a dialog, keeps the focus.
+    // What it opened, such as a dialog, keeps the focus. Newer versions of Qt have given it back by
+    // then, which is not seen as the reason is none of the keyboard's.
     onClosed: {
+        if (nextControl) {
+            Qt.callLater(openBelow, nextControl);
+            nextControl = null;
+            return;
+        }
         const window = openedByKey?.Window.window;
-        if (window && (!window.activeFocusItem || window.activeFocusItem === window.contentItem))
+        if (window && [null, window.contentItem, openedByKey].includes(window.activeFocusItem)) {
             openedByKey.forceActiveFocus(Qt.TabFocusReason);
+            openedByKey.focusReason = Qt.TabFocusReason;
+        }
     }
 }
