@@ -41,8 +41,9 @@ ListView {
         onRevealRequested: ListView.view.model.reveal(index)
     }
 
+    // A button that was clicked has made its own row the current one, or is about to.
     onActiveFocusChanged: {
-        if (activeFocus && currentIndex < 0)
+        if (Window.activeFocusItem === list && currentIndex < 0)
             currentIndex = indexAt(1, contentY);
     }
 }
