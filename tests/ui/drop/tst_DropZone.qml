@@ -123,8 +123,13 @@ DropWindowTestCase {
         verify(!zone.isChoosing);
         row.act();
         tryCompare(zone, "isChoosing", true);
+        // in newer versions of Qt, once the window that it is drawn in has the keys
+        tryVerify(() => DrawnDialogs.item("fileDialogListView")?.activeFocus);
         keyClick(Qt.Key_Escape);
         tryCompare(zone, "isChoosing", false);
+        // as a window system does when that window is gone
+        view.Window.window.requestActivate();
+        tryVerify(() => view.Window.contentItem.activeFocus);
         compare(batches.begun, [], "nothing was chosen");
     }
 
