@@ -93,7 +93,8 @@ TEST(ScreenReader, pressesWhateverAClickPresses)
     int pressed = 0;
     for (QAccessibleInterface* element : elements) {
         QObject* control = element->object();
-        if (element->role() != QAccessible::Button && element->role() != QAccessible::Link) {
+        if (element->role() != QAccessible::Button && element->role() != QAccessible::ButtonMenu
+            && element->role() != QAccessible::Link) {
             continue;
         }
         const std::string name = element->text(QAccessible::Name).toStdString();
@@ -141,6 +142,15 @@ TEST(ScreenReader, movesTheSplitOfAComparison)
     EXPECT_EQ(value->currentValue().toDouble(), 0);
 }
 
+/// What a button that opens a menu is to a screen reader. To older versions of Qt every button is a
+/// plain one whatever it says, and so is every link.
+QAccessible::Role menuButton(const Scene& scene)
+{
+    const QString link = QStringLiteral("Buy me a coffee");
+    return scene.element(QAccessible::Link, link) != nullptr ? QAccessible::ButtonMenu
+                                                             : QAccessible::Button;
+}
+
 TEST(ScreenReader, opensTheMenuOfAChipAndChooses)
 {
     const Scene scene("DropWindowEmpty");
@@ -151,9 +161,9 @@ TEST(ScreenReader, opensTheMenuOfAChipAndChooses)
         QCoreApplication::processEvents();
         (void)scene.window().grabWindow();
     };
-    press(QAccessible::Button, "WebP Lossy");
+    press(menuButton(scene), "WebP Lossy");
     press(QAccessible::MenuItem, "JPEG");
-    EXPECT_NE(scene.element(QAccessible::Button, QStringLiteral("JPEG")), nullptr);
+    EXPECT_NE(scene.element(menuButton(scene), QStringLiteral("JPEG")), nullptr);
 }
 
 TEST(ScreenReader, togglesASwitch)
