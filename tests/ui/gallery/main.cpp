@@ -12,7 +12,9 @@
 #include <QFileInfo>
 #include <QFont>
 #include <QGuiApplication>
+#include <QImage>
 #include <QLocale>
+#include <QPainter>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickItem>
@@ -36,7 +38,6 @@ void stopMotion(QQmlEngine& engine)
         ->setReduced(true);
 }
 
-/// Renders one scene; an empty text, or what went wrong.
 /// What the program says where the system has everything.
 void confine(QQmlEngine& engine)
 {
@@ -48,6 +49,22 @@ void confine(QQmlEngine& engine)
         });
 }
 
+/// With the dialogs over it that newer versions of Qt draw in windows of their own.
+QImage pictureOf(QQuickWindow& window)
+{
+    QImage picture = window.grabWindow();
+    QPainter painter(&picture);
+    const QWindowList others = QGuiApplication::topLevelWindows();
+    for (QWindow* other : others) {
+        auto* const dialog = qobject_cast<QQuickWindow*>(other);
+        if (dialog != nullptr && dialog->isVisible() && dialog->transientParent() == &window) {
+            painter.drawImage(dialog->position() - window.position(), dialog->grabWindow());
+        }
+    }
+    return picture;
+}
+
+/// Renders one scene; an empty text, or what went wrong.
 QString renderScene(QQmlEngine& engine, const QString& scene, const QString& picture)
 {
     QQmlComponent component(&engine, QUrl::fromLocalFile(QFileInfo(scene).absoluteFilePath()));
@@ -80,9 +97,9 @@ QString renderScene(QQmlEngine& engine, const QString& scene, const QString& pic
         // Nothing lies under the pointer, wherever it was when the window came.
         QEvent leaving(QEvent::Leave);
         QCoreApplication::sendEvent(window, &leaving);
-        (void)window->grabWindow();
+        (void)pictureOf(*window);
     }
-    const bool written = window->grabWindow().save(picture);
+    const bool written = pictureOf(*window).save(picture);
     if (frame) {
         qobject_cast<QQuickItem*>(root.get())->setParentItem(nullptr);
     }
