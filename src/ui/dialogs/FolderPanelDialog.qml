@@ -18,6 +18,11 @@ FolderDialog {
         }
     }
 
+    DrawnDialogDirection {
+        isShown: dialog.visible
+        listName: "folderDialogListView"
+    }
+
     Component.onCompleted: {
         title = panel.message;
         acceptLabel = panel.prompt;

@@ -1,10 +1,13 @@
 #include "ui/accessibility/Scene.h"
 
+#include "ui/dialogs/DrawnDialogs.h"
+
 #include <gtest/gtest.h>
 
 #include <QGuiApplication>
 #include <QQuickItem>
 #include <QScopeGuard>
+#include <QTest>
 
 namespace vellumine {
 namespace {
@@ -34,6 +37,46 @@ TEST(RightToLeft, mirrorsTheWindowAndAllThatIsInIt)
         = qScopeGuard([] { QGuiApplication::setLayoutDirection(Qt::LayoutDirectionAuto); });
     EXPECT_EQ(placeOf(scene, "menuButton").left, menu.right);
     EXPECT_EQ(placeOf(scene, "closeButton").left, close.right);
+}
+
+/// The button with that text in the item; null where there is none.
+const QQuickItem* buttonIn(const QQuickItem& item, const QString& text)
+{
+    const QList<QQuickItem*> children = item.childItems();
+    for (const QQuickItem* child : children) {
+        if (child->inherits("QQuickAbstractButton") && child->property("text") == text) {
+            return child;
+        }
+        if (const QQuickItem* const found = buttonIn(*child, text)) {
+            return found;
+        }
+    }
+    return nullptr;
+}
+
+TEST(RightToLeft, mirrorsTheDialogsThatQtDraws)
+{
+    const test::Scene scene("DropWindowFolderPanel");
+    const QQuickItem* list = nullptr;
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        list = DrawnDialogs::item(QStringLiteral("folderDialogListView"));
+        return list != nullptr;
+    }));
+    const auto leftOf = [&](const char* text) {
+        const QQuickItem* button = nullptr;
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            (void)list->window()->grabWindow(); // lays out what is seen
+            button = buttonIn(*list->parentItem(), QString::fromLatin1(text));
+            return button != nullptr;
+        })) << text;
+        return button == nullptr ? -1 : button->mapToScene(QPointF()).x();
+    };
+    EXPECT_LT(leftOf("Open"), leftOf("Cancel"));
+
+    QGuiApplication::setLayoutDirection(Qt::RightToLeft);
+    const auto restore
+        = qScopeGuard([] { QGuiApplication::setLayoutDirection(Qt::LayoutDirectionAuto); });
+    EXPECT_GT(leftOf("Open"), leftOf("Cancel"));
 }
 
 } // namespace
