@@ -30,6 +30,7 @@ T.ComboBox {
     }
     // its implicit width is that of the widest choice
     contentItem: T.TextField {
+        Accessible.ignored: true
         color: control.textColor
         enabled: false
         font: control.font

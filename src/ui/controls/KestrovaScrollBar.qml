@@ -2,10 +2,11 @@ import QtQuick
 import QtQuick.Templates as T
 import Vellumine
 
-// A thin bar at the edge of what scrolls, and nothing where all of it is in sight.
+// A thin bar at the edge of what scrolls, and nothing where all of it is in sight. It is for the pointer only.
 T.ScrollBar {
     id: bar
 
+    Accessible.ignored: true
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     minimumSize: 0.08
