@@ -105,7 +105,7 @@ Item {
         id: buttons
 
         // the Tab key goes through the current row, and not through thousands of others
-        readonly property int focusPolicy: row.current ? Qt.StrongFocus : Qt.ClickFocus
+        readonly property int focusOfButtons: row.current ? Qt.StrongFocus : Qt.ClickFocus
 
         anchors.right: parent.right
         anchors.rightMargin: 14
@@ -117,7 +117,7 @@ Item {
         ComparisonReviewButtonStyle {
             id: compareButton
 
-            focusPolicy: buttons.focusPolicy
+            focusPolicy: buttons.focusOfButtons
             helpText: qsTr("Open before and after viewer")
             objectName: "compare"
             symbol: "rectangle.split.2x1"
@@ -132,7 +132,7 @@ Item {
         FinderRevealButtonStyle {
             id: revealButton
 
-            focusPolicy: buttons.focusPolicy
+            focusPolicy: buttons.focusOfButtons
             helpText: qsTr("Show in Finder")
             objectName: "reveal"
             symbol: "magnifyingglass"
