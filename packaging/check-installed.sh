@@ -3,7 +3,7 @@
 # nothing else is, and runs both programs there as an ordinary user: the one for the command line on the
 # pictures (by default on one of its own making), the one with windows on a server without a screen.
 #
-# Run as root; the new system comes from Debian's mirror. CHECK_ROOT keeps it for the next time.
+# Run as root; the new system comes from Debian's mirror: SUITE, or bookworm. CHECK_ROOT keeps it for the next time.
 set -euo pipefail
 
 package="$(realpath "$1")"
