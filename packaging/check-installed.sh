@@ -21,6 +21,7 @@ fi
 root="${CHECK_ROOT:-}"
 if [[ -z "$root" ]]; then
     root="$(mktemp -d)"
+    chmod 755 "$root" # an ordinary user's, too, as it is the folder "/" there
     trap 'rm -rf --one-file-system "$root"' EXIT
 fi
 if [[ ! -e "$root/etc/debian_version" ]]; then
