@@ -1,4 +1,5 @@
 #include "imaging/ImageSource.h"
+#include "imaging/metadata/Blocks.h"
 #include "imaging/metadata/Exiv2Reading.h"
 #include "imaging/metadata/Metadata.h"
 #include "support/Samples.h"
@@ -10,8 +11,6 @@
 
 namespace vellumine::imaging::metadata {
 namespace {
-
-constexpr Groups everything { true, true, true, true, true };
 
 bool mayChange(const std::string& key)
 {
@@ -54,7 +53,7 @@ TEST(CameraFiles, keepEveryFieldAndTheirMakerNotes)
         ++blocksSeen;
         const MetadataBlocks& blocks = properties->blocks();
         const MetadataBlocks result
-            = travelling(blocks, everything, { source->storedSize(), false, true });
+            = travelling(blocks, test::everything, { source->storedSize(), false, true });
         EXPECT_EQ(orientation(result), std::nullopt);
         EXPECT_EQ(groups(result).exif, groups(blocks).exif);
         EXPECT_EQ(groups(result).gps, groups(blocks).gps);

@@ -1,3 +1,4 @@
+#include "imaging/metadata/Blocks.h"
 #include "imaging/metadata/ExifBuilder.h"
 #include "imaging/metadata/Metadata.h"
 #include "support/NamedRows.h"
@@ -14,15 +15,11 @@ namespace {
 
 using test::bytesOf;
 using test::cameraExif;
+using test::everything;
 using test::ExifBuilder;
+using test::exifOnly;
 
-constexpr Groups everything { true, true, true, true, true };
 constexpr NewPicture picture { { 20, 10 }, false, true };
-
-MetadataBlocks exifOnly(ByteBuffer exif)
-{
-    return { .exif = std::move(exif), .xmp = {}, .iptc = {} };
-}
 
 // Runs everything that reads blocks. What came out must be readable and stay what it is; a block
 // can grow by the alignment of its values, but never unfold.

@@ -1,5 +1,6 @@
 #include "imaging/codecs/MetadataCarriers.h"
 #include "imaging/codecs/tiff/TiffCodec.h"
+#include "imaging/metadata/Blocks.h"
 #include "imaging/metadata/ExifBuilder.h"
 #include "imaging/metadata/Exiv2Reading.h"
 #include "imaging/metadata/Metadata.h"
@@ -17,6 +18,7 @@ namespace {
 using test::bytesOf;
 using test::cameraExif;
 using test::captionIptc;
+using test::everything;
 using test::ExifBuilder;
 using test::ExifField;
 using test::exifFields;
@@ -28,7 +30,6 @@ using testing::Key;
 using testing::Not;
 using testing::Pair;
 
-constexpr Groups everything { true, true, true, true, true };
 constexpr NewPicture picture { test::oddSize, false, true };
 
 const Image& sample()
