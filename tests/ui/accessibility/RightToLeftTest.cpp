@@ -1,5 +1,6 @@
 #include "ui/accessibility/Scene.h"
 
+#include "support/EventLoop.h"
 #include "ui/dialogs/DrawnDialogs.h"
 
 #include <gtest/gtest.h>
@@ -7,7 +8,6 @@
 #include <QGuiApplication>
 #include <QQuickItem>
 #include <QScopeGuard>
-#include <QTest>
 
 namespace vellumine {
 namespace {
@@ -58,13 +58,13 @@ TEST(RightToLeft, mirrorsTheDialogsThatQtDraws)
 {
     const test::Scene scene("DropWindowFolderPanel");
     const QQuickItem* list = nullptr;
-    ASSERT_TRUE(QTest::qWaitFor([&] {
+    ASSERT_TRUE(test::runUntil([&] {
         list = DrawnDialogs::item(QStringLiteral("folderDialogListView"));
         return list != nullptr;
     }));
     const auto leftOf = [&](const char* text) {
         const QQuickItem* button = nullptr;
-        EXPECT_TRUE(QTest::qWaitFor([&] {
+        EXPECT_TRUE(test::runUntil([&] {
             (void)list->window()->grabWindow(); // lays out what is seen
             button = buttonIn(*list->parentItem(), QString::fromLatin1(text));
             return button != nullptr;
