@@ -111,6 +111,7 @@ void UpdateChecker::load(const QSslConfiguration& tls, const std::optional<QNetw
     request.setSslConfiguration(tls);
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
         QNetworkRequest::NoLessSafeRedirectPolicy); // from https to https only
+    request.setMaximumRedirectsAllowed(maximumRedirects);
     m_reply = m_network->get(request);
     connect(m_reply, &QNetworkReply::downloadProgress, this, &UpdateChecker::stopWhenTooLarge);
     connect(m_reply, &QNetworkReply::finished, this, &UpdateChecker::finish);

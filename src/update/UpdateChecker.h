@@ -63,6 +63,9 @@ public:
         ProxyLookUp proxy = &systemProxy;
     };
 
+    /// Where a page sends the check on more often it fails, as in web browsers.
+    static constexpr int maximumRedirects = 20;
+
     /// What the system says, in its settings or the environment, of the way to a page.
     [[nodiscard]] static QNetworkProxy systemProxy(const QUrl& page);
 
