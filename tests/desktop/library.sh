@@ -23,6 +23,7 @@ needs() {
 needs Xvfb openbox xdotool xwininfo xprop dbus-daemon
 
 started=()
+stubborn="" # one of them that does not always end when it is asked to
 folder="$(mktemp -d)"
 mkdir -p "${SHOTS:=$folder}"
 
@@ -67,7 +68,9 @@ end() { # PROCESS
             unset "started[index]" # the number may be given to another process
         fi
     done
-    kill "$1" 2>/dev/null || true
+    local signal=TERM
+    [[ "$1" != "$stubborn" ]] || signal=KILL
+    kill -s "$signal" "$1" 2>/dev/null || true
     wait "$1" 2>/dev/null || true
 }
 

@@ -29,6 +29,7 @@ open_file_manager() { # NAME FOLDER
     close_file_manager
     background "$manager" "$manager" "$2"
     file_manager=$process
+    stubborn=$process # pcmanfm, now and then, after something was dragged from it
     local name
     name="$(basename "$2")"
     local shown
