@@ -59,12 +59,15 @@ void HeightFollower::grow()
         return;
     }
     m_waitingIn.reset();
-    m_growing.stop();
-    const auto frame = frameForResults(
-        m_window.geometry(), m_resultCount, m_window.screen()->availableGeometry());
+    // One that grows is as high already as it will be.
+    const bool isGrowing = m_growing.state() == QVariantAnimation::Running;
+    const auto frame
+        = frameForResults(isGrowing ? m_growing.endValue().toRect() : m_window.geometry(),
+            m_resultCount, m_window.screen()->availableGeometry());
     if (!frame) {
         return;
     }
+    m_growing.stop();
     if (m_growing.duration() == 0 || !m_window.isVisible()) {
         m_window.setGeometry(*frame);
         return;
