@@ -224,7 +224,8 @@ Precedence precedenceOf(
 
 ConversionQueue::ConversionQueue(std::vector<QUrl> urls, const OptimizerSettings& settings)
     : m_urls(std::move(urls))
-    , m_sourcesStay(!settings.moveOriginalToTrash)
+    , m_whenGone(settings.moveOriginalToTrash ? NeededFiles::WhenGone::inTrash
+                                              : NeededFiles::WhenGone::lost)
     , m_needed(std::make_shared<NeededFiles>(m_urls))
     , m_precedence(precedenceOf(m_urls, settings, *m_needed))
 {
@@ -232,8 +233,7 @@ ConversionQueue::ConversionQueue(std::vector<QUrl> urls, const OptimizerSettings
 
 void ConversionQueue::finished(std::size_t index, const std::optional<QUrl>& output)
 {
-    // Sources that are gone because they are in the Trash are not lost.
-    m_needed->setRead(index, m_sourcesStay ? output : std::nullopt);
+    m_needed->setRead(index, output, m_whenGone);
     m_precedence.finished(index);
 }
 

@@ -37,7 +37,7 @@ public:
 
 private:
     std::vector<QUrl> m_urls;
-    bool m_sourcesStay;
+    NeededFiles::WhenGone m_whenGone;
     std::shared_ptr<NeededFiles> m_needed;
     Precedence m_precedence;
 };

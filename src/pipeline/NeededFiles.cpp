@@ -8,32 +8,42 @@
 namespace vellumine {
 
 NeededFiles::NeededFiles(const std::vector<QUrl>& urls)
-    : m_isRead(urls.size())
 {
-    for (std::size_t index = 0; index < urls.size(); ++index) {
-        m_paths.push_back(platform::toPath(urls[index]));
-        m_versions.push_back(platform::fileVersion(m_paths.back()));
-        for (const auto& path : platform::pathsToFile(m_paths.back())) {
+    for (const QUrl& url : urls) {
+        const std::filesystem::path source = platform::toPath(url);
+        for (const auto& path : platform::pathsToFile(source)) {
             if (const auto identity = platform::identityAt(path)) {
-                m_positions[*identity].push_back(index);
+                m_positions[*identity].push_back(m_sources.size());
             }
         }
+        m_sources.push_back({ .file = { source, platform::fileVersion(source) }, .output = {} });
     }
 }
 
 bool NeededFiles::isAt(const std::filesystem::path& path) const
 {
-    if (!unreadAt(path).empty()) {
-        return true;
-    }
     const auto identity = platform::identityAt(path);
     if (!identity) {
         return false;
     }
+    const auto version = platform::fileVersion(path);
     const std::scoped_lock lock(m_mutex);
-    const auto output = m_outputs.find(*identity);
-    return output != m_outputs.end() && platform::fileVersion(path) == output->second.version
-        && !isSourceThere(output->second.source);
+    if (const auto found = m_positions.find(*identity); found != m_positions.end()) {
+        const auto isNeeded = [&](std::size_t index) {
+            const Source& source = m_sources[index];
+            return !source.isRead
+                || (version == source.file.version && !isStillThere(source.output));
+        };
+        if (std::ranges::any_of(found->second, isNeeded)) {
+            return true;
+        }
+    }
+    const auto found = m_outputs.find(*identity);
+    if (found == m_outputs.end()) {
+        return false;
+    }
+    const Source& source = m_sources[found->second];
+    return version == source.output.version && !source.isInTrash && !isStillThere(source.file);
 }
 
 std::vector<std::size_t> NeededFiles::unreadAt(const std::filesystem::path& path) const
@@ -44,26 +54,29 @@ std::vector<std::size_t> NeededFiles::unreadAt(const std::filesystem::path& path
     if (found != m_positions.end()) {
         const std::scoped_lock lock(m_mutex);
         std::ranges::copy_if(found->second, std::back_inserter(unread),
-            [this](std::size_t index) { return !m_isRead[index]; });
+            [this](std::size_t index) { return !m_sources[index].isRead; });
     }
     return unread;
 }
 
-void NeededFiles::setRead(std::size_t index, const std::optional<QUrl>& output)
+void NeededFiles::setRead(std::size_t index, const std::optional<QUrl>& output, WhenGone whenGone)
 {
     const auto path = output ? platform::toPath(*output) : std::filesystem::path();
     const auto identity = platform::identityAt(path);
     const auto version = platform::fileVersion(path);
     const std::scoped_lock lock(m_mutex);
-    m_isRead.at(index) = true;
+    Source& source = m_sources.at(index);
+    source.isRead = true;
+    source.isInTrash = whenGone == WhenGone::inTrash && !isStillThere(source.file);
     if (identity && version) {
-        m_outputs.insert_or_assign(*identity, Output { *version, index });
+        source.output = { path, version };
+        m_outputs.insert_or_assign(*identity, index);
     }
 }
 
-bool NeededFiles::isSourceThere(std::size_t index) const
+bool NeededFiles::isStillThere(const Standing& file)
 {
-    return m_versions[index] && platform::fileVersion(m_paths[index]) == m_versions[index];
+    return file.version && platform::fileVersion(file.path) == file.version;
 }
 
 } // namespace vellumine

@@ -14,9 +14,9 @@
 namespace vellumine {
 
 /// The files that hold a picture of the batch which is nowhere else: sources that have still to be
-/// read, and outputs whose sources other outputs have replaced. No output may take the place of
-/// one. A file that is given as a link also stands where the link leads, and at every name on the
-/// way. Any thread may ask.
+/// read, those that came to nothing or whose output was replaced since, and outputs whose sources
+/// were. No output may take the place of one. A file that is given as a link also stands where the
+/// link leads, and at every name on the way. Any thread may ask.
 class NeededFiles {
 public:
     explicit NeededFiles(const std::vector<QUrl>& urls);
@@ -26,24 +26,32 @@ public:
     /// The unread sources, by their positions in the batch, of which one stands there.
     [[nodiscard]] std::vector<std::size_t> unreadAt(const std::filesystem::path& path) const;
 
+    /// What has become of a source where it is not in its place any more.
+    enum class WhenGone { lost, inTrash };
     /// The source at the position needs to be read no more; its picture is in the output as well,
     /// where there is one.
-    void setRead(std::size_t index, const std::optional<QUrl>& output = std::nullopt);
+    void setRead(std::size_t index, const std::optional<QUrl>& output = std::nullopt,
+        WhenGone whenGone = WhenGone::lost);
 
 private:
-    struct Output {
-        platform::FileVersion version;
-        std::size_t source; ///< its position
+    /// A file as it was at some time.
+    struct Standing {
+        std::filesystem::path path;
+        std::optional<platform::FileVersion> version; ///< none where there was no file
+    };
+    struct Source {
+        Standing file;
+        Standing output;
+        bool isRead = false;
+        bool isInTrash = false;
     };
 
-    [[nodiscard]] bool isSourceThere(std::size_t index) const;
+    [[nodiscard]] static bool isStillThere(const Standing& file);
 
-    std::vector<std::filesystem::path> m_paths; ///< of the sources, by position
-    std::vector<std::optional<platform::FileVersion>> m_versions; ///< likewise
-    std::map<platform::FileIdentity, std::vector<std::size_t>> m_positions;
     mutable std::mutex m_mutex;
-    std::vector<bool> m_isRead; ///< by position
-    std::map<platform::FileIdentity, Output> m_outputs;
+    std::vector<Source> m_sources; ///< by position
+    std::map<platform::FileIdentity, std::vector<std::size_t>> m_positions; ///< of the sources
+    std::map<platform::FileIdentity, std::size_t> m_outputs; ///< positions of their sources
 };
 
 } // namespace vellumine

@@ -8,6 +8,10 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <filesystem>
+#include <optional>
+#include <vector>
+
 namespace vellumine {
 namespace {
 
@@ -199,10 +203,78 @@ TEST(OutputURL, anUnreadFileOfTheBatchIsNotWrittenOver)
             .value();
     };
     EXPECT_EQ(output(), urlOf(folder / "a-optimized-optimized.jpg"));
-    needed.setRead(1);
+    writeFile(folder / "output", "of both");
+    needed.setRead(1, urlOf(folder / "output"));
     EXPECT_EQ(output(), urlOf(folder / "a-optimized.jpg"));
-    needed.setRead(0);
+    needed.setRead(0, urlOf(folder / "output"));
     EXPECT_EQ(output(), urlOf(folder / "a.jpg"));
+}
+
+/// A source a.jpg whose output is a-optimized.jpg, and what then becomes of them.
+class OutputAfterwards : public testing::Test {
+protected:
+    OutputAfterwards()
+    {
+        writeFile(m_folder / "a.jpg", "source");
+        m_needed.emplace(std::vector { urlOf(m_folder / "a.jpg") });
+    }
+
+    void finish(NeededFiles::WhenGone whenGone = NeededFiles::WhenGone::lost)
+    {
+        writeFile(m_folder / "a-optimized.jpg", "output");
+        m_needed->setRead(0, urlOf(m_folder / "a-optimized.jpg"), whenGone);
+    }
+    void replace(const char* name) const
+    {
+        writeFile(m_folder / "other", "another picture");
+        std::filesystem::rename(m_folder / "other", m_folder / name);
+    }
+    [[nodiscard]] bool mayBeReplaced(const char* name) const
+    {
+        return !m_needed->isAt(m_folder / name);
+    }
+
+    const TemporaryFolder m_folder;
+    std::optional<NeededFiles> m_needed;
+};
+
+TEST_F(OutputAfterwards, eitherMayBeReplacedWhileBothAreThere)
+{
+    finish();
+    EXPECT_TRUE(mayBeReplaced("a.jpg"));
+    EXPECT_TRUE(mayBeReplaced("a-optimized.jpg"));
+}
+
+TEST_F(OutputAfterwards, theSourceStaysWhereItsOutputWasReplaced)
+{
+    finish();
+    replace("a-optimized.jpg");
+    EXPECT_FALSE(mayBeReplaced("a.jpg"));
+    EXPECT_TRUE(mayBeReplaced("a-optimized.jpg"));
+    replace("a.jpg");
+    EXPECT_TRUE(mayBeReplaced("a.jpg")); // it is another file
+}
+
+TEST_F(OutputAfterwards, aSourceThatCameToNothingStays)
+{
+    m_needed->setRead(0);
+    EXPECT_FALSE(mayBeReplaced("a.jpg"));
+}
+
+TEST_F(OutputAfterwards, theOutputOfASourceInTheTrashMayBeReplaced)
+{
+    std::filesystem::remove(m_folder / "a.jpg");
+    finish(NeededFiles::WhenGone::inTrash);
+    EXPECT_TRUE(mayBeReplaced("a-optimized.jpg"));
+}
+
+TEST_F(OutputAfterwards, oneOfBothStaysWhereTheTrashDidNotTakeTheSource)
+{
+    finish(NeededFiles::WhenGone::inTrash);
+    EXPECT_TRUE(mayBeReplaced("a.jpg"));
+    EXPECT_TRUE(mayBeReplaced("a-optimized.jpg"));
+    replace("a.jpg");
+    EXPECT_FALSE(mayBeReplaced("a-optimized.jpg"));
 }
 
 TEST(OutputURL, anOutputWhoseSourceIsGoneIsNotWrittenOver)
