@@ -44,7 +44,8 @@ struct KernelAction {
 };
 
 /// This process's handlers must not run in the child, nor does the program expect that a broken
-/// pipe is ignored.
+/// pipe is ignored. What has come for this process alone is forgotten: being ignored for a moment
+/// does that.
 void resetSignals()
 {
     for (int number = 1; number <= SIGRTMAX; ++number) {
@@ -52,8 +53,10 @@ void resetSignals()
         constexpr unsigned long ignored = 1;
         if (::syscall(SYS_rt_sigaction, number, nullptr, &action, sizeof(action.mask)) == 0
             && (action.handler > ignored || number == SIGPIPE)) {
-            action = {};
-            ::syscall(SYS_rt_sigaction, number, &action, nullptr, sizeof(action.mask));
+            for (const unsigned long handler : { ignored, 0UL }) {
+                action = { .handler = handler, .flags = 0, .restorer = 0, .mask = 0 };
+                ::syscall(SYS_rt_sigaction, number, &action, nullptr, sizeof(action.mask));
+            }
         }
     }
 }
@@ -64,12 +67,13 @@ void resetSignals()
 [[gnu::no_sanitize_thread]] int becomeProgram(void* argument)
 {
     auto* const start = static_cast<Start*>(argument);
+    // Ctrl+C is for the program that the terminal knows. Until here the child heard of it as well.
+    ::setpgid(0, 0);
     resetSignals();
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (::getppid() != start->parent) {
         return 0; // too late to hear of the parent's end
     }
-    ::setpgid(0, 0);
     if (start->standardError == STDERR_FILENO
         || ::dup2(start->standardError, STDERR_FILENO) == STDERR_FILENO) {
         // A library may hold descriptors open that were not made to close themselves.

@@ -53,13 +53,17 @@ void removeLeftOver(const QString& filePath)
     }
 }
 
+/// Nothing where there is no file, or none that this program has written: a pipe would be waited
+/// for, and what is long read for long.
 std::optional<LifetimeStats> read(const QString& filePath)
 {
+    constexpr qint64 longest = 1 << 16;
     QFile file(filePath);
-    if (!file.open(QIODevice::ReadOnly)) {
+    const QFileInfo item(filePath);
+    if (!item.isFile() || item.size() > longest || !file.open(QIODevice::ReadOnly)) {
         return std::nullopt;
     }
-    return lifetimeStatsFromJson(file.readAll());
+    return lifetimeStatsFromJson(file.read(longest));
 }
 
 } // namespace

@@ -19,6 +19,7 @@
 #include <future>
 #include <stop_token>
 #include <string>
+#include <thread>
 
 namespace vellumine::platform {
 namespace {
@@ -239,6 +240,33 @@ TEST(ChildProcess, doesNotOutliveThisProcess)
     ::kill(parent, SIGKILL);
     ASSERT_EQ(::waitpid(parent, nullptr, 0), parent);
     EXPECT_EQ(reader.get(), std::ifstream::traits_type::eof());
+}
+
+TEST(ChildProcess, hearsNothingOfWhatATerminalTellsThisProcess)
+{
+    const TemporaryFolder folder;
+    writeProgram(folder / "program", "exit 0\n");
+    const pid_t parent = ::fork();
+    if (parent == 0) {
+        ::setpgid(0, 0);
+        ::signal(SIGINT, [](int) {});
+        // Ctrl+C without end, which comes in every moment of a start.
+        std::jthread terminal([](const std::stop_token& stop) {
+            while (!stop.stop_requested()) {
+                ::kill(0, SIGINT);
+            }
+        });
+        for (int start = 0; start < 300; ++start) {
+            const auto exit = runProcess(folder / "program", {});
+            if (!exit || exit->status != 0) {
+                ::_exit(1);
+            }
+        }
+        ::_exit(0);
+    }
+    int status = -1;
+    ASSERT_EQ(::waitpid(parent, &status, 0), parent);
+    EXPECT_EQ(status, 0);
 }
 
 TEST(ChildProcess, takesSignalsAsAnyProgramDoes)

@@ -10,6 +10,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 #include <filesystem>
 #include <limits>
 
@@ -165,6 +167,27 @@ TEST_F(Stats, aFileThatIsNotJsonIsLeftUntilTheNextSave)
     EXPECT_EQ(content(), "not JSON");
     store.reset();
     EXPECT_EQ(stored(), LifetimeStats());
+}
+
+TEST_F(Stats, whatIsNoFileIsNotWaitedFor)
+{
+    fs::create_directories(file().parent_path());
+    ASSERT_EQ(::mkfifo(file().c_str(), 0600), 0);
+    StatsStore store = open();
+    EXPECT_EQ(store.stats(), LifetimeStats());
+    store.record(failure());
+    EXPECT_EQ(stored(), LifetimeStats { .filesProcessed = 1 });
+}
+
+TEST_F(Stats, aFileThatIsFarTooLongIsNotRead)
+{
+    open().record(success(1000, 400));
+    ASSERT_TRUE(stored());
+    store(content() + QByteArray(1 << 16, ' '));
+    ASSERT_TRUE(stored()); // it would be JSON
+    EXPECT_EQ(open().stats(), LifetimeStats());
+    fs::resize_file(file(), std::uintmax_t { 1 } << 41U); // more than there is memory
+    EXPECT_EQ(open().stats(), LifetimeStats());
 }
 
 TEST_F(Stats, resetLeavesZerosAndNoDate)
