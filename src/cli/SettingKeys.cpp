@@ -128,13 +128,9 @@ bool applyDestinationFolder(OptimizerSettings& settings, const QByteArray& value
     if (!std::filesystem::is_directory(folder, error)) {
         return false;
     }
-    // ".." behind a link leads somewhere else than the text tells.
-    const auto real = std::filesystem::canonical(folder, error);
-    const QUrl asNamed
-        = platform::standardized(platform::fileUrl(std::filesystem::absolute(folder, error)));
     settings.destinationFolderURL
-        = platform::isSameFile(platform::toPath(asNamed), real) ? asNamed : platform::fileUrl(real);
-    return !error;
+        = platform::standardized(platform::fileUrl(platform::absoluteByText(folder)));
+    return true;
 }
 
 QString folderValues()

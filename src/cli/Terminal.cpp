@@ -19,6 +19,13 @@ struct CloseStream {
 };
 using Stream = std::unique_ptr<std::FILE, CloseStream>;
 
+/// Whether the interruption has come.
+bool isInterrupted(int interruption)
+{
+    pollfd asked { .fd = interruption, .events = POLLIN, .revents = 0 };
+    return ::poll(&asked, 1, 0) > 0;
+}
+
 /// Whether there is something to read before the interruption comes. A terminal gives whole lines.
 bool waitForLine(std::FILE* input, int interruption)
 {
@@ -30,9 +37,12 @@ bool waitForLine(std::FILE* input, int interruption)
     return waiting[1].revents == 0;
 }
 
-/// The answer to the question, read from `input`.
+/// The answer to the question, read from `input`. Nobody is asked after the interruption.
 QByteArray answer(std::FILE* input, std::FILE* output, const QString& question, int interruption)
 {
+    if (isInterrupted(interruption)) {
+        return {};
+    }
     std::fputs(question.toUtf8().constData(), output);
     std::fflush(output);
     QByteArray line;

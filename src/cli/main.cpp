@@ -8,6 +8,7 @@
 #include "cli/TerminationSignals.h"
 #include "confined/client/ConfinedDecoders.h"
 #include "pipeline/OverwritePrompt.h"
+#include "platform/FileOperations.h"
 #include "platform/FilePath.h"
 
 #include <QCoreApplication>
@@ -37,7 +38,7 @@ QList<QUrl> inputURLs(const std::vector<std::filesystem::path>& paths, Report& r
     QList<QUrl> urls;
     for (const std::filesystem::path& given : paths) {
         std::error_code error;
-        const std::filesystem::path path = std::filesystem::absolute(given, error);
+        const std::filesystem::path path = platform::absoluteByText(given);
         const QUrl url = platform::fileUrl(path);
         if (FileInputResolver::hasSupportedExtension(url) || std::filesystem::exists(path, error)) {
             urls.append(url);

@@ -1,9 +1,12 @@
 #include "platform/FileOperations.h"
 
+#include "platform/FilePath.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <optional>
 #include <span>
@@ -81,6 +84,24 @@ std::vector<std::filesystem::path> pathsToFile(const std::filesystem::path& path
         paths.push_back(paths.back().parent_path() / target);
     }
     return paths;
+}
+
+std::filesystem::path absoluteByText(const std::filesystem::path& path)
+{
+    std::error_code error;
+    std::filesystem::path absolute = std::filesystem::absolute(path, error);
+    const bool goesBack = std::ranges::find(absolute, "..") != absolute.end();
+    if (!goesBack || isSameFile(toPath(standardized(fileUrl(absolute))), absolute)) {
+        return absolute;
+    }
+    // The name itself may be a link, and stays.
+    const bool hasName = absolute.has_filename() && absolute.filename() != "..";
+    const auto real
+        = std::filesystem::canonical(hasName ? absolute.parent_path() : absolute, error);
+    if (error) {
+        return absolute;
+    }
+    return hasName ? real / absolute.filename() : real;
 }
 
 bool isSameFile(const std::filesystem::path& first, const std::filesystem::path& second)

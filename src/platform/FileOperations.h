@@ -52,6 +52,10 @@ struct FileIdentity {
 /// The path, and where it is a link every further one on the way to the file.
 [[nodiscard]] std::vector<std::filesystem::path> pathsToFile(const std::filesystem::path& path);
 
+/// The absolute path of what the given one names, which leads there by its text alone as well: ".."
+/// behind a link does not.
+[[nodiscard]] std::filesystem::path absoluteByText(const std::filesystem::path& path);
+
 /// Whether both paths exist and lead to the same file: through links of either kind, or by other
 /// letters on a disk that does not tell upper from lower case.
 [[nodiscard]] bool isSameFile(

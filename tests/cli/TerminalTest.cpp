@@ -68,6 +68,22 @@ protected:
         return seen;
     }
 
+    /// What else was shown by now.
+    [[nodiscard]] std::string alsoShown() const
+    {
+        std::string seen;
+        pollfd waiting { m_terminal.get(), POLLIN, 0 };
+        while (::poll(&waiting, 1, 0) == 1) {
+            std::array<char, 256> chunk {};
+            const ssize_t count = ::read(m_terminal.get(), chunk.data(), chunk.size());
+            if (count <= 0) {
+                break;
+            }
+            seen.append(chunk.data(), std::size_t(count));
+        }
+        return seen;
+    }
+
     QProcess m_process;
     FileDescriptor m_programsEnd;
 
@@ -83,6 +99,20 @@ TEST_F(OnTerminal, theProgressCountsWhatWasRefusedBefore)
     EXPECT_NE(shown.find("1 of 2"), std::string::npos) << shown;
     EXPECT_EQ(shown.find("of 1"), std::string::npos) << shown;
     EXPECT_EQ(end(m_process).status, 1);
+}
+
+TEST_F(OnTerminal, nobodyIsAskedAfterAnInterruption)
+{
+    makePicture("b.bmp");
+    writeFile(pictures() / "a.webp", theOneBefore);
+    writeFile(pictures() / "b.webp", theOneBefore);
+    start(m_process,
+        { QStringLiteral("--set"), QStringLiteral("warnBeforeOverwrite=true"),
+            QStringLiteral("a.bmp"), QStringLiteral("b.bmp") });
+    (void)shownUntil("[y/N] ");
+    type("\x03");
+    EXPECT_EQ(end(m_process).status, 1);
+    EXPECT_EQ(alsoShown().find("Replace"), std::string::npos);
 }
 
 /// Asking whether a file may be replaced.

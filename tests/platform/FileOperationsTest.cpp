@@ -69,6 +69,26 @@ TEST(IsSameFile, seesThroughLinksOfBothKinds)
     EXPECT_FALSE(isSameFile(folder / "none", folder / "none"));
 }
 
+TEST(AbsoluteByText, leadsToTheSameFileWithoutItsWaysBack)
+{
+    const TemporaryFolder folder;
+    std::filesystem::create_directories(folder / "real/deep");
+    std::filesystem::create_directory_symlink("real/deep", folder / "link");
+    writeFile(folder / "a", "where the text leads");
+    writeFile(folder / "real/a", "where the system leads");
+    std::filesystem::create_symlink("a", folder / "real/another");
+    const std::filesystem::path real = std::filesystem::canonical(folder / "real");
+    EXPECT_EQ(absoluteByText(folder / "link/../a"), real / "a");
+    EXPECT_EQ(absoluteByText(folder / "link/../another"), real / "another");
+    EXPECT_EQ(absoluteByText(folder / "link/.."), real);
+    for (const char* plain :
+        { "a", "link", "link/", "real/../a", "missing/../a", "link/../none" }) {
+        const std::filesystem::path path = folder / plain;
+        const auto byText = absoluteByText(path);
+        EXPECT_TRUE(byText == path || byText == real / "none") << plain;
+    }
+}
+
 TEST(IdentityAt, isOfTheVeryPath)
 {
     const TemporaryFolder folder;
