@@ -81,11 +81,9 @@ TEST(AbsoluteByText, leadsToTheSameFileWithoutItsWaysBack)
     EXPECT_EQ(absoluteByText(folder / "link/../a"), real / "a");
     EXPECT_EQ(absoluteByText(folder / "link/../another"), real / "another");
     EXPECT_EQ(absoluteByText(folder / "link/.."), real);
-    for (const char* plain :
-        { "a", "link", "link/", "real/../a", "missing/../a", "link/../none" }) {
-        const std::filesystem::path path = folder / plain;
-        const auto byText = absoluteByText(path);
-        EXPECT_TRUE(byText == path || byText == real / "none") << plain;
+    EXPECT_EQ(absoluteByText(folder / "link/../none"), real / "none");
+    for (const char* plain : { "a", "link", "link/", "real/../a", "missing/../a" }) {
+        EXPECT_EQ(absoluteByText(folder / plain), folder / plain);
     }
 }
 
