@@ -168,6 +168,8 @@ class Workplace:
         shutil.rmtree(scratch / "home", ignore_errors=True)
         shutil.rmtree(scratch / "temporary", ignore_errors=True)
         self.folder.mkdir()
+        # The old outputs are none of them: what is given and cannot be read is never written over.
+        self.sources = [self.folder / name for name in pictures]
         for name, content in pictures.items():
             (self.folder / name).write_bytes(content)
         for name, content in old.items():
@@ -199,7 +201,7 @@ def torture_with_ends(table, program, count, seed):
                         "warnBeforeOverwrite": "false", "resizeMode": "none"}
             place = Workplace(scratch, pictures, old)
             begin = time.monotonic()
-            run_batch(program, scratch, [place.folder], **settings)
+            run_batch(program, scratch, place.sources, **settings)
             duration = time.monotonic() - begin
             new = place.outputs()
             if any(new[name] == old[name] for name in old) or list(place.folder.glob("*.png")):
@@ -207,7 +209,7 @@ def torture_with_ends(table, program, count, seed):
             killed = 0
             while killed < count // 2:
                 place = Workplace(scratch, pictures, old)
-                process = start(program, scratch, [place.folder], settings,
+                process = start(program, scratch, place.sources, settings,
                                 stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
                 begin = time.monotonic()
                 try:
