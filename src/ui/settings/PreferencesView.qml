@@ -11,6 +11,21 @@ FocusScope {
     required property StatsPresenter stats
     property real cornerRadius: 0
 
+    // What a key has brought the focus to comes into sight, its section's title with the first of a section.
+    function showFocused() {
+        const item = Window.activeFocusItem;
+        let ancestor = item?.parent ?? null;
+        while (ancestor && ancestor !== sections)
+            ancestor = ancestor.parent;
+        if (!ancestor || item["focusReason"] === Qt.MouseFocusReason)
+            return;
+        const place = item.mapToItem(sections, 0, 0, item.width, item.height);
+        const margin = 36;
+        const y = Math.max(Math.min(page.contentY, place.top - margin), place.bottom + margin - page.height);
+        page.contentY = Math.max(0, Math.min(y, page.contentHeight - page.height));
+    }
+
+    Window.onActiveFocusItemChanged: showFocused()
     implicitHeight: 840
     implicitWidth: 620
 

@@ -57,6 +57,49 @@ PreferencesTestCase {
         test.height = 840;
     }
 
+    function test_whatAKeyReachesComesIntoSight_data() {
+        return [{tag: "Tab", modifiers: Qt.NoModifier}, {tag: "Shift and Tab", modifiers: Qt.ShiftModifier}];
+    }
+
+    function test_whatAKeyReachesComesIntoSight(row) {
+        view.totals.set(3, 2, 9000, 3000, 6000, 5000);
+        test.height = 400;
+        waitForRendering(view);
+        const page = all(item => item instanceof Flickable)[0];
+        verify(page.contentHeight > page.height);
+        const first = find("resizeModePicker");
+        first.forceActiveFocus(Qt.TabFocusReason);
+        const reached = [];
+        const places = [];
+        for (let item = first; reached.length < 40; item = view.Window.activeFocusItem) {
+            const place = item.mapToItem(page, 0, 0, item.width, item.height);
+            verify(place.top >= 4 && place.bottom <= page.height - 4, item + " from " + place.top + " to " + place.bottom);
+            reached.push(item);
+            places.push(page.contentY);
+            keyClick(Qt.Key_Tab, row.modifiers);
+            if (view.Window.activeFocusItem === first)
+                break;
+        }
+        for (const item of [first, switchNamed("Move original to Trash"), find("resetButton")])
+            verify(reached.includes(item), item);
+        compare(Math.max(...places), page.contentHeight - page.height);
+        compare(Math.min(...places), 0);
+        test.height = 840;
+    }
+
+    function test_aClickMovesNothing() {
+        test.height = 400;
+        waitForRendering(view);
+        const page = all(item => item instanceof Flickable)[0];
+        const control = switchNamed("Remove personal information and metadata");
+        page.contentY = control.mapToItem(page.contentItem, 0, 0).y + control.height - page.height;
+        const before = page.contentY;
+        mouseClick(control);
+        verify(control.activeFocus);
+        compare(page.contentY, before);
+        test.height = 840;
+    }
+
     function test_pickers_data() {
         return [
             {tag: "resizeModePicker", property: "resizeMode", choices: ["Max Width", "Max Height", "Longest Edge", "No Resize"], name: "Size"},
