@@ -45,8 +45,8 @@ Item {
 
         anchors.left: status.right
         anchors.leftMargin: 12
-        anchors.right: buttons.left
-        anchors.rightMargin: 12
+        anchors.right: buttons.visible ? buttons.left : parent.right
+        anchors.rightMargin: buttons.visible ? 12 : 14
         anchors.verticalCenter: parent.verticalCenter
         anchors.verticalCenterOffset: badges.visible ? -(badges.height + spacing) / 2 : 0
         spacing: 2
@@ -68,11 +68,13 @@ Item {
             elide: Text.ElideRight
             font: TextStyle.caption
             horizontalAlignment: Text.AlignLeft
-            maximumLineCount: 1
+            // why it failed may take the place of what only a success has
+            maximumLineCount: row.isSuccess ? 1 : 3
             objectName: "message"
             text: row.message
             textFormat: Text.PlainText
             width: parent.width
+            wrapMode: row.isSuccess ? Text.NoWrap : Text.Wrap
         }
 
         Text {

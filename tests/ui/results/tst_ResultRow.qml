@@ -43,6 +43,24 @@ ResultsTestCase {
         compare(badgesShown(row(0)), 0);
     }
 
+    function test_aLongReasonTakesTheRowsWholeWidthAndThreeLines() {
+        const reason = "Could not convert the image: the file ends in the middle of its data, which was seen after 1234 of 5678 lines had been read. ";
+        fixture.addFailure("b.jpg", reason + reason.toLowerCase());
+        waitForRendering(list);
+        const message = findChild(row(0), "message");
+        verify(message.lineCount > 1);
+        verify(!message.truncated);
+        compare(message.mapToItem(row(0), message.width, 0).x, row(0).width - 14);
+        fixture.addFailure("c.jpg", reason.repeat(20));
+        waitForRendering(list);
+        const endless = findChild(row(0), "message");
+        compare(endless.lineCount, 3);
+        verify(endless.truncated, "its end is dots");
+        const name = findChild(row(0), "fileName");
+        verify(name.mapToItem(row(0), 0, 0).y >= 2);
+        verify(endless.mapToItem(row(0), 0, endless.height).y <= 74);
+    }
+
     function test_aFailureWithAnOutputHasItsButtonsAlone() {
         fixture.addFailureWithOutput("b.jpg", "Something went wrong.");
         waitForRendering(list);
