@@ -12,6 +12,9 @@ FocusScope {
     required property StatsPresenter stats
     required property UpdatePresenter updates
     property real cornerRadius: 0
+    // The zone keeps its height as long as one row is left of the results. In a lower window it is what gives way.
+    readonly property real zoneHeight: 170
+    readonly property real heightBesideZone: column.anchors.topMargin + column.implicitHeight + column.anchors.bottomMargin - zoneHeight - (list.visible ? list.implicitHeight - list.leastHeight : 0)
 
     signal preferencesRequested
 
@@ -26,6 +29,8 @@ FocusScope {
     }
 
     ColumnLayout {
+        id: column
+
         anchors.bottomMargin: 22
         anchors.fill: parent
         anchors.leftMargin: 22
@@ -46,14 +51,16 @@ FocusScope {
 
             Layout.fillHeight: true
             Layout.fillWidth: true
-            Layout.minimumHeight: 170
-            Layout.preferredHeight: 170
+            Layout.minimumHeight: Math.min(view.zoneHeight, view.height - view.heightBesideZone)
+            Layout.preferredHeight: view.zoneHeight
             focus: true
             objectName: "zone"
             processing: view.processing
         }
 
         ResultsList {
+            id: list
+
             Layout.fillHeight: true
             Layout.fillWidth: true
             Layout.maximumHeight: implicitHeight

@@ -1,50 +1,60 @@
 import QtQuick
-import QtQuick.Layouts
 import Vellumine
 
-// A symbol, the line about what goes on, and what can be dropped, in the middle of the drop zone.
+// A symbol, the line about what goes on, and what can be dropped, in the middle of the drop zone. Where there is not room
+// for all of them, the line comes first and then what can be dropped.
 Item {
     id: content
 
     required property ProcessingPresenter processing
+    readonly property real heightOfTexts: status.implicitHeight + column.spacing + hint.implicitHeight
 
-    implicitHeight: column.implicitHeight
-    implicitWidth: column.implicitWidth
+    implicitHeight: symbol.size + column.spacing + heightOfTexts
+    implicitWidth: Math.max(symbol.size, status.implicitWidth, hint.implicitWidth)
 
-    ColumnLayout {
+    Column {
         id: column
 
-        anchors.left: parent.left
-        anchors.right: parent.right
         anchors.verticalCenter: parent.verticalCenter
         spacing: 14
+        width: parent.width
 
         SymbolImage {
-            Layout.alignment: Qt.AlignHCenter
+            id: symbol
+
+            anchors.horizontalCenter: parent.horizontalCenter
             color: KestrovaTheme.copper
             name: content.processing.symbol
             objectName: "symbol"
             size: 44
+            visible: content.implicitHeight <= content.height
         }
 
         Text {
-            Layout.fillWidth: true
+            id: status
+
             color: KestrovaTheme.cream
+            elide: Text.ElideRight
             font: TextStyle.headline
+            height: Math.min(implicitHeight, content.height)
             horizontalAlignment: Text.AlignHCenter
             objectName: "status"
             text: content.processing.statusText
             textFormat: Text.PlainText
+            width: column.width
             wrapMode: Text.Wrap
         }
 
         Text {
-            Layout.fillWidth: true
+            id: hint
+
             color: KestrovaTheme.creamMuted
             font: TextStyle.subheadline
             horizontalAlignment: Text.AlignHCenter
             objectName: "hint"
             text: content.processing.hintText
+            visible: content.heightOfTexts <= content.height
+            width: column.width
             wrapMode: Text.Wrap
         }
     }

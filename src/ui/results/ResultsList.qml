@@ -8,6 +8,8 @@ ColumnLayout {
     id: root
 
     required property ResultsListModel results
+    // with one row in sight
+    readonly property real leastHeight: implicitHeight - results.listHeight + results.rowHeight
 
     spacing: 10
     visible: results.count > 0

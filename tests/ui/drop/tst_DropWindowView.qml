@@ -45,6 +45,58 @@ DropWindowTestCase {
         verify(findChild(view, "footer").mapToItem(view, 0, 0).y < 420 - 22);
     }
 
+    function test_nothingIsOutsideALowWindowWithResults_data() {
+        return [
+            {tag: "the lowest, with settings in two lines", height: 394, symbol: false, hint: false},
+            {tag: "the lowest", height: 420, symbol: false, hint: true},
+            {tag: "low", height: 480, symbol: false, hint: true},
+            {tag: "with room for all of the zone", height: 650, symbol: true, hint: true}
+        ];
+    }
+
+    function test_nothingIsOutsideALowWindowWithResults(row) {
+        test.width = 720;
+        test.height = row.height;
+        filledList.addMany(5);
+        view.results = filledList.model;
+        waitForRendering(view);
+        const footer = findChild(view, "footer");
+        compare(footer.mapToItem(view, 0, footer.height).y, row.height - 22);
+        verify(findChild(view, "scrollingArea").height >= 76);
+        for (const [name, shown] of [["symbol", row.symbol], ["hint", row.hint], ["status", true]]) {
+            const item = findChild(zone, name);
+            compare(item.visible, shown, name);
+            const place = item.mapToItem(zone, 0, 0, item.width, item.height);
+            verify(!shown || (place.top >= 8 && place.bottom <= zone.height - 8), name);
+        }
+        compare(zone.height >= 170, row.height === 650);
+    }
+
+    function test_theBarOfALowWindowLeavesTheTextsAlone_data() {
+        return [{tag: "lowest, with settings in two lines", height: 394}, {tag: "lowest", height: 420}, {tag: "low", height: 440}, {tag: "with the hint", height: 455}, {tag: "higher", height: 480}];
+    }
+
+    function test_theBarOfALowWindowLeavesTheTextsAlone(row) {
+        test.width = 720;
+        test.height = row.height;
+        filledList.addMany(5);
+        view.results = filledList.model;
+        batches.dropPhotos(4);
+        const bar = findChild(zone, "bar");
+        tryVerify(() => bar.visible);
+        waitForRendering(view);
+        const top = bar.mapToItem(zone, 0, 0).y;
+        for (const name of ["status", "hint"]) {
+            const text = findChild(zone, name);
+            const place = text.mapToItem(zone, 0, 0, text.width, text.height);
+            verify(!text.visible || (place.top >= 4 && place.bottom < top), name + " ends at " + place.bottom + ", the bar begins at " + top);
+        }
+        const stop = findChild(zone, "stopButton");
+        verify(stop.mapToItem(zone, 0, stop.height).y <= zone.height - 2);
+        batches.letAllGo();
+        tryVerify(() => batches.presenter.statusText === "Done");
+    }
+
     function test_backgroundGradient() {
         const background = findChild(view, "background");
         compare(background.startColor, KestrovaTheme.bg);
