@@ -13,9 +13,10 @@ Rectangle {
     readonly property real sampleY: Math.round((height - presenter.displaySize.height) / 2)
     // a square corner this far inside a round one does not stand out of it
     readonly property real inset: 3
-    // the labels stand on the pictures, where those leave room
-    readonly property real labelX: Math.max(7, sampleX - inset + 8)
-    readonly property real labelY: Math.max(7, sampleY - inset + 8)
+    // The labels stand on the pictures where both find room there, else in the corners.
+    readonly property bool hasRoomForLabels: presenter.displaySize.width >= beforeLabel.width + afterLabel.width + 4 * 8 && presenter.displaySize.height >= beforeLabel.height + 2 * 8
+    readonly property real labelX: hasRoomForLabels ? Math.max(7, sampleX - inset + 8) : 7
+    readonly property real labelY: hasRoomForLabels ? Math.max(7, sampleY - inset + 8) : 7
     property bool usedByKeyboard: false
     // what a screen reader says and sets, by the names that it knows: hundredths
     property real value: 50
@@ -83,6 +84,8 @@ Rectangle {
         x: canvas.inset
 
         ReviewSideLabel {
+            id: beforeLabel
+
             text: qsTr("Before")
             x: canvas.labelX
             y: canvas.labelY
@@ -103,6 +106,8 @@ Rectangle {
         x: Math.max(canvas.splitX, canvas.inset)
 
         ReviewSideLabel {
+            id: afterLabel
+
             anchors.right: parent.right
             anchors.rightMargin: canvas.labelX
             text: qsTr("After")

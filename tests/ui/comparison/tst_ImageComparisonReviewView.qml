@@ -84,6 +84,30 @@ Item {
             compare([before.y, after.y], [canvas.labelY, canvas.labelY]);
         }
 
+        function test_bothNamesCanBeRead_data() {
+            return [
+                {tag: "a large sample", width: 720, height: 460},
+                {tag: "a sample with room for both", width: 200, height: 60},
+                {tag: "a narrow sample", width: 100, height: 300},
+                {tag: "a low sample", width: 300, height: 20},
+                {tag: "one pixel", width: 1, height: 1}
+            ];
+        }
+
+        function test_bothNamesCanBeRead(row) {
+            view.destroy();
+            fixture.makeFlat(row.width, row.height);
+            show();
+            const [before, after] = ["beforeSide", "afterSide"].map(name => {
+                const side = findChild(canvas, name);
+                const label = Array.from(side.children).find(child => child instanceof ReviewSideLabel);
+                verify(label.x >= 0 && label.x + label.width <= side.width, "not cut off");
+                return label.mapToItem(canvas, 0, 0, label.width, label.height);
+            });
+            verify(before.right < canvas.splitX && after.left > canvas.splitX);
+            verify(before.top >= 7 && before.bottom <= canvas.height - 7);
+        }
+
         function test_theSplitFollowsThePointer() {
             mouseMove(canvas, 200, 100);
             compare(fixture.presenter.split, 200 / canvas.width);
