@@ -12,10 +12,15 @@ T.Menu {
     /// The control that it opens below once it is gone.
     property T.Control nextControl
 
-    // Their leading edges stand in one line. Newer versions of Qt open no menu that still fades away.
+    // Their leading edges stand in one line. The control that it is open below closes it again. Newer versions of Qt open
+    // no menu that still fades away.
     function openBelow(control) {
         if (exit.running) {
             nextControl = control;
+            return;
+        }
+        if (visible && parent === control) {
+            close();
             return;
         }
         openedByKey = control.visualFocus ? control : null;
@@ -24,6 +29,7 @@ T.Menu {
     }
 
     cascade: false
+    closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutsideParent
     contentWidth: {
         let widest = 160;
         for (let index = 0; index < count; ++index)

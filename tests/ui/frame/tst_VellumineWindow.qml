@@ -182,6 +182,17 @@ Item {
             menu.close();
         }
 
+        function test_aSecondClickClosesTheMenu() {
+            const menu = findChild(window, "applicationMenu");
+            mouseClick(button("menuButton"));
+            tryCompare(menu, "opened", true);
+            mouseClick(button("menuButton"));
+            tryCompare(menu, "visible", false);
+            mouseClick(button("menuButton"));
+            tryCompare(menu, "opened", true);
+            menu.close();
+        }
+
         function test_keysOfTheMenu() {
             keyClick(Qt.Key_Comma, Qt.ControlModifier);
             compare(preferences.count, 1);
