@@ -7,6 +7,12 @@ T.Slider {
     id: control
 
     property bool light: false
+    readonly property real largeStep: 10 * stepSize
+
+    function moveTo(newValue) {
+        value = newValue;
+        moved();
+    }
 
     Accessible.onDecreaseAction: {
         decrease();
@@ -15,6 +21,25 @@ T.Slider {
     Accessible.onIncreaseAction: {
         increase();
         moved();
+    }
+    Keys.onPressed: event => {
+        switch (event.key) {
+        case Qt.Key_Home:
+            moveTo(from);
+            break;
+        case Qt.Key_End:
+            moveTo(to);
+            break;
+        case Qt.Key_PageUp:
+            moveTo(Math.min(value + largeStep, to));
+            break;
+        case Qt.Key_PageDown:
+            moveTo(Math.max(value - largeStep, from));
+            break;
+        default:
+            return;
+        }
+        event.accepted = true;
     }
     hoverEnabled: true
     implicitHeight: 24

@@ -8,11 +8,41 @@ ListView {
 
     required property ResultsListModel results
 
+    // As far as there are rows. What is far away is not passed on the way.
+    function moveTo(index) {
+        const row = Math.max(0, Math.min(index, count - 1));
+        positionViewAtIndex(row, ListView.Contain);
+        currentIndex = row;
+    }
+
     Accessible.name: qsTr("Results")
     Accessible.role: Accessible.List
-    Keys.onEnterPressed: results.compare(currentIndex)
-    Keys.onReturnPressed: results.compare(currentIndex)
-    Keys.onSpacePressed: results.compare(currentIndex)
+    Keys.onPressed: event => {
+        const page = Math.max(1, Math.floor(height / results.rowHeight));
+        switch (event.key) {
+        case Qt.Key_Home:
+            moveTo(0);
+            break;
+        case Qt.Key_End:
+            moveTo(count - 1);
+            break;
+        case Qt.Key_PageUp:
+            moveTo(currentIndex - page);
+            break;
+        case Qt.Key_PageDown:
+            moveTo(currentIndex + page);
+            break;
+        case Qt.Key_Enter:
+        case Qt.Key_Return:
+        case Qt.Key_Space:
+            if (!event.isAutoRepeat)
+                results.compare(currentIndex);
+            break;
+        default:
+            return;
+        }
+        event.accepted = true;
+    }
     activeFocusOnTab: true
     boundsBehavior: Flickable.StopAtBounds
     cacheBuffer: results.rowHeight

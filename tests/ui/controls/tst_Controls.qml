@@ -62,6 +62,13 @@ Item {
     }
 
     SignalSpy {
+        id: moved
+
+        signalName: "moved"
+        target: slider
+    }
+
+    SignalSpy {
         id: increased
 
         signalName: "increased"
@@ -115,6 +122,26 @@ Item {
             compare(slider.value, 51);
             slider.Accessible.decreaseAction();
             compare(slider.value, 50);
+        }
+
+        function test_sliderByKeysOfLargeSteps_data() {
+            return [
+                {tag: "Home", key: Qt.Key_Home, from: 50, to: 1},
+                {tag: "End", key: Qt.Key_End, from: 50, to: 100},
+                {tag: "Page Up", key: Qt.Key_PageUp, from: 50, to: 60},
+                {tag: "Page Down", key: Qt.Key_PageDown, from: 50, to: 40},
+                {tag: "Page Up near the end", key: Qt.Key_PageUp, from: 95, to: 100},
+                {tag: "Page Down near the start", key: Qt.Key_PageDown, from: 5, to: 1}
+            ];
+        }
+
+        function test_sliderByKeysOfLargeSteps(row) {
+            slider.value = row.from;
+            slider.forceActiveFocus(Qt.TabFocusReason);
+            moved.clear();
+            keyClick(row.key);
+            compare(slider.value, row.to);
+            compare(moved.count, 1);
         }
 
         function test_pickerIsAsWideAsItsWidestChoice() {

@@ -60,6 +60,19 @@ ResultsTestCase {
         compare(fixture.compared.length, 1);
     }
 
+    function test_keysGoFarInOneStep() {
+        fixture.addMany(2000);
+        waitForRendering(list);
+        view().forceActiveFocus(Qt.TabFocusReason);
+        const inSight = index => row(index) !== null && row(index).y >= view().contentY && row(index).y + 76 <= view().contentY + view().height;
+        const steps = [[Qt.Key_End, 1999], [Qt.Key_PageUp, 1991], [Qt.Key_PageDown, 1999], [Qt.Key_PageDown, 1999], [Qt.Key_Home, 0], [Qt.Key_PageUp, 0], [Qt.Key_PageDown, 8]];
+        for (const [key, index] of steps) {
+            keyClick(key);
+            compare(view().currentIndex, index);
+            tryVerify(() => inSight(index));
+        }
+    }
+
     function test_returnAndEnterDoWhatHasTheFocus_data() {
         return [
             {tag: "the row", tabs: 0, compared: 1, revealed: 0},
