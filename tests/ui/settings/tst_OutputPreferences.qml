@@ -51,6 +51,14 @@ PreferencesTestCase {
         compare(field.text, settings.maximumPixelsText);
     }
 
+    function test_aNumberThatIsTooLongShowsItsBeginning() {
+        const field = find("maximumField");
+        type(field, "123456789012345678");
+        find("maximumStepper").forceActiveFocus(Qt.TabFocusReason);
+        verify(field.contentWidth > field.width);
+        verify(field.positionToRectangle(0).x >= 0);
+    }
+
     function test_textThatIsNoNumberIsForgotten() {
         type(find("maximumField"), "wide");
         keyClick(Qt.Key_Return);
