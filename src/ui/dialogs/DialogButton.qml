@@ -1,21 +1,15 @@
 import QtQuick
-import QtQuick.Templates as T
 import Vellumine
 
-// A button that ends a dialog; Return presses it as well. The prominent one is the proposed answer.
-T.Button {
+// A button that ends a dialog. The prominent one is the proposed answer.
+KestrovaButton {
     id: button
 
     property bool prominent: false
     readonly property color fill: prominent ? KestrovaTheme.copper : KestrovaTheme.faded(KestrovaTheme.cream, 0.14)
 
     Accessible.defaultButton: prominent
-    Accessible.name: text
-    Accessible.onPressAction: clicked()
-    Keys.onEnterPressed: clicked()
-    Keys.onReturnPressed: clicked()
     font: TextStyle.headline
-    hoverEnabled: true
     implicitHeight: 32
     implicitWidth: Math.max(92, implicitContentWidth + leftPadding + rightPadding)
     leftPadding: 16

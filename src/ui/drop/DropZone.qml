@@ -1,15 +1,16 @@
 import QtQuick
-import QtQuick.Templates as T
 import Vellumine
 
 // Where files are dropped, and what becomes of them in one line. A click or Return asks for files instead.
-T.AbstractButton {
+KestrovaButton {
     id: zone
 
     required property ProcessingPresenter processing
     readonly property bool isTargeted: target.isTargeted
     readonly property bool isChoosing: panel.item?.visible ?? false
     readonly property real cornerRadius: 8
+    // So low that the texts have to make room for the bar.
+    readonly property bool isLow: height < 104
 
     function chooseFiles() {
         if (!panel.item)
@@ -19,13 +20,10 @@ T.AbstractButton {
 
     Accessible.description: processing.hintText
     Accessible.name: processing.statusText
-    Accessible.onPressAction: clicked()
-    Accessible.role: Accessible.Button
-    Keys.onEnterPressed: clicked()
-    Keys.onReturnPressed: clicked()
-    implicitHeight: Math.max(170, implicitContentHeight + topPadding + bottomPadding)
-    implicitWidth: implicitContentWidth + leftPadding + rightPadding
-    padding: 16
+    implicitHeight: Math.max(170, implicitContentHeight + 2 * 16)
+    bottomPadding: isLow && progress.visible ? height - progress.y - progress.height / 2 + 4 : verticalPadding
+    horizontalPadding: 16
+    verticalPadding: isLow ? 8 : 16
 
     background: Rectangle {
         color: zone.isTargeted ? KestrovaTheme.faded(KestrovaTheme.copper, 0.2) : KestrovaTheme.faded(KestrovaTheme.leatherRaised, 0.9)
@@ -61,8 +59,10 @@ T.AbstractButton {
     }
 
     BatchProgress {
+        id: progress
+
         anchors.bottom: parent.bottom
-        anchors.bottomMargin: 12
+        anchors.bottomMargin: zone.isLow ? Math.max(2, (zone.height - 44) / 4) : 12
         anchors.left: parent.left
         anchors.leftMargin: 16
         anchors.right: parent.right

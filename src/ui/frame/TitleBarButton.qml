@@ -1,19 +1,15 @@
 import QtQuick
-import QtQuick.Templates as T
 import Vellumine
 
 // A small round button of the title bar.
-T.AbstractButton {
+KestrovaButton {
     id: button
 
     required property string symbol
     property color hoverColor: KestrovaTheme.faded(KestrovaTheme.cream, 0.16)
     property color pressedColor: KestrovaTheme.faded(KestrovaTheme.cream, 0.28)
 
-    Accessible.name: text
-    Accessible.onPressAction: clicked()
-    Accessible.role: Accessible.Button
-    hoverEnabled: true
+    helpText: text
     implicitHeight: 26
     implicitWidth: 26
 
@@ -34,10 +30,5 @@ T.AbstractButton {
             name: button.symbol
             size: 14
         }
-    }
-
-    HelpText {
-        control: button
-        text: button.text
     }
 }

@@ -1,13 +1,11 @@
 import QtQuick
-import QtQuick.Templates as T
 import Vellumine
 
 // A compact button that shows one setting at a glance. With a menu it opens that, else it is `clicked`.
-T.AbstractButton {
+KestrovaButton {
     id: chip
 
     required property string systemName
-    property string helpText
     /// A KestrovaMenu, made when it is first opened.
     property Component menu: null
     /// The menu once it was opened.
@@ -15,25 +13,10 @@ T.AbstractButton {
     /// Longer texts, such as a folder's name, end in dots.
     property real maximumTextWidth: 170
 
-    function press() {
-        if (!menu) {
-            clicked();
-            return;
-        }
-        loader.active = true;
-        openMenu.openBelow(chip);
-    }
-
-    Accessible.description: helpText
-    Accessible.name: text
-    Accessible.onPressAction: press()
     Accessible.role: menu ? Accessible.ButtonMenu : Accessible.Button
     bottomPadding: 4
     font.pixelSize: 11
     font.weight: Font.DemiBold
-    hoverEnabled: true
-    implicitHeight: implicitContentHeight + topPadding + bottomPadding
-    implicitWidth: implicitContentWidth + leftPadding + rightPadding
     leftPadding: 7
     rightPadding: 7
     spacing: 4
@@ -75,14 +58,16 @@ T.AbstractButton {
     }
 
     Keys.onDownPressed: event => {
-        if (chip.menu)
-            chip.press();
+        if (menu)
+            clicked();
         else
             event.accepted = false;
     }
     onClicked: {
-        if (menu)
-            press();
+        if (!menu)
+            return;
+        loader.active = true;
+        openMenu.openBelow(chip);
     }
 
     Loader {
@@ -90,10 +75,5 @@ T.AbstractButton {
 
         active: false
         sourceComponent: chip.menu
-    }
-
-    HelpText {
-        control: chip
-        text: chip.helpText
     }
 }

@@ -1,20 +1,10 @@
 import QtQuick
-import QtQuick.Templates as T
 import Vellumine
 
 // A button without a background: what it shows is its content item. It opens or starts something.
-T.AbstractButton {
+KestrovaButton {
     id: button
 
-    property string helpText
-
-    Accessible.description: helpText
-    Accessible.name: text
-    Accessible.onPressAction: clicked()
-    Accessible.role: Accessible.Button
-    hoverEnabled: true
-    implicitHeight: implicitContentHeight + topPadding + bottomPadding
-    implicitWidth: implicitContentWidth + leftPadding + rightPadding
     opacity: down ? 0.7 : 1
     horizontalPadding: 0
     verticalPadding: 3
@@ -31,10 +21,5 @@ T.AbstractButton {
 
     HoverHandler {
         cursorShape: Qt.PointingHandCursor
-    }
-
-    HelpText {
-        control: button
-        text: button.helpText
     }
 }

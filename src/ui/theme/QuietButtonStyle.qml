@@ -1,25 +1,17 @@
 import QtQuick
-import QtQuick.Templates as T
 import Vellumine
 
 // A button that keeps in the background: a symbol, a text or both. On light cards set `light`.
-T.Button {
+KestrovaButton {
     id: button
 
     property string symbol
-    property string helpText
     property bool light: false
     readonly property color labelColor: light ? KestrovaTheme.copperStrong : KestrovaTheme.cream
     readonly property real fillOpacity: down ? 0.3 : hovered ? 0.2 : 0.12
 
-    Accessible.description: helpText === Accessible.name ? "" : helpText
-    Accessible.name: text.length > 0 ? text : helpText
-    Accessible.onPressAction: clicked()
     font.pixelSize: 13
     font.weight: Font.DemiBold
-    hoverEnabled: true
-    implicitHeight: implicitContentHeight + topPadding + bottomPadding
-    implicitWidth: implicitContentWidth + leftPadding + rightPadding
     bottomPadding: 7
     leftPadding: 10
     opacity: enabled ? 1 : 0.5
@@ -59,10 +51,5 @@ T.Button {
             text: button.text
             visible: button.text.length > 0
         }
-    }
-
-    HelpText {
-        control: button
-        text: button.helpText
     }
 }

@@ -1,24 +1,16 @@
 import QtQuick
-import QtQuick.Templates as T
 import Vellumine
 
-// A symbol in an outlined square of 30 by 30; what the row buttons have in common. Return presses it as well: what it
-// lies in has an answer of its own to that key.
-T.Button {
+// A symbol in an outlined square of 30 by 30; what the row buttons have in common.
+KestrovaButton {
     id: button
 
     property string symbol
-    property string helpText
     required property color tone
     property color symbolColor: KestrovaTheme.cream
     property real restingOpacity: 0.16
     property real pressedOpacity: 0.42
 
-    Accessible.name: text.length > 0 ? text : helpText
-    Accessible.onPressAction: clicked()
-    Keys.onEnterPressed: clicked()
-    Keys.onReturnPressed: clicked()
-    hoverEnabled: true
     implicitHeight: 30
     implicitWidth: 30
     opacity: enabled ? 1 : 0.5
@@ -41,10 +33,5 @@ T.Button {
             name: button.symbol
             size: 16
         }
-    }
-
-    HelpText {
-        control: button
-        text: button.helpText
     }
 }

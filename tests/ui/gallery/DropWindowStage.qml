@@ -25,7 +25,7 @@ DropWindow {
     }
 
     function openMenu(chip) {
-        itemNamed("chips", contentItem).chips[chip].press();
+        itemNamed("chips", contentItem).chips[chip].clicked();
     }
 
     folderPanel: questions.folderPanel

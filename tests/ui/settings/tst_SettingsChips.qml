@@ -128,6 +128,34 @@ Item {
             tryCompare(chip, "visualFocus", true);
         }
 
+        function test_aSecondClickClosesTheMenu() {
+            const chip = view.group.chips[0];
+            items(chip);
+            mouseClick(chip);
+            tryCompare(chip.openMenu, "visible", false);
+            items(chip);
+            const other = view.group.chips[1];
+            items(other);
+            tryCompare(chip.openMenu, "visible", false);
+        }
+
+        function test_returnDoesWhatAClickDoes_data() {
+            return [{tag: "Return", key: Qt.Key_Return}, {tag: "Enter", key: Qt.Key_Enter}];
+        }
+
+        function test_returnDoesWhatAClickDoes(row) {
+            const toggle = view.group.chips[4];
+            toggle.forceActiveFocus(Qt.TabFocusReason);
+            keyClick(row.key);
+            verify(!view.settings.removeMetadata);
+            const chip = view.group.chips[0];
+            chip.forceActiveFocus(Qt.TabFocusReason);
+            keyClick(row.key);
+            tryCompare(chip.openMenu, "opened", true);
+            keyClick(Qt.Key_Escape);
+            tryCompare(chip, "visualFocus", true);
+        }
+
         function test_choosingTheFormatAgainKeepsItsMark() {
             choose(view.group.chips[0], "WebP Lossy");
             const checked = items(view.group.chips[0]).filter(item => item.checked);

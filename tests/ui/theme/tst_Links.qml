@@ -67,11 +67,15 @@ Column {
             compare(browser.opened, [ProductInfo.donationUrl]);
         }
 
-        function test_linksOpenByTheKeyboard() {
+        function test_linksOpenByTheKeyboard_data() {
+            return [{tag: "Space", key: Qt.Key_Space}, {tag: "Return", key: Qt.Key_Return}, {tag: "Enter", key: Qt.Key_Enter}];
+        }
+
+        function test_linksOpenByTheKeyboard(row) {
             full.forceActiveFocus();
             coffee.forceActiveFocus(Qt.TabFocusReason);
             verify(coffee.visualFocus);
-            keyClick(Qt.Key_Space);
+            keyClick(row.key);
             compare(browser.opened.length, 1);
         }
 
