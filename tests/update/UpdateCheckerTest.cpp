@@ -124,6 +124,7 @@ TEST_F(UpdateCheck, aServerThatNeverAnswersFails)
         ASSERT_LT(impatient.timeout, patience);
         EXPECT_EQ(check(impatient), Status(Failed {}));
     }
+    EXPECT_THAT(m_server.requests(), SizeIs(1));
 }
 
 TEST_F(UpdateCheck, theTimeoutIsEightSeconds)
