@@ -28,15 +28,12 @@ bool NeededFiles::isAt(const std::filesystem::path& path) const
     }
     const auto version = platform::fileVersion(path);
     const std::scoped_lock lock(m_mutex);
-    if (const auto found = m_positions.find(*identity); found != m_positions.end()) {
-        const auto isNeeded = [&](std::size_t index) {
-            const Source& source = m_sources[index];
-            return !source.isRead
-                || (version == source.file.version && !isStillThere(source.output));
-        };
-        if (std::ranges::any_of(found->second, isNeeded)) {
-            return true;
-        }
+    const auto isNeeded = [&](std::size_t index) {
+        const Source& source = m_sources[index];
+        return !source.isRead || (version == source.file.version && !isStillThere(source.output));
+    };
+    if (std::ranges::any_of(sourcesAt(*identity), isNeeded)) {
+        return true;
     }
     const auto found = m_outputs.find(*identity);
     if (found == m_outputs.end()) {
@@ -49,11 +46,9 @@ bool NeededFiles::isAt(const std::filesystem::path& path) const
 std::vector<std::size_t> NeededFiles::unreadAt(const std::filesystem::path& path) const
 {
     std::vector<std::size_t> unread;
-    const auto identity = platform::identityAt(path);
-    const auto found = identity ? m_positions.find(*identity) : m_positions.end();
-    if (found != m_positions.end()) {
+    if (const auto identity = platform::identityAt(path)) {
         const std::scoped_lock lock(m_mutex);
-        std::ranges::copy_if(found->second, std::back_inserter(unread),
+        std::ranges::copy_if(sourcesAt(*identity), std::back_inserter(unread),
             [this](std::size_t index) { return !m_sources[index].isRead; });
     }
     return unread;
@@ -72,6 +67,13 @@ void NeededFiles::setRead(std::size_t index, const std::optional<QUrl>& output, 
         source.output = { path, version };
         m_outputs.insert_or_assign(*identity, index);
     }
+}
+
+std::span<const std::size_t> NeededFiles::sourcesAt(const platform::FileIdentity& identity) const
+{
+    const auto found = m_positions.find(identity);
+    return found != m_positions.end() ? std::span<const std::size_t>(found->second)
+                                      : std::span<const std::size_t>();
 }
 
 bool NeededFiles::isStillThere(const Standing& file)

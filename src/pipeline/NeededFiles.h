@@ -9,6 +9,7 @@
 #include <map>
 #include <mutex>
 #include <optional>
+#include <span>
 #include <vector>
 
 namespace vellumine {
@@ -46,6 +47,9 @@ private:
         bool isInTrash = false;
     };
 
+    /// The positions of the sources that stand there.
+    [[nodiscard]] std::span<const std::size_t> sourcesAt(
+        const platform::FileIdentity& identity) const;
     [[nodiscard]] static bool isStillThere(const Standing& file);
 
     mutable std::mutex m_mutex;
