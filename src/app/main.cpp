@@ -4,9 +4,11 @@
 #include "app/instance/SingleInstance.h"
 #include "app/windows/HeldKeys.h"
 #include "core/Product.h"
+#include "platform/FileDescriptor.h"
 #include "platform/FileOperations.h"
 #include "platform/FilePath.h"
 #include "platform/FileRevealer.h"
+#include "platform/TerminationSignals.h"
 #include "stats/StatsFolder.h"
 #include "ui/translation/Translations.h"
 #include "update/ProxyLookUp.h"
@@ -57,6 +59,7 @@ void openWithDesktop(const QUrl& url)
 
 int run(int argc, char** argv)
 {
+    platform::fillStandardStreams();
     // A program that we talk to and that goes away must not take this one along.
     std::signal(SIGPIPE, SIG_IGN);
     const ActivationToken token = ActivationToken::fromEnvironment();
@@ -111,6 +114,8 @@ int run(int argc, char** argv)
     QObject::connect(
         &instance, &SingleInstance::preferencesRequested, &delegate, &AppDelegate::showPreferences);
     QObject::connect(&instance, &SingleInstance::quitRequested, &delegate, quit);
+    platform::TerminationSignals signals;
+    signals.listen([&quit](int) { quit(); });
     delegate.launch(token);
     if (!files.isEmpty()) {
         delegate.process(files);

@@ -2,9 +2,6 @@
 
 #include "platform/FileError.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstdio>
 
@@ -22,16 +19,6 @@ bool StandardOutput::print(const QByteArray& text)
             platform::FileError::fromErrno(errno).text.toUtf8().constData());
     }
     return m_isWhole;
-}
-
-void fillStandardStreams()
-{
-    for (const int stream : { STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO }) {
-        if (::fcntl(stream, F_GETFD) < 0) {
-            // Takes the lowest number that is free. Writing into it fails, as it would without it.
-            ::open("/dev/null", O_RDONLY);
-        }
-    }
 }
 
 } // namespace vellumine::cli

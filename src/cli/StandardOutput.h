@@ -19,8 +19,4 @@ private:
     bool m_isWhole = true;
 };
 
-/// Puts something in the place of standard streams that the program was started without, or files
-/// that it opens would be taken for them and be written into. Before anything else is opened.
-void fillStandardStreams();
-
 } // namespace vellumine::cli

@@ -5,11 +5,12 @@
 #include "cli/Report.h"
 #include "cli/StandardOutput.h"
 #include "cli/Terminal.h"
-#include "cli/TerminationSignals.h"
 #include "confined/client/ConfinedDecoders.h"
 #include "pipeline/OverwritePrompt.h"
+#include "platform/FileDescriptor.h"
 #include "platform/FileOperations.h"
 #include "platform/FilePath.h"
+#include "platform/TerminationSignals.h"
 
 #include <QCoreApplication>
 #include <QThread>
@@ -69,7 +70,7 @@ void reportDeaths(const confined::ConfinedDecoders* confined)
     }
 }
 
-int convert(const CommandLine& line, TerminationSignals& signals)
+int convert(const CommandLine& line, platform::TerminationSignals& signals)
 {
     Report report(line.style);
     OverwritePrompt prompt([&](const QUrl& url, const OverwritePrompt::Answer& answer) {
@@ -150,12 +151,12 @@ int show(const QByteArray& text)
 
 int run(int argc, char** argv)
 {
-    fillStandardStreams();
+    platform::fillStandardStreams();
     // A reader that goes away must not end the conversions half way.
     std::signal(SIGPIPE, SIG_IGN);
     // Before the application sees them, which takes out what it thinks is its own.
     const std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
-    TerminationSignals signals;
+    platform::TerminationSignals signals;
     const QCoreApplication application(argc, argv);
     const auto line = parseCommandLine(arguments);
     if (!line) {

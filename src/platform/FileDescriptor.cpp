@@ -40,4 +40,14 @@ void FileDescriptor::reset()
     }
 }
 
+void fillStandardStreams()
+{
+    for (const int stream : { STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO }) {
+        if (::fcntl(stream, F_GETFD) < 0) {
+            // Takes the lowest number that is free. Writing into it fails, as it would without it.
+            ::open("/dev/null", O_RDONLY);
+        }
+    }
+}
+
 } // namespace vellumine::platform

@@ -45,4 +45,8 @@ private:
     int m_descriptor = -1;
 };
 
+/// Puts something in the place of standard streams that the program was started without, or files
+/// that it opens would be taken for them and be written into. Before anything else is opened.
+void fillStandardStreams();
+
 } // namespace vellumine::platform

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# The program starts, takes what a second start hands over, grows, opens its preferences, and ends.
+# The program starts, takes what a second start hands over, grows, opens its preferences, and ends, when it is told to and
+# when the system asks it to.
 # shellcheck source=tests/desktop/library.sh
 . "$(dirname "$0")/library.sh"
 
@@ -22,6 +23,15 @@ screenshot preferences
 xdotool key ctrl+q
 wait_for sh -c "! kill -0 $program"
 wait "$program" || fail "the program ended with $?"
-if compgen -G "$TMPDIR/vellumine-preview-*" >/dev/null; then
-    fail "preview samples were left behind"
-fi
+has_samples() {
+    compgen -G "$TMPDIR/vellumine-preview-*"
+}
+! has_samples || fail "preview samples were left behind"
+
+start_program
+make_pictures "$folder/others"
+hand_over others/a.png
+wait_for has_samples
+kill -TERM "$program"
+wait "$program" || fail "the program ended with $?"
+! has_samples || fail "preview samples were left behind"
