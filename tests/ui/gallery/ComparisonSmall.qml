@@ -4,6 +4,7 @@ import VellumineTest
 
 // A comparison of pictures that are smaller than the names on them.
 ComparisonWindow {
+    height: minimumHeight
     presenter: fixture.presenter
 
     Component.onCompleted: fixture.makeFlat(96, 64)
