@@ -53,11 +53,11 @@ std::string header(imaging::Size size)
         + "\nDEPTH 4\nMAXVAL 255\nTUPLTYPE RGB_ALPHA\nENDHDR\n";
 }
 
-/// Rows to write at once: as many as stay in the cache from the look at their alpha to the copy
-/// that the system makes.
+/// Rows to write at once: enough for the system to keep the file in large pieces, which costs it
+/// less than small ones, though those would still be in the cache when they are written.
 int rowsPerPiece(std::size_t rowBytes)
 {
-    constexpr std::size_t piece = std::size_t { 1 } << 18U;
+    constexpr std::size_t piece = std::size_t { 2 } << 20U;
     return static_cast<int>(std::max<std::size_t>(1, piece / rowBytes));
 }
 

@@ -78,9 +78,9 @@ TEST(WritePAM, rowsOfACropFollowEachOtherWithoutPadding)
 
 TEST(WritePAM, aPictureOfManyPiecesIsComplete)
 {
-    const auto image = test::flat({ 500, 1101 }, rgba8Premultiplied, { 0.2, 0.4, 0.6, 1.0 });
+    const auto image = test::flat({ 1500, 1101 }, rgba8Premultiplied, { 0.2, 0.4, 0.6, 1.0 });
     const std::string pam = pamOf(image);
-    const std::size_t body = std::size_t { 500 } * 1101 * 4;
+    const std::size_t body = std::size_t { 1500 } * 1101 * 4;
     ASSERT_GT(pam.size(), body);
     std::string expected;
     for (std::size_t i = 0; i < body / 4; ++i) {
@@ -115,7 +115,7 @@ private:
 TEST(WritePAM, pixelsThatAreLostOnTheWayMakeThePictureUnreadable)
 {
     const test::TemporaryFolder folder;
-    const imaging::Size size { 300, 900 }; // several pieces
+    const imaging::Size size { 900, 2400 }; // several pieces
     const Image image(size, rgba8Premultiplied, imaging::ColorSpace::sRgb(),
         std::make_shared<HalfThere>(test::gradient(size, rgba8Premultiplied)),
         imaging::Orientation::topLeft);
