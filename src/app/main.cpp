@@ -93,6 +93,8 @@ int run(int argc, char** argv)
     QObject::connect(
         &application, &QCoreApplication::aboutToQuit, &instance, &SingleInstance::leave);
 
+    // Until all is cleared up: a terminal that is closed asks twice.
+    platform::TerminationSignals signals;
     platform::DesktopFileRevealer revealer(bus, openWithDesktop);
     AppDelegate delegate({
         .models = {
@@ -114,7 +116,6 @@ int run(int argc, char** argv)
     QObject::connect(
         &instance, &SingleInstance::preferencesRequested, &delegate, &AppDelegate::showPreferences);
     QObject::connect(&instance, &SingleInstance::quitRequested, &delegate, quit);
-    platform::TerminationSignals signals;
     signals.listen([&quit](int) { quit(); });
     delegate.launch(token);
     if (!files.isEmpty()) {
