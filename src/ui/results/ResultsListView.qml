@@ -8,11 +8,22 @@ ListView {
 
     required property ResultsListModel results
 
-    // As far as there are rows. What is far away is not passed on the way.
+    function nearestRow(index) {
+        return Math.max(0, Math.min(index, count - 1));
+    }
+
+    // A button of the row before gives the focus back first: it could not stop being a stop of the Tab key.
     function moveTo(index) {
-        const row = Math.max(0, Math.min(index, count - 1));
-        positionViewAtIndex(row, ListView.Contain);
-        currentIndex = row;
+        const button = Window.activeFocusItem;
+        if (button !== list)
+            button.focus = false;
+        currentIndex = nearestRow(index);
+    }
+
+    // What is far away is not passed on the way.
+    function jumpTo(index) {
+        positionViewAtIndex(nearestRow(index), ListView.Contain);
+        moveTo(index);
     }
 
     Accessible.name: qsTr("Results")
@@ -20,17 +31,23 @@ ListView {
     Keys.onPressed: event => {
         const page = Math.max(1, Math.floor(height / results.rowHeight));
         switch (event.key) {
+        case Qt.Key_Up:
+            moveTo(currentIndex - 1);
+            break;
+        case Qt.Key_Down:
+            moveTo(currentIndex + 1);
+            break;
         case Qt.Key_Home:
-            moveTo(0);
+            jumpTo(0);
             break;
         case Qt.Key_End:
-            moveTo(count - 1);
+            jumpTo(count - 1);
             break;
         case Qt.Key_PageUp:
-            moveTo(currentIndex - page);
+            jumpTo(currentIndex - page);
             break;
         case Qt.Key_PageDown:
-            moveTo(currentIndex + page);
+            jumpTo(currentIndex + page);
             break;
         case Qt.Key_Enter:
         case Qt.Key_Return:
@@ -49,7 +66,7 @@ ListView {
     clip: true
     currentIndex: -1
     highlightMoveDuration: Motion.quick
-    keyNavigationEnabled: true
+    keyNavigationEnabled: false
     model: results
     pixelAligned: true
     objectName: "resultsView"

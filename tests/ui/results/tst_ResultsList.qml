@@ -120,6 +120,29 @@ ResultsTestCase {
             verify(!findChild(row(index), "compare").activeFocus);
     }
 
+    function test_tabLeavesTheButtonsOfARowThatIsLeft_data() {
+        return [{tag: "by the arrow", key: Qt.Key_Up}, {tag: "by Home", key: Qt.Key_Home}];
+    }
+
+    function test_tabLeavesTheButtonsOfARowThatIsLeft(data) {
+        fixture.addMany(4);
+        waitForRendering(list);
+        view().forceActiveFocus(Qt.TabFocusReason);
+        keyClick(Qt.Key_Down);
+        keyClick(Qt.Key_Tab);
+        verify(findChild(row(1), "compare").activeFocus);
+        keyClick(data.key);
+        compare(view().currentIndex, 0);
+        verify(row(0).current);
+        compare(findChild(row(1), "compare").focusPolicy, Qt.ClickFocus);
+        keyClick(Qt.Key_Tab);
+        verify(findChild(row(0), "compare").activeFocus);
+        keyClick(Qt.Key_Tab);
+        verify(findChild(row(0), "reveal").activeFocus);
+        keyClick(Qt.Key_Tab);
+        verify(!findChild(row(1), "compare").activeFocus);
+    }
+
     function test_onlyRowsInSightExist() {
         fixture.addMany(2000);
         waitForRendering(list);
