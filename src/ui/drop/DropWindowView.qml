@@ -12,9 +12,13 @@ FocusScope {
     required property StatsPresenter stats
     required property UpdatePresenter updates
     property real cornerRadius: 0
-    // The zone keeps its height as long as one row is left of the results. In a lower window it is what gives way.
+    // The zone keeps its height as long as one row is left of the results. In a lower window it is what gives way, down to
+    // one line, and then the totals.
     readonly property real zoneHeight: 170
-    readonly property real heightBesideZone: column.anchors.topMargin + column.implicitHeight + column.anchors.bottomMargin - zoneHeight - (list.visible ? list.implicitHeight - list.leastHeight : 0)
+    readonly property real leastZoneHeight: 46
+    readonly property real besideZone: column.anchors.topMargin + header.implicitHeight + (list.visible ? column.spacing + list.leastHeight : 0) + footer.implicitHeight + column.anchors.bottomMargin + 2 * column.spacing
+    readonly property real totalsHeight: column.spacing + strip.implicitHeight
+    readonly property bool hasRoomForTotals: height - besideZone - totalsHeight >= leastZoneHeight
 
     signal preferencesRequested
 
@@ -39,6 +43,8 @@ FocusScope {
         spacing: 18
 
         DropWindowHeader {
+            id: header
+
             Layout.fillWidth: true
             objectName: "header"
             settings: view.settings
@@ -51,7 +57,7 @@ FocusScope {
 
             Layout.fillHeight: true
             Layout.fillWidth: true
-            Layout.minimumHeight: Math.min(view.zoneHeight, view.height - view.heightBesideZone)
+            Layout.minimumHeight: Math.max(view.leastZoneHeight, Math.min(view.zoneHeight, view.height - view.besideZone - (view.hasRoomForTotals ? view.totalsHeight : 0)))
             Layout.preferredHeight: view.zoneHeight
             focus: true
             objectName: "zone"
@@ -69,12 +75,17 @@ FocusScope {
         }
 
         LifetimeStatsStrip {
+            id: strip
+
             Layout.fillWidth: true
             objectName: "stats"
             stats: view.stats
+            visible: view.hasRoomForTotals
         }
 
         DropWindowFooter {
+            id: footer
+
             Layout.fillWidth: true
             // so that it gets narrower than its full form
             Layout.minimumWidth: 0

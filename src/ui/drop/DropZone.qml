@@ -9,8 +9,9 @@ KestrovaButton {
     readonly property bool isTargeted: target.isTargeted
     readonly property bool isChoosing: panel.item?.visible ?? false
     readonly property real cornerRadius: 8
-    // So low that the texts have to make room for the bar.
     readonly property bool isLow: height < 104
+    // So low that the texts have to make room for the bar.
+    readonly property bool isCrowded: progress.visible && height < implicitContentHeight + 2 * 26
 
     function chooseFiles() {
         if (!panel.item)
@@ -21,7 +22,7 @@ KestrovaButton {
     Accessible.description: processing.hintText
     Accessible.name: processing.statusText
     implicitHeight: Math.max(170, implicitContentHeight + 2 * 16)
-    bottomPadding: isLow && progress.visible ? height - progress.y - progress.height / 2 + 4 : verticalPadding
+    bottomPadding: isCrowded ? height - progress.y - progress.height / 2 + 4 : verticalPadding
     horizontalPadding: 16
     verticalPadding: isLow ? 8 : 16
 

@@ -72,29 +72,44 @@ DropWindowTestCase {
         compare(zone.height >= 170, row.height === 650);
     }
 
-    function test_theBarOfALowWindowLeavesTheTextsAlone_data() {
-        return [{tag: "lowest, with settings in two lines", height: 394}, {tag: "lowest", height: 420}, {tag: "low", height: 440}, {tag: "with the hint", height: 455}, {tag: "higher", height: 480}];
-    }
-
-    function test_theBarOfALowWindowLeavesTheTextsAlone(row) {
+    function test_theBarOfALowWindowLeavesTheTextsAlone() {
         test.width = 720;
-        test.height = row.height;
         filledList.addMany(5);
         view.results = filledList.model;
         batches.dropPhotos(4);
         const bar = findChild(zone, "bar");
         tryVerify(() => bar.visible);
-        waitForRendering(view);
-        const top = bar.mapToItem(zone, 0, 0).y;
-        for (const name of ["status", "hint"]) {
-            const text = findChild(zone, name);
-            const place = text.mapToItem(zone, 0, 0, text.width, text.height);
-            verify(!text.visible || (place.top >= 4 && place.bottom < top), name + " ends at " + place.bottom + ", the bar begins at " + top);
+        for (let height = 360; height <= 560; height += 5) {
+            test.height = height;
+            waitForRendering(view);
+            verify(zone.height >= 46);
+            const top = bar.mapToItem(zone, 0, 0).y;
+            for (const name of ["symbol", "status", "hint"]) {
+                const item = findChild(zone, name);
+                const place = item.mapToItem(zone, 0, 0, item.width, item.height);
+                verify(!item.visible || (place.top >= 4 && place.bottom < top), height + ": " + name + " ends at " + place.bottom + ", the bar begins at " + top);
+            }
+            verify(findChild(zone, "status").visible);
+            const stop = findChild(zone, "stopButton");
+            verify(stop.mapToItem(zone, 0, stop.height).y <= zone.height - 2);
         }
-        const stop = findChild(zone, "stopButton");
-        verify(stop.mapToItem(zone, 0, stop.height).y <= zone.height - 2);
         batches.letAllGo();
         tryVerify(() => batches.presenter.statusText === "Done");
+    }
+
+    function test_theTotalsGiveWayWhereNotEvenOneLineOfTheZoneIsLeft() {
+        test.width = 720;
+        filledList.addMany(5);
+        view.results = filledList.model;
+        const strip = findChild(view, "stats");
+        const footer = findChild(view, "footer");
+        for (const [height, shown] of [[420, true], [384, false], [370, false], [420, true]]) {
+            test.height = height;
+            waitForRendering(view);
+            compare(strip.visible, shown);
+            verify(zone.height >= 46);
+            compare(footer.mapToItem(view, 0, footer.height).y, height - 22);
+        }
     }
 
     function test_backgroundGradient() {
