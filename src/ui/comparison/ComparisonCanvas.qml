@@ -13,8 +13,8 @@ Rectangle {
     readonly property real sampleY: Math.round((height - presenter.displaySize.height) / 2)
     // a square corner this far inside a round one does not stand out of it
     readonly property real inset: 3
-    // The labels stand on the pictures where both find room there, else in the corners.
-    readonly property bool hasRoomForLabels: presenter.displaySize.width >= beforeLabel.width + afterLabel.width + 4 * 8 && presenter.displaySize.height >= beforeLabel.height + 2 * 8
+    // The labels stand on the pictures where both find room there beside each other and above the handle, else in the corners.
+    readonly property bool hasRoomForLabels: presenter.displaySize.width >= beforeLabel.width + afterLabel.width + 4 * 8 && presenter.displaySize.height >= 2 * (8 + beforeLabel.height) + handle.height
     readonly property real labelX: hasRoomForLabels ? Math.max(7, sampleX - inset + 8) : 7
     readonly property real labelY: hasRoomForLabels ? Math.max(7, sampleY - inset + 8) : 7
     property bool usedByKeyboard: false
@@ -137,6 +137,8 @@ Rectangle {
             border.width: 2
             color: KestrovaTheme.copper
             height: 22
+            id: handle
+
             objectName: "splitHandle"
             radius: 11
             width: 22

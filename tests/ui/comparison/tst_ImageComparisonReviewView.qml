@@ -87,7 +87,8 @@ Item {
         function test_bothNamesCanBeRead_data() {
             return [
                 {tag: "a large sample", width: 720, height: 460},
-                {tag: "a sample with room for both", width: 200, height: 60},
+                {tag: "a sample with room for both", width: 200, height: 90},
+                {tag: "a strip", width: 135, height: 40},
                 {tag: "a narrow sample", width: 100, height: 300},
                 {tag: "a low sample", width: 300, height: 20},
                 {tag: "one pixel", width: 1, height: 1}
@@ -105,6 +106,9 @@ Item {
                 return label.mapToItem(canvas, 0, 0, label.width, label.height);
             });
             verify(before.right < canvas.splitX && after.left > canvas.splitX);
+            const handle = findChild(canvas, "splitHandle");
+            const top = handle.mapToItem(canvas, 0, 0).y;
+            verify(before.bottom <= top || before.right < canvas.splitX - handle.width / 2, "beside the handle or above it");
             verify(before.top >= 7 && before.bottom <= canvas.height - 7);
         }
 
