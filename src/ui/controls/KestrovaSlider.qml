@@ -7,10 +7,13 @@ T.Slider {
     id: control
 
     property bool light: false
-    readonly property real largeStep: 10 * stepSize
 
-    function moveTo(newValue) {
-        value = newValue;
+    // Step by step: a value that is assigned follows no binding any more.
+    function moveBy(steps) {
+        for (let step = 0; step < steps && value < to; ++step)
+            increase();
+        for (let step = 0; step > steps && value > from; --step)
+            decrease();
         moved();
     }
 
@@ -25,16 +28,16 @@ T.Slider {
     Keys.onPressed: event => {
         switch (event.key) {
         case Qt.Key_Home:
-            moveTo(from);
+            moveBy(-Infinity);
             break;
         case Qt.Key_End:
-            moveTo(to);
+            moveBy(Infinity);
             break;
         case Qt.Key_PageUp:
-            moveTo(Math.min(value + largeStep, to));
+            moveBy(10);
             break;
         case Qt.Key_PageDown:
-            moveTo(Math.max(value - largeStep, from));
+            moveBy(-10);
             break;
         default:
             return;

@@ -61,6 +61,12 @@ Item {
         target: toggle
     }
 
+    QtObject {
+        id: follower
+
+        property real target
+    }
+
     SignalSpy {
         id: moved
 
@@ -142,6 +148,18 @@ Item {
             keyClick(row.key);
             compare(slider.value, row.to);
             compare(moved.count, 1);
+        }
+
+        function test_sliderFollowsItsBindingAfterAnyKey() {
+            slider.forceActiveFocus(Qt.TabFocusReason);
+            for (const key of [Qt.Key_Home, Qt.Key_End, Qt.Key_PageUp, Qt.Key_PageDown, Qt.Key_Right]) {
+                follower.target = 30;
+                slider.value = Qt.binding(() => follower.target);
+                keyClick(key);
+                verify(slider.value !== 30 || key === Qt.Key_Right);
+                follower.target = 40;
+                compare(slider.value, 40);
+            }
         }
 
         function test_pickerIsAsWideAsItsWidestChoice() {
