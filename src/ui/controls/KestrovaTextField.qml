@@ -16,6 +16,12 @@ T.TextField {
         editingFinished();
     }
 
+    // Without the focus a text that is too long shows its beginning.
+    function showBeginning() {
+        if (!activeFocus)
+            cursorPosition = 0;
+    }
+
     Accessible.name: placeholderText
     color: light ? KestrovaTheme.ink : KestrovaTheme.cream
     font: TextStyle.body
@@ -38,6 +44,9 @@ T.TextField {
         color: field.light ? KestrovaTheme.lightCardRaised : KestrovaTheme.leatherDeep
         radius: 6
     }
+
+    onActiveFocusChanged: showBeginning()
+    onTextChanged: showBeginning()
 
     Text {
         anchors.fill: parent

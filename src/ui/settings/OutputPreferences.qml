@@ -47,11 +47,6 @@ PreferenceSection {
             light: true
             placeholderText: qsTr("Pixels")
 
-            // a number that is too long shows its beginning
-            onActiveFocusChanged: {
-                if (!activeFocus)
-                    cursorPosition = 0;
-            }
             onEditingFinished: commit()
             onTextEdited: isTyped = true
 

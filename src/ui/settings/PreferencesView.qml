@@ -17,7 +17,8 @@ FocusScope {
         let ancestor = item?.parent ?? null;
         while (ancestor && ancestor !== sections)
             ancestor = ancestor.parent;
-        if (!ancestor || item["focusReason"] === Qt.MouseFocusReason)
+        const byKeys = [Qt.TabFocusReason, Qt.BacktabFocusReason, Qt.ShortcutFocusReason];
+        if (!ancestor || !byKeys.includes(item["focusReason"]))
             return;
         const place = item.mapToItem(sections, 0, 0, item.width, item.height);
         const margin = 36;
@@ -86,6 +87,7 @@ FocusScope {
             clip: contentHeight > height
             contentHeight: sections.implicitHeight
             contentWidth: width
+            objectName: "page"
 
             T.ScrollBar.vertical: KestrovaScrollBar {}
 

@@ -59,6 +59,13 @@ PreferencesTestCase {
         verify(field.positionToRectangle(0).x >= 0);
     }
 
+    function test_aLongNumberThatIsStoredShowsItsBeginning() {
+        const field = find("maximumField");
+        settings.maximumPixels = 2147483647;
+        verify(field.contentWidth > field.width - field.leftPadding - field.rightPadding);
+        verify(field.positionToRectangle(0).x >= 0);
+    }
+
     function test_textThatIsNoNumberIsForgotten() {
         type(find("maximumField"), "wide");
         keyClick(Qt.Key_Return);

@@ -88,6 +88,20 @@ Item {
             compare(field.text, fixture.presenter.maximumPixelsText);
         }
 
+        function test_aWindowThatComesBackStaysWhereItWasScrolled() {
+            window.minimumHeight = 400;
+            window.height = 400;
+            field.forceActiveFocus(Qt.TabFocusReason);
+            const page = findChild(window.contentItem, "page");
+            tryVerify(() => page.contentHeight > page.height);
+            page.contentY = page.contentHeight - page.height;
+            const before = page.contentY;
+            show(other);
+            show(window);
+            verify(field.activeFocus);
+            compare(page.contentY, before);
+        }
+
         function test_textThatIsNoNumberIsForgottenWhenTheWindowGoes() {
             type(field, "wide");
             window.close();
