@@ -16,9 +16,10 @@ T.TextField {
         editingFinished();
     }
 
-    // Without the focus a text that is too long shows its beginning.
+    // Without the focus a text that is too long shows its beginning. A window that is left for another one keeps both
+    // its focus and the place in the text.
     function showBeginning() {
-        if (!activeFocus)
+        if (!focus)
             cursorPosition = 0;
     }
 
@@ -45,7 +46,7 @@ T.TextField {
         radius: 6
     }
 
-    onActiveFocusChanged: showBeginning()
+    onFocusChanged: showBeginning()
     onTextChanged: showBeginning()
 
     Text {

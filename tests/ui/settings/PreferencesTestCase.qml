@@ -46,6 +46,7 @@ TestCase {
 
     function init() {
         Motion.reducedMotion = true;
+        testCase.height = 840;
         view = createTemporaryObject(scene, testCase);
         waitForRendering(view);
     }

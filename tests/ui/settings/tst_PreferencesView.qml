@@ -54,7 +54,6 @@ PreferencesTestCase {
         test.height = 780;
         waitForRendering(view);
         verify(page.contentHeight <= page.height, page.contentHeight + " of " + page.height);
-        test.height = 840;
     }
 
     function test_whatAKeyReachesComesIntoSight_data() {
@@ -84,7 +83,6 @@ PreferencesTestCase {
             verify(reached.includes(item), item);
         compare(Math.max(...places), page.contentHeight - page.height);
         compare(Math.min(...places), 0);
-        test.height = 840;
     }
 
     function test_aClickMovesNothing() {
@@ -97,7 +95,6 @@ PreferencesTestCase {
         mouseClick(control);
         verify(control.activeFocus);
         compare(page.contentY, before);
-        test.height = 840;
     }
 
     function test_pickers_data() {

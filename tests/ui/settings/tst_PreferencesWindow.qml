@@ -102,6 +102,16 @@ Item {
             compare(page.contentY, before);
         }
 
+        function test_aWindowThatComesBackIsTypedOnInto() {
+            type(field, "12");
+            show(other);
+            show(window);
+            keyClick("8");
+            keyClick("0");
+            keyClick(Qt.Key_Return);
+            compare(fixture.presenter.maximumPixels, 1280);
+        }
+
         function test_textThatIsNoNumberIsForgottenWhenTheWindowGoes() {
             type(field, "wide");
             window.close();
