@@ -6,13 +6,17 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
 #include <csignal>
+#include <cstddef>
 #include <vector>
 
 namespace vellumine::platform {
 namespace {
 
 using ::testing::ElementsAre;
+
+constexpr std::array asking { SIGINT, SIGTERM, SIGHUP };
 
 sighandler_t actionOf(int number)
 {
@@ -21,7 +25,36 @@ sighandler_t actionOf(int number)
     return action.sa_handler;
 }
 
-TEST(TerminationSignals, areToldOfInTheirOrderByTheEventLoop)
+/// The signals as a program has them that is started from a terminal, however this one was.
+class TerminationSignalsTest : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        sigset_t theirs;
+        sigemptyset(&theirs);
+        for (std::size_t index = 0; index < asking.size(); ++index) {
+            struct sigaction usual { };
+            usual.sa_handler = SIG_DFL;
+            ASSERT_EQ(::sigaction(asking.at(index), &usual, &m_actionsBefore.at(index)), 0);
+            sigaddset(&theirs, asking.at(index));
+        }
+        ASSERT_EQ(::pthread_sigmask(SIG_UNBLOCK, &theirs, &m_maskBefore), 0);
+    }
+
+    void TearDown() override
+    {
+        ::pthread_sigmask(SIG_SETMASK, &m_maskBefore, nullptr);
+        for (std::size_t index = 0; index < asking.size(); ++index) {
+            ::sigaction(asking.at(index), &m_actionsBefore.at(index), nullptr);
+        }
+    }
+
+private:
+    std::array<struct sigaction, asking.size()> m_actionsBefore {};
+    sigset_t m_maskBefore {};
+};
+
+TEST_F(TerminationSignalsTest, areToldOfInTheirOrderByTheEventLoop)
 {
     int argumentCount = 0;
     const QCoreApplication application(argumentCount, nullptr);
@@ -36,29 +69,44 @@ TEST(TerminationSignals, areToldOfInTheirOrderByTheEventLoop)
     EXPECT_THAT(heard, ElementsAre(SIGHUP, SIGINT, SIGTERM));
 }
 
-TEST(TerminationSignals, stayIgnoredWhereTheyWere)
+TEST_F(TerminationSignalsTest, stayIgnoredWhereTheyWere)
 {
-    const sighandler_t before = std::signal(SIGHUP, SIG_IGN);
+    std::signal(SIGHUP, SIG_IGN);
     {
         const TerminationSignals signals;
         EXPECT_EQ(actionOf(SIGHUP), SIG_IGN);
         EXPECT_NE(actionOf(SIGTERM), SIG_DFL);
     }
     EXPECT_EQ(actionOf(SIGHUP), SIG_IGN);
-    std::signal(SIGHUP, before);
 }
 
-TEST(TerminationSignals, areTheSystemsAgainAfterwards)
+TEST_F(TerminationSignalsTest, areHeardWhereTheyWereHeldBack)
+{
+    int argumentCount = 0;
+    const QCoreApplication application(argumentCount, nullptr);
+    sigset_t heldBack;
+    sigemptyset(&heldBack);
+    sigaddset(&heldBack, SIGTERM);
+    ASSERT_EQ(::pthread_sigmask(SIG_BLOCK, &heldBack, nullptr), 0);
+    std::raise(SIGTERM);
+    TerminationSignals signals;
+    std::vector<int> heard;
+    signals.listen([&](int number) { heard.push_back(number); });
+    ASSERT_TRUE(test::runUntil([&] { return !heard.empty(); }));
+    EXPECT_THAT(heard, ElementsAre(SIGTERM));
+}
+
+TEST_F(TerminationSignalsTest, areTheSystemsAgainAfterwards)
 {
     {
         const TerminationSignals signals;
     }
-    for (const int number : { SIGINT, SIGTERM, SIGHUP }) {
+    for (const int number : asking) {
         EXPECT_EQ(actionOf(number), SIG_DFL);
     }
 }
 
-TEST(TerminationSignals, endProgramsThatThisOneStarts)
+TEST_F(TerminationSignalsTest, endProgramsThatThisOneStarts)
 {
     const TerminationSignals signals;
     QProcess shell;
