@@ -8,14 +8,23 @@ DropWindowTestCase {
 
     name: "DropWindowView"
 
-    ResultsFixture {
+    Component {
         id: filledList
+
+        ResultsFixture {}
     }
 
     SignalSpy {
         id: preferencesSpy
 
         signalName: "preferencesRequested"
+    }
+
+    function showResults(count) {
+        const list = createTemporaryObject(filledList, test);
+        list.addMany(count);
+        view.results = list.model;
+        return list;
     }
 
     function test_sizesOfTheLayout() {
@@ -57,8 +66,7 @@ DropWindowTestCase {
     function test_nothingIsOutsideALowWindowWithResults(row) {
         test.width = 720;
         test.height = row.height;
-        filledList.addMany(5);
-        view.results = filledList.model;
+        showResults(5);
         waitForRendering(view);
         const footer = findChild(view, "footer");
         compare(footer.mapToItem(view, 0, footer.height).y, row.height - 22);
@@ -74,8 +82,7 @@ DropWindowTestCase {
 
     function test_theBarOfALowWindowLeavesTheTextsAlone() {
         test.width = 720;
-        filledList.addMany(5);
-        view.results = filledList.model;
+        showResults(5);
         batches.dropPhotos(4);
         const bar = findChild(zone, "bar");
         tryVerify(() => bar.visible);
@@ -97,10 +104,24 @@ DropWindowTestCase {
         tryVerify(() => batches.presenter.statusText === "Done");
     }
 
+    function test_aLineThatTakesSeveralStaysInsideALowZone() {
+        test.width = 240;
+        showResults(5);
+        batches.presenter.loadDroppedFiles(["file:///notes.txt"]);
+        const status = findChild(zone, "status");
+        verify(status.lineCount > 1);
+        for (let height = 420; height >= 360; height -= 10) {
+            test.height = height;
+            waitForRendering(view);
+            const place = status.mapToItem(zone, 0, 0, status.width, status.height);
+            verify(place.top >= zone.topPadding && place.bottom <= zone.height - zone.bottomPadding, height + ": from " + place.top + " to " + place.bottom + " of " + zone.height);
+            verify(status.contentHeight <= status.height);
+        }
+    }
+
     function test_theTotalsGiveWayWhereNotEvenOneLineOfTheZoneIsLeft() {
         test.width = 720;
-        filledList.addMany(5);
-        view.results = filledList.model;
+        showResults(5);
         const strip = findChild(view, "stats");
         const footer = findChild(view, "footer");
         for (const [height, shown] of [[420, true], [384, false], [370, false], [420, true]]) {
@@ -191,8 +212,7 @@ DropWindowTestCase {
         compare(announcement.Accessible.role, Accessible.AlertMessage);
         batches.dropPhotos(2);
         tryVerify(() => batches.begun.length === 2);
-        filledList.addSuccess("photo-1.jpg", 2000000, 1500000);
-        view.results = filledList.model;
+        showResults(0).addSuccess("photo-1.jpg", 2000000, 1500000);
         batches.letAllGo();
         tryVerify(() => batches.presenter.statusText === "Done");
         compare(said, ["Scanning for images...", "Optimizing 2 images with 2 workers...", "Done. Files: 1/1, Total Saved: 500 KB, Reduction: 25.0%"]);

@@ -1,8 +1,13 @@
 import QtQuick
 import Vellumine
+import VellumineTest
 
 ResultsTestCase {
     name: "ResultsList"
+
+    SyntheticKeys {
+        id: keys
+    }
 
     function test_withoutResultsThereIsNothing() {
         verify(!list.visible);
@@ -69,7 +74,7 @@ ResultsTestCase {
         for (const [key, index] of steps) {
             keyClick(key);
             compare(view().currentIndex, index);
-            tryVerify(() => inSight(index));
+            verify(inSight(index), index + " without a journey");
         }
     }
 
@@ -91,6 +96,26 @@ ResultsTestCase {
         compare([fixture.compared.length, fixture.revealed.length], [data.compared, data.revealed]);
         keyClick(Qt.Key_Enter);
         compare([fixture.compared.length, fixture.revealed.length], [2 * data.compared, 2 * data.revealed]);
+    }
+
+    function test_returnThatIsHeldComparesOnce() {
+        fixture.addMany(2);
+        waitForRendering(list);
+        view().forceActiveFocus(Qt.TabFocusReason);
+        keys.hold(list, Qt.Key_Return, 3);
+        compare(fixture.compared.length, 1);
+        keyClick(Qt.Key_Tab);
+        keyClick(Qt.Key_Tab);
+        keys.hold(list, Qt.Key_Return, 3);
+        compare([fixture.compared.length, fixture.revealed.length], [1, 1]);
+    }
+
+    function test_anArrowThatIsHeldGoesOn() {
+        fixture.addMany(6);
+        waitForRendering(list);
+        view().forceActiveFocus(Qt.TabFocusReason);
+        keys.hold(list, Qt.Key_Down, 3);
+        compare(view().currentIndex, 4);
     }
 
     function test_returnAfterAClickOnAButtonDoesTheSameAgain() {
