@@ -31,8 +31,9 @@ AppDelegate::AppDelegate(Surroundings surroundings)
     , m_updates(m_models.updateChecker())
     , m_windowGround(palette::bg.toQColor())
     , m_comparison(std::make_unique<ImageComparisonPresenter>(m_engine,
-          ImageComparisonPresenter::Dependencies {
-              .reveal = m_reveal, .openImage = m_models.openImage() }))
+          ImageComparisonPresenter::Dependencies { .reveal = m_reveal,
+              .prepare = [this](QQuickWindow& window) { prepare(window); },
+              .openImage = m_models.openImage() }))
     , m_mainWindow([this] { return makeMainWindow(); })
     , m_preferencesWindow([this] { return makePreferencesWindow(); })
 {
@@ -167,6 +168,15 @@ void AppDelegate::applyCorners()
     }
 }
 
+void AppDelegate::prepare(QQuickWindow& window)
+{
+    applyMenuRegistrar();
+    applyCorners();
+    window.installEventFilter(&m_windowGround);
+    // By which window managers and their users' rules know it.
+    window.setProperty("_q_xcb_wm_window_role", window.objectName().toLatin1());
+}
+
 std::unique_ptr<QQuickWindow> AppDelegate::makeWindow(
     const char* type, const QVariantMap& properties)
 {
@@ -181,11 +191,7 @@ std::unique_ptr<QQuickWindow> AppDelegate::makeWindow(
     (void)made.release();
     m_engine.singletonInstance<ProductInfo*>(qmlTypeId("Vellumine", 1, 0, "ProductInfo"))
         ->setConfinementText([this] { return m_models.confinementText(); });
-    applyMenuRegistrar();
-    applyCorners();
-    window->installEventFilter(&m_windowGround);
-    // By which window managers and their users' rules know it.
-    window->setProperty("_q_xcb_wm_window_role", window->objectName().toLatin1());
+    prepare(*window);
     connect(window, SIGNAL(preferencesRequested()), this, SLOT(openPreferencesFromMenu()));
     connect(window, SIGNAL(quitRequested()), this, SLOT(quitFromMenu()));
     return std::unique_ptr<QQuickWindow>(window);

@@ -82,6 +82,8 @@ private:
         const char* type, const QVariantMap& properties);
     [[nodiscard]] std::unique_ptr<QQuickWindow> makeMainWindow();
     [[nodiscard]] std::unique_ptr<QQuickWindow> makePreferencesWindow();
+    /// Tells the desktop of a window of any kind, and it of the desktop. Before it is shown.
+    void prepare(QQuickWindow& window);
     [[nodiscard]] FolderPanelPresenter& folderPanels(FolderPanel::Window window);
     void showOverwritePrompt();
     void applyMotion();

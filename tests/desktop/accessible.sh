@@ -28,6 +28,8 @@ wait_for_outputs "$folder/pictures"
 
 ours press "Open before and after viewer"
 ours wait "Before / After Review"
+role="$(xprop -id "$(window_called Review)" WM_WINDOW_ROLE)"
+[[ "$role" == *VellumineComparisonWindow* ]] || fail "the comparison has no name"
 
 ours press "Preferences"
 ours wait "Remove personal information and metadata"

@@ -18,6 +18,8 @@ screenshot results
 
 xdotool windowactivate --sync "$window" key ctrl+comma
 wait_for window_called Preferences
+size="$(place_of "$(window_called Preferences)" | cut -d' ' -f3-)"
+expect_equal "the size of the preferences" "$size" "620 840"
 screenshot preferences
 
 xdotool key ctrl+q

@@ -78,6 +78,7 @@ void ImageComparisonPresenter::show(const ProcessingResult& result, const QUrl& 
     // QML's own signals have no C++ to name them by
     connect(window.get(), SIGNAL(preferencesRequested()), this, SIGNAL(preferencesRequested()));
     connect(window.get(), SIGNAL(quitRequested()), this, SIGNAL(quitRequested()));
+    m_dependencies.prepare(*window);
     centre(*window);
     window->show();
     window->raise();

@@ -25,6 +25,8 @@ public:
     struct Dependencies {
         /// For a result that cannot be compared: shows its output in the file manager.
         std::function<void(const QUrl& file)> reveal;
+        /// Called with each window before it is shown.
+        std::function<void(QQuickWindow& window)> prepare = [](QQuickWindow&) {};
         std::shared_ptr<platform::SecurityScope> securityScope
             = std::make_shared<platform::DesktopSecurityScope>();
         OpenImage openImage = openHere;

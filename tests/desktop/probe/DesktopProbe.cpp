@@ -25,6 +25,8 @@
 //   desktop_probe time                the server's own time, in milliseconds
 //   desktop_probe windows PID         the visible windows of the process, one a line: id, width,
 //                                     height, "screen" or "inside" for what it stands in, name
+//   desktop_probe compositor          says that it blends windows, and prints so, until it is ended;
+//                                     but blends none
 
 namespace {
 
@@ -171,6 +173,25 @@ bool comesToRest(xcb_connection_t* server, const Rectangle& place)
     return same == enough && !last.empty();
 }
 
+/// Those who blend windows are known by a selection that they have.
+int passForCompositor(xcb_connection_t* server)
+{
+    const xcb_window_t window = xcb_generate_id(server);
+    xcb_create_window(server, XCB_COPY_FROM_PARENT, window, rootWindow(server), 0, 0, 1, 1, 0,
+        XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+    const xcb_atom_t selection = atom(server, "_NET_WM_CM_S0");
+    xcb_set_selection_owner(server, window, selection, XCB_CURRENT_TIME);
+    const Answer<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
+        server, xcb_get_selection_owner(server, selection), nullptr));
+    if (!reply || reply->owner != window) {
+        return EXIT_FAILURE;
+    }
+    std::puts("blending");
+    std::fflush(stdout);
+    while (Answer<xcb_generic_event_t>(xcb_wait_for_event(server))) { }
+    return EXIT_SUCCESS;
+}
+
 int print(std::string_view what, std::vector<std::uint32_t> colors)
 {
     if (colors.empty()) {
@@ -208,6 +229,9 @@ int run(std::span<char*> arguments)
             { .id = static_cast<std::uint32_t>(std::strtoul(arguments[1], nullptr, 10)),
                 .idProperty = atom(server.get(), "_NET_WM_PID") });
         return EXIT_SUCCESS;
+    }
+    if (what == "compositor") {
+        return passForCompositor(server.get());
     }
     std::array<int, 4> numbers { 0, 0, 1, 1 };
     for (std::size_t index = 0; index < std::min(numbers.size(), arguments.size() - 1); ++index) {
