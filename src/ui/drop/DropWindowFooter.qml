@@ -39,11 +39,14 @@ Item {
 
         UpdateStatusView {
             anchors.verticalCenter: parent.verticalCenter
+            maximumWidth: footer.width - compact.implicitWidth - coffee.implicitWidth - 2 * others.spacing
             objectName: "updateStatus"
             updates: footer.updates
         }
 
         BuyMeACoffeeLink {
+            id: coffee
+
             anchors.verticalCenter: parent.verticalCenter
             objectName: "coffeeLink"
         }

@@ -1,10 +1,12 @@
 import QtQuick
 import Vellumine
 
-// Shows that a check for updates failed or found something, and nothing otherwise.
+// Shows that a check for updates failed or found something, and nothing otherwise. The name of a version is whatever the
+// maker's page says: a long one shows its beginning.
 Item {
     id: view
 
+    property real maximumWidth: Infinity
     required property UpdatePresenter updates
 
     readonly property Item shown: updates.canRetry ? retry : updates.isAvailable ? update : null
@@ -43,6 +45,8 @@ Item {
             spacing: 5
 
             SymbolImage {
+                id: sparkle
+
                 anchors.verticalCenter: parent.verticalCenter
                 color: KestrovaTheme.copperBright
                 name: "sparkle"
@@ -52,13 +56,18 @@ Item {
             Text {
                 anchors.verticalCenter: parent.verticalCenter
                 color: KestrovaTheme.copperBright
+                elide: Text.ElideRight
                 font: TextStyle.subheadlineStrong
+                maximumLineCount: 1
                 objectName: "updateLabel"
                 text: update.text
                 textFormat: Text.PlainText
+                width: Math.max(0, Math.min(implicitWidth, view.maximumWidth - update.leftPadding - update.rightPadding - sparkle.width - arrow.width - 2 * parent.spacing))
             }
 
             SymbolImage {
+                id: arrow
+
                 anchors.verticalCenter: parent.verticalCenter
                 color: KestrovaTheme.copperBright
                 name: "arrow.down.circle"
