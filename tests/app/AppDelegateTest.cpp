@@ -337,6 +337,18 @@ TEST_F(Program, aDropWhileABatchRunsBringsItsOwnQuitting)
     EXPECT_EQ(m_quits, 1);
 }
 
+TEST_F(Program, staysAfterWhatWasDroppedOnItsWindow)
+{
+    delegate().launch();
+    delegate().models().settings().setExitWhenComplete(true);
+    auto* const processing
+        = delegate().mainWindow()->property("processing").value<ProcessingPresenter*>();
+    ASSERT_NE(processing, nullptr);
+    processing->loadDroppedFiles({ brokenPicture("a.png") });
+    ASSERT_TRUE(waitForResults(1));
+    EXPECT_EQ(m_quits, 0);
+}
+
 TEST_F(Program, staysAfterABatchByDefault)
 {
     delegate().process({ brokenPicture("a.png") });

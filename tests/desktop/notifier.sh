@@ -5,6 +5,14 @@
 . "$(dirname "$0")/wayland_desktop.sh"
 
 start_desktop
+# In the place of a browser.
+mkdir "$folder/bin"
+cat >"$folder/bin/xdg-open" <<OPENER
+#!/bin/sh
+echo "\$1" >>"$folder/pages"
+OPENER
+chmod +x "$folder/bin/xdg-open"
+PATH="$folder/bin:$PATH"
 start_tray xfce4-panel
 start_compositor
 
@@ -49,6 +57,9 @@ choose() { # LABEL
 
 choose "Preferences..."
 program_says 'xdg_toplevel[@#].*set_title("Preferences")'
+choose "Kestrova Website"
+wait_for test -s "$folder/pages"
+expect_equal "the page" "$(<"$folder/pages")" "$MAKER_URL"
 choose "Quit Vellumine"
 wait_for has_ended "$program"
 wait "$program" || fail "the program ended with $?"

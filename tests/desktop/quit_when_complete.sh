@@ -1,6 +1,5 @@
 #!/usr/bin/env bash
-# With "exitWhenComplete" the program ends after the batch that was opened with it, and not before;
-# the window's own drops do not end it.
+# With "exitWhenComplete" the program ends after the batch that was opened with it, and not before.
 # shellcheck source=tests/desktop/library.sh
 . "$(dirname "$0")/library.sh"
 
