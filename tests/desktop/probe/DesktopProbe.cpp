@@ -25,8 +25,8 @@
 //   desktop_probe time                the server's own time, in milliseconds
 //   desktop_probe windows PID         the visible windows of the process, one a line: id, width,
 //                                     height, "screen" or "inside" for what it stands in, name
-//   desktop_probe compositor          says that it blends windows, and prints so, until it is ended;
-//                                     but blends none
+//   desktop_probe compositor          says that it blends windows, and prints so, until it is
+//                                     ended; but blends none
 
 namespace {
 
@@ -181,8 +181,8 @@ int passForCompositor(xcb_connection_t* server)
         XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
     const xcb_atom_t selection = atom(server, "_NET_WM_CM_S0");
     xcb_set_selection_owner(server, window, selection, XCB_CURRENT_TIME);
-    const Answer<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
-        server, xcb_get_selection_owner(server, selection), nullptr));
+    const Answer<xcb_get_selection_owner_reply_t> reply(
+        xcb_get_selection_owner_reply(server, xcb_get_selection_owner(server, selection), nullptr));
     if (!reply || reply->owner != window) {
         return EXIT_FAILURE;
     }
